@@ -29,7 +29,7 @@ bool bindHostFunctions()
     if (table.zqGetVersionOfCorvaneZQ == nullptr)
         return false;
 
-    // The version function heads the list and is looked up once more with the others.
+        // The version function heads the list and is looked up once more with the others.
 #define HOST_CALL(result, name, arguments) bind(table.name, module, #name);
 #define HOST_NAME(name) bind(table.name, module, #name);
 #include "plugin/host_function_names.inc"

@@ -70,7 +70,7 @@ static_assert(sizeof(VOIRecord) == 264);
 struct ProtocolHeader {
     std::int32_t conditionCount;
     std::uint8_t opaque4[261];
-    char name[303]; ///< Latin-1
+    char name[303];        ///< Latin-1
     std::int32_t timeUnit; ///< 1: the unit in which a one-point interval marks an event
     std::uint8_t opaque572[24];
 };
