@@ -1,0 +1,52 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# shellcheck shell=bash
+#
+# Sourced by ./run, ./test and .ci/run: installs the Debian packages that are missing.
+# The list is the file `packages` at the root.
+
+# package_names [GROUP...]: the packages without a group, and those of the groups named.
+package_names() {
+    local line group name wanted
+    while read -r line; do
+        line=${line%%#*}
+        case $line in
+        *:*)
+            group=${line%%:*}
+            name=${line#*:}
+            for wanted in "$@"; do
+                [ "$wanted" = "$group" ] && echo $name
+            done
+            ;;
+        *) [ -n "${line// /}" ] && echo $line ;;
+        esac
+    done <"$(dirname "${BASH_SOURCE[0]}")/../packages"
+    return 0
+}
+
+# install_packages [GROUP...]: nothing when all are there; else apt-get, as root or through sudo.
+install_packages() {
+    local missing=() name as_root=()
+    for name in $(package_names "$@"); do
+        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' ||
+            missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [TARGET]: configures and builds into build/PRESET with all cores.
+build() {
+    # Equal sources in two checkouts share their compiler results.
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+    cmake --preset "$1" >"build-$1.log" 2>&1 || {
+        cat "build-$1.log"
+        rm -f "build-$1.log"
+        return 1
+    }
+    rm -f "build-$1.log"
+    cmake --build --preset "$1" ${2:+--target "$2"} --parallel
+}
