@@ -9,8 +9,9 @@
 namespace corvane
 {
 
-InputFile::InputFile(const QString &path) : m_file(path)
+void openInput(QFile &file)
 {
+    const QString path = file.fileName();
     const QString place = QStringLiteral("opening");
     const QString expected = QStringLiteral("a readable file");
     if (path.isEmpty())
@@ -22,9 +23,13 @@ InputFile::InputFile(const QString &path) : m_file(path)
     // A pipe or device would block or never end.
     if (info.exists() && !info.isFile())
         throw InputError(path, place, QStringLiteral("something that is no plain file"), expected);
-    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        throw InputError(path, place, m_file.errorString(), expected);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        throw InputError(path, place, file.errorString(), expected);
+}
 
+InputFile::InputFile(const QString &path) : m_file(path)
+{
+    openInput(m_file);
     m_size = m_file.size();
     if (m_size == 0)
         return;

@@ -7,14 +7,17 @@
 namespace corvane
 {
 
+/// Opens a regular file for reading, without a buffer. Throws InputError when there is no such file,
+/// when it is a folder or a device, and when it may not be read.
+void openInput(QFile &file);
+
 /// A regular file, open for reading and mapped into memory as a whole. Nothing is read until it is
 /// looked at. The mapping is private: writing through a pointer into it changes memory, never the
 /// file. It must not be shortened by someone else while it is mapped.
 class InputFile
 {
 public:
-    /// Throws InputError when there is no such file, when it is a directory or a device, and when
-    /// it may not be read. An empty file opens, with a null data().
+    /// Throws InputError as openInput does. An empty file opens, with a null data().
     explicit InputFile(const QString &path);
 
     InputFile(const InputFile &) = delete;
