@@ -79,6 +79,16 @@ QString printable(const QByteArray &bytes, int longest)
     return shown;
 }
 
+QString quoted(const QString &text, int longest)
+{
+    return QLatin1Char('"') + printable(text, longest) + QLatin1Char('"');
+}
+
+QString quoted(const QByteArray &bytes, int longest)
+{
+    return QLatin1Char('"') + printable(bytes, longest) + QLatin1Char('"');
+}
+
 InputError::InputError(const QString &file, const QString &place, const QString &found,
                        const QString &expected)
     : std::runtime_error(QStringLiteral("%1: %2: found %3, expected %4")

@@ -23,4 +23,8 @@ QString printable(const QString &text, int longest = 80);
 /// Likewise for bytes, read as UTF-8; bytes that are none show as "\xNN".
 QString printable(const QByteArray &bytes, int longest = 80);
 
+/// The same between double quotation marks.
+QString quoted(const QString &text, int longest = 80);
+QString quoted(const QByteArray &bytes, int longest = 80);
+
 } // namespace corvane

@@ -7,8 +7,8 @@
 namespace corvane
 {
 
-/// Opens a regular file for reading, without a buffer. Throws InputError when there is no such file,
-/// when it is a folder or a device, and when it may not be read.
+/// Opens a regular file for reading, without a buffer. Throws InputError when there is no such
+/// file, when it is a folder or a device, and when it may not be read.
 void openInput(QFile &file);
 
 /// A regular file, open for reading and mapped into memory as a whole. Nothing is read until it is

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands.h"
+#include "host/compute.h"
+#include "host/compute_files.h"
+
+#include <QCommandLineParser>
+#include <QLoggingCategory>
+
+#include <cstdio>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// Position of an option's value among the values it may take.
+int chosen(const QCommandLineParser &parser, const QString &option, const QStringList &choices)
+{
+    const QString value = parser.value(option);
+    const int position = choices.indexOf(value);
+    if (position < 0) {
+        throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
+                             .arg(option, value, choices.join(QStringLiteral(", "))));
+    }
+    return position;
+}
+
+/// The seeds of "all" or of a list of numbers: empty for all.
+QVector<int> seeds(const QString &text)
+{
+    QVector<int> numbers;
+    if (text == QLatin1String("all"))
+        return numbers;
+    const QStringList parts = text.split(QLatin1Char(','));
+    for (const QString &part : parts) {
+        bool isNumber = false;
+        const int number = part.trimmed().toInt(&isNumber);
+        if (!isNumber || number < 0) {
+            throw UsageError(QStringLiteral("--seeds: found \"%1\", expected all, or VOI numbers "
+                                            "from 0 with commas between them")
+                                 .arg(text));
+        }
+        numbers.append(number);
+    }
+    return numbers;
+}
+
+ComputeRequest requestOf(const QCommandLineParser &parser)
+{
+    ComputeRequest request;
+    request.anatomy = requiredValue(parser, QStringLiteral("anatomy"));
+    request.vtc = requiredValue(parser, QStringLiteral("vtc"));
+    request.voi = requiredValue(parser, QStringLiteral("voi"));
+    request.prt = parser.value(QStringLiteral("prt"));
+    request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
+    request.seeds = seeds(parser.value(QStringLiteral("seeds")));
+    request.measure =
+        1 + chosen(parser, QStringLiteral("measure"),
+                   {QStringLiteral("correlation"), QStringLiteral("partial-correlation")});
+    request.matrixValues = chosen(
+        parser, QStringLiteral("values"),
+        {QStringLiteral("absolute"), QStringLiteral("positive"), QStringLiteral("negative")});
+    request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
+    return request;
+}
+
+} // namespace
+
+int runCompute(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Computes the connectivity of one subject and writes its tables into a folder."));
+    const auto file = QStringLiteral("file");
+    parser.addOptions({
+        {QStringLiteral("anatomy"), QStringLiteral("The anatomical volume."), file},
+        {QStringLiteral("vtc"), QStringLiteral("The volume time course."), file},
+        {QStringLiteral("voi"), QStringLiteral("The volumes of interest."), file},
+        {QStringLiteral("prt"),
+         QStringLiteral("The protocol, instead of the one that the VTC names."), file},
+        {QStringLiteral("use-protocol"),
+         QStringLiteral("One matrix per protocol interval instead of one for the run.")},
+        {QStringLiteral("seeds"),
+         QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0."),
+         QStringLiteral("all|0,3,5"), QStringLiteral("all")},
+        {QStringLiteral("measure"), QStringLiteral("The connectivity measure."),
+         QStringLiteral("correlation|partial-correlation"), QStringLiteral("correlation")},
+        {QStringLiteral("values"), QStringLiteral("Which signs stay."),
+         QStringLiteral("absolute|positive|negative"), QStringLiteral("absolute")},
+        {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
+        {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
+         QStringLiteral("folder")},
+    });
+    if (!parseArguments(parser, arguments))
+        return Done;
+
+    // The plugin's debug lines are for a log file, not for the command line.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    const ComputeRequest request = requestOf(parser);
+    const QString folder = requiredValue(parser, QStringLiteral("out"));
+    const ComputeResult result = compute(request);
+    writeComputeFiles(folder, request, result);
+    for (const QString &warning : result.warnings)
+        std::fprintf(stderr, "%s\n", warning.toUtf8().constData());
+    std::printf("%s: %d nodes, %d volumes, %d %s\n", folder.toUtf8().constData(),
+                static_cast<int>(result.nodes.size()), static_cast<int>(result.timeseries.cols()),
+                static_cast<int>(result.slices.size()),
+                result.slices.size() == 1 ? "matrix" : "matrices");
+    return Done;
+}
+
+} // namespace corvane

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dataset/subject.h"
+
+#include <Eigen/Core>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <vector>
+
+/// @file
+/// The plugin's compute of one subject without its windows: through the host's function table and
+/// the plugin's own functions, step by step as the main dialog does it.
+
+namespace corvane
+{
+
+struct ComputeRequest {
+    QString anatomy;
+    QString vtc;
+    QString voi;
+    QString prt; ///< empty: only the protocol that the VTC names
+    bool useProtocol = false;
+    QVector<int> seeds; ///< empty: all VOIs
+    int measure = 1;    ///< as in Subject
+    int matrixValues = 0;
+    bool computeMst = true;
+};
+
+/// One node: a chosen VOI.
+struct ComputedNode {
+    int voi; ///< its number in the VOI file, from 0
+    QString name;
+    int voxels;
+};
+
+/// What belongs to one slice of the result.
+struct ComputedSlice {
+    QString condition; ///< empty without protocol
+    bool event = false;
+    Eigen::MatrixXf connectivity; ///< after both treatment passes
+    Eigen::MatrixXf mst;          ///< weights of the tree, empty when not asked for
+};
+
+struct ComputeResult {
+    std::vector<ComputedNode> nodes;
+    Eigen::MatrixXf timeseries; ///< nodes x volumes
+    std::vector<ComputedSlice> slices;
+    double repetitionTime = 0; ///< seconds
+    QString vtcChecksum;       ///< as its header has it
+    QString protocolFile;      ///< the one in use, empty without
+    QStringList warnings;      ///< what the host and the plugin said while it went on
+};
+
+/// Loads and computes. Throws InputError when a file cannot be used, a seed does not exist, or a
+/// protocol is wanted where there is none.
+ComputeResult compute(const ComputeRequest &request);
+
+} // namespace corvane
