@@ -17,6 +17,12 @@ namespace
 
 namespace fs = std::filesystem;
 
+/// A path that ends in a separator names a folder; one with a zero in it would be cut there.
+bool names_a_file(const std::string &path)
+{
+    return path.find('\0') == std::string::npos && fs::u8path(path).has_filename();
+}
+
 bool ends_in_csv(const std::string &path)
 {
     constexpr std::string_view ending = ".csv";
@@ -108,7 +114,8 @@ inline namespace NODALIS_ABI
 bool to_csv(const Eigen::MatrixXf &matrix, const std::string &path)
 {
     try {
-        return write_atomically(matrix, fs::u8path(ends_in_csv(path) ? path : path + ".csv"));
+        return names_a_file(path) &&
+               write_atomically(matrix, fs::u8path(ends_in_csv(path) ? path : path + ".csv"));
     } catch (const std::exception &) {
         return false;
     }

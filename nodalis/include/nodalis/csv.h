@@ -20,7 +20,8 @@ inline namespace NODALIS_ABI
 /// without columns are empty lines.
 ///
 /// \param path UTF-8, on every system. ".csv" is added unless the path ends so already, in any
-///        case of letters. A relative path starts at the current directory.
+///        case of letters. A relative path starts at the current directory. A path without a file
+///        name is refused.
 ///
 /// The file appears as a whole or not at all: the text goes to a temporary file beside it, which
 /// is then renamed. An existing file is replaced and hands its permissions to the new one; if
