@@ -24,9 +24,10 @@ public:
 
 /// Parses the arguments of a subcommand. Adds the help option; returns false when it was given and
 /// the help has been written to standard output. Throws UsageError for unknown options, for options
-/// without their value, and for plain arguments beyond the positional ones that are declared with
-/// the parser.
-bool parseArguments(QCommandLineParser &parser, const QStringList &arguments);
+/// without their value, and when there are more or fewer than `plainArguments` arguments that are
+/// no options.
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
+                    int plainArguments = 0);
 
 /// The value of an option that must be given. Throws UsageError.
 QString requiredValue(const QCommandLineParser &parser, const QString &option);

@@ -70,6 +70,8 @@ private:
         VMRHeader header;
     };
 
+    const Document *currentVmrDocument() const;
+    void unlinkVtc();
     bool exists(int position) const { return position >= 0 && position < documentCount(); }
 
     AnatomyOpener m_anatomyOpener;

@@ -1,0 +1,28 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# corvane_export_host_functions(target)
+#
+# Makes an executable export exactly the host's functions for plugins, as they stand in
+# plugin/host_function_names.inc, and nothing else: names that come in with libraries stay in.
+# The executable links corvane_core, where the functions are.
+
+function(corvane_export_host_functions target)
+    set(list ${PROJECT_SOURCE_DIR}/plugin/host_function_names.inc)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+    file(STRINGS ${list} calls REGEX "^HOST_CALL\\(")
+    set(script "{\nglobal:\n")
+    foreach(call ${calls})
+        string(REGEX MATCH "zq[A-Za-z]+" name "${call}")
+        string(APPEND script "    ${name};\n")
+        # Nothing in the program calls them, so that they must be asked for.
+        target_link_options(${target} PRIVATE "LINKER:--undefined=${name}")
+    endforeach()
+    string(APPEND script "local:\n    *;\n};\n")
+
+    if(NOT WIN32) # there, dllexport alone decides
+        set(map ${CMAKE_CURRENT_BINARY_DIR}/${target}_exports.map)
+        file(CONFIGURE OUTPUT ${map} CONTENT "${script}" @ONLY)
+        set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+        set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${map})
+    endif()
+endfunction()

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands.h"
+#include "host/host_version.h"
+#include "host/input_error.h"
+
+#include <QCoreApplication>
+#include <QTextCodec>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <new>
+#include <vector>
+
+namespace corvane
+{
+
+namespace
+{
+
+struct Command {
+    const char *name;
+    int (*run)(const QStringList &arguments);
+    const char *usage;
+};
+
+/// The commands of this build.
+const std::vector<Command> &commands()
+{
+    static const std::vector<Command> all{
+#ifdef CORVANE_COMMAND_EXAMPLE
+        {"example", runExample, R"(  Corvane example DIR
+      Writes the example dataset and imports it.
+)"},
+#endif
+#ifdef CORVANE_COMMAND_IMPORT
+        {"import", runImport,
+         R"(  Corvane import --anatomy F --functional F [--atlas F [--labels F]] [--events F]
+                 [--resolution N] [--tr SECONDS] [--voi-grid functional|anatomy]
+                 [--name NAME] --out DIR
+      Makes .vmr, .vtc, .voi and .prt files from NIfTI, NRRD and TSV files.
+)"},
+#endif
+#ifdef CORVANE_COMMAND_COMPUTE
+        {"compute", runCompute,
+         R"(  Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
+                  [--seeds all|0,3,5] [--measure correlation|partial-correlation]
+                  [--values absolute|positive|negative] [--no-mst] --out DIR
+      Computes connectivity, spanning trees and graph measures.
+)"},
+#endif
+#ifdef CORVANE_COMMAND_GRAPH
+        {"graph", runGraph, R"(  Corvane graph MATRIX.csv [--mst] --out DIR
+      Computes the graph measures of a matrix.
+)"},
+#endif
+    };
+    return all;
+}
+
+QByteArray usage()
+{
+    QByteArray text = "Usage:\n";
+    for (const Command &command : commands())
+        text += command.usage;
+    return text + "  Corvane COMMAND --help\n"
+                  "      Tells all options of a command.\n"
+                  "  Corvane --help | --version\n"
+                  "\n"
+                  "Exit status: 0 done, 1 the input is bad, 2 wrong usage.\n";
+}
+
+void print(std::FILE *stream, const QByteArray &text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
+}
+
+/// One line on standard error, whatever the message holds.
+void printError(const QString &command, const char *message)
+{
+    constexpr int longest = 8192;
+    const QString prefix = command.isEmpty() ? QString() : QLatin1Char(' ') + command;
+    print(stderr, QStringLiteral("Corvane%1: %2\n")
+                      .arg(prefix, printable(QString::fromUtf8(message), longest))
+                      .toUtf8());
+}
+
+int runCommand(const QStringList &arguments)
+{
+    const auto found =
+        std::find_if(commands().begin(), commands().end(), [&](const Command &command) {
+            return arguments.front() == QLatin1String(command.name);
+        });
+    if (found == commands().end())
+        throw UsageError(QStringLiteral("unknown command ") + quoted(arguments.front()) +
+                         QStringLiteral(", see Corvane --help"));
+    try {
+        return found->run(arguments);
+    } catch (const UsageError &error) {
+        printError(arguments.front(), error.what());
+        return WrongUsage;
+    }
+}
+
+int run(const QStringList &arguments)
+{
+    if (arguments.isEmpty()) {
+        print(stderr, usage());
+        return WrongUsage;
+    }
+    const QString &first = arguments.front();
+    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+        print(stdout, usage());
+        return Done;
+    }
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        print(stdout, QStringLiteral("Corvane %1.%2.%3 (Tessera %4)\n")
+                          .arg(hostVersion[0])
+                          .arg(hostVersion[1])
+                          .arg(hostVersion[2])
+                          .arg(QStringLiteral(TESSERA_VERSION))
+                          .toUtf8());
+        return Done;
+    }
+    return runCommand(arguments);
+}
+
+/// Whatever goes wrong ends as one line and an exit status.
+int guardedRun(const QStringList &arguments)
+{
+    try {
+        return run(arguments);
+    } catch (const UsageError &error) {
+        printError({}, error.what());
+        return WrongUsage;
+    } catch (const std::bad_alloc &) {
+        // Without the help of anything that might ask for memory again.
+        std::fputs("Corvane: there is not enough memory for this\n", stderr);
+    } catch (const std::exception &error) {
+        printError({}, error.what());
+    } catch (...) {
+        printError({}, "an error that does not say what it is");
+    }
+    return BadInput;
+}
+
+} // namespace
+
+} // namespace corvane
+
+int main(int argc, char **argv)
+{
+#ifndef Q_OS_WIN
+    // Paths and arguments are UTF-8, also where the user's locale says otherwise.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+#endif
+#ifdef SIGXFSZ
+    // A file that may not grow is an error of writing, not the end of the process.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+    QCoreApplication application(argc, argv);
+    return corvane::guardedRun(QCoreApplication::arguments().mid(1));
+}
