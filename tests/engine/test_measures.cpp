@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/measures.h"
+
+#include <Eigen/LU>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace
+{
+
+Eigen::MatrixXf randomSeries(int nodes, int volumes, float mean, unsigned seed)
+{
+    std::mt19937 generator(seed);
+    std::normal_distribution<float> noise(0.0f, 10.0f);
+    Eigen::MatrixXf series(nodes, volumes);
+    for (int t = 0; t < volumes; ++t) {
+        const float shared = noise(generator);
+        for (int n = 0; n < nodes; ++n)
+            series(n, t) = mean + shared + noise(generator);
+    }
+    return series;
+}
+
+/// Textbook correlation in double precision.
+double pearson(const Eigen::MatrixXf &series, int a, int b)
+{
+    const Eigen::ArrayXd x = series.row(a).cast<double>().transpose().array();
+    const Eigen::ArrayXd y = series.row(b).cast<double>().transpose().array();
+    const Eigen::ArrayXd dx = x - x.mean();
+    const Eigen::ArrayXd dy = y - y.mean();
+    return (dx * dy).sum() / std::sqrt(dx.square().sum() * dy.square().sum());
+}
+
+bool allNaN(const Eigen::MatrixXf &matrix)
+{
+    return matrix.array().isNaN().all();
+}
+
+TEST(CorrelationMatrix, IsTheTextbookCorrelation)
+{
+    const Eigen::MatrixXf series = randomSeries(10, 121, 1000.0f, 1);
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    ASSERT_EQ(r.rows(), 10);
+    ASSERT_EQ(r.cols(), 10);
+    for (int a = 0; a < 10; ++a) {
+        for (int b = 0; b < 10; ++b)
+            EXPECT_NEAR(r(a, b), pearson(series, a, b), 1e-5) << a << "," << b;
+    }
+}
+
+TEST(CorrelationMatrix, DividesByTheNumberOfVolumesAndItsPopulationDeviations)
+{
+    // With a divisor of T - 1 in one place only, a series of two volumes would be off by 2.
+    Eigen::MatrixXf series(2, 2);
+    series << 1.0f, 3.0f, 2.0f, -2.0f;
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    EXPECT_FLOAT_EQ(r(0, 0), 1.0f);
+    EXPECT_FLOAT_EQ(r(0, 1), -1.0f);
+    EXPECT_FLOAT_EQ(r(1, 0), -1.0f);
+}
+
+/// The settled form of one entry, step by step, with the library's power function called through a
+/// pointer that the compiler cannot see through.
+float settledEntry(const Eigen::MatrixXf &series, int a, int b)
+{
+    float (*volatile power)(float, float) = powf;
+    const Eigen::ArrayXf x = series.row(a).transpose().array();
+    const Eigen::ArrayXf y = series.row(b).transpose().array();
+    const auto count = static_cast<float>(x.size());
+    const Eigen::ArrayXf dx = x - x.sum() / count;
+    const Eigen::ArrayXf dy = y - y.sum() / count;
+    const auto deviation = [&](const Eigen::ArrayXf &d) {
+        Eigen::ArrayXf squares(d.size());
+        for (Eigen::Index t = 0; t < d.size(); ++t)
+            squares(t) = power(d(t), 2.0f);
+        return sqrtf(squares.sum() / count - power(d.sum() / count, 2.0f));
+    };
+    return (dx * dy).sum() / (count * deviation(dx) * deviation(dy));
+}
+
+TEST(CorrelationMatrix, KeepsItsSettledForm)
+{
+    const Eigen::MatrixXf series = randomSeries(12, 200, 500.0f, 2);
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    for (int a = 0; a < 12; ++a) {
+        // The order of additions inside a reduction is free, so the last bits are.
+        for (int b = 0; b < 12; ++b)
+            EXPECT_NEAR(r(a, b), settledEntry(series, a, b), 5e-7f) << a << "," << b;
+        EXPECT_NEAR(r(a, a), 1.0f, 1e-5f);
+    }
+}
+
+TEST(CorrelationMatrix, OfNoNodesIsEmptyWithAndWithoutVolumes)
+{
+    EXPECT_EQ(correlationMatrix(Eigen::MatrixXf(0, 100)).size(), 0);
+    EXPECT_EQ(correlationMatrix(Eigen::MatrixXf(0, 0)).size(), 0);
+    EXPECT_EQ(partialCorrelationMatrix(Eigen::MatrixXf(0, 100)).size(), 0);
+    EXPECT_EQ(partialCorrelationMatrix(Eigen::MatrixXf(0, 0)).size(), 0);
+}
+
+TEST(CorrelationMatrix, OfOneNodeIsOne)
+{
+    const Eigen::MatrixXf r = correlationMatrix(randomSeries(1, 50, 0.0f, 3));
+    ASSERT_EQ(r.size(), 1);
+    EXPECT_NEAR(r(0, 0), 1.0f, 1e-6f);
+}
+
+TEST(CorrelationMatrix, OfBlockWithoutVolumesIsNaN)
+{
+    const Eigen::MatrixXf r = correlationMatrix(Eigen::MatrixXf(3, 0));
+    ASSERT_EQ(r.rows(), 3);
+    ASSERT_EQ(r.cols(), 3);
+    EXPECT_TRUE(allNaN(r));
+    EXPECT_TRUE(allNaN(partialCorrelationMatrix(Eigen::MatrixXf(3, 0))));
+}
+
+TEST(CorrelationMatrix, OfOneVolumeIsNaN)
+{
+    EXPECT_TRUE(allNaN(correlationMatrix(randomSeries(3, 1, 0.0f, 4))));
+}
+
+TEST(CorrelationMatrix, OfIdenticalRowsIsOneAndOfNegatedRowsMinusOne)
+{
+    Eigen::MatrixXf series = randomSeries(3, 60, 10.0f, 5);
+    series.row(1) = series.row(0);
+    series.row(2) = -series.row(0);
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    EXPECT_NEAR(r(0, 1), 1.0f, 1e-6f);
+    EXPECT_NEAR(r(0, 2), -1.0f, 1e-6f);
+    EXPECT_NEAR(r(2, 1), -1.0f, 1e-6f);
+}
+
+TEST(CorrelationMatrix, OfConstantRowIsCrossOfNaN)
+{
+    Eigen::MatrixXf series = randomSeries(4, 64, 0.0f, 6);
+    series.row(2).setConstant(8.0f);
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    for (int a = 0; a < 4; ++a) {
+        for (int b = 0; b < 4; ++b)
+            EXPECT_EQ(std::isnan(r(a, b)), a == 2 || b == 2) << a << "," << b;
+    }
+    EXPECT_TRUE(allNaN(partialCorrelationMatrix(series)));
+}
+
+TEST(CorrelationMatrix, LeavesItsArgumentAlone)
+{
+    const Eigen::MatrixXf series = randomSeries(4, 30, 3.0f, 7);
+    const Eigen::MatrixXf before = series;
+    correlationMatrix(series);
+    partialCorrelationMatrix(series);
+    EXPECT_EQ(series, before);
+}
+
+TEST(PartialCorrelationMatrix, IsItsFormulaInDoublePrecision)
+{
+    const Eigen::MatrixXf series = randomSeries(8, 121, 1000.0f, 8);
+    const Eigen::MatrixXf r = partialCorrelationMatrix(series);
+    Eigen::MatrixXd c(8, 8);
+    for (int a = 0; a < 8; ++a) {
+        for (int b = 0; b < 8; ++b)
+            c(a, b) = pearson(series, a, b);
+    }
+    const Eigen::MatrixXd p = c.inverse();
+    for (int i = 0; i < 8; ++i) {
+        for (int j = 0; j < 8; ++j) {
+            const double expected = -(p(i, j) / std::sqrt(p(i, i) * c(j, j)));
+            EXPECT_NEAR(r(i, j), expected, 1e-4 * std::max(1.0, std::abs(expected)));
+        }
+    }
+}
+
+TEST(PartialCorrelationMatrix, DividesByTheDiagonalOfTheCorrelation)
+{
+    const Eigen::MatrixXf series = randomSeries(3, 80, 0.0f, 9);
+    const Eigen::MatrixXf c = correlationMatrix(series);
+    const Eigen::MatrixXf p = c.inverse();
+    const Eigen::MatrixXf r = partialCorrelationMatrix(series);
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            EXPECT_EQ(r(i, j), -(p(i, j) / sqrtf(p(i, i) * c(j, j))));
+        EXPECT_LT(r(i, i), -0.99f);
+    }
+    EXPECT_NE(r(0, 1), r(1, 0));
+    EXPECT_NE(r(0, 2), r(2, 0));
+}
+
+TEST(PartialCorrelationMatrix, OfOneNodeIsAboutMinusOne)
+{
+    const Eigen::MatrixXf r = partialCorrelationMatrix(randomSeries(1, 50, 0.0f, 10));
+    ASSERT_EQ(r.size(), 1);
+    EXPECT_NEAR(r(0, 0), -1.0f, 1e-5f);
+}
+
+TEST(PartialCorrelationMatrix, InvertsSingularMatrixWithoutComplaint)
+{
+    Eigen::MatrixXf series = randomSeries(3, 40, 0.0f, 11);
+    series.row(1) = series.row(0);
+    const Eigen::MatrixXf r = partialCorrelationMatrix(series);
+    ASSERT_EQ(r.rows(), 3);
+    const bool huge = !r.allFinite() || r.cwiseAbs().maxCoeff() > 100.0f;
+    EXPECT_TRUE(huge) << r;
+}
+
+TEST(MeasureFunction, HoldsEither)
+{
+    const Eigen::MatrixXf series = randomSeries(3, 20, 0.0f, 12);
+    const MeasureFunction correlation = correlationMatrix;
+    const MeasureFunction partial = partialCorrelationMatrix;
+    EXPECT_EQ(correlation(series), correlationMatrix(series));
+    EXPECT_EQ(partial(series), partialCorrelationMatrix(series));
+}
+
+} // namespace
