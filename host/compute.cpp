@@ -148,7 +148,7 @@ std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::Ma
         nodalis::treatment(matrix);
     }
     const SpanningTrees trees =
-        subject.computeMst() ? minimumSpanningTrees(matrices) : SpanningTrees{};
+        subject.computeMst() ? spanningTrees(matrices) : SpanningTrees{};
 
     const QStringList names = subject.protocol().volumeNames.values();
     const QList<int> events = subject.protocol().volumeEvents.values();
@@ -161,7 +161,7 @@ std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::Ma
         }
         slice.connectivity = std::move(matrices[i]);
         if (subject.computeMst())
-            slice.mst = trees.matrices[i];
+            slice.mst = trees.weights[i];
         slices.push_back(std::move(slice));
     }
     return slices;
