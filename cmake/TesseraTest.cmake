@@ -1,5 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# tessera_test(NAME SOURCES file... LINK target... [LABELS label...] [TIMEOUT seconds])
+# tessera_test(NAME SOURCES file... LINK target... [LABELS label...] [TIMEOUT seconds]
+#              [OWN_MAIN | GUI_MAIN] [AT_SCALE_2])
+#
+# GUI_MAIN takes the main function for tests with widgets, tests/gui_main.cpp. AT_SCALE_2 runs all
+# tests of the program once more with two pixels per point, under the name NAME_at_scale_2.
 #
 # One test program with GoogleTest. Each of its tests becomes a test of ctest; one that calls
 # GTEST_SKIP is reported as skipped. Tests run on Qt's offscreen platform with a home folder of
@@ -9,11 +13,14 @@ include(GoogleTest)
 find_package(GTest REQUIRED)
 
 function(tessera_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN;AT_SCALE_2" "TIMEOUT" "SOURCES;LINK;LABELS")
     add_executable(${name} ${arg_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
-    if(arg_OWN_MAIN)
+    if(arg_GUI_MAIN)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/gui_main.cpp)
+    endif()
+    if(arg_OWN_MAIN OR arg_GUI_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest)
     else()
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
@@ -24,12 +31,37 @@ function(tessera_test name)
     endif()
     set(home ${CMAKE_CURRENT_BINARY_DIR}/home_${name})
     file(MAKE_DIRECTORY ${home})
+    set(environment
+        QT_QPA_PLATFORM=offscreen
+        QT_HASH_SEED=0
+        HOME=${home}
+        XDG_CONFIG_HOME=${home}/.config
+        ASAN_OPTIONS=detect_leaks=1
+        LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
+        UBSAN_OPTIONS=print_stacktrace=1)
+    tessera_discover(${name} ${name} "${environment}")
+    if(arg_AT_SCALE_2)
+        tessera_discover(${name} ${name}_at_scale_2 "${environment};QT_SCALE_FACTOR=2")
+    endif()
+endfunction()
+
+# Makes a test of ctest of each test in a program; reads the arguments of tessera_test.
+#
+# The environment is set in a file of its own that ctest reads behind the list of tests: among the
+# PROPERTIES of gtest_discover_tests a list falls apart, and only its first variable is set.
+macro(tessera_discover name prefix environment)
     gtest_discover_tests(${name}
-        TEST_PREFIX "${name}."
+        TEST_PREFIX "${prefix}."
+        TEST_LIST ${prefix}_tests
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES
             TIMEOUT ${arg_TIMEOUT}
-            LABELS "${arg_LABELS}"
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_HASH_SEED=0;HOME=${home};XDG_CONFIG_HOME=${home}/.config;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
-endfunction()
+            LABELS "${arg_LABELS}")
+    set(environment_file ${CMAKE_CURRENT_BINARY_DIR}/${prefix}_environment.cmake)
+    file(WRITE ${environment_file}
+        "if(${prefix}_tests)\n"
+        "    set_tests_properties(\${${prefix}_tests} PROPERTIES ENVIRONMENT \"${environment}\")\n"
+        "endif()\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${environment_file})
+endmacro()
