@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plots/line_chart.h"
+
+#include <QFont>
+#include <QMainWindow>
+#include <QSet>
+#include <QtCharts/QBarCategoryAxis>
+
+#include <cmath>
+
+using namespace QtCharts;
+
+namespace
+{
+
+/// The names with a zero-width space behind each repetition: the axis drops names that it has.
+QStringList distinctCategories(const QStringList &names)
+{
+    const QChar zeroWidthSpace(0x200b);
+    QSet<QString> taken;
+    QStringList categories;
+    for (const QString &name : names) {
+        QString category = name.isNull() ? QLatin1String("") : name; // it drops null texts too
+        while (taken.contains(category))
+            category += zeroWidthSpace;
+        taken.insert(category);
+        categories += category;
+    }
+    return categories;
+}
+
+} // namespace
+
+QChart *makeLineChart(const QString &title)
+{
+    auto *chart = new QChart;
+    chart->createDefaultAxes();
+    chart->setTitle(QStringLiteral("<b>%1</b>").arg(title));
+    QFont font = chart->titleFont();
+    font.setPixelSize(18);
+    font.setWeight(QFont::Bold);
+    chart->setTitleFont(font);
+    return chart;
+}
+
+QChartView *makeLineChartView(QChart *chart, QMainWindow *window)
+{
+    auto *view = new QChartView(chart);
+    view->setRenderHint(QPainter::Antialiasing);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(view, SIGNAL(customContextMenuRequested(const QPoint &)), window,
+                     SLOT(showContextMenu(const QPoint &)));
+    return view;
+}
+
+QLineSeries *makeLine(const std::vector<float> &values, const QString &name)
+{
+    QVector<QPointF> points;
+    points.reserve(int(values.size()));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (std::isfinite(values[i]))
+            points.append(QPointF(double(i), double(values[i])));
+    }
+    auto *line = new QLineSeries;
+    line->replace(points);
+    line->setName(name);
+    line->setPointsVisible(true);
+    return line;
+}
+
+void setCategoryAxis(QChart *chart, const QStringList &names, const QString &title, bool wholeRange)
+{
+    const QStringList categories = distinctCategories(names);
+    auto *axis = new QBarCategoryAxis;
+    axis->append(categories);
+    axis->setTitleText(title);
+    if (wholeRange)
+        axis->setRange(categories.first(), categories.last());
+    axis->setLabelsAngle(90);
+
+    for (QAbstractAxis *old : chart->axes(Qt::Horizontal)) {
+        chart->removeAxis(old);
+        delete old;
+    }
+    chart->addAxis(axis, Qt::AlignBottom);
+    for (QAbstractSeries *line : chart->series())
+        line->attachAxis(axis);
+}
+
+void setValueTitle(QChart *chart, const QString &title)
+{
+    for (QAbstractAxis *axis : chart->axes(Qt::Vertical))
+        axis->setTitleText(title);
+}
