@@ -96,7 +96,7 @@ TEST_F(Settings, UnreadableFileIsAsNone)
 {
     const bool wasRoot = geteuid() == 0; // who reads everything
     if (wasRoot) {
-        ASSERT_EQ(seteuid(65534), 0);
+        ASSERT_EQ(setresuid(65534, 65534, 0), 0);
     }
     QTemporaryDir ownHome;
     ASSERT_TRUE(ownHome.isValid());
@@ -113,7 +113,7 @@ TEST_F(Settings, UnreadableFileIsAsNone)
     EXPECT_EQ(settings().logDir, QStandardPaths::displayName(QStandardPaths::TempLocation));
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     if (wasRoot) {
-        ASSERT_EQ(seteuid(0), 0);
+        ASSERT_EQ(setresuid(0, 0, 0), 0);
     }
 }
 
