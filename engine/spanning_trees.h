@@ -5,11 +5,12 @@
 
 #include <vector>
 
-/// The spanning trees of a list of connectivity matrices, in the order of the list.
+/// The minimum spanning tree of each matrix of a list, in its order.
 struct SpanningTrees {
-    std::vector<Eigen::MatrixXf> matrices; ///< the weights that the tree keeps, both triangles
-    std::vector<Eigen::MatrixXi> trees;    ///< 1 where a weight is kept, both triangles
+    std::vector<Eigen::MatrixXf> weights; ///< the connections kept, with their weights; else 0
+    std::vector<Eigen::MatrixXi> trees;   ///< 1 where a connection is kept; else 0
 };
 
-/// The tree of the strongest connections of each matrix; see `nodalis::mst`.
-SpanningTrees minimumSpanningTrees(const std::vector<Eigen::MatrixXf> &matrices);
+/// The tree of the strongest connections of each matrix; see `nodalis::mst`. Both results fill both
+/// triangles. An exception of the library passes through.
+SpanningTrees spanningTrees(const std::vector<Eigen::MatrixXf> &matrices);
