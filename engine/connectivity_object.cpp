@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/connectivity_object.h"
+
+#include "engine/spanning_trees.h"
+
+#include <utility>
+
+ConnectivityObject::ConnectivityObject(QString name, QObject *parent)
+    : QObject(parent), m_name(std::move(name))
+{
+}
+
+void ConnectivityObject::setMatrices(const std::vector<Eigen::MatrixXf> &matrices)
+{
+    m_matrices = matrices;
+}
+
+QMap<int, QString> ConnectivityObject::volumeNames() const
+{
+    return m_subject ? m_subject->protocol().volumeNames : QMap<int, QString>();
+}
+
+void ConnectivityObject::computeMinimumSpanningTrees()
+{
+    if (m_mstComputed)
+        return;
+    SpanningTrees trees = spanningTrees(m_matrices);
+    m_mstMatrices = std::move(trees.weights);
+    m_mstTrees = std::move(trees.trees);
+    m_mstComputed = true;
+}
+
+void ConnectivityObject::connectivityObjectUIDestroyed(QObject *)
+{
+    ui = nullptr;
+}
+
+// Here, so that the class's virtual table is linked only into what uses the class: its destructor
+// stands with the windows.
+#include "moc_connectivity_object.cpp"
