@@ -1,55 +1,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <nodalis/efficiency.h>
 
-#include <cmath>
-#include <limits>
-#include <vector>
-
 #include "graph.h"
+#include "shortest_paths.h"
 
 namespace nodalis
 {
 namespace
 {
 
-/// Shortest path lengths from edge lengths (infinite where there is no edge), in place.
-void floyd_warshall(Eigen::MatrixXd &d)
-{
-    for (Eigen::Index k = 0; k < d.rows(); ++k) {
-        for (Eigen::Index j = 0; j < d.cols(); ++j) {
-            d.col(j) = d.col(j).cwiseMin((d.col(k).array() + d(k, j)).matrix());
-        }
-    }
-}
-
 /// Sum over j != i of 1/d_ij for each node i.
-Eigen::ArrayXd inverse_lengths(const Eigen::MatrixXf &weights)
+Eigen::ArrayXd inverse_lengths(const detail::PathLengths &paths)
 {
-    Eigen::MatrixXd d = weights.unaryExpr([](float w) {
-        return w > 0.0F ? 1.0 / double{w} : std::numeric_limits<double>::infinity();
-    });
-    floyd_warshall(d);
-    d.diagonal().setConstant(std::numeric_limits<double>::infinity());
-    return d.cwiseInverse().colwise().sum();
-}
-
-double local_efficiency_of(Eigen::Index node, const Eigen::MatrixXd &roots)
-{
-    std::vector<Eigen::Index> neighbours;
-    for (Eigen::Index j = 0; j < roots.rows(); ++j) {
-        if (roots(j, node) > 0.0) {
-            neighbours.push_back(j);
+    using detail::tile_size;
+    Eigen::ArrayXd sums = Eigen::ArrayXd::Zero(Eigen::Index{paths.width()} * tile_size);
+    for (int j = 0; j < paths.width(); ++j) {
+        for (int i = 0; i <= j; ++i) {
+            const detail::Tile &tile = paths.tile(i, j);
+            auto rows = sums.segment<tile_size>(Eigen::Index{i} * tile_size);
+            auto columns = sums.segment<tile_size>(Eigen::Index{j} * tile_size);
+            for (int a = 0; a < tile_size; ++a) {
+                for (int b = i == j ? a + 1 : 0; b < tile_size; ++b) {
+                    const double inverse = 1.0 / tile.row[a].value[b];
+                    rows[a] += inverse;
+                    columns[b] += inverse;
+                }
+            }
         }
     }
-    const double k = static_cast<double>(neighbours.size());
-    if (k < 2.0) {
-        return 0.0;
+    return sums.head(paths.size());
+}
+
+/// Nodal global efficiency in double precision.
+Eigen::ArrayXd nodal_efficiency(const Eigen::MatrixXf &weights)
+{
+    const Eigen::Index n = weights.rows();
+    if (n < 2) {
+        return Eigen::ArrayXd::Zero(n);
     }
-    Eigen::MatrixXd d = roots(neighbours, neighbours).cwiseInverse();
-    floyd_warshall(d);
-    d.diagonal().setConstant(std::numeric_limits<double>::infinity());
-    const Eigen::VectorXd links = roots(neighbours, node);
-    return links.dot(d.cwiseInverse() * links) / (k * (k - 1.0));
+    detail::PathLengths paths(weights,
+                              [](float w) { return w > 0.0F ? 1.0 / double{w} : detail::no_path; });
+    paths.relax_all();
+    return inverse_lengths(paths) / static_cast<double>(n - 1);
 }
 
 } // namespace
@@ -57,33 +49,15 @@ double local_efficiency_of(Eigen::Index node, const Eigen::MatrixXd &roots)
 inline namespace NODALIS_ABI
 {
 
-Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix)
-{
-    const Eigen::MatrixXf weights = detail::conditioned(matrix, "local_efficiency");
-    const Eigen::MatrixXd roots =
-        weights.unaryExpr([](float w) { return w > 0.0F ? std::cbrt(double{w}) : 0.0; });
-    Eigen::ArrayXf result(weights.rows());
-    for (Eigen::Index i = 0; i < weights.rows(); ++i) {
-        result[i] = static_cast<float>(local_efficiency_of(i, roots));
-    }
-    return result;
-}
-
 float global_efficiency(const Eigen::MatrixXf &matrix)
 {
     const Eigen::MatrixXf weights = detail::conditioned(matrix, "global_efficiency");
-    const double n = static_cast<double>(weights.rows());
-    return n < 2.0 ? 0.0F : static_cast<float>(inverse_lengths(weights).sum() / (n * (n - 1.0)));
+    return weights.rows() == 0 ? 0.0F : static_cast<float>(nodal_efficiency(weights).mean());
 }
 
 Eigen::ArrayXf nodal_global_efficiency(const Eigen::MatrixXf &matrix)
 {
-    const Eigen::MatrixXf weights = detail::conditioned(matrix, "nodal_global_efficiency");
-    const double n = static_cast<double>(weights.rows());
-    if (n < 2.0) {
-        return Eigen::ArrayXf::Zero(weights.rows());
-    }
-    return (inverse_lengths(weights) / (n - 1.0)).cast<float>();
+    return nodal_efficiency(detail::conditioned(matrix, "nodal_global_efficiency")).cast<float>();
 }
 
 } // namespace NODALIS_ABI

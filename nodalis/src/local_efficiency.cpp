@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+#include <nodalis/efficiency.h>
+
+#include "graph.h"
+#include "shortest_paths.h"
+
+// Each node i asks for the shortest paths through its neighbours N_i alone. In a dense graph the
+// neighbourhoods of different nodes are nearly the same, so most of the work is shared: a group of
+// nodes relaxes the lengths through the nodes that neighbour all of the group, and its parts go on
+// from there with what they share beyond that. In a complete graph this takes about log n
+// relaxations per node instead of n. Where neighbourhoods have little in common each node works on
+// its own, on the matrix of its neighbours.
+
+namespace nodalis
+{
+namespace
+{
+
+using detail::PathLengths;
+using detail::tile_size;
+using Nodes = std::vector<int>;
+/// For each node whether it is in a set.
+using Mask = std::vector<char>;
+
+struct Graph {
+    Eigen::MatrixXd roots; ///< (w_ij)^(1/3), 0 for no edge
+    std::vector<Nodes> neighbours;
+
+    int size() const { return static_cast<int>(roots.rows()); }
+};
+
+/// Lengths that are relaxed through some nodes already.
+struct Progress {
+    PathLengths lengths;
+    Mask done;
+};
+
+Graph graph_of(const Eigen::MatrixXf &weights)
+{
+    const Eigen::Index n = weights.rows();
+    Graph graph{Eigen::MatrixXd::Zero(n, n), std::vector<Nodes>(n)};
+    for (int j = 0; j < n; ++j) {
+        for (int i = 0; i < j; ++i) {
+            if (weights(i, j) > 0.0F) {
+                graph.roots(i, j) = graph.roots(j, i) = std::cbrt(double{weights(i, j)});
+                graph.neighbours[i].push_back(j);
+                graph.neighbours[j].push_back(i);
+            }
+        }
+    }
+    return graph;
+}
+
+/// Sum over a < b of weights_a weights_b / d_ab, with paths through some more nodes allowed.
+double weighted_inverse_sum(const PathLengths &lengths, const Nodes &through,
+                            const Eigen::VectorXd &weights)
+{
+    std::vector<detail::Row> strips(lengths.width(), detail::Row{});
+    for (Eigen::Index a = 0; a < weights.size(); ++a) {
+        strips[a / tile_size].value[a % tile_size] = weights[a];
+    }
+    std::optional<PathLengths::Panel> panel;
+    if (!through.empty()) {
+        panel.emplace(lengths, through.data(), static_cast<int>(through.size()));
+    }
+    double total = 0.0;
+    for (int j = 0; j < lengths.width(); ++j) {
+        detail::Row sums = {};
+        for (int i = 0; i <= j; ++i) {
+            detail::Tile tile;
+            if (panel) {
+                panel->relax(tile.data(), lengths, i, j);
+            } else {
+                tile = lengths.tile(i, j);
+            }
+            for (int a = 0; i == j && a < tile_size; ++a) {
+                std::fill_n(tile.row[a].value, a + 1, detail::no_path);
+            }
+            detail::kernels().divide(sums.value, tile.data(), strips[i].value);
+        }
+        for (int b = 0; b < tile_size; ++b) {
+            total += strips[j].value[b] * sums.value[b];
+        }
+    }
+    return total;
+}
+
+class LocalEfficiency
+{
+public:
+    explicit LocalEfficiency(const Eigen::MatrixXf &weights)
+        : m_graph(graph_of(weights)), m_result(Eigen::ArrayXd::Zero(weights.rows()))
+    {
+    }
+
+    Eigen::ArrayXd compute()
+    {
+        Nodes group;
+        for (int node = 0; node < m_graph.size(); ++node) {
+            if (m_graph.neighbours[node].size() >= 2) {
+                group.push_back(node);
+            }
+        }
+        if (!group.empty()) {
+            visit(group, {PathLengths(m_graph.roots, [](double root) { return 1.0 / root; }),
+                          Mask(m_graph.size(), 0)});
+        }
+        return m_result;
+    }
+
+private:
+    /// Relaxing through so few nodes is done by each node of a group on its own.
+    static constexpr int few = 8;
+
+    void visit(const Nodes &group, const Progress &progress)
+    {
+        if (group.size() == 1 || little_is_left(group, progress.done)) {
+            for (const int node : group) {
+                const double k = static_cast<double>(m_graph.neighbours[node].size());
+                m_result[node] = 2.0 * sum_of(node, progress) / (k * (k - 1.0));
+            }
+            return;
+        }
+        const std::size_t step = (group.size() + parts() - 1) / parts();
+        for (std::size_t first = 0; first < group.size(); first += step) {
+            const std::size_t last = std::min(first + step, group.size());
+            visit_part(Nodes(group.begin() + first, group.begin() + last), progress);
+        }
+    }
+
+    void visit_part(const Nodes &part, const Progress &progress)
+    {
+        const Nodes shared = shared_by(part, progress.done);
+        if (!is_worth_sharing(part, static_cast<double>(shared.size()))) {
+            visit(part, progress);
+            return;
+        }
+        Progress further = progress;
+        further.lengths.relax(shared);
+        for (const int node : shared) {
+            further.done[node] = 1;
+        }
+        visit(part, further);
+    }
+
+    /// Groups are split into so many parts: enough to be at most four levels of copies deep, so
+    /// that memory stays within O(n^2).
+    std::size_t parts() const
+    {
+        const double groups = static_cast<double>(m_graph.size()) / few;
+        return static_cast<std::size_t>(std::max(4.0, std::ceil(std::pow(groups, 0.25))));
+    }
+
+    bool little_is_left(const Nodes &group, const Mask &done) const
+    {
+        return std::all_of(group.begin(), group.end(), [&](int node) {
+            const Nodes &near = m_graph.neighbours[node];
+            return std::count_if(near.begin(), near.end(), [&](int k) { return done[k] == 0; }) <=
+                   few;
+        });
+    }
+
+    /// The nodes that neighbour all of the group, apart from those done.
+    Nodes shared_by(const Nodes &group, const Mask &done) const
+    {
+        std::vector<std::size_t> count(m_graph.size(), 0);
+        for (const int node : group) {
+            for (const int k : m_graph.neighbours[node]) {
+                ++count[k];
+            }
+        }
+        Nodes shared;
+        for (int k = 0; k < m_graph.size(); ++k) {
+            if (count[k] == group.size() && done[k] == 0) {
+                shared.push_back(k);
+            }
+        }
+        return shared;
+    }
+
+    /// Compares operations: relaxing all lengths once, with the cost of a copy, against relaxing
+    /// those of each neighbourhood.
+    bool is_worth_sharing(const Nodes &group, double shared) const
+    {
+        constexpr double copy = 8.0;
+        const double n = m_graph.size();
+        double apart = 0.0;
+        for (const int node : group) {
+            const double k = static_cast<double>(m_graph.neighbours[node].size());
+            apart += k * k;
+        }
+        return (shared + copy) * n * n < shared * apart;
+    }
+
+    double sum_of(int node, const Progress &progress) const
+    {
+        const Nodes &near = m_graph.neighbours[node];
+        Nodes left;
+        Nodes left_positions;
+        for (std::size_t a = 0; a < near.size(); ++a) {
+            if (progress.done[near[a]] == 0) {
+                left.push_back(near[a]);
+                left_positions.push_back(static_cast<int>(a));
+            }
+        }
+        const double share = static_cast<double>(near.size()) / m_graph.size();
+        if (left.size() <= few && share > 0.8) {
+            // Nodes outside the neighbourhood have weight 0.
+            return weighted_inverse_sum(progress.lengths, left, m_graph.roots.col(node));
+        }
+        PathLengths inside(progress.lengths, near);
+        // The last panel is applied while summing up.
+        const std::size_t last = std::min(left.size(), std::size_t{PathLengths::panel_depth});
+        inside.relax(Nodes(left_positions.begin(), left_positions.end() - last));
+        return weighted_inverse_sum(inside,
+                                    Nodes(left_positions.end() - last, left_positions.end()),
+                                    m_graph.roots(near, node));
+    }
+
+    Graph m_graph;
+    Eigen::ArrayXd m_result;
+};
+
+} // namespace
+
+inline namespace NODALIS_ABI
+{
+
+Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix)
+{
+    return LocalEfficiency(detail::conditioned(matrix, "local_efficiency")).compute().cast<float>();
+}
+
+} // namespace NODALIS_ABI
+} // namespace nodalis
