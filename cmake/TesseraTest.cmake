@@ -11,6 +11,7 @@
 
 include(GoogleTest)
 find_package(GTest REQUIRED)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 
 function(tessera_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN;AT_SCALE_2" "TIMEOUT" "SOURCES;LINK;LABELS")
@@ -53,6 +54,7 @@ macro(tessera_discover name prefix environment)
     gtest_discover_tests(${name}
         TEST_PREFIX "${prefix}."
         TEST_LIST ${prefix}_tests
+        NO_PRETTY_VALUES
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES
