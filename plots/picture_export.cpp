@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plots/picture_export.h"
+
+#include <QFileDialog>
+#include <QPixmap>
+#include <QPointer>
+#include <QSaveFile>
+
+void exportPicture(QWidget *window, QWidget *source)
+{
+    // On the heap: the window may go, and its dialogs with it, while this one is open.
+    const QPointer<QWidget> shown(source);
+    QPointer<QFileDialog> dialog = new QFileDialog(window, QStringLiteral("Save as..."));
+    dialog->setStyleSheet(neutralStyleSheet());
+    dialog->setNameFilter(QStringLiteral("PNG (*.png)"));
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setDefaultSuffix(QStringLiteral(".png"));
+    QString path;
+    if (dialog->exec() != 0 && dialog)
+        path = dialog->selectedFiles().value(0);
+    delete dialog;
+    if (path.isEmpty() || !shown)
+        return;
+
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && shown->grab().save(&file, "PNG", -1))
+        file.commit();
+}
+
+QString neutralStyleSheet()
+{
+    return QStringLiteral(R"(
+        * { background-color: palette(window); color: palette(window-text); }
+        QAbstractItemView, QLineEdit, QComboBox {
+            background-color: palette(base);
+            color: palette(text);
+        }
+        QAbstractButton { background-color: palette(button); color: palette(button-text); }
+        QMenu { border: 1px solid palette(mid); }
+        QMenu::item { padding: 4px 20px; }
+        QMenu::item:selected {
+            background-color: palette(highlight);
+            color: palette(highlighted-text);
+        }
+    )");
+}

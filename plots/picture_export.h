@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+/// Asks for a PNG file with a dialog of `window` and saves `source` into it as it looks then.
+/// Silent whatever comes of it; a file that cannot be written whole is not left behind.
+void exportPicture(QWidget *window, QWidget *source);
+
+/// Puts menus and dialogs back to the colours of the palette where a window has a style sheet of
+/// its own, which reaches its children and would leave them unreadable in a dark palette.
+QString neutralStyleSheet();
