@@ -59,12 +59,11 @@ struct Intensities {
     float lowest = 0;
     float factor = 1;
 
+    /// Not a number becomes 0: it is not above it.
     float scaled(float value) const
     {
-        if (!std::isfinite(value))
-            return 0;
         const float top = type == Vmr::UChar ? 255.0f : 65535.0f;
-        return std::min(std::max((value - lowest) * factor + 0.5f, 0.0f), top);
+        return std::min(std::max(0.0f, (value - lowest) * factor + 0.5f), top);
     }
     quint8 toUChar(float value) const { return static_cast<quint8>(scaled(value)); }
     quint16 toUShort(float value) const { return static_cast<quint16>(scaled(value)); }

@@ -4,11 +4,15 @@
 #include "host/input_error.h"
 
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <unistd.h>
 #endif
 
 namespace corvane
@@ -20,10 +24,10 @@ namespace
 /// Memory for volumes that wait to be laid across the file: half of the samples, so that the file
 /// is gone through twice, within these bounds.
 constexpr qint64 smallestBlock = qint64(64) << 20;
-constexpr qint64 largestBlock = qint64(512) << 20;
+constexpr qint64 largestBlock = qint64(1) << 30;
 
-/// How much of the file is mapped at a time.
-constexpr qint64 windowBytes = qint64(4) << 20;
+/// How much of the file is in memory at a time.
+constexpr qint64 windowBytes = qint64(1) << 20;
 
 /// Voxels whose series are laid down together: two cache lines of each volume.
 constexpr qint64 tile = 64;
@@ -40,7 +44,9 @@ int blockLength(const VtcInfo &info, qint64 voxelCount)
 } // namespace
 
 VtcWriter::VtcWriter(const QString &path, const VtcInfo &info)
-    : m_path(path), m_info(info), m_file(path)
+    : m_path(path), m_info(info),
+      m_file(path + QStringLiteral(".part-") +
+             QString::number(QRandomGenerator::system()->generate64(), 36))
 {
     m_info.checksum.clear();
     m_headerLength = vtcFileHeader(m_info).size();
@@ -50,13 +56,17 @@ VtcWriter::VtcWriter(const QString &path, const VtcInfo &info)
     const QString expected = QStringLiteral("a place where a file can be written");
     if (QFileInfo(path).isDir())
         throw InputError(path, QStringLiteral("writing"), QStringLiteral("a folder"), expected);
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::NewOnly | QIODevice::Unbuffered))
         fail(QStringLiteral("writing"), expected);
     reserve();
     m_block.resize(static_cast<std::size_t>(m_voxelCount * info.sampleSize() * m_blockLength));
 }
 
-VtcWriter::~VtcWriter() = default;
+VtcWriter::~VtcWriter()
+{
+    if (!m_committed && m_file.isOpen())
+        m_file.remove();
+}
 
 short *VtcWriter::shortVolume()
 {
@@ -87,12 +97,24 @@ void VtcWriter::commit()
     Q_ASSERT(m_firstInBlock == m_info.nrOfVolumes);
     m_info.checksum = m_sum.text();
     writeHeader();
-    if (!m_file.commit())
-        fail(QStringLiteral("finishing"), QStringLiteral("a file that can be completed"));
+    const QString completable = QStringLiteral("a file that can be completed");
+#ifdef Q_OS_UNIX
+    // On the disk before it gets its name, so that the name never stands for half a file.
+    if (fdatasync(m_file.handle()) != 0)
+        throw InputError(m_path, QStringLiteral("finishing"),
+                         QString::fromLocal8Bit(std::strerror(errno)), completable);
+#endif
+    std::error_code error;
+    std::filesystem::rename(std::filesystem::u8path(m_file.fileName().toStdString()),
+                            std::filesystem::u8path(m_path.toStdString()), error);
+    if (error)
+        throw InputError(m_path, QStringLiteral("finishing"),
+                         QString::fromStdString(error.message()), completable);
+    m_committed = true;
+    m_file.close();
 }
 
-/// Gives the file its length with real room on the disk. Writing into mapped memory that has no
-/// room behind it would end the process.
+/// Gives the file its length, with real room on the disk.
 void VtcWriter::reserve()
 {
     const qint64 length = m_headerLength + m_info.sampleCount() * m_info.sampleSize();
@@ -140,31 +162,45 @@ void VtcWriter::layAcross()
     const qint64 seriesBytes = qint64(m_info.nrOfVolumes) * qint64(sizeof(Sample));
     const qint64 perWindow = std::max<qint64>(1, windowBytes / seriesBytes);
     const auto *const block = reinterpret_cast<const Sample *>(m_block.data());
+    std::vector<Sample> window(static_cast<std::size_t>(perWindow * m_info.nrOfVolumes));
+    auto *const bytes = reinterpret_cast<char *>(window.data());
     for (qint64 first = 0; first < m_voxelCount; first += perWindow) {
         const qint64 end = std::min(m_voxelCount, first + perWindow);
-        uchar *const window =
-            m_file.map(m_headerLength + first * seriesBytes, (end - first) * seriesBytes);
-        if (window == nullptr)
-            fail(QStringLiteral("mapping"), QStringLiteral("a file that can be mapped"));
-        Sample *const series = reinterpret_cast<Sample *>(window) + m_firstInBlock;
+        const qint64 place = m_headerLength + first * seriesBytes;
+        const qint64 length = (end - first) * seriesBytes;
+        // Beside what is new stands what earlier blocks have left there.
+        if (m_firstInBlock > 0)
+            readAt(place, bytes, length);
         for (qint64 low = first; low < end; low += tile) {
             const qint64 high = std::min(end, low + tile);
             for (qint64 voxel = low; voxel < high; ++voxel) {
-                Sample *const to = series + (voxel - first) * m_info.nrOfVolumes;
+                Sample *const to =
+                    window.data() + (voxel - first) * m_info.nrOfVolumes + m_firstInBlock;
                 for (int t = 0; t < m_inBlock; ++t)
                     to[t] = block[t * m_voxelCount + voxel];
             }
         }
-        m_file.unmap(window);
+        writeAt(place, bytes, length);
     }
+}
+
+void VtcWriter::readAt(qint64 place, char *bytes, qint64 length)
+{
+    if (!m_file.seek(place) || m_file.read(bytes, length) != length)
+        fail(QStringLiteral("reading back"), QStringLiteral("the samples written before"));
+}
+
+void VtcWriter::writeAt(qint64 place, const char *bytes, qint64 length)
+{
+    if (!m_file.seek(place) || m_file.write(bytes, length) != length)
+        fail(QStringLiteral("writing"), QStringLiteral("room for %1 bytes").arg(length));
 }
 
 void VtcWriter::writeHeader()
 {
     const QByteArray header = vtcFileHeader(m_info);
     Q_ASSERT(header.size() == m_headerLength);
-    if (!m_file.seek(0) || m_file.write(header) != header.size())
-        fail(QStringLiteral("writing the header"), QStringLiteral("a file that can be written"));
+    writeAt(0, header.constData(), header.size());
 }
 
 void VtcWriter::fail(const QString &place, const QString &expected) const

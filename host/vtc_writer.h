@@ -4,7 +4,7 @@
 #include "host/vtc_checksum.h"
 #include "host/vtc_file.h"
 
-#include <QSaveFile>
+#include <QFile>
 #include <memory>
 #include <vector>
 
@@ -46,12 +46,15 @@ private:
     template <typename Sample>
     void layAcross();
     void writeHeader();
+    void readAt(qint64 place, char *bytes, qint64 length);
+    void writeAt(qint64 place, const char *bytes, qint64 length);
     char *nextVolume();
     [[noreturn]] void fail(const QString &place, const QString &expected) const;
 
     QString m_path;
     VtcInfo m_info;
-    QSaveFile m_file;
+    QFile m_file;
+    bool m_committed = false;
     qint64 m_headerLength = 0;
     qint64 m_voxelCount = 0;
     int m_blockLength = 0;  ///< volumes that fit in m_block

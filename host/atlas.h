@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/functional_grid.h"
+#include "host/label_table.h"
+#include "host/voi_file.h"
+
+#include <QStringList>
+
+namespace corvane
+{
+
+/// Which voxels a VOI is made of: one for each lattice point of the run, so that a mean weighs each
+/// functional voxel once, or every cube voxel of 1 mm.
+enum class VoiGrid { Functional, Anatomy };
+
+/// The VOIs of an atlas: one for each label but 0 that the atlas or the table holds, in ascending
+/// order. Labels are taken by nearest neighbour. A label without a name is named by its number.
+/// One without voxels stays as an empty VOI. Whatever loses voxels is said in `notes`, with its
+/// voxels in the atlas and those of them that lie inside the run. Throws InputError for an image
+/// with so many labels that it is no atlas; `path` is the atlas's.
+VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
+                   const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
+                   const QString &path, QStringList &notes);
+
+} // namespace corvane
