@@ -172,6 +172,14 @@ void QxtSpanSliderPrivate::triggerAction(QAbstractSlider::SliderAction action, b
     blockTracking = false;
     publicObject.setLowerValue(lowerPos);
     publicObject.setUpperValue(upperPos);
+
+    // Where a position was put beyond the other of two coincident handles, only one value changes,
+    // that of the other handle. With tracking the first position goes back to its value.
+    const auto inRange = [min, max](int place) { return min <= place && place <= max; };
+    if (publicObject.hasTracking() && inRange(lowerPos) && inRange(upperPos)) {
+        lowerPos = lower;
+        upperPos = upper;
+    }
 }
 
 void QxtSpanSliderPrivate::swapControls()
