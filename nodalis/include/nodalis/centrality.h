@@ -23,9 +23,10 @@ inline namespace NODALIS_ABI
 ///   values are given. Should the vector of ones stand at right angles to a shared space, each
 ///   entry is the length of the node's coordinate vector in it, then normalised.
 ///
-/// Range 0 to 1. Unchanged by scaling the weights by a positive factor. The error is about 1e-7
-/// as long as the relative gap to the next eigenvalue is above 1e-6. O(n^2) per step with a
-/// number of steps that grows as the gap shrinks, at most O(n^3); O(n^2) memory.
+/// Range 0 to 1; entries below 1e-13, the accuracy, are 0. Unchanged by scaling the weights by a
+/// positive factor. The error is about 1e-7 as long as the relative gap to the next eigenvalue is
+/// above 1e-6. O(n^2) per step with a number of steps that grows as the gap shrinks, at most
+/// O(n^3); O(n^2) memory.
 ///
 /// Source: Bonacich 1972, J Math Sociol 2:113, doi:10.1080/0022250X.1972.9989806.
 ///

@@ -16,8 +16,8 @@ namespace nodalis::detail
 /// Rows and columns of a tile, columns of a strip.
 constexpr int tile_size = 16;
 
-/// All pointers are aligned to 64 bytes. A tile is stored row by row. A strip is a list of
-/// `depth` rows of tile_size values each.
+/// Unless said otherwise pointers are aligned to 64 bytes. A tile is stored row by row. A strip is
+/// a list of `depth` rows of tile_size values each.
 struct Kernels {
     const char *name;
 
@@ -30,6 +30,11 @@ struct Kernels {
 
     /// sums(b) += weights(a) / tile(a, b) for a in ascending order.
     void (*divide)(double *sums, const double *tile, const double *weights);
+
+    /// sums(i) += column(i) * factor for i below count; returns the sum of column(i) * x(i), added
+    /// up in tile_size interleaved parts. Pointers need no alignment.
+    double (*half_product)(double *sums, const double *x, double factor, const float *column,
+                           int count);
 };
 
 extern const Kernels plain_kernels;
