@@ -1,17 +1,24 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# corvane_export_host_functions(target)
+# corvane_export_host_functions(target [function...])
 #
 # Makes an executable export exactly the host's functions for plugins, as they stand in
 # plugin/host_function_names.inc, and nothing else: names that come in with libraries stay in.
-# The executable links corvane_core, where the functions are.
+# The executable links corvane_core, where the functions are. With functions named, only those are
+# exported.
 
 function(corvane_export_host_functions target)
     set(list ${PROJECT_SOURCE_DIR}/plugin/host_function_names.inc)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
     file(STRINGS ${list} calls REGEX "^HOST_CALL\\(")
+    set(functions ${ARGN})
+    if(NOT functions)
+        foreach(call IN LISTS calls)
+            string(REGEX MATCH "zq[A-Za-z]+" name "${call}")
+            list(APPEND functions ${name})
+        endforeach()
+    endif()
     set(script "{\nglobal:\n")
-    foreach(call ${calls})
-        string(REGEX MATCH "zq[A-Za-z]+" name "${call}")
+    foreach(name IN LISTS functions)
         string(APPEND script "    ${name};\n")
         # Nothing in the program calls them, so that they must be asked for.
         target_link_options(${target} PRIVATE "LINKER:--undefined=${name}")

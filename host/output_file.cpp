@@ -17,15 +17,22 @@ OutputFile::OutputFile(const QString &path) : m_file(path)
                          expected);
     if (QFileInfo(path).isDir())
         throw InputError(path, place, QStringLiteral("a folder"), expected);
-    if (!m_file.open(QIODevice::WriteOnly))
+    // Without a buffer: QSaveFile::commit overlooks that its last bytes do not fit.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         throw InputError(path, place, m_file.errorString(), expected);
 }
 
 void OutputFile::write(const char *bytes, qint64 length)
 {
-    if (m_file.write(bytes, length) != length)
-        throw InputError(m_file.fileName(), QStringLiteral("writing"), m_file.errorString(),
-                         QStringLiteral("room for %1 more bytes").arg(length));
+    // The first write to a disk that runs full is a short one; the second says why.
+    while (length > 0) {
+        const qint64 written = m_file.write(bytes, length);
+        if (written <= 0)
+            throw InputError(m_file.fileName(), QStringLiteral("writing"), m_file.errorString(),
+                             QStringLiteral("room for %1 more bytes").arg(length));
+        bytes += written;
+        length -= written;
+    }
 }
 
 void OutputFile::commit()

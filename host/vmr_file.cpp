@@ -123,7 +123,7 @@ Vmr readVmr(const QString &path)
         throw InputError(path, QStringLiteral("data"), QStringLiteral("%1 bytes").arg(found),
                          QStringLiteral("%1 bytes (256 x 256 x 256 samples)").arg(vmr.byteCount()));
     // Voxels are used where they lie.
-    if (header.length() % 2 != 0)
+    if (vmr.type == Vmr::UShort && header.length() % 2 != 0)
         throw InputError(path, QStringLiteral("data"),
                          QStringLiteral("a header of %1 bytes").arg(header.length()),
                          QStringLiteral("a multiple of 2"));

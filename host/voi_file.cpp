@@ -67,6 +67,16 @@ QString valueText(const QJsonValue &value)
     return printable(list.mid(1, list.size() - 2), 40);
 }
 
+/// What stands at a place of the file, up to the end of its line.
+QString foundText(const QByteArray &bytes, int offset)
+{
+    const QByteArray rest = bytes.mid(std::max(0, offset - 1), 4096).trimmed();
+    constexpr int longest = 24;
+    const int lineEnd = rest.indexOf('\n');
+    return rest.isEmpty() ? QStringLiteral("the end of the file")
+                          : quoted(lineEnd < 0 ? rest : rest.left(lineEnd), longest);
+}
+
 /// Reads one file; every member throws with the place that it was given.
 class VoiReader
 {
@@ -135,9 +145,7 @@ private:
         throw InputError(m_path,
                          QStringLiteral("line %1, column %2")
                              .arg(QString::number(line), QString::number(column)),
-                         error.offset >= bytes.size()
-                             ? QStringLiteral("the end of the file")
-                             : quoted(bytes.mid(std::max(0, error.offset - 1), 16)),
+                         foundText(bytes, error.offset),
                          error.error == QJsonParseError::IllegalUTF8String
                              ? QStringLiteral("UTF-8")
                              : QStringLiteral("JSON (%1)").arg(error.errorString()));
@@ -291,7 +299,7 @@ QByteArray voxelText(const std::vector<std::array<int, 3>> &voxels)
         text += "                " + QByteArray::number(voxel[0]) + ", " +
                 QByteArray::number(voxel[1]) + ", " + QByteArray::number(voxel[2]);
     }
-    return '[' + text + ']';
+    return text.isEmpty() ? "[]" : '[' + text + "\n            ]";
 }
 
 QByteArray voiText(const Voi &voi)

@@ -219,7 +219,8 @@ QString linkedProtocolText(const QString &vtcPath, const QString &protocolPath)
     const QDir folder = QFileInfo(vtcPath).absoluteDir();
     const QString absolute = QDir::cleanPath(QFileInfo(protocolPath).absoluteFilePath());
     const QString relative = folder.relativeFilePath(absolute);
-    const bool outside = relative.startsWith(QLatin1String("..")) || QDir::isAbsolutePath(relative);
+    const bool outside =
+        relative.startsWith(QLatin1String("../")) || QDir::isAbsolutePath(relative);
     return outside ? absolute : relative;
 }
 
