@@ -1,12 +1,78 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The results dialog itself and its table of nodes.
 #include "results/connectivity_object_ui.h"
 
+#include "dataset/verbose_log.h"
+#include "engine/connectivity_object.h"
+#include "plots/plot_source.h"
+#include "results/nodes_model.h"
+#include "ui_connectivity_object_ui.h"
+
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QIcon>
+
 ConnectivityObjectUI::ConnectivityObjectUI(ConnectivityObject *object, QWidget *parent)
-    : QDialog(parent), connectivityObject(object)
+    : QDialog(parent), connectivityObject(object), ui(std::make_unique<Ui::ConnectivityObjectUI>())
 {
-    setObjectName(QStringLiteral("ConnectivityObjectUI"));
-    setWindowTitle(QStringLiteral("Dialog"));
-    resize(641, 640);
+    ui->setupUi(this);
+    ui->pushButton->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
+    prepareGraphFeatures();
+    prepareNodesTable();
+    ui->tab_Filter->setEnabled(false);
+    ui->tab_Nodes->setEnabled(false);
+    ui->lbl_VOI_filename->setText(subject().voiFile());
+    ui->lbl_VTC_filename->setText(subject().vtcFile());
+
+    QxtSpanSlider *const spanner = ui->widget_CircPlot_Spanner;
+    spanner->setRange(0, 1000);
+    spanner->setSpan(0, 1000);
+    spanner->setOrientation(Qt::Horizontal);
 }
 
-ConnectivityObjectUI::~ConnectivityObjectUI() = default;
+ConnectivityObjectUI::~ConnectivityObjectUI()
+{
+    // While it is whole: a spin box that loses the focus may still send its value.
+    hide();
+}
+
+ConnectivityObject *connectivityObjectOf(const QWidget *plotWindow)
+{
+    const auto *const dialog = qobject_cast<ConnectivityObjectUI *>(plotWindow->parent());
+    return dialog ? dialog->connectivityObject : nullptr;
+}
+
+const Subject &ConnectivityObjectUI::subject() const
+{
+    static const Subject none;
+    const Subject *const shown = connectivityObject ? connectivityObject->subject() : nullptr;
+    return shown ? *shown : none;
+}
+
+ConnectivityObjectUI::Matrices ConnectivityObjectUI::matrices() const
+{
+    return connectivityObject ? connectivityObject->matrices() : Matrices();
+}
+
+void ConnectivityObjectUI::prepareNodesTable()
+{
+    auto *const model = new NodesModel(ui->tblView_Nodes);
+    const QStringList labels; // no node can be left out yet
+    model->setLabels(labels);
+    ui->tblView_Nodes->setModel(model);
+    if (PluginSettings::instance()->verboseLogging) {
+        verboseLog("void __cdecl ConnectivityObjectUI::prepareNodesTable(void)");
+        verboseLog("labels = (", labels.join(QStringLiteral(", ")), ")");
+    }
+    for (int row = 0; row < labels.size(); ++row) {
+        auto *const box = new QCheckBox;
+        box->setProperty("row", row);
+        box->setChecked(true);
+        box->setStyleSheet(QStringLiteral("margin-left:50%; margin-right:50%;"));
+        ui->tblView_Nodes->setIndexWidget(model->index(row, NodesModel::InclusionColumn), box);
+    }
+    QHeaderView *const header = ui->tblView_Nodes->horizontalHeader();
+    header->setSectionResizeMode(NodesModel::NodeColumn, QHeaderView::Stretch);
+    header->setSectionResizeMode(NodesModel::InclusionColumn, QHeaderView::ResizeToContents);
+}

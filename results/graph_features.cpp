@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The table of graph measures: what its buttons compute and plot.
+#include "results/connectivity_object_ui.h"
+
+#include "engine/connectivity_object.h"
+#include "plots/line_plot.h"
+#include "plots/timeseries_line_plot.h"
+#include "results/feature_values.h"
+#include "results/fitted_names.h"
+#include "results/graph_features_model.h"
+#include "results/graph_measures.h"
+#include "ui_connectivity_object_ui.h"
+
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <nodalis/nodalis.h>
+
+namespace
+{
+
+constexpr Eigen::Index largestUnasked = 50; // rows of a matrix
+
+const char *const rowProperty = "row";
+const char *const measureProperty = "measure";
+const char *const titleProperty = "win_title";
+
+FeatureValues valuesPerNode(const GraphMeasure &measure,
+                            const std::vector<Eigen::MatrixXf> &matrices)
+{
+    FeatureValues values;
+    for (const Eigen::MatrixXf &matrix : matrices) {
+        const Eigen::ArrayXf nodes = measure.perNode(matrix);
+        values.emplace_back(nodes.data(), nodes.data() + nodes.size());
+    }
+    return values;
+}
+
+/// One value per matrix, each of them that of the first.
+std::vector<float> globalEfficiencies(const std::vector<Eigen::MatrixXf> &matrices)
+{
+    return std::vector<float>(matrices.size(), nodalis::global_efficiency(matrices.front()));
+}
+
+GraphFeaturesModel *modelOf(const QTableView *view)
+{
+    return qobject_cast<GraphFeaturesModel *>(view->model());
+}
+
+} // namespace
+
+void ConnectivityObjectUI::prepareGraphFeatures()
+{
+    qRegisterMetaType<std::vector<float>>();
+    qRegisterMetaType<FeatureValues>();
+    ui->pb_ComputingGraphFeature->hide();
+
+    QTableView *const view = ui->tblView_GraphFeatures;
+    auto *const model = new GraphFeaturesModel(view);
+    if (subject().useProtocol())
+        model->setDynamic(true);
+    view->setModel(model);
+    view->hideColumn(GraphFeaturesModel::TypeColumn);
+
+    const char *heading = "";
+    for (const GraphMeasure &measure : graphMeasures()) {
+        if (qstrcmp(heading, measure.heading) != 0) {
+            heading = measure.heading;
+            addFeatureHeading(tr(heading));
+        }
+        addFeatureRow(measure);
+    }
+
+    QHeaderView *const header = view->horizontalHeader();
+    header->setSectionResizeMode(GraphFeaturesModel::TypeColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(GraphFeaturesModel::NameColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(GraphFeaturesModel::DescriptionColumn, QHeaderView::Stretch);
+}
+
+void ConnectivityObjectUI::addFeatureHeading(const QString &heading)
+{
+    QTableView *const view = ui->tblView_GraphFeatures;
+    const int row = modelOf(view)->addFeature(heading, {}, {}, {}, true);
+    view->setSpan(row, GraphFeaturesModel::NameColumn, 1, 4);
+}
+
+void ConnectivityObjectUI::addFeatureRow(const GraphMeasure &measure)
+{
+    const bool isScalar = measure.perNode == nullptr;
+    const int row = modelOf(ui->tblView_GraphFeatures)
+                        ->addFeature(tr(measure.heading), tr(measure.name), tr(measure.description),
+                                     QLatin1String(measure.key), isScalar);
+    const QPushButton *const compute =
+        addFeatureButton(row, GraphFeaturesModel::ComputeColumn, tr("compute"), measure);
+    connect(compute, &QPushButton::clicked, this, &ConnectivityObjectUI::computeGraphFeature);
+
+    if (isScalar && !subject().useProtocol())
+        return; // the table shows its number
+    QPushButton *const inspect =
+        addFeatureButton(row, GraphFeaturesModel::ResultColumn, tr("inspect"), measure);
+    inspect->setEnabled(false);
+    connect(inspect, &QPushButton::clicked, this, &ConnectivityObjectUI::inspectGraphFeature);
+}
+
+QPushButton *ConnectivityObjectUI::addFeatureButton(int row, int column, const QString &text,
+                                                    const GraphMeasure &measure)
+{
+    auto *const button = new QPushButton(text);
+    button->setFlat(true);
+    button->setAutoDefault(false);
+    button->setProperty(rowProperty, row);
+    button->setProperty(measureProperty, QString(QLatin1String(measure.key)));
+    QTableView *const view = ui->tblView_GraphFeatures;
+    view->setIndexWidget(view->model()->index(row, column), button);
+    return button;
+}
+
+void ConnectivityObjectUI::computeGraphFeature(bool)
+{
+    const auto *const button = qobject_cast<QPushButton *>(sender());
+    if (!button)
+        return;
+    const int row = button->property(rowProperty).toInt();
+    const QString key = button->property(measureProperty).toString();
+    const GraphMeasure *const measure = graphMeasure(key);
+    const Matrices all = matrices();
+    if (!measure || all.empty() || all.front().size() == 0)
+        return; // nothing to compute
+    if (!confirmComputing(*measure, all.front()))
+        return;
+
+    QVariant result;
+    if (measure->perNode) {
+        result = QVariant::fromValue(valuesPerNode(*measure, all));
+    } else {
+        const std::vector<float> values = globalEfficiencies(all);
+        result = values.size() == 1 ? QVariant(values.front())
+                                    : QVariant::fromValue(FeatureValues{values});
+    }
+    GraphFeaturesModel *const model = modelOf(ui->tblView_GraphFeatures);
+    model->setResult(model->featureIndex(key), result);
+    if (result.userType() == qMetaTypeId<FeatureValues>())
+        allowInspecting(row, *measure);
+}
+
+bool ConnectivityObjectUI::confirmComputing(const GraphMeasure &measure,
+                                            const Eigen::MatrixXf &matrix)
+{
+    if (!measure.isLong || matrix.rows() <= largestUnasked)
+        return true;
+    QMessageBox question;
+    question.setWindowTitle(tr("Caution."));
+    question.setText(
+        tr("The matrix is too big and the computation might take too long. Continue?"));
+    question.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    // It has no parent, but it goes with this dialog all the same.
+    const QPointer<ConnectivityObjectUI> self(this);
+    connect(this, &QObject::destroyed, &question, &QMessageBox::reject);
+    return question.exec() == QMessageBox::Yes && self;
+}
+
+void ConnectivityObjectUI::allowInspecting(int row, const GraphMeasure &measure)
+{
+    const QTableView *const view = ui->tblView_GraphFeatures;
+    QWidget *const button =
+        view->indexWidget(view->model()->index(row, GraphFeaturesModel::ResultColumn));
+    if (!button)
+        return; // the subject had no protocol when the table was made
+    button->setProperty(titleProperty, tr(measure.title));
+    button->setEnabled(true);
+}
+
+void ConnectivityObjectUI::inspectGraphFeature(bool)
+{
+    const auto *const button = qobject_cast<QPushButton *>(sender());
+    if (!button)
+        return;
+    const QString key = button->property(measureProperty).toString();
+    const QString title = button->property(titleProperty).toString();
+    GraphFeaturesModel *const model = modelOf(ui->tblView_GraphFeatures);
+    const auto values = model->result(model->featureIndex(key)).value<FeatureValues>();
+    if (model->feature(key).scalar)
+        plotPerSlice(title, values.empty() ? std::vector<float>() : values.front());
+    else
+        plotPerNode(title, values);
+}
+
+void ConnectivityObjectUI::plotPerSlice(const QString &title, const std::vector<float> &values)
+{
+    const QStringList names = subject().protocol().volumeNames.values();
+    auto *const plot = new TimeseriesLinePlot(title, this);
+    plot->setWindowTitle(tr("Plot: %1").arg(title));
+    plot->prepareChart();
+    plot->setSeries(values, QString());
+    plot->finishPlot(fittedNames(names, int(values.size())));
+    plot->show();
+}
+
+void ConnectivityObjectUI::plotPerNode(const QString &title, const FeatureValues &values)
+{
+    const bool useProtocol = subject().useProtocol();
+    const QStringList names = subject().protocol().volumeNames.values();
+    const QList<int> events = subject().protocol().volumeEvents.values();
+    const int nodes = values.empty() ? 0 : int(values.front().size());
+
+    auto *const plot = new LinePlot(title, this);
+    plot->setWindowTitle(tr("Plot: %1").arg(title));
+    plot->prepareChart();
+    for (int slice = 0; slice < int(values.size()); ++slice) {
+        const std::vector<float> &line = values[std::size_t(slice)];
+        if (useProtocol)
+            plot->addSeries(line, nameAt(names, slice), events.value(slice));
+        else
+            plot->addSeries(line, QStringLiteral("Series %1").arg(slice), 0);
+    }
+    plot->finishPlot(fittedNames(subject().voiLabels(false), nodes), useProtocol);
+    if (!useProtocol)
+        plot->disableConditions();
+    plot->show();
+}
+
+void ConnectivityObjectUI::graphfeatures_useFilteredMatrix(bool) {}
