@@ -188,9 +188,9 @@ TEST(CommandLine, SaysThatTheDiskIsFull)
         {QStringLiteral("-c"), QStringLiteral("ulimit -f 8; exec \"$@\""), QStringLiteral("sh"),
          QStringLiteral(TEST_COMMANDS_PROGRAM), QStringLiteral("import"), folder.path("a.vmr")});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, "Corvane: " + folder.path("a.vmr").toStdString() +
-                           ": writing: found File too large, expected room for 16777216 more "
-                           "bytes\n");
+    EXPECT_THAT(run.err, StartsWith("Corvane: " + folder.path("a.vmr").toStdString() +
+                                    ": writing: found File too large, expected room for "));
+    expectOneLine(run.err);
     EXPECT_TRUE(folder.entries().isEmpty());
 }
 
