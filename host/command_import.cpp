@@ -4,8 +4,6 @@
 #include "host/input_error.h"
 #include "host/text_check.h"
 
-#include <cstdio>
-
 namespace corvane
 {
 
@@ -119,11 +117,7 @@ int runImport(const QStringList &arguments)
     if (!parseArguments(parser, arguments))
         return Done;
 
-    const ImportReport report = importDataset(requestOf(parser));
-    for (const QString &note : report.notes)
-        std::fprintf(stderr, "%s\n", note.toUtf8().constData());
-    for (const QString &line : report.summary)
-        std::printf("%s\n", line.toUtf8().constData());
+    printReport(importDataset(requestOf(parser)));
     return Done;
 }
 

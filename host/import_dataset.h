@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/atlas.h"
+#include "host/import_report.h"
 
 #include <optional>
 
@@ -20,11 +21,6 @@ struct ImportRequest {
     VoiGrid voiGrid = VoiGrid::Functional;
     QString name;   ///< of the files that are written, without ending
     QString folder; ///< where they are written; made when it is missing
-};
-
-struct ImportReport {
-    QStringList notes;   ///< what the user should look at, one line each
-    QStringList summary; ///< what was made, one line each
 };
 
 /// The name of the files when the user gives none: that of the run without ".nii" or ".nii.gz".

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands.h"
+#include "host/example_dataset.h"
+#include "host/import_report.h"
+
+namespace corvane
+{
+
+int runExample(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Writes the example dataset into a folder and imports it."));
+    parser.addPositionalArgument(QStringLiteral("folder"),
+                                 QStringLiteral("The folder for the files."));
+    if (!parseArguments(parser, arguments, 1))
+        return Done;
+
+    printReport(writeExample(parser.positionalArguments().front()));
+    return Done;
+}
+
+} // namespace corvane
