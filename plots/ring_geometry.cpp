@@ -16,9 +16,16 @@ constexpr double labelPi = 3.14156; // labels are turned by this value of pi
 /// What edges bend towards: ten units above the ring's centre, on purpose.
 constexpr QPointF bendTowards(320.0, 330.0);
 
+double inSinglePrecision(double value)
+{
+    // Without volatile g++ 12 takes two such conversions side by side for no conversion at all.
+    const volatile float single = float(value);
+    return double(single);
+}
+
 QPointF inSinglePrecision(double x, double y)
 {
-    return QPointF(double(float(x)), double(float(y)));
+    return QPointF(inSinglePrecision(x), inSinglePrecision(y));
 }
 
 } // namespace

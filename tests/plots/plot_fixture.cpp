@@ -45,8 +45,8 @@ QStringList nodeNames(int n)
     return names;
 }
 
-Result::Result(const std::vector<Eigen::MatrixXf> &matrices,
-               const QVector<SliceOfProtocol> &slices, bool useProtocol)
+Result::Result(const std::vector<Eigen::MatrixXf> &matrices, const QVector<SliceOfProtocol> &slices,
+               bool useProtocol)
     : subject(QSharedPointer<Subject>::create())
 {
     SubjectProtocol protocol(QStringLiteral("Protocol"), 1, slices.size());
