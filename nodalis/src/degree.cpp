@@ -10,14 +10,25 @@ inline namespace NODALIS_ABI
 
 Eigen::ArrayXf degree(const Eigen::MatrixXf &matrix)
 {
-    const Eigen::MatrixXf weights = detail::conditioned(matrix, "degree");
-    return (weights.array() != 0.0F).cast<float>().colwise().sum().transpose();
+    detail::require_square(matrix, "degree");
+    Eigen::ArrayXi counts = Eigen::ArrayXi::Zero(matrix.rows());
+    detail::for_each_weight(matrix, [&](Eigen::Index i, Eigen::Index j, float weight) {
+        const int edge = weight != 0.0F ? 1 : 0;
+        counts[i] += edge;
+        counts[j] += edge;
+    });
+    return counts.cast<float>();
 }
 
 Eigen::ArrayXf strength(const Eigen::MatrixXf &matrix)
 {
-    const Eigen::MatrixXf weights = detail::conditioned(matrix, "strength");
-    return weights.cast<double>().colwise().sum().transpose().cast<float>();
+    detail::require_square(matrix, "strength");
+    Eigen::ArrayXd sums = Eigen::ArrayXd::Zero(matrix.rows());
+    detail::for_each_weight(matrix, [&](Eigen::Index i, Eigen::Index j, float weight) {
+        sums[i] += double{weight};
+        sums[j] += double{weight};
+    });
+    return sums.cast<float>();
 }
 
 } // namespace NODALIS_ABI

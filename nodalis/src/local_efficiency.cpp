@@ -43,12 +43,12 @@ struct Progress {
 Graph graph_of(const Eigen::MatrixXf &weights)
 {
     const Eigen::Index n = weights.rows();
-    Graph graph{Eigen::MatrixXd::Zero(n, n), std::vector<Nodes>(n)};
+    Graph graph{Eigen::MatrixXd(n, n), std::vector<Nodes>(n)};
     for (int j = 0; j < n; ++j) {
-        for (int i = 0; i < j; ++i) {
+        detail::kernels().cube_roots(graph.roots.col(j).data(), weights.col(j).data(),
+                                     static_cast<int>(n));
+        for (int i = 0; i < n; ++i) {
             if (weights(i, j) > 0.0F) {
-                graph.roots(i, j) = graph.roots(j, i) = std::cbrt(double{weights(i, j)});
-                graph.neighbours[i].push_back(j);
                 graph.neighbours[j].push_back(i);
             }
         }

@@ -39,8 +39,7 @@ NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix);
 /// where an edge (w > 0) has the length 1/w. Nodes that do not reach each other, isolated ones
 /// among them, add 0. n < 2 gives 0.
 ///
-/// Range 0 to the largest weight; scales with the weights. Time O(n^3), or O(n m log n) for m
-/// edges in sparse graphs; O(n^2) memory.
+/// Range 0 to the largest weight; scales with the weights. O(n^3) time, O(n^2) memory.
 ///
 /// Source: Latora and Marchiori 2001, Phys Rev Lett 87:198701,
 /// doi:10.1103/PhysRevLett.87.198701.

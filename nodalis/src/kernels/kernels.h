@@ -31,6 +31,10 @@ struct Kernels {
     /// sums(b) += weights(a) / tile(a, b) for a in ascending order.
     void (*divide)(double *sums, const double *tile, const double *weights);
 
+    /// out(i) = in(i)^(1/3) to within 1e-14 where in(i) > 0, else 0. Not the C library's, which
+    /// differs between platforms and takes one number at a time. No alignment needed.
+    void (*cube_roots)(double *out, const float *in, int count);
+
     /// sums(i) += column(i) * factor for i below count; returns the sum of column(i) * x(i), added
     /// up in tile_size interleaved parts. Pointers need no alignment.
     double (*half_product)(double *sums, const double *x, double factor, const float *column,
