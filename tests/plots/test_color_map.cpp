@@ -65,9 +65,9 @@ void expectColor(const Anchor &anchor)
 TEST(ValueToColor, meets_its_anchors)
 {
     const Anchor anchors[] = {
-        {-1.0, 0, 0, 0.5},  {-0.75, 0, 0, 1},  {-0.5, 0, 0.5, 1},
-        {-0.25, 0, 1, 1},   {0.0, 0.5, 1, 0.5}, {0.25, 1, 1, 0},
-        {0.5, 1, 0.5, 0},   {0.75, 1, 0, 0},   {1.0, 0.5, 0, 0},
+        {-1.0, 0, 0, 0.5}, {-0.75, 0, 0, 1},   {-0.5, 0, 0.5, 1},
+        {-0.25, 0, 1, 1},  {0.0, 0.5, 1, 0.5}, {0.25, 1, 1, 0},
+        {0.5, 1, 0.5, 0},  {0.75, 1, 0, 0},    {1.0, 0.5, 0, 0},
     };
     for (const Anchor &anchor : anchors)
         expectColor(anchor);
@@ -76,10 +76,9 @@ TEST(ValueToColor, meets_its_anchors)
 TEST(ValueToColor, is_linear_between_its_anchors)
 {
     const Anchor between[] = {
-        {-1.125, 0, 0, 0.25},   {-0.875, 0, 0, 0.75},  {-0.625, 0, 0.25, 1},
-        {-0.375, 0, 0.75, 1},   {-0.125, 0.25, 1, 0.75}, {0.125, 0.75, 1, 0.25},
-        {0.375, 1, 0.75, 0},    {0.625, 1, 0.25, 0},   {0.875, 0.75, 0, 0},
-        {1.125, 0.25, 0, 0},    {0.1, 0.7, 1, 0.3},
+        {-1.125, 0, 0, 0.25},    {-0.875, 0, 0, 0.75},   {-0.625, 0, 0.25, 1}, {-0.375, 0, 0.75, 1},
+        {-0.125, 0.25, 1, 0.75}, {0.125, 0.75, 1, 0.25}, {0.375, 1, 0.75, 0},  {0.625, 1, 0.25, 0},
+        {0.875, 0.75, 0, 0},     {1.125, 0.25, 0, 0},    {0.1, 0.7, 1, 0.3},
     };
     for (const Anchor &anchor : between)
         expectColor(anchor);
@@ -87,8 +86,8 @@ TEST(ValueToColor, is_linear_between_its_anchors)
 
 TEST(ValueToColor, is_black_from_one_and_a_quarter_on_and_for_what_is_no_number)
 {
-    for (const double value : {-1.25, 1.25, -1.3, 1.3, -1e30, 1e30, -double(infinity),
-                               double(infinity), double(nan)})
+    for (const double value :
+         {-1.25, 1.25, -1.3, 1.3, -1e30, 1e30, -double(infinity), double(infinity), double(nan)})
         expectColor({value, 0, 0, 0});
 }
 
