@@ -200,6 +200,7 @@ int *zqGetVOI(int index, VOIRecord *voi)
 }
 
 // Each has the very type with which plugins bind it.
+// NOLINTBEGIN(bugprone-macro-parentheses): a type cannot stand in parentheses
 namespace
 {
 
@@ -211,3 +212,4 @@ namespace
 #undef HOST_NAME
 
 } // namespace
+// NOLINTEND(bugprone-macro-parentheses)

@@ -115,7 +115,7 @@ QString NrrdHeader::text(const QString &name) const
 
 QStringList NrrdHeader::words(const QString &name, int count) const
 {
-    const QStringList found = text(name).simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QStringList found = text(name).simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (found.size() != count)
         fail(name,
              count == 1 ? QStringLiteral("one value") : QStringLiteral("%1 values").arg(count));

@@ -9,8 +9,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <set>
 
 namespace corvane
 {
@@ -67,6 +71,15 @@ QString valueText(const QJsonValue &value)
     return printable(list.mid(1, list.size() - 2), 40);
 }
 
+/// Where an offset is, with the column from 1.
+QString placeOf(const QByteArray &bytes, int offset)
+{
+    const QByteArray before = bytes.left(offset);
+    const int column = before.size() - before.lastIndexOf('\n');
+    return QStringLiteral("line %1, column %2")
+        .arg(QString::number(before.count('\n') + 1), QString::number(column));
+}
+
 /// What stands at a place of the file, up to the end of its line.
 QString foundText(const QByteArray &bytes, int offset)
 {
@@ -75,6 +88,47 @@ QString foundText(const QByteArray &bytes, int offset)
     const int lineEnd = rest.indexOf('\n');
     return rest.isEmpty() ? QStringLiteral("the end of the file")
                           : quoted(lineEnd < 0 ? rest : rest.left(lineEnd), longest);
+}
+
+/// Place and text of a key in a JSON text.
+struct KeyFault {
+    int offset;
+    QString found;
+    QString expected;
+};
+
+/// The first key that stands twice in its object, or is written with escapes, which would hide that
+/// it does: Qt's parser takes the last of equal keys without a word (and loses memory over it).
+std::optional<KeyFault> keyFault(const QByteArray &json)
+{
+    constexpr std::size_t deepest = 1024; // the parser refuses what is deeper
+    std::vector<std::set<QByteArray>> openKeys;
+    for (int at = 0; at < json.size() && openKeys.size() <= deepest; ++at) {
+        const char c = json[at];
+        if (c == '{' || c == '[')
+            openKeys.emplace_back();
+        else if ((c == '}' || c == ']') && !openKeys.empty())
+            openKeys.pop_back();
+        if (c != '"')
+            continue;
+        const int start = at + 1;
+        for (++at; at < json.size() && json[at] != '"'; ++at)
+            at += json[at] == '\\' ? 1 : 0;
+        int next = at + 1;
+        while (next < json.size() && std::isspace(static_cast<unsigned char>(json[next])))
+            ++next;
+        if (next >= json.size() || json[next] != ':' || openKeys.empty())
+            continue;
+        const QByteArray key = json.mid(start, at - start);
+        if (key.contains('\\'))
+            return KeyFault{start, QStringLiteral("the key ") + quoted(key),
+                            QStringLiteral("a key without escapes")};
+        if (!openKeys.back().insert(key).second)
+            return KeyFault{start,
+                            QStringLiteral("the key ") + quoted(key) + QStringLiteral(" again"),
+                            QStringLiteral("it once")};
+    }
+    return std::nullopt;
 }
 
 /// Reads one file; every member throws with the place that it was given.
@@ -127,6 +181,8 @@ private:
                              QStringLiteral("%1 bytes").arg(file.size()),
                              QStringLiteral("%1 or less").arg(largestFile));
         const QByteArray bytes = file.head(file.size());
+        if (const auto fault = keyFault(bytes))
+            throw InputError(m_path, placeOf(bytes, fault->offset), fault->found, fault->expected);
         QJsonParseError error;
         const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
         if (error.error != QJsonParseError::NoError)
@@ -139,13 +195,7 @@ private:
 
     [[noreturn]] void failParsing(const QByteArray &bytes, const QJsonParseError &error) const
     {
-        const QByteArray before = bytes.left(error.offset);
-        const int line = before.count('\n') + 1;
-        const int column = before.size() - before.lastIndexOf('\n');
-        throw InputError(m_path,
-                         QStringLiteral("line %1, column %2")
-                             .arg(QString::number(line), QString::number(column)),
-                         foundText(bytes, error.offset),
+        throw InputError(m_path, placeOf(bytes, error.offset), foundText(bytes, error.offset),
                          error.error == QJsonParseError::IllegalUTF8String
                              ? QStringLiteral("UTF-8")
                              : QStringLiteral("JSON (%1)").arg(error.errorString()));
@@ -182,7 +232,7 @@ private:
 
     QJsonArray triple(const QJsonValue &value, const QString &place) const
     {
-        const QJsonArray list = array(value, place);
+        QJsonArray list = array(value, place);
         if (list.size() != 3)
             throw InputError(m_path, place, QStringLiteral("%1 values").arg(list.size()),
                              QStringLiteral("3"));

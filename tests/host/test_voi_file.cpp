@@ -77,7 +77,7 @@ TEST(VoiFile, KeepsNamesOfEveryScriptAndLength)
     VoiSet set;
     for (const char *name :
          {"a", " blanks ", "quote \" backslash \\ slash /", "\xe6\xb5\xb7\xe9\xa6\xac",
-          "\xf0\x9f\xa7\xa0", "%1 %2", "same", "same"})
+          "\xf0\x9f\xa7\xa0", "%1 %2", "\"name\": {", "\"a\":", "same", "same"})
         set.vois.push_back({QString::fromUtf8(name), 0, 0, 0, {}});
     set.vois.push_back({QString(5000, QChar(0xe9)), 0, 0, 0, {}});
     writeVoiFile(folder.path("rois.voi"), set);
@@ -170,6 +170,17 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"NoKey", altered("    \"referenceSpace\": 0,\n", ""),
                 "top level: found no key \"referenceSpace\", expected all of format, version, "
                 "referenceSpace, resolution, vois"},
+        BadFile{"KeyTwice", altered("\"version\": 1,", "\"version\": 1, \"version\": 1,"),
+                "line 3, column 20: found the key \"version\" again, expected it once"},
+        BadFile{"KeyTwiceInVoi",
+                altered("\"name\": \"left\",", "\"name\": \"a\", \"name\" : \"b\","),
+                "line 8, column 27: found the key \"name\" again, expected it once"},
+        BadFile{"KeyWithEscapes", altered("\"version\"", "\"versio\\u006e\""),
+                "line 3, column 6: found the key \"versio\\u006e\", expected a key without "
+                "escapes"},
+        BadFile{"DeeperThanAnyParser", QByteArray(2000, '['),
+                "line 1, column 1026: found \"[[[[[[[[[[[[[[[[[[[[[[[[...\", expected JSON (too "
+                "deeply nested document)"},
         BadFile{"UnknownKeyInVoi", altered("\"name\"", "\"side\": 1, \"name\""),
                 "VOI 1 (left): found the key \"side\", expected only name, color, voxels"},
         BadFile{"NoName", altered("\"name\": \"left\",", ""),
