@@ -150,9 +150,7 @@ TEST(SignedReferenceData, NegativeWeightsCountWhereTheyShould)
     }
     const Eigen::MatrixXf graph = matrix("signed_nitime28.matrix.csv");
     const QJsonObject measures = reference_data::expected("signed_nitime28")["measures"].toObject();
-    const auto wanted = [&](const char *key) -> QJsonValue {
-        return values(measures[key].toObject()["value"]);
-    };
+    const auto wanted = [&](const char *key) { return values(measures[key].toObject()["value"]); };
     EXPECT_TRUE(near(nodalis::degree(graph), wanted("degree_nonzero"), 0.0));
     EXPECT_TRUE(near(nodalis::strength(graph), wanted("strength")));
     EXPECT_TRUE(near(nodalis::eigenvector_centrality(graph), wanted("eigenvector_centrality_abs"),
