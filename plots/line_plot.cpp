@@ -240,11 +240,8 @@ void LinePlot::showContextMenu(QPoint pos)
 void LinePlot::saveImage()
 {
     const QString path = askForTarget(this, QStringLiteral("PNG (*.png)"), QStringLiteral(".png"));
-    if (path.isEmpty())
-        return;
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && chartView->grab().save(&file, "PNG"))
-        file.commit();
+    if (!path.isEmpty())
+        savePicture(chartView->grab(), path);
 }
 
 void LinePlot::saveCSV()
@@ -263,5 +260,6 @@ void LinePlot::saveCSV()
             stream << (i > 0 ? "," : "") << points[i].y();
     }
     stream.flush();
-    file.commit();
+    if (stream.status() == QTextStream::Ok)
+        file.commit();
 }

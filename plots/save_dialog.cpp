@@ -2,7 +2,9 @@
 #include "plots/save_dialog.h"
 
 #include <QFileDialog>
+#include <QPixmap>
 #include <QPointer>
+#include <QSaveFile>
 
 QString askForTarget(QWidget *window, const QString &filter, const QString &suffix)
 {
@@ -17,4 +19,12 @@ QString askForTarget(QWidget *window, const QString &filter, const QString &suff
         path = dialog->selectedFiles().value(0);
     delete dialog;
     return path;
+}
+
+void savePicture(const QPixmap &picture, const QString &path)
+{
+    QSaveFile file(path);
+    // The flush tells of a disk that is full; a commit alone would keep what fitted on it.
+    if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.flush())
+        file.commit();
 }

@@ -3,8 +3,13 @@
 
 #include <QString>
 
+class QPixmap;
 class QWidget;
 
 /// Asks for the file to write. `suffix` is added to a name without one. Empty when the dialog is
 /// cancelled or when the window closed under it.
 QString askForTarget(QWidget *window, const QString &filter, const QString &suffix);
+
+/// Saves a picture as PNG. Silent whatever comes of it: a file that cannot be written whole is not
+/// left behind, and an existing one stays as it was.
+void savePicture(const QPixmap &picture, const QString &path);

@@ -21,6 +21,7 @@ const char *const allowedWarnings[] = {
     // The offscreen platform has no window manager to tell.
     "This plugin does not support propagateSizeHints\\(\\)",
     "This plugin does not support raise\\(\\)",
+    "This plugin does not support grabbing the keyboard",
     // This window has no context menu; its view is connected all the same.
     "QObject::connect: No such slot TimeseriesLinePlot::showContextMenu\\(const QPoint &\\).*",
     "QObject::connect:  \\(receiver name: +'TimeseriesLineplot'\\)",

@@ -4,10 +4,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-// Both travel through signals and slots, between threads too.
-static_assert(QMetaTypeId2<QVersionNumber>::Defined);
-static_assert(QMetaTypeId2<QNetworkReply *>::Defined);
-
 UpdateManifest readUpdateManifest(const QByteArray &json)
 {
     const QJsonObject object = QJsonDocument::fromJson(json).object();
@@ -16,6 +12,13 @@ UpdateManifest readUpdateManifest(const QByteArray &json)
     };
     return {text("name"), QVersionNumber::fromString(text("version")),
             QVersionNumber::fromString(text("target_cv_version"))};
+}
+
+CheckUpdate::CheckUpdate(QObject *parent) : QObject(parent)
+{
+    // Both travel through queued connections too.
+    qRegisterMetaType<QVersionNumber>();
+    qRegisterMetaType<QNetworkReply *>();
 }
 
 void CheckUpdate::requestFinished(QNetworkReply *reply)

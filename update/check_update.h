@@ -26,7 +26,7 @@ class CheckUpdate : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit CheckUpdate(QObject *parent = nullptr);
 
 signals:
     /// The newest version of the plugin; null when the manifest names none.

@@ -83,9 +83,8 @@ TEST_F(SpanSliderTest, keys_move_the_handle_that_they_stand_for)
 TEST_F(SpanSliderTest, a_key_reports_value_then_span_after_the_base_class_has_moved_its_own_value)
 {
     show(200, 300);
-    QObject::connect(&slider, &QAbstractSlider::valueChanged, &slider, [this](int value) {
-        signalLog += QStringLiteral("value %1").arg(value);
-    });
+    QObject::connect(&slider, &QAbstractSlider::valueChanged, &slider,
+                     [this](int value) { signalLog += QStringLiteral("value %1").arg(value); });
     key(Qt::Key_Right);
     EXPECT_EQ(takeSignals(), QStringList({"value 1", "lower 201", "span 201 300"}));
     key(Qt::Key_Up);
@@ -133,8 +132,8 @@ TEST_F(SpanSliderTest, keys_push_the_main_handle_across_when_it_is_free)
     show(295, 300);
     key(Qt::Key_Right);
     // The handle that was crossed gets the position that the crossing one had.
-    EXPECT_EQ(takeSignals(), QStringList({"lower 295", "span 295 295", "upper 305",
-                                          "span 295 305"}));
+    EXPECT_EQ(takeSignals(),
+              QStringList({"lower 295", "span 295 295", "upper 305", "span 295 305"}));
     EXPECT_EQ(state(), "295 305 | 295 305");
     EXPECT_EQ(logic.mainControl, upperHandle);
 
@@ -147,8 +146,8 @@ TEST_F(SpanSliderTest, keys_push_the_other_handle_across_when_it_is_free)
     slider.setSingleStep(10);
     show(295, 300);
     key(Qt::Key_Down);
-    EXPECT_EQ(takeSignals(), QStringList({"lower 290", "span 290 295", "upper 300",
-                                          "span 290 300"}));
+    EXPECT_EQ(takeSignals(),
+              QStringList({"lower 290", "span 290 295", "upper 300", "span 290 300"}));
     EXPECT_EQ(state(), "290 300 | 290 300");
     EXPECT_EQ(logic.mainControl, upperHandle);
 }

@@ -13,9 +13,9 @@ constexpr auto lowerHandle = QxtSpanSlider::LowerHandle;
 constexpr auto upperHandle = QxtSpanSlider::UpperHandle;
 
 /// All ways in which a slider can lie.
-class EveryLayout : public SpanSliderTest,
-                    public testing::WithParamInterface<
-                        std::tuple<Qt::Orientation, bool, Qt::LayoutDirection>>
+class EveryLayout
+    : public SpanSliderTest,
+      public testing::WithParamInterface<std::tuple<Qt::Orientation, bool, Qt::LayoutDirection>>
 {
 protected:
     void SetUp() override
@@ -27,10 +27,10 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(
-    SpanSlider, EveryLayout,
-    testing::Combine(testing::Values(Qt::Horizontal, Qt::Vertical), testing::Bool(),
-                     testing::Values(Qt::LeftToRight, Qt::RightToLeft)));
+INSTANTIATE_TEST_SUITE_P(SpanSlider, EveryLayout,
+                         testing::Combine(testing::Values(Qt::Horizontal, Qt::Vertical),
+                                          testing::Bool(),
+                                          testing::Values(Qt::LeftToRight, Qt::RightToLeft)));
 
 TEST_P(EveryLayout, has_one_value_per_pixel)
 {

@@ -42,9 +42,8 @@ struct DrawnControl {
 
 void PrintTo(const DrawnControl &control, std::ostream *out)
 {
-    *out << "controls " << int(control.subControls) << " position " << control.position
-         << " value " << control.value << " active " << int(control.active) << " sunken "
-         << control.sunken;
+    *out << "controls " << int(control.subControls) << " position " << control.position << " value "
+         << control.value << " active " << int(control.active) << " sunken " << control.sunken;
 }
 
 /// A style with round numbers for a slider of 221 by 40 points lying, or 40 by 221 standing: the
@@ -62,9 +61,8 @@ public:
         const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
         if (control != CC_Slider || slider == nullptr)
             return QProxyStyle::subControlRect(control, option, subControl, widget);
-        const QRect lying = subControl == SC_SliderGroove
-                                ? groove
-                                : QRect(10 + slider->sliderPosition, 4, 10, 20);
+        const QRect lying =
+            subControl == SC_SliderGroove ? groove : QRect(10 + slider->sliderPosition, 4, 10, 20);
         return slider->orientation == Qt::Horizontal
                    ? lying
                    : QRect(lying.y(), lying.x(), lying.height(), lying.width());
@@ -127,17 +125,17 @@ protected:
                 const QColor painted = pixel(image, along, across);
                 const bool inside = along >= left * scale && along <= right * scale &&
                                     across >= top * scale && across <= bottom * scale;
-                const bool onOutline = inside && (along == left * scale || along == right * scale ||
-                                                  across == top * scale || across == bottom * scale);
+                const bool onOutline =
+                    inside && (along == left * scale || along == right * scale ||
+                               across == top * scale || across == bottom * scale);
                 if (!inside) {
                     ASSERT_EQ(painted.rgb(), background.rgb()) << along << " " << across;
                 } else if (onOutline) {
                     ASSERT_EQ(painted.rgb(), outline.rgb()) << along << " " << across;
                 } else {
-                    const double stop = qBound(0.0,
-                                               ((across + 0.5) / scale - grooveTop) /
-                                                   (grooveBottom - grooveTop),
-                                               1.0);
+                    const double stop = qBound(
+                        0.0, ((across + 0.5) / scale - grooveTop) / (grooveBottom - grooveTop),
+                        1.0);
                     // Qt's gradients have 1,024 steps: one unit of a channel is what may differ.
                     const auto expectChannel = [&](int got, int first, int last) {
                         EXPECT_NEAR(got, first + stop * (last - first), 1.0)
@@ -327,10 +325,10 @@ protected:
     OpenSlider slider;
 };
 
-INSTANTIATE_TEST_SUITE_P(
-    SpanSlider, SpanInFusion,
-    testing::Combine(testing::Values(Qt::Horizontal, Qt::Vertical), testing::Bool(),
-                     testing::Values(Qt::LeftToRight, Qt::RightToLeft)));
+INSTANTIATE_TEST_SUITE_P(SpanSlider, SpanInFusion,
+                         testing::Combine(testing::Values(Qt::Horizontal, Qt::Vertical),
+                                          testing::Bool(),
+                                          testing::Values(Qt::LeftToRight, Qt::RightToLeft)));
 
 TEST_P(SpanInFusion, is_painted_groove_span_handles)
 {
@@ -349,8 +347,7 @@ TEST_P(SpanInFusion, is_painted_with_the_pressed_handle_sunken_and_on_top)
     const QRect upper = rectOf(option, handleControl);
     const QPoint at = upper.contains(lower.topLeft()) ? lower.bottomRight() : lower.topLeft();
     ASSERT_FALSE(upper.contains(at));
-    QMouseEvent event(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
+    QMouseEvent event(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&slider, &event);
     EXPECT_EQ(comparable(slider.grab()), expected({650, 640}, 640));
 }

@@ -82,8 +82,8 @@ private:
 
     void key()
     {
-        static constexpr std::array keys = {Qt::Key_Home, Qt::Key_End, Qt::Key_Left,
-                                            Qt::Key_Right, Qt::Key_Up, Qt::Key_Down};
+        static constexpr std::array keys = {Qt::Key_Home,  Qt::Key_End, Qt::Key_Left,
+                                            Qt::Key_Right, Qt::Key_Up,  Qt::Key_Down};
         QKeyEvent event(QEvent::KeyPress, keys[size_t(pick(0, int(keys.size()) - 1))],
                         Qt::NoModifier);
         QCoreApplication::sendEvent(&slider, &event);
@@ -95,8 +95,8 @@ private:
         QPoint at(pick(-20, 320), pick(-20, 320));
         if (type == QEvent::MouseButtonPress)
             at = slider.orientation() == Qt::Horizontal ? QPoint(at.x(), 150) : QPoint(150, at.y());
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton
-                                                                         : Qt::LeftButton;
+        const Qt::MouseButtons held =
+            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
         QMouseEvent event(type, at, button, held, Qt::NoModifier);
         QCoreApplication::sendEvent(&slider, &event);
         drags += type == QEvent::MouseMove && event.isAccepted();

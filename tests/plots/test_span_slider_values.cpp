@@ -213,12 +213,12 @@ TEST_F(SpanSliderTest, declares_its_signals_and_slots_in_order)
     QStringList signatures;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         signatures += QString::fromLatin1(meta.method(i).methodSignature());
-    EXPECT_EQ(signatures,
-              QStringList({"spanChanged(int,int)", "lowerValueChanged(int)",
-                           "upperValueChanged(int)", "lowerPositionChanged(int)",
-                           "upperPositionChanged(int)", "sliderPressed(SpanHandle)",
-                           "setLowerValue(int)", "setUpperValue(int)", "setSpan(int,int)",
-                           "setLowerPosition(int)", "setUpperPosition(int)"}));
+    EXPECT_EQ(
+        signatures,
+        QStringList({"spanChanged(int,int)", "lowerValueChanged(int)", "upperValueChanged(int)",
+                     "lowerPositionChanged(int)", "upperPositionChanged(int)",
+                     "sliderPressed(SpanHandle)", "setLowerValue(int)", "setUpperValue(int)",
+                     "setSpan(int,int)", "setLowerPosition(int)", "setUpperPosition(int)"}));
 
     const QMetaObject &inner = QxtSpanSliderPrivate::staticMetaObject;
     ASSERT_EQ(inner.methodCount() - inner.methodOffset(), 2);
@@ -238,6 +238,9 @@ TEST_F(SpanSliderTest, declares_its_enums)
     EXPECT_EQ(QxtSpanSlider::UpperHandle, 2);
 }
 
-TEST(QxtVersion, is_told) { EXPECT_STREQ(qxtVersion(), "0.7.0"); }
+TEST(QxtVersion, is_told)
+{
+    EXPECT_STREQ(qxtVersion(), "0.7.0");
+}
 
 } // namespace

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "plots/line_plot.h"
+#include "plots/my_label.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QTest>
+#include <QtCharts/QChart>
+#include <QtCharts/QChartView>
+#include <QtCharts/QLineSeries>
+
+#include <gtest/gtest.h>
+
+/// A line plot and the way to its parts.
+class LinePlotTest : public testing::Test
+{
+protected:
+    LinePlotTest()
+    {
+        window.setWindowTitle(QStringLiteral("Plot: Degree"));
+        window.prepareChart();
+    }
+
+    /// Shows the window and leaves the mouse in the middle of its chart.
+    void show()
+    {
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        QTest::mouseMove(window.windowHandle(), window.rect().center());
+    }
+
+    QtCharts::QChartView *view() const { return window.findChild<QtCharts::QChartView *>(); }
+    QtCharts::QChart *chart() const { return view()->chart(); }
+    QtCharts::QLineSeries *line(int row) const
+    {
+        return qobject_cast<QtCharts::QLineSeries *>(chart()->series().value(row));
+    }
+    QPen pen(int row, const char *property) const
+    {
+        return line(row)->property(property).value<QPen>();
+    }
+
+    QGridLayout *grid() const
+    {
+        return window.findChild<QGridLayout *>(QStringLiteral("gridLayoutAll"));
+    }
+    template <typename Widget>
+    Widget *inLegend(int row, int column) const
+    {
+        QLayoutItem *item = grid()->itemAtPosition(row, column);
+        return item == nullptr ? nullptr : qobject_cast<Widget *>(item->widget());
+    }
+    MyLabel *colorBox(int row) const { return inLegend<MyLabel>(row, 0); }
+    MyLabel *nameLabel(int row) const { return inLegend<MyLabel>(row, 1); }
+    QCheckBox *checkBox(int row) const { return inLegend<QCheckBox>(row, 2); }
+
+    template <typename Widget>
+    Widget *named(const char *name) const
+    {
+        return window.findChild<Widget *>(QLatin1String(name));
+    }
+
+    void click(QWidget *widget, QPoint at)
+    {
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, widget->mapTo(&window, at));
+    }
+    void moveMouseTo(QWidget *widget)
+    {
+        QTest::mouseMove(window.windowHandle(), widget->mapTo(&window, widget->rect().center()));
+    }
+
+    /// Whether all points of all lines lie in the frame of the axes.
+    testing::AssertionResult allPointsAreInThePlotArea() const
+    {
+        const QRectF area = chart()->plotArea().adjusted(-0.5, -0.5, 0.5, 0.5);
+        for (QtCharts::QAbstractSeries *series : chart()->series()) {
+            auto *points = qobject_cast<QtCharts::QLineSeries *>(series);
+            for (const QPointF &point : points->pointsVector()) {
+                const QPointF place = chart()->mapToPosition(point, points);
+                if (!area.contains(place)) {
+                    return testing::AssertionFailure()
+                           << "point " << point.x() << ", " << point.y() << " of "
+                           << qPrintable(points->name()) << " lies at " << place.x() << ", "
+                           << place.y();
+                }
+            }
+        }
+        return testing::AssertionSuccess();
+    }
+
+    LinePlot window{QStringLiteral("Degree")};
+};

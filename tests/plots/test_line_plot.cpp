@@ -1,0 +1,539 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/plots/line_plot_fixture.h"
+
+#include <QComboBox>
+#include <QDockWidget>
+#include <QGroupBox>
+#include <QMetaMethod>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QtCharts/QBarCategoryAxis>
+#include <QtCharts/QLegend>
+#include <QtCharts/QValueAxis>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using namespace QtCharts;
+
+namespace
+{
+
+std::vector<float> wave(int points, float height = 1)
+{
+    std::vector<float> values;
+    for (int i = 0; i < points; ++i)
+        values.push_back(height + 0.5f * std::sin(0.3f * float(i)));
+    return values;
+}
+
+QStringList names(int count)
+{
+    QStringList list;
+    for (int i = 0; i < count; ++i)
+        list += QStringLiteral("VOI %1").arg(i);
+    return list;
+}
+
+std::array<int, 4> rgba(const QColor &color)
+{
+    return {color.red(), color.green(), color.blue(), color.alpha()};
+}
+
+QAbstractAxis *xAxis(const QChart *chart)
+{
+    const QList<QAbstractAxis *> axes = chart->axes(Qt::Horizontal);
+    return axes.size() == 1 ? axes.first() : nullptr;
+}
+
+// ---- the window and its form
+
+TEST_F(LinePlotTest, is_a_window_with_maximize_and_close_button_that_survives_its_closing)
+{
+    EXPECT_EQ(window.windowType(), Qt::Window);
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowCloseButtonHint));
+    EXPECT_FALSE(window.windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+    EXPECT_FALSE(window.testAttribute(Qt::WA_DeleteOnClose));
+    EXPECT_EQ(window.size(), QSize(1114, 632));
+    EXPECT_EQ(window.objectName(), "LinePlot");
+    EXPECT_EQ(LinePlot(QString()).windowTitle(), "MainWindow");
+}
+
+TEST_F(LinePlotTest, has_its_legend_in_a_dock_and_a_second_dock_that_is_never_seen)
+{
+    const auto areas = Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea;
+    const auto features = QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable;
+    auto *legend = named<QDockWidget>("dw_Legend");
+    ASSERT_NE(legend, nullptr);
+    EXPECT_EQ(legend->windowTitle(), "Legend");
+    EXPECT_EQ(legend->minimumSize(), QSize(330, 227));
+    EXPECT_EQ(legend->maximumSize(), QSize(350, 524287));
+    EXPECT_EQ(legend->allowedAreas(), areas);
+    EXPECT_EQ(legend->features(), features);
+    EXPECT_EQ(window.dockWidgetArea(legend), Qt::LeftDockWidgetArea);
+
+    auto *sources = named<QDockWidget>("dw_Sources");
+    ASSERT_NE(sources, nullptr);
+    EXPECT_EQ(sources->windowTitle(), "Sources");
+    EXPECT_EQ(sources->minimumSize(), QSize(330, 67));
+    EXPECT_EQ(sources->maximumSize(), QSize(350, 524287));
+    EXPECT_EQ(sources->allowedAreas(), areas);
+    EXPECT_EQ(sources->features(), features);
+    EXPECT_EQ(window.dockWidgetArea(sources), Qt::LeftDockWidgetArea);
+    EXPECT_EQ(named<QGroupBox>("groupBox_2")->title(), "");
+
+    show();
+    EXPECT_TRUE(legend->isVisible());
+    EXPECT_FALSE(sources->isVisible());
+}
+
+TEST_F(LinePlotTest, has_the_controls_of_its_legend)
+{
+    auto *group = named<QGroupBox>("groupBox");
+    ASSERT_NE(group, nullptr);
+    EXPECT_EQ(group->title(), "");
+    EXPECT_EQ(group->sizePolicy().horizontalPolicy(), QSizePolicy::Maximum);
+    EXPECT_EQ(group->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
+    EXPECT_EQ(group->minimumWidth(), 250);
+    EXPECT_EQ(group->maximumWidth(), 310);
+    EXPECT_EQ(group->layout()->objectName(), "verticalLayout_2");
+    EXPECT_EQ(group->layout()->sizeConstraint(), QLayout::SetMinAndMaxSize);
+
+    EXPECT_EQ(named<QComboBox>("cbox_Conditions")->minimumWidth(), 150);
+    for (const char *name : {"btn_Show", "btn_Hide"}) {
+        auto *button = named<QPushButton>(name);
+        ASSERT_NE(button, nullptr);
+        EXPECT_TRUE(button->isFlat());
+        EXPECT_EQ(button->text(), QLatin1String(name).mid(4));
+    }
+    EXPECT_EQ(named<QFrame>("line")->frameShape(), QFrame::HLine);
+    EXPECT_EQ(named<QFrame>("line")->frameShadow(), QFrame::Sunken);
+
+    auto *area = named<QScrollArea>("scrollArea");
+    EXPECT_EQ(area->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+    EXPECT_EQ(area->sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
+    EXPECT_EQ(area->frameShape(), QFrame::NoFrame);
+    EXPECT_TRUE(area->widgetResizable());
+    EXPECT_EQ(area->widget()->objectName(), "scrollAreaWidgetContents");
+}
+
+TEST_F(LinePlotTest, puts_the_chart_behind_the_spacer_of_its_central_widget)
+{
+    QLayout *layout = window.centralWidget()->layout();
+    ASSERT_EQ(layout->count(), 2);
+    EXPECT_EQ(layout->objectName(), "horizontalLayout");
+    EXPECT_EQ(layout->contentsMargins().left(), 0);
+    EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
+    EXPECT_EQ(layout->itemAt(1)->widget(), view());
+}
+
+TEST_F(LinePlotTest, declares_its_slots_in_order)
+{
+    const QMetaObject &meta = LinePlot::staticMetaObject;
+    QStringList slotNames;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        EXPECT_EQ(meta.method(i).methodType(), QMetaMethod::Slot);
+        slotNames += QString::fromLatin1(meta.method(i).methodSignature());
+    }
+    EXPECT_EQ(slotNames, QStringList({"highlightLineSeries(bool)", "toggleLineSeries(int)",
+                                      "conditionsShow()", "conditionsHide()",
+                                      "showContextMenu(QPoint)", "saveImage()", "saveCSV()"}));
+}
+
+TEST_F(LinePlotTest, prepares_a_chart_with_a_bold_title)
+{
+    EXPECT_EQ(chart()->title(), "<b>Degree</b>");
+    EXPECT_EQ(chart()->titleFont().pixelSize(), 18);
+    EXPECT_EQ(chart()->titleFont().weight(), 75);
+    EXPECT_TRUE(view()->renderHints().testFlag(QPainter::Antialiasing));
+    EXPECT_EQ(view()->contextMenuPolicy(), Qt::CustomContextMenu);
+}
+
+// ---- lines and legend
+
+TEST_F(LinePlotTest, a_line_has_a_point_per_value)
+{
+    for (int points : {0, 1, 50, 51, 2000})
+        window.addSeries(wave(points), QString(), 0);
+    window.finishPlot({}, false);
+    int row = 0;
+    for (int points : {0, 1, 50, 51, 2000}) {
+        const std::vector<float> values = wave(points);
+        ASSERT_EQ(line(row)->count(), points);
+        for (int i = 0; i < points; ++i) {
+            ASSERT_EQ(line(row)->at(i).x(), double(i));
+            ASSERT_EQ(line(row)->at(i).y(), double(values[size_t(i)]));
+        }
+        EXPECT_TRUE(line(row)->pointsVisible());
+        ++row;
+    }
+}
+
+TEST_F(LinePlotTest, values_that_are_not_finite_are_left_out_and_the_others_keep_their_place)
+{
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    window.addSeries({nan, 1, -inf, 3, inf, 2}, QString(), 0);
+    window.addSeries({nan, nan, nan, nan, nan, nan}, QString(), 0);
+    window.finishPlot(names(6), false);
+    EXPECT_EQ(line(0)->pointsVector(),
+              QVector<QPointF>({QPointF(1, 1), QPointF(3, 3), QPointF(5, 2)}));
+    EXPECT_EQ(line(1)->count(), 0);
+
+    auto *y = qobject_cast<QValueAxis *>(chart()->axes(Qt::Vertical).value(0));
+    ASSERT_NE(y, nullptr);
+    EXPECT_TRUE(std::isfinite(y->min()) && std::isfinite(y->max()));
+    show();
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+}
+
+TEST_F(LinePlotTest, a_line_without_a_name_gets_its_number)
+{
+    window.addSeries(wave(3), QString(), 0);
+    window.addSeries(wave(3), QStringLiteral("Rest"), 0);
+    window.addSeries(wave(3), QString(), 0);
+    EXPECT_EQ(line(0)->name(), "Series 1");
+    EXPECT_EQ(line(1)->name(), "Rest");
+    EXPECT_EQ(line(2)->name(), "Series 3");
+    EXPECT_EQ(nameLabel(2)->text(), "Series 3");
+}
+
+TEST_F(LinePlotTest, a_line_has_its_theme_color_two_pens_and_a_legend_row)
+{
+    for (int row = 0; row < 7; ++row)
+        window.addSeries(wave(3), QString(), 0);
+    for (int row = 0; row < 7; ++row) {
+        const QColor color = line(row)->color();
+        EXPECT_EQ(rgba(pen(row, "default-pen").color()), rgba(color));
+        EXPECT_EQ(pen(row, "default-pen").width(), 2);
+        QColor faded = color;
+        faded.setAlpha(64);
+        EXPECT_EQ(rgba(pen(row, "fadein-pen").color()), rgba(faded));
+        EXPECT_EQ(pen(row, "fadein-pen").width(), 2);
+
+        ASSERT_NE(colorBox(row), nullptr);
+        ASSERT_NE(nameLabel(row), nullptr);
+        ASSERT_NE(checkBox(row), nullptr);
+        EXPECT_EQ(colorBox(row)->objectName(), QStringLiteral("Colorbox%1").arg(row));
+        EXPECT_EQ(colorBox(row)->styleSheet(), QStringLiteral("background-color: rgb(%1, %2, %3);")
+                                                   .arg(color.red())
+                                                   .arg(color.green())
+                                                   .arg(color.blue()));
+        EXPECT_EQ(checkBox(row)->text(), "");
+        EXPECT_FALSE(checkBox(row)->isTristate());
+        EXPECT_TRUE(checkBox(row)->isChecked());
+        for (int column = 0; column < 3; ++column)
+            EXPECT_EQ(inLegend<QWidget>(row, column)->property("row"), QVariant(row));
+    }
+    EXPECT_NE(line(0)->color(), line(1)->color());
+    EXPECT_EQ(grid()->itemAtPosition(0, 0)->alignment(), Qt::AlignVCenter);
+    EXPECT_EQ(grid()->itemAtPosition(0, 1)->alignment(), Qt::AlignVCenter | Qt::AlignLeft);
+    EXPECT_EQ(grid()->itemAtPosition(0, 2)->alignment(), Qt::AlignVCenter | Qt::AlignRight);
+}
+
+TEST_F(LinePlotTest, a_trigger_line_is_hidden_and_its_row_reacts_to_nothing)
+{
+    window.addSeries(wave(5), QStringLiteral("Rest"), 0);
+    window.addSeries(wave(5, 2), QStringLiteral("Cue"), 1);
+    window.finishPlot(names(5), true);
+    show();
+
+    EXPECT_TRUE(line(0)->isVisible());
+    EXPECT_FALSE(line(1)->isVisible());
+    EXPECT_EQ(line(1)->name(), "Cue");
+    EXPECT_EQ(nameLabel(1)->text(), "Trigger: Cue");
+    EXPECT_TRUE(nameLabel(1)->isVisible());
+    EXPECT_FALSE(checkBox(1)->isVisible());
+    EXPECT_TRUE(checkBox(0)->isVisible());
+
+    const QPen before = line(0)->pen();
+    for (QWidget *widget : {colorBox(1), nameLabel(1)}) {
+        moveMouseTo(widget);
+        EXPECT_EQ(widget->cursor().shape(), Qt::ArrowCursor);
+        EXPECT_EQ(line(0)->pen(), before);
+    }
+}
+
+// ---- axes
+
+TEST_F(LinePlotTest, without_labels_the_x_axis_counts_voxels)
+{
+    window.addSeries(wave(50), QString(), 0);
+    window.finishPlot({}, false);
+    auto *x = qobject_cast<QValueAxis *>(xAxis(chart()));
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(x->tickCount(), 50);
+    EXPECT_EQ(x->labelFormat(), "%i");
+    EXPECT_EQ(x->titleText(), "Voxels");
+    EXPECT_EQ(x->min(), 0);
+    EXPECT_EQ(x->max(), 49);
+    auto *y = qobject_cast<QValueAxis *>(chart()->axes(Qt::Vertical).value(0));
+    ASSERT_NE(y, nullptr);
+    EXPECT_EQ(y->titleText(), "Plot: Degree");
+    EXPECT_FALSE(chart()->legend()->isVisible());
+}
+
+TEST_F(LinePlotTest, more_than_fifty_points_have_ten_ticks)
+{
+    for (int points : {51, 2000}) {
+        LinePlot plot((QString()));
+        plot.prepareChart();
+        plot.addSeries(wave(points), QString(), 0);
+        plot.addSeries(wave(3), QString(), 0); // the first line decides
+        plot.finishPlot({}, false);
+        auto *x = qobject_cast<QValueAxis *>(xAxis(plot.findChild<QChartView *>()->chart()));
+        ASSERT_NE(x, nullptr);
+        EXPECT_EQ(x->tickCount(), 10) << points;
+    }
+}
+
+TEST_F(LinePlotTest, no_point_and_one_point_leave_the_ticks_as_they_are)
+{
+    for (int points : {0, 1}) {
+        LinePlot plot((QString()));
+        plot.prepareChart();
+        plot.addSeries(wave(points), QString(), 0);
+        plot.finishPlot({}, false);
+        auto *x = qobject_cast<QValueAxis *>(xAxis(plot.findChild<QChartView *>()->chart()));
+        ASSERT_NE(x, nullptr);
+        EXPECT_EQ(x->tickCount(), QValueAxis().tickCount()) << points;
+    }
+}
+
+TEST_F(LinePlotTest, a_plot_without_lines_stays_empty)
+{
+    window.finishPlot({}, true);
+    EXPECT_TRUE(chart()->axes().isEmpty());
+    LinePlot labelled((QString()));
+    labelled.prepareChart();
+    labelled.finishPlot(names(3), false);
+    show();
+}
+
+TEST_F(LinePlotTest, labels_become_the_categories_of_the_x_axis)
+{
+    for (int row = 0; row < 3; ++row)
+        window.addSeries(wave(60, float(row)), QString(), 0);
+    window.finishPlot(names(60), false);
+    auto *x = qobject_cast<QBarCategoryAxis *>(xAxis(chart()));
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(x->categories(), names(60));
+    EXPECT_EQ(x->titleText(), "VOIs");
+    EXPECT_EQ(x->min(), "VOI 0");
+    EXPECT_EQ(x->max(), "VOI 59");
+    EXPECT_EQ(x->labelsAngle(), 90);
+    EXPECT_EQ(x->alignment(), Qt::AlignBottom);
+    for (int row = 0; row < 3; ++row)
+        EXPECT_TRUE(line(row)->attachedAxes().contains(x));
+    show();
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+}
+
+TEST_F(LinePlotTest, labels_that_repeat_or_are_empty_keep_their_place)
+{
+    window.addSeries(wave(7), QString(), 0);
+    window.finishPlot({"V1", "V1", QString(), "", "V1", "V2", "V1"}, false);
+    auto *x = qobject_cast<QBarCategoryAxis *>(xAxis(chart()));
+    ASSERT_NE(x, nullptr);
+    QStringList shown = x->categories();
+    ASSERT_EQ(shown.size(), 7);
+    for (QString &name : shown)
+        name.remove(QChar(0x200b)); // takes no room
+    EXPECT_EQ(shown, QStringList({"V1", "V1", "", "", "V1", "V2", "V1"}));
+    show();
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+}
+
+TEST_F(LinePlotTest, a_constant_line_is_seen)
+{
+    window.addSeries(std::vector<float>(4, 0.25f), QString(), 0);
+    window.finishPlot(names(4), false);
+    show();
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+}
+
+TEST_F(LinePlotTest, holds_two_hundred_lines)
+{
+    for (int row = 0; row < 200; ++row)
+        window.addSeries(wave(10, float(row)), QStringLiteral("Condition %1").arg(row % 9), 0);
+    window.finishPlot(names(10), true);
+    show();
+    EXPECT_EQ(chart()->series().size(), 200);
+    EXPECT_EQ(grid()->rowCount(), 200);
+    EXPECT_EQ(named<QComboBox>("cbox_Conditions")->count(), 10);
+    EXPECT_EQ(line(199)->color(), line(1)->color());
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+}
+
+// ---- conditions
+
+/// Lines of the conditions rest, Faces, rest, Cue (a trigger) and Houses.
+class LinePlotConditions : public LinePlotTest
+{
+protected:
+    void SetUp() override
+    {
+        const QStringList conditions = {"rest", "Faces", "rest", "Cue", "Houses"};
+        for (int row = 0; row < conditions.size(); ++row)
+            window.addSeries(wave(5, float(row)), conditions[row], conditions[row] == "Cue");
+        window.finishPlot(names(5), true);
+    }
+
+    void choose(const char *condition)
+    {
+        named<QComboBox>("cbox_Conditions")
+            ->setCurrentIndex(named<QComboBox>("cbox_Conditions")->findText(condition));
+    }
+    void press(const char *button)
+    {
+        auto *widget = named<QPushButton>(button);
+        click(widget, widget->rect().center());
+    }
+    QVector<bool> visible() const
+    {
+        QVector<bool> lines;
+        for (int row = 0; row < 5; ++row)
+            lines += line(row)->isVisible();
+        return lines;
+    }
+};
+
+TEST_F(LinePlotConditions, are_offered_sorted_behind_all)
+{
+    auto *box = named<QComboBox>("cbox_Conditions");
+    QStringList texts;
+    for (int i = 0; i < box->count(); ++i) {
+        texts += box->itemText(i);
+        EXPECT_EQ(box->itemData(i, Qt::UserRole), QVariant(box->itemText(i)));
+    }
+    EXPECT_EQ(texts, QStringList({"All", "Cue", "Faces", "Houses", "rest"}));
+    EXPECT_EQ(box->currentText(), "All");
+}
+
+TEST_F(LinePlotConditions, have_a_color_each_in_the_order_of_their_appearance)
+{
+    // Hues 0, 55, 111 and 166 of 360 at saturation 127 and value 242 of 255.
+    const QVector<QColor> expected = {QColor(242, 121, 121), QColor(242, 232, 121),
+                                      QColor(242, 121, 121), QColor(140, 242, 121),
+                                      QColor(121, 242, 214)};
+    for (int row = 0; row < 5; ++row) {
+        const QColor &color = expected[row];
+        EXPECT_EQ(rgba(line(row)->color()), rgba(color)) << row;
+        EXPECT_EQ(rgba(line(row)->pen().color()), rgba(color)) << row;
+        EXPECT_EQ(rgba(pen(row, "default-pen").color()), rgba(color)) << row;
+        EXPECT_EQ(pen(row, "default-pen").width(), 2);
+        QColor faded = color;
+        faded.setAlpha(64);
+        EXPECT_EQ(rgba(pen(row, "fadein-pen").color()), rgba(faded)) << row;
+        EXPECT_EQ(pen(row, "fadein-pen").width(), 2);
+        EXPECT_EQ(colorBox(row)->styleSheet(), QStringLiteral("background-color: rgb(%1, %2, %3);")
+                                                   .arg(color.red())
+                                                   .arg(color.green())
+                                                   .arg(color.blue()));
+    }
+    show();
+    const QImage box = colorBox(1)->grab().toImage();
+    EXPECT_EQ(rgba(box.pixelColor(box.rect().center())), rgba(expected[1]));
+}
+
+TEST_F(LinePlotConditions, are_shown_and_hidden_together_and_the_check_boxes_stay)
+{
+    show();
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
+    choose("rest");
+    press("btn_Hide");
+    EXPECT_EQ(visible(), QVector<bool>({false, true, false, false, true}));
+    EXPECT_TRUE(checkBox(0)->isChecked());
+    press("btn_Show");
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
+    choose("Cue");
+    press("btn_Show");
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, true, true}));
+    press("btn_Hide");
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
+    choose("All");
+    press("btn_Hide");
+    EXPECT_EQ(visible(), QVector<bool>({false, false, false, false, false}));
+    press("btn_Show");
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, true, true}));
+}
+
+TEST_F(LinePlotConditions, a_check_box_hides_and_shows_its_line)
+{
+    show();
+    const auto toggle = [this](int row) {
+        QStyleOptionButton option;
+        option.initFrom(checkBox(row));
+        click(checkBox(row),
+              checkBox(row)
+                  ->style()
+                  ->subElementRect(QStyle::SE_CheckBoxIndicator, &option, checkBox(row))
+                  .center());
+    };
+    toggle(2);
+    EXPECT_EQ(visible(), QVector<bool>({true, true, false, false, true}));
+    toggle(2);
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
+}
+
+TEST_F(LinePlotConditions, hovering_a_label_fades_all_other_lines)
+{
+    show();
+    for (MyLabel *label : {nameLabel(1), colorBox(1)}) {
+        moveMouseTo(label);
+        for (int row = 0; row < 5; ++row) {
+            EXPECT_EQ(line(row)->pen(), pen(row, row == 1 ? "default-pen" : "fadein-pen")) << row;
+        }
+        moveMouseTo(view());
+        for (int row = 0; row < 5; ++row)
+            EXPECT_EQ(line(row)->pen(), pen(row, "default-pen")) << row;
+    }
+}
+
+TEST_F(LinePlotConditions, hovering_the_label_of_a_hidden_line_does_nothing)
+{
+    show();
+    checkBox(1)->setChecked(false);
+    QVector<QPen> before;
+    for (int row = 0; row < 5; ++row)
+        before += line(row)->pen();
+    moveMouseTo(nameLabel(1));
+    for (int row = 0; row < 5; ++row)
+        EXPECT_EQ(line(row)->pen(), before[row]);
+    moveMouseTo(view());
+
+    // A hidden line fades with the others, and stays hidden.
+    moveMouseTo(nameLabel(4));
+    EXPECT_EQ(line(1)->pen(), pen(1, "fadein-pen"));
+    EXPECT_FALSE(line(1)->isVisible());
+}
+
+TEST_F(LinePlotConditions, without_a_protocol_the_controls_are_off_and_the_colors_are_the_themes)
+{
+    LinePlot plot((QString()));
+    plot.prepareChart();
+    plot.addSeries(wave(4), QStringLiteral("Series 0"), 0);
+    auto *first =
+        qobject_cast<QLineSeries *>(plot.findChild<QChartView *>()->chart()->series().value(0));
+    const QColor color = first->color();
+    plot.finishPlot(names(4), false);
+    plot.disableConditions();
+    EXPECT_EQ(rgba(first->color()), rgba(color));
+    EXPECT_EQ(plot.findChild<QComboBox *>("cbox_Conditions")->count(), 0);
+    EXPECT_FALSE(plot.findChild<QComboBox *>("cbox_Conditions")->isEnabled());
+    EXPECT_FALSE(plot.findChild<QPushButton *>("btn_Show")->isEnabled());
+    EXPECT_FALSE(plot.findChild<QPushButton *>("btn_Hide")->isEnabled());
+    EXPECT_TRUE(named<QComboBox>("cbox_Conditions")->isEnabled());
+}
+
+TEST_F(LinePlotConditions, the_slots_of_the_legend_do_nothing_without_it)
+{
+    window.highlightLineSeries(true);
+    window.toggleLineSeries(0);
+    EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
+    EXPECT_EQ(line(0)->pen().color().alpha(), 255);
+}
+
+} // namespace

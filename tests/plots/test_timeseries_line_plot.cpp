@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plots/timeseries_line_plot.h"
+
+#include "dataset/plugin_settings.h"
+#include "tests/gui_test.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QPushButton>
+#include <QTest>
+#include <QtCharts/QBarCategoryAxis>
+#include <QtCharts/QLegend>
+#include <QtCharts/QValueAxis>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace QtCharts;
+
+namespace
+{
+
+class TimeseriesLinePlotTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window.setWindowTitle(QStringLiteral("Plot: Global Efficiency"));
+        takeWarnings();
+        window.prepareChart();
+    }
+
+    QChartView *view() const { return window.findChild<QChartView *>(); }
+    QChart *chart() const { return view()->chart(); }
+    QLineSeries *line() const { return qobject_cast<QLineSeries *>(chart()->series().value(0)); }
+
+    void expectPointsInPlotArea() const
+    {
+        const QRectF area = chart()->plotArea().adjusted(-0.5, -0.5, 0.5, 0.5);
+        for (const QPointF &point : line()->pointsVector())
+            EXPECT_TRUE(area.contains(chart()->mapToPosition(point, line()))) << point.x();
+    }
+
+    TimeseriesLinePlot window{QStringLiteral("Global Efficiency")};
+};
+
+TEST_F(TimeseriesLinePlotTest, has_the_form_of_a_window_with_an_empty_legend)
+{
+    EXPECT_EQ(window.objectName(), "TimeseriesLineplot");
+    EXPECT_EQ(TimeseriesLinePlot(QString()).windowTitle(), "MainWindow");
+    EXPECT_EQ(window.size(), QSize(800, 600));
+    EXPECT_EQ(window.windowType(), Qt::Window);
+    EXPECT_FALSE(window.testAttribute(Qt::WA_DeleteOnClose));
+    EXPECT_TRUE(window.findChildren<QDockWidget *>().isEmpty());
+
+    auto *group = window.findChild<QGroupBox *>(QStringLiteral("groupBox"));
+    ASSERT_NE(group, nullptr);
+    EXPECT_EQ(group->title(), "Legend");
+    EXPECT_EQ(group->sizePolicy().horizontalPolicy(), QSizePolicy::Maximum);
+    EXPECT_EQ(group->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
+    EXPECT_EQ(group->minimumWidth(), 250);
+    EXPECT_EQ(group->maximumWidth(), 300);
+    EXPECT_EQ(window.findChild<QPushButton *>("btn_Show")->text(), "Show");
+    EXPECT_EQ(window.findChild<QPushButton *>("btn_Hide")->text(), "Hide");
+    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->count(), 0);
+    EXPECT_TRUE(window.findChild<QGridLayout *>("gridLayoutAll")->isEmpty());
+
+    QLayout *layout = window.centralWidget()->layout();
+    ASSERT_EQ(layout->count(), 2);
+    EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
+    EXPECT_EQ(layout->itemAt(1)->widget(), view());
+}
+
+TEST_F(TimeseriesLinePlotTest, draws_one_line_over_the_conditions)
+{
+    window.setSeries({0.25f, 0.5f, 0.125f}, QString());
+    window.finishPlot({"Rest", "Faces", "Houses"});
+
+    EXPECT_EQ(chart()->title(), "<b>Global Efficiency</b>");
+    EXPECT_EQ(chart()->titleFont().pixelSize(), 18);
+    EXPECT_EQ(chart()->titleFont().weight(), 75);
+    ASSERT_EQ(chart()->series().size(), 1);
+    EXPECT_EQ(line()->pointsVector(),
+              QVector<QPointF>({QPointF(0, 0.25), QPointF(1, 0.5), QPointF(2, 0.125)}));
+    EXPECT_EQ(line()->name(), "");
+    EXPECT_TRUE(line()->pointsVisible());
+    EXPECT_FALSE(chart()->legend()->isVisible());
+
+    ASSERT_EQ(chart()->axes(Qt::Horizontal).size(), 1);
+    auto *x = qobject_cast<QBarCategoryAxis *>(chart()->axes(Qt::Horizontal).first());
+    ASSERT_NE(x, nullptr);
+    EXPECT_EQ(x->categories(), QStringList({"Rest", "Faces", "Houses"}));
+    EXPECT_EQ(x->titleText(), "Conditions");
+    EXPECT_EQ(x->labelsAngle(), 90);
+    EXPECT_TRUE(line()->attachedAxes().contains(x));
+    ASSERT_EQ(chart()->axes(Qt::Vertical).size(), 1);
+    EXPECT_EQ(chart()->axes(Qt::Vertical).first()->titleText(), "Plot: Global Efficiency");
+}
+
+TEST_F(TimeseriesLinePlotTest, keeps_every_point_when_conditions_repeat)
+{
+    window.setSeries(std::vector<float>(6, 0.4f), QString());
+    window.finishPlot({"Rest", "Faces", "Rest", "Faces", "Rest", "Faces"});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(line()->count(), 6);
+    expectPointsInPlotArea();
+}
+
+TEST_F(TimeseriesLinePlotTest, leaves_out_what_is_not_finite)
+{
+    window.setSeries(
+        {std::numeric_limits<float>::quiet_NaN(), 1, std::numeric_limits<float>::infinity(), 2},
+        QString());
+    window.finishPlot({"a", "b", "c", "d"});
+    EXPECT_EQ(line()->pointsVector(), QVector<QPointF>({QPointF(1, 1), QPointF(3, 2)}));
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    expectPointsInPlotArea();
+}
+
+TEST_F(TimeseriesLinePlotTest, is_empty_without_values_or_conditions)
+{
+    window.setSeries({}, QString());
+    window.finishPlot({});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(line()->count(), 0);
+}
+
+TEST_F(TimeseriesLinePlotTest, has_no_context_menu_and_says_so_in_the_log)
+{
+    const QStringList warnings = takeWarnings();
+    ASSERT_EQ(warnings.size(), 2);
+    EXPECT_TRUE(warnings[0].startsWith("QObject::connect: No such slot "
+                                       "TimeseriesLinePlot::showContextMenu(const QPoint &)"));
+    EXPECT_TRUE(warnings[1].contains("TimeseriesLineplot"));
+    EXPECT_EQ(view()->contextMenuPolicy(), Qt::CustomContextMenu);
+
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QTest::mouseClick(window.windowHandle(), Qt::RightButton, {},
+                      view()->mapTo(&window, view()->rect().center()));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(TimeseriesLinePlotTest, writes_the_conditions_to_the_log_when_logging_is_on)
+{
+    window.setSeries({1, 2}, QString());
+    takeMessages();
+    PluginSettings::instance()->verboseLogging = true;
+    window.finishPlot({"Rest", "Faces"});
+    PluginSettings::instance()->verboseLogging = false;
+    const QVector<LoggedMessage> messages = takeMessages();
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages[0].type, QtDebugMsg);
+    EXPECT_EQ(messages[0].text, "(\"Rest\", \"Faces\")");
+}
+
+TEST_F(TimeseriesLinePlotTest, declares_no_signals_and_slots)
+{
+    const QMetaObject &meta = TimeseriesLinePlot::staticMetaObject;
+    EXPECT_EQ(meta.methodCount(), meta.methodOffset());
+}
+
+} // namespace
