@@ -198,7 +198,7 @@ QByteArray NrrdWriter::finished() const
     // What is added at least: "#" and its line feed, and the empty line.
     const int bare = m_lines.size() + 3;
     const int padding = (multiple - bare % multiple) % multiple;
-    return m_lines + '#' + QByteArray(padding, ' ') + "\n\n";
+    return m_lines + '#' + QByteArray(padding, '#') + "\n\n";
 }
 
 } // namespace corvane
