@@ -2,8 +2,12 @@
 #include "host/commands.h"
 #include "host/host_version.h"
 #include "host/input_error.h"
+#ifdef CORVANE_WORKBENCH
+#include "host/workbench.h"
+#endif
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTextCodec>
 #include <algorithm>
 #include <csignal>
@@ -57,9 +61,40 @@ const std::vector<Command> &commands()
     return all;
 }
 
+#ifdef CORVANE_WORKBENCH
+bool isCommand(const QString &name)
+{
+    return std::any_of(commands().begin(), commands().end(),
+                       [&](const Command &command) { return name == QLatin1String(command.name); });
+}
+
+/// Whether the arguments ask for the program with windows: there are none, or they begin with one
+/// of its options or with a file.
+bool asksForWorkbench(const QStringList &arguments)
+{
+    if (arguments.isEmpty())
+        return true;
+    const QString &first = arguments.front();
+    if (isCommand(first))
+        return false;
+    for (const char *option : {"--plugins", "--start"})
+        if (first.section(QLatin1Char('='), 0, 0) == QLatin1String(option))
+            return true;
+    for (const char *ending : {".vmr", ".vtc", ".voi", ".prt", ".nii", ".nii.gz", ".nrrd", ".nhdr"})
+        if (first.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
+            return true;
+    return QFileInfo(first).isFile();
+}
+#endif
+
 QByteArray usage()
 {
     QByteArray text = "Usage:\n";
+#ifdef CORVANE_WORKBENCH
+    text += R"(  Corvane [--plugins DIR] [--start PLUGIN] [FILE...]
+      Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt.
+)";
+#endif
     for (const Command &command : commands())
         text += command.usage;
     return text + "  Corvane COMMAND --help\n"
@@ -124,11 +159,27 @@ int run(const QStringList &arguments)
     return runCommand(arguments);
 }
 
+/// Makes the application that the arguments ask for, and runs it.
+int runApplication(int &argc, char **argv)
+{
+    QStringList arguments;
+    for (int n = 1; n < argc; ++n)
+        arguments += QString::fromLocal8Bit(argv[n]);
+#ifdef CORVANE_WORKBENCH
+    if (asksForWorkbench(arguments)) {
+        const std::unique_ptr<QCoreApplication> application = makeWindowApplication(argc, argv);
+        return runWorkbench(QCoreApplication::arguments().mid(1));
+    }
+#endif
+    const QCoreApplication application(argc, argv);
+    return run(QCoreApplication::arguments().mid(1));
+}
+
 /// Whatever goes wrong ends as one line and an exit status.
-int guardedRun(const QStringList &arguments)
+int guardedRun(int &argc, char **argv)
 {
     try {
-        return run(arguments);
+        return runApplication(argc, argv);
     } catch (const UsageError &error) {
         printError({}, error.what());
         return WrongUsage;
@@ -157,6 +208,5 @@ int main(int argc, char **argv)
     // A file that may not grow is an error of writing, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    QCoreApplication application(argc, argv);
-    return corvane::guardedRun(QCoreApplication::arguments().mid(1));
+    return corvane::guardedRun(argc, argv);
 }

@@ -25,8 +25,15 @@ Vmr openAnatomy(const QString &path, const AnatomyOpener &opener)
 
 } // namespace
 
+Workspace::Notice::~Notice()
+{
+    if (workspace->m_observer)
+        workspace->m_observer();
+}
+
 int Workspace::openVmr(const QString &path)
 {
+    const Notice notice{this};
     const QString absolute = QFileInfo(path).absoluteFilePath();
     Document document{VmrDocument, absolute, openAnatomy(path, m_anatomyOpener),
                       vmrHeader(absolute)};
@@ -39,6 +46,7 @@ void Workspace::closeDocument(int position)
 {
     if (!exists(position))
         return;
+    const Notice notice{this};
     m_documents[static_cast<std::size_t>(position)] = Document();
     if (m_vtcDocument == position)
         unlinkVtc();
@@ -58,6 +66,7 @@ QString Workspace::documentPath(int position) const
 
 void Workspace::setCurrentDocument(int position)
 {
+    const Notice notice{this};
     m_current = exists(position) ? position : -1;
 }
 
@@ -88,6 +97,7 @@ void Workspace::unlinkVtc()
 
 void Workspace::linkVtc(const QString &path)
 {
+    const Notice notice{this};
     m_protocol.reset();
     unlinkVtc();
     if (currentVmr() == nullptr)
@@ -114,12 +124,14 @@ const LinkedVtc *Workspace::linkedVtc() const
 
 void Workspace::loadVois(const QString &path)
 {
+    const Notice notice{this};
     m_vois.reset();
     m_vois.emplace(readVoiFile(path));
 }
 
 void Workspace::loadProtocol(const QString &path)
 {
+    const Notice notice{this};
     m_protocol.reset();
     m_protocol.emplace(readPrtFile(path));
 }

@@ -28,6 +28,10 @@ public:
     /// What opens anatomies that are no `.vmr`. Without one they are refused.
     void setAnatomyOpener(AnatomyOpener opener) { m_anatomyOpener = std::move(opener); }
 
+    /// Called after everything that may have changed what the workspace holds, also after a load
+    /// that failed. It may not throw.
+    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+
     /// Opens an anatomy as a new document, makes it current and returns its position.
     /// Throws InputError.
     int openVmr(const QString &path);
@@ -70,11 +74,18 @@ private:
         VMRHeader header;
     };
 
+    /// Tells the observer at the end of the member that it stands in.
+    struct Notice {
+        const Workspace *workspace;
+        ~Notice();
+    };
+
     const Document *currentVmrDocument() const;
     void unlinkVtc();
     bool exists(int position) const { return position >= 0 && position < documentCount(); }
 
     AnatomyOpener m_anatomyOpener;
+    std::function<void()> m_observer;
     std::vector<Document> m_documents;
     int m_current = -1;
     std::optional<LinkedVtc> m_vtc;

@@ -16,6 +16,7 @@ namespace corvane
 namespace
 {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -57,12 +58,36 @@ void expectOneLine(const std::string &text)
 
 } // namespace
 
-TEST(CommandLine, WithoutACommandTellsTheUsage)
+TEST(CommandLine, WithoutWindowsAndWithoutACommandTellsTheUsage)
 {
-    const Outcome run = corvane({});
+    const Outcome run = testCommand({});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(run.err, StartsWith("Usage:\n"));
+}
+
+TEST(CommandLine, SaysInOneLineThatThereIsNoDisplay)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(variable));
+    for (const QStringList &arguments :
+         {QStringList(), QStringList(QStringLiteral("head.nii.gz")),
+          QStringList({QStringLiteral("--plugins"), QStringLiteral("/nowhere")})}) {
+        const Outcome run = runProgram(QStringLiteral(CORVANE_PROGRAM), arguments, environment);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith("Corvane: there is no display"));
+        expectOneLine(run.err);
+    }
+}
+
+TEST(CommandLine, RefusesUnknownOptionsOfTheWorkbench)
+{
+    const Outcome run = corvane({QStringLiteral("head.vmr"), QStringLiteral("--frobnicate")});
+    EXPECT_EQ(run.status, 2);
+    // Windows may have something of their own to say before.
+    EXPECT_THAT(run.err, EndsWith("Corvane: Unknown option 'frobnicate'.\n"));
 }
 
 TEST(CommandLine, HelpIsNoError)

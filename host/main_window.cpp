@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/main_window.h"
+
+#include "host/document_tabs.h"
+#include "host/host_version.h"
+#include "host/input_error.h"
+#include "host/log.h"
+#include "host/log_pane.h"
+#include "host/recent_files.h"
+#include "host/workspace.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTextDocumentFragment>
+#include <QVBoxLayout>
+
+namespace corvane
+{
+
+namespace
+{
+
+const QString geometryKey = QStringLiteral("window/geometry");
+const QString stateKey = QStringLiteral("window/state");
+const QString folderKey = QStringLiteral("folder");
+
+/// The cursor of a program at work, while it lives.
+class BusyCursor
+{
+public:
+    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
+    BusyCursor(const BusyCursor &) = delete;
+    BusyCursor &operator=(const BusyCursor &) = delete;
+};
+
+bool endsWith(const QString &path, const char *ending)
+{
+    return path.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
+}
+
+QStringList localFiles(const QMimeData *data)
+{
+    QStringList paths;
+    for (const QUrl &url : data->urls())
+        if (url.isLocalFile())
+            paths += url.toLocalFile();
+    return paths;
+}
+
+QString menuText(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
+    : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this))
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setAcceptDrops(true);
+    addDockWidget(Qt::BottomDockWidgetArea, m_log);
+    makeCentre();
+    makeFileMenu();
+    makeViewMenu();
+    makePluginsMenu();
+    makeHelpMenu();
+    statusBar();
+    restore();
+
+    // Plugins change the workspace many times in a row: the window follows once, when they are
+    // done.
+    m_refreshSoon.setSingleShot(true);
+    connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
+    m_workspace.setObserver([this] { m_refreshSoon.start(0); });
+    setMessageSink([this](const QString &text) { showMessageBox(text); });
+    refresh();
+}
+
+MainWindow::~MainWindow()
+{
+    m_workspace.setObserver({});
+    setMessageSink({});
+}
+
+// ---- what there is
+
+void MainWindow::makeCentre()
+{
+    auto *const centre = new QWidget(this);
+    auto *const layout = new QVBoxLayout(centre);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_tabs = new DocumentTabs(m_workspace, centre);
+    layout->addWidget(m_tabs);
+    layout->addStretch();
+    setCentralWidget(centre);
+}
+
+void MainWindow::makeFileMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&File"));
+    QAction *const open = menu->addAction(tr("&Open..."), this, &MainWindow::chooseFiles);
+    open->setShortcut(QKeySequence::Open);
+    m_recent = new RecentFilesMenu(this);
+    connect(m_recent, &RecentFilesMenu::chosen, this,
+            [this](const QString &path) { openFiles({path}); });
+    menu->addMenu(m_recent);
+    menu->addSeparator();
+    QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
+    // Not the platform's standard alone: some have another or none.
+    close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
+    m_documentActions += close;
+    QAction *const quit = menu->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::makeViewMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&View"));
+    QAction *const next = menu->addAction(tr("&Next Document"), this, [this] { showDocument(1); });
+    next->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageDown));
+    QAction *const previous =
+        menu->addAction(tr("&Previous Document"), this, [this] { showDocument(-1); });
+    previous->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageUp));
+    m_documentActions += {next, previous};
+    menu->addSeparator();
+    QAction *const log = m_log->toggleViewAction();
+    log->setText(tr("&Log"));
+    menu->addAction(log);
+}
+
+void MainWindow::makePluginsMenu()
+{
+    m_pluginsMenu = menuBar()->addMenu(tr("&Plugins"));
+    m_pluginsMenu->setObjectName(QStringLiteral("pluginsMenu"));
+    m_pluginsMenu->setToolTipsVisible(true);
+    m_pluginsMenu->addAction(tr("No plugins"))->setEnabled(false);
+}
+
+void MainWindow::makeHelpMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&Help"));
+    QAction *const action = menu->addAction(tr("&About Corvane"), this, &MainWindow::about);
+    action->setMenuRole(QAction::AboutRole);
+}
+
+void MainWindow::restore()
+{
+    const QSettings settings;
+    resize(1100, 850);
+    restoreGeometry(settings.value(geometryKey).toByteArray());
+    restoreState(settings.value(stateKey).toByteArray());
+}
+
+// ---- what is open
+
+void MainWindow::refresh()
+{
+    m_tabs->refresh();
+    const int current = m_workspace.currentDocument();
+    const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
+    for (QAction *action : qAsConst(m_documentActions))
+        action->setEnabled(isOpen);
+    setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
+    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
+                                .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
+                          : QStringLiteral("Corvane"));
+}
+
+void MainWindow::open(const QString &path)
+{
+    if (endsWith(path, ".vtc"))
+        m_workspace.linkVtc(path);
+    else if (endsWith(path, ".voi"))
+        m_workspace.loadVois(path);
+    else if (endsWith(path, ".prt"))
+        m_workspace.loadProtocol(path);
+    else
+        m_workspace.openVmr(path);
+}
+
+void MainWindow::openFiles(const QStringList &paths)
+{
+    // Anatomies first: a .vtc is linked to the one that comes with it.
+    QStringList sorted = paths;
+    std::stable_partition(sorted.begin(), sorted.end(), [](const QString &path) {
+        return !endsWith(path, ".vtc") && !endsWith(path, ".voi") && !endsWith(path, ".prt");
+    });
+    QStringList faults;
+    {
+        const BusyCursor busy;
+        for (const QString &path : qAsConst(sorted)) {
+            try {
+                open(path);
+                m_recent->add(path);
+                logText(tr("Opened %1.").arg(path));
+            } catch (const InputError &error) {
+                faults += QString::fromUtf8(error.what());
+            } catch (const std::bad_alloc &) {
+                faults += tr("%1: there is not enough memory to open it").arg(path);
+            }
+        }
+    }
+    refresh();
+    if (!faults.isEmpty())
+        showMessageBox(faults.join(QLatin1Char('\n')));
+}
+
+void MainWindow::chooseFiles()
+{
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        this, tr("Open"), QSettings().value(folderKey).toString(),
+        tr("All files of this program (*.vmr *.vtc *.voi *.prt *.nii *.nii.gz *.nrrd *.nhdr);;"
+           "Anatomies (*.vmr *.nii *.nii.gz *.nrrd *.nhdr);;Time courses (*.vtc);;"
+           "Volumes of interest (*.voi);;Protocols (*.prt);;All files (*)"));
+    if (paths.isEmpty())
+        return;
+    QSettings().setValue(folderKey, QFileInfo(paths.front()).absolutePath());
+    openFiles(paths);
+}
+
+void MainWindow::closeDocument()
+{
+    Q_EMIT m_tabs->tabCloseRequested(m_tabs->currentIndex());
+}
+
+void MainWindow::showDocument(int step)
+{
+    if (m_tabs->count() > 0)
+        m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + m_tabs->count()) %
+                                m_tabs->count());
+}
+
+// ---- plugins
+
+void MainWindow::loadPluginFolder(const QString &folder)
+{
+    m_plugins = loadPlugins(folder);
+    if (m_plugins.empty())
+        return;
+    m_pluginsMenu->clear();
+    for (const std::unique_ptr<Plugin> &plugin : m_plugins) {
+        const QString author = QTextDocumentFragment::fromHtml(plugin->author()).toPlainText();
+        const QString label = author.isEmpty()
+                                  ? plugin->name()
+                                  : tr("%1 (by %2)", "plugin, author").arg(plugin->name(), author);
+        QAction *const action = m_pluginsMenu->addAction(menuText(label));
+        action->setData(plugin->name());
+        action->setToolTip(plugin->path());
+        connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
+    }
+}
+
+bool MainWindow::startPlugin(const QString &name)
+{
+    for (QAction *action : m_pluginsMenu->actions()) {
+        if (action->data().toString() == name) {
+            action->trigger();
+            return true;
+        }
+    }
+    logText(tr("There is no plugin of the name \"%1\".").arg(name));
+    return false;
+}
+
+void MainWindow::start(Plugin &plugin)
+{
+    try {
+        plugin.start();
+    } catch (const PluginError &error) {
+        logText(tr("%1 did not start: %2", "plugin, reason")
+                    .arg(plugin.name(), QString::fromUtf8(error.what())));
+    }
+}
+
+// ---- the window
+
+void MainWindow::showMessageBox(const QString &text)
+{
+    logText(text);
+    QWidget *const active = QApplication::activeWindow();
+    QMessageBox box(QMessageBox::Information, QStringLiteral("Corvane"), text, QMessageBox::Ok,
+                    active != nullptr ? active : this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+void MainWindow::about()
+{
+    QMessageBox::about(
+        this, tr("About Corvane"),
+        tr("<h3>Corvane</h3><p>An open host for plugins that analyse functional MRI data.</p>"
+           "<p>Version for plugins %1.%2.%3. Free software under the GNU General Public License, "
+           "version 3 or later.</p>")
+            .arg(hostVersion[0])
+            .arg(hostVersion[1])
+            .arg(hostVersion[2]));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // The session ends with this window. A window of a plugin that wants to stay keeps it.
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window != this && window->isVisible() && !window->close()) {
+            event->ignore();
+            return;
+        }
+    }
+    QSettings settings;
+    settings.setValue(geometryKey, saveGeometry());
+    settings.setValue(stateKey, saveState());
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!localFiles(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QStringList paths = localFiles(event->mimeData());
+    event->acceptProposedAction();
+    // The window that the files come from waits until the drop is done.
+    QTimer::singleShot(0, this, [this, paths] { openFiles(paths); });
+}
+
+} // namespace corvane

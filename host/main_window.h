@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/plugin_loader.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+namespace corvane
+{
+
+class DocumentTabs;
+class LogPane;
+class RecentFilesMenu;
+class Workspace;
+
+/// The workbench's one main window: a view of the workspace, which plugins change behind its back.
+/// It never keeps a pointer into the workspace: whenever that has changed it takes over anew.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(Workspace &workspace, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
+    /// one, a .voi or .prt is loaded. What cannot be opened is told in one message.
+    void openFiles(const QStringList &paths);
+
+    /// Loads the plugins of a folder and lists them in the Plugins menu.
+    void loadPluginFolder(const QString &folder);
+    /// Starts the plugin of that name. One that does not start is told in the log; false then, and
+    /// when there is none.
+    bool startPlugin(const QString &name);
+
+    const LogPane &log() const { return *m_log; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void makeCentre();
+    void makeFileMenu();
+    void makeViewMenu();
+    void makePluginsMenu();
+    void makeHelpMenu();
+    void restore();
+
+    void refresh();
+    void open(const QString &path);
+    void chooseFiles();
+    void closeDocument();
+    void showDocument(int step);
+    void start(Plugin &plugin);
+    void about();
+    void showMessageBox(const QString &text);
+
+    Workspace &m_workspace;
+    std::vector<std::unique_ptr<Plugin>> m_plugins;
+    QTimer m_refreshSoon;
+    LogPane *m_log;
+    DocumentTabs *m_tabs = nullptr;
+    RecentFilesMenu *m_recent = nullptr;
+    QMenu *m_pluginsMenu = nullptr;
+    QList<QAction *> m_documentActions; ///< of use only while a document is open
+};
+
+} // namespace corvane
