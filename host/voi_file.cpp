@@ -343,11 +343,17 @@ QByteArray jsonList(std::initializer_list<QByteArray> values)
 /// One voxel a line.
 QByteArray voxelText(const std::vector<std::array<int, 3>> &voxels)
 {
+    constexpr std::size_t lineLength = 32;
     QByteArray text;
+    text.reserve(static_cast<int>(
+        std::min(lineLength * voxels.size(), static_cast<std::size_t>(largestFile))));
     for (const auto &voxel : voxels) {
-        text += text.isEmpty() ? "\n" : ",\n";
-        text += "                " + QByteArray::number(voxel[0]) + ", " +
-                QByteArray::number(voxel[1]) + ", " + QByteArray::number(voxel[2]);
+        text += text.isEmpty() ? "\n                " : ",\n                ";
+        text += QByteArray::number(voxel[0]);
+        text += ", ";
+        text += QByteArray::number(voxel[1]);
+        text += ", ";
+        text += QByteArray::number(voxel[2]);
     }
     return text.isEmpty() ? "[]" : '[' + text + "\n            ]";
 }
