@@ -83,6 +83,10 @@ void Tessera::configurationSeedToSeedVOIs(bool)
     layout->addWidget(label);
     layout->addWidget(list);
     layout->addWidget(buttons);
+    // The box orders its buttons anew with each one that is added, and loses the first ones.
+    setTabOrder(list, selectNone);
+    setTabOrder(selectNone, ok);
+    setTabOrder(ok, buttons->button(QDialogButtonBox::Cancel));
     fillList(list, subject->voiLabels(true).mid(0, count), scheme.seedVois);
 
     // Only now, so that the selection made above does not run the rules: Ok waits for a change.
