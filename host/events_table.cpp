@@ -92,25 +92,37 @@ std::vector<Interval> allIntervals(const Prt &prt)
     return intervals;
 }
 
+/// The end of the intervals that start where the one at `begin` does.
+std::size_t endOfEqualStarts(const std::vector<Interval> &intervals, std::size_t begin)
+{
+    std::size_t end = begin;
+    while (end < intervals.size() && intervals[end].from == intervals[begin].from)
+        ++end;
+    return end;
+}
+
 QStringList overlapNotes(const std::vector<Interval> &intervals)
 {
     int count = 0;
     QString first;
     const Interval *longest = nullptr; // of those that began earlier, the one that ends last
-    for (std::size_t i = 0; i < intervals.size(); ++i) {
-        const Interval &interval = intervals[i];
-        if (longest && longest->from < interval.from && longest->to >= interval.from) {
-            ++count;
+    for (std::size_t begin = 0, end = 0; begin < intervals.size(); begin = end) {
+        end = endOfEqualStarts(intervals, begin);
+        if (longest && longest->to >= intervals[begin].from) {
+            count += static_cast<int>(end - begin);
             if (first.isEmpty())
-                first = QStringLiteral("%1 and %2").arg(longest->text(), interval.text());
+                first = QStringLiteral("%1 and %2").arg(longest->text(), intervals[begin].text());
         }
-        if (!longest || interval.to > longest->to)
-            longest = &interval;
+        for (std::size_t i = begin; i < end; ++i)
+            if (!longest || intervals[i].to > longest->to)
+                longest = &intervals[i];
     }
     if (count == 0)
         return {};
-    return {QStringLiteral("protocol: %1 intervals begin before an earlier one has ended, first %2")
-                .arg(QString::number(count), first)};
+    return {QStringLiteral("protocol: %1 begin before an earlier one has ended, first %2")
+                .arg(count == 1 ? QStringLiteral("1 interval")
+                                : QStringLiteral("%1 intervals").arg(count),
+                     first)};
 }
 
 /// Of intervals with the same start the first one of the last condition keeps the slice.
@@ -118,8 +130,7 @@ QStringList equalStartNotes(const std::vector<Interval> &intervals)
 {
     QStringList notes;
     for (std::size_t begin = 0, end = 0; begin < intervals.size(); begin = end) {
-        while (end < intervals.size() && intervals[end].from == intervals[begin].from)
-            ++end;
+        end = endOfEqualStarts(intervals, begin);
         std::size_t winner = begin;
         for (std::size_t i = begin; i < end; ++i)
             if (intervals[i].number > intervals[winner].number)

@@ -59,7 +59,7 @@ void NiftiStream::read(void *samples, qint64 count)
                              .arg(total / perVolume));
     }
     m_samplesRead += count;
-    if (m_header.swapped)
+    if (m_header.swapped && m_header.sampleSize > 1)
         nifti_swap_Nbytes(count, m_header.sampleSize, samples);
 }
 

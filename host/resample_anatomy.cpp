@@ -86,7 +86,10 @@ Intensities intensities(const Image3d<float> &image, const QString &path, QStrin
     }
     if (broken > 0)
         notes +=
-            QStringLiteral("%1: %2 voxels hold no finite number: they are 0").arg(path).arg(broken);
+            QStringLiteral(
+                "%1: %2 voxels hold no finite number: they get the darkest or the brightest value")
+                .arg(path)
+                .arg(broken);
     Intensities result;
     if (!(highest >= lowest) || (whole && lowest >= 0 && highest <= 255))
         return result;

@@ -21,8 +21,7 @@ namespace corvane
 namespace
 {
 
-/// Memory for volumes that wait to be laid across the file: half of the samples, so that the file
-/// is gone through twice, within these bounds.
+/// Bounds of the memory for volumes that wait to be laid across the file.
 constexpr qint64 smallestBlock = qint64(64) << 20;
 constexpr qint64 largestBlock = qint64(1) << 30;
 
@@ -32,26 +31,59 @@ constexpr qint64 windowBytes = qint64(1) << 20;
 /// Voxels whose series are laid down together: two cache lines of each volume.
 constexpr qint64 tile = 64;
 
-int blockLength(const VtcInfo &info, qint64 voxelCount)
+/// Half of the samples, within the bounds.
+qint64 usualBlock(qint64 volumeBytes, int volumes)
+{
+    const qint64 half = volumeBytes * ((volumes + 1) / 2);
+    return std::min(std::max(half, smallestBlock), largestBlock);
+}
+
+int blockLength(const VtcInfo &info, qint64 voxelCount, qint64 blockBytes)
 {
     const qint64 volumeBytes = voxelCount * info.sampleSize();
-    const qint64 half = volumeBytes * ((info.nrOfVolumes + 1) / 2);
-    const qint64 wanted = std::min(std::max(half, smallestBlock), largestBlock);
+    const qint64 wanted = blockBytes > 0 ? blockBytes : usualBlock(volumeBytes, info.nrOfVolumes);
     const qint64 volumes = std::max<qint64>(1, wanted / volumeBytes);
     return static_cast<int>(std::min<qint64>(volumes, info.nrOfVolumes));
 }
 
 } // namespace
 
-VtcWriter::VtcWriter(const QString &path, const VtcInfo &info)
-    : m_path(path), m_info(info),
-      m_file(path + QStringLiteral(".part-") +
-             QString::number(QRandomGenerator::system()->generate64(), 36))
+VtcWriter::PartFile::PartFile(const QString &target)
+    : QFile(target + QStringLiteral(".part-") +
+            QString::number(QRandomGenerator::system()->generate64(), 36))
+{
+}
+
+VtcWriter::PartFile::~PartFile()
+{
+    if (!m_kept && isOpen())
+        remove();
+}
+
+void VtcWriter::PartFile::keepAs(const QString &target)
+{
+    const QString place = QStringLiteral("finishing");
+    const QString expected = QStringLiteral("a file that can be completed");
+#ifdef Q_OS_UNIX
+    // On the disk before it gets its name, so that the name never stands for half a file.
+    if (fdatasync(handle()) != 0)
+        throw InputError(target, place, QString::fromLocal8Bit(std::strerror(errno)), expected);
+#endif
+    std::error_code error;
+    std::filesystem::rename(std::filesystem::u8path(fileName().toStdString()),
+                            std::filesystem::u8path(target.toStdString()), error);
+    if (error)
+        throw InputError(target, place, QString::fromStdString(error.message()), expected);
+    m_kept = true;
+}
+
+VtcWriter::VtcWriter(const QString &path, const VtcInfo &info, qint64 blockBytes)
+    : m_path(path), m_info(info), m_file(path)
 {
     m_info.checksum.clear();
     m_headerLength = vtcFileHeader(m_info).size();
     m_voxelCount = qint64(info.dimX()) * info.dimY() * info.dimZ();
-    m_blockLength = blockLength(info, m_voxelCount);
+    m_blockLength = blockLength(info, m_voxelCount, blockBytes);
 
     const QString expected = QStringLiteral("a place where a file can be written");
     if (QFileInfo(path).isDir())
@@ -60,12 +92,6 @@ VtcWriter::VtcWriter(const QString &path, const VtcInfo &info)
         fail(QStringLiteral("writing"), expected);
     reserve();
     m_block.resize(static_cast<std::size_t>(m_voxelCount * info.sampleSize() * m_blockLength));
-}
-
-VtcWriter::~VtcWriter()
-{
-    if (!m_committed && m_file.isOpen())
-        m_file.remove();
 }
 
 short *VtcWriter::shortVolume()
@@ -97,21 +123,7 @@ void VtcWriter::commit()
     Q_ASSERT(m_firstInBlock == m_info.nrOfVolumes);
     m_info.checksum = m_sum.text();
     writeHeader();
-    const QString completable = QStringLiteral("a file that can be completed");
-#ifdef Q_OS_UNIX
-    // On the disk before it gets its name, so that the name never stands for half a file.
-    if (fdatasync(m_file.handle()) != 0)
-        throw InputError(m_path, QStringLiteral("finishing"),
-                         QString::fromLocal8Bit(std::strerror(errno)), completable);
-#endif
-    std::error_code error;
-    std::filesystem::rename(std::filesystem::u8path(m_file.fileName().toStdString()),
-                            std::filesystem::u8path(m_path.toStdString()), error);
-    if (error)
-        throw InputError(m_path, QStringLiteral("finishing"),
-                         QString::fromStdString(error.message()), completable);
-    m_committed = true;
-    m_file.close();
+    m_file.keepAs(m_path);
 }
 
 /// Gives the file its length, with real room on the disk.

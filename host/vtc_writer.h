@@ -19,9 +19,10 @@ namespace corvane
 class VtcWriter
 {
 public:
-    /// `info` need not hold a checksum. Throws InputError when there is no room or no access.
-    VtcWriter(const QString &path, const VtcInfo &info);
-    ~VtcWriter();
+    /// `info` need not hold a checksum. `blockBytes` is the memory for waiting volumes, at least
+    /// one; 0 takes half of the samples, but 64 MiB or more and 1 GiB or less. Throws InputError
+    /// when there is no room or no access.
+    VtcWriter(const QString &path, const VtcInfo &info, qint64 blockBytes = 0);
     VtcWriter(const VtcWriter &) = delete;
     VtcWriter &operator=(const VtcWriter &) = delete;
 
@@ -39,6 +40,18 @@ public:
     const QString &checksum() const { return m_info.checksum; }
 
 private:
+    /// The file before it has its name. Unless that was given it, it goes with this object.
+    class PartFile : public QFile
+    {
+    public:
+        explicit PartFile(const QString &target);
+        ~PartFile() override;
+        void keepAs(const QString &target);
+
+    private:
+        bool m_kept = false;
+    };
+
     void reserve();
     void flush();
     template <typename Sample>
@@ -53,8 +66,7 @@ private:
 
     QString m_path;
     VtcInfo m_info;
-    QFile m_file;
-    bool m_committed = false;
+    PartFile m_file;
     qint64 m_headerLength = 0;
     qint64 m_voxelCount = 0;
     int m_blockLength = 0;  ///< volumes that fit in m_block
