@@ -165,7 +165,8 @@ void loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples 
     const std::size_t voxelCount = empty ? 1 : static_cast<std::size_t>(record.voxelCount);
 
     const int *triples = hostFunctions().zqGetVOI(index, &record);
-    if (triples == nullptr && !empty)
+    // A host that takes its first answer back has not given the VOI.
+    if (!empty && (triples == nullptr || record.voxelCount != static_cast<int>(voxelCount)))
         return;
 
     const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);

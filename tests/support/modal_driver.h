@@ -45,6 +45,9 @@ public:
     /// Looks at a message box and presses its button.
     void expectMessage(const QString &title, const QString &text);
 
+    /// Acts on dialogs that nothing expects, instead of failing the test.
+    void setFallback(std::function<void(QDialog &)> action) { m_fallback = std::move(action); }
+
     std::size_t remaining() const { return m_expected.size(); }
 
 private:
@@ -57,6 +60,7 @@ private:
     void handle(QDialog *dialog);
 
     std::deque<Expectation> m_expected;
+    std::function<void(QDialog &)> m_fallback;
     QPointer<QWidget> m_handled;
     QTimer m_timer;
 };
