@@ -93,7 +93,11 @@ ViewMatrix::ViewMatrix(QWidget *parent)
     updateGeometry();
 }
 
-ViewMatrix::~ViewMatrix() = default;
+ViewMatrix::~ViewMatrix()
+{
+    // The base class hides the window, which lets the mouse leave the table once more.
+    ui->tableMatrix->disconnect(this);
+}
 
 void ViewMatrix::setConditionNames(QStringList names)
 {

@@ -5,6 +5,7 @@
 #include "plots/circular_plot_widget.h"
 #include "plots/my_graphics_simple_text_item.h"
 #include "results/connectivity_object_ui.h"
+#include "tests/support/qt_printers.h"
 
 #include <Eigen/Core>
 #include <QGraphicsSimpleTextItem>
@@ -19,11 +20,6 @@
 
 /// @file
 /// Results to plot, and what is seen of a ring.
-
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << '"' << qPrintable(text) << '"';
-}
 
 inline void PrintTo(const QColor &color, std::ostream *out)
 {

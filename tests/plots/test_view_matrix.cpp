@@ -1,0 +1,1094 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plots/color_map.h"
+#include "plots/connectivity_matrix_widget_rect.h"
+#include "plots/histogram.h"
+#include "plots/my_label.h"
+#include "plots/vertical_header_view.h"
+#include "plots/view_matrix.h"
+#include "plots/view_matrix_table.h"
+#include "tests/plots/plot_fixture.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPointer>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QTest>
+#include <QWindow>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace
+{
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+/// Another value in each cell, not symmetric, between -1.4 and 1.4.
+Eigen::MatrixXf gradient(int rows, int columns)
+{
+    Eigen::MatrixXf matrix(rows, columns);
+    for (int r = 0; r < rows; ++r) {
+        for (int c = 0; c < columns; ++c)
+            matrix(r, c) = -1.4f + 2.8f * float(r * columns + c) / float(rows * columns);
+    }
+    return matrix;
+}
+
+QString background(const char *property, const QColor &color)
+{
+    return QStringLiteral("%1: rgb(%2, %3, %4);")
+        .arg(QLatin1String(property))
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue());
+}
+
+/// The browser of a result, filled as the results dialog does it.
+class Browser
+{
+public:
+    explicit Browser(Result &result) : window(&result.dialog)
+    {
+        const SubjectProtocol protocol = result.subject->protocol();
+        if (result.subject->useProtocol()) {
+            window.setConditionNames(protocol.volumeNames.values());
+            window.setConditionTimes(protocol.volumeNames.keys());
+        }
+        window.buildConditionList();
+        window.loadRange();
+        window.setLabels(result.subject->voiLabels(false));
+        window.fillTable();
+        window.paintTable();
+        window.drawOverview();
+        window.buildLegend();
+    }
+
+    void show()
+    {
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        moveMouse(outside);
+    }
+
+    template <typename Object>
+    Object *find(const char *name) const
+    {
+        Object *const found = window.findChild<Object *>(QLatin1String(name));
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+
+    ViewMatrixTable *table() const { return find<ViewMatrixTable>("tableMatrix"); }
+    QGraphicsView *overview() const { return find<QGraphicsView>("graphicsView"); }
+    QLabel *color() const { return find<QLabel>("lbl_Color"); }
+    QLabel *value() const { return find<QLabel>("lbl_Value"); }
+
+    QWidget *condition(int row, int column) const
+    {
+        QLayoutItem *const item =
+            find<QGridLayout>("gridLayout_Conditions")->itemAtPosition(row, column);
+        return item ? item->widget() : nullptr;
+    }
+
+    void moveMouse(const QPoint &to) { QTest::mouseMove(window.windowHandle(), to); }
+    void moveMouseToCell(int row, int column)
+    {
+        const QRect cell = table()->visualItemRect(table()->item(row, column));
+        moveMouse(table()->viewport()->mapTo(&window, cell.center()));
+    }
+    void click(const QWidget *widget)
+    {
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {},
+                          widget->mapTo(&window, widget->rect().center()));
+    }
+
+    void expectShows(const Eigen::MatrixXf &matrix) const
+    {
+        ASSERT_EQ(table()->rowCount(), matrix.rows());
+        ASSERT_EQ(table()->columnCount(), matrix.cols());
+        int squares = 0;
+        for (int r = 0; r < matrix.rows(); ++r) {
+            for (int c = 0; c < matrix.cols(); ++c) {
+                const QTableWidgetItem *const item = table()->item(r, c);
+                ASSERT_NE(item, nullptr);
+                EXPECT_EQ(item->text(), QString());
+                EXPECT_EQ(item->background(),
+                          QBrush(valueToColor(double(matrix(r, c))), Qt::SolidPattern))
+                    << r << ", " << c;
+            }
+        }
+        for (const QGraphicsItem *item : overview()->scene()->items()) {
+            const auto *const square = dynamic_cast<const ConnectivityMatrixWidgetRect *>(item);
+            ASSERT_NE(square, nullptr);
+            const int o = int(square->rect().x()) / 10;
+            const int i = int(square->rect().y()) / 10;
+            ASSERT_LT(o, matrix.rows());
+            ASSERT_LT(i, matrix.cols());
+            EXPECT_EQ(square->rect(), QRectF(o * 10, i * 10, 10, 10));
+            EXPECT_EQ(square->brush(), QBrush(valueToColor(double(matrix(o, i))), Qt::SolidPattern))
+                << o << ", " << i;
+            EXPECT_EQ(square->pen(), QPen(Qt::NoPen));
+            ++squares;
+        }
+        EXPECT_EQ(squares, matrix.size());
+    }
+
+    ViewMatrix window;
+    const QPoint outside{3, 3};
+};
+
+/// The ten boxes of the legend and the texts below them.
+struct Legend {
+    QStringList styles;
+    QStringList texts;
+};
+
+Legend legendOf(const Browser &browser)
+{
+    Legend legend;
+    QLayout *const row = browser.find<QHBoxLayout>("horizontalLayout_4");
+    for (int i = 0; i < row->count(); ++i) {
+        QLayout *const column = row->itemAt(i)->layout();
+        if (!column)
+            continue;
+        const auto *const box = qobject_cast<QLabel *>(column->itemAt(0)->widget());
+        const auto *const text = qobject_cast<QLabel *>(column->itemAt(1)->widget());
+        legend.styles += box->styleSheet();
+        legend.texts += text->text();
+    }
+    return legend;
+}
+
+const QVector<SliceOfProtocol> protocolWithTrigger = {
+    {1, "Rest", 0}, {11, "Faces", 0}, {21, "Press", 1}, {22, "Rest", 0}};
+
+std::vector<Eigen::MatrixXf> fourMatrices(int n = 6)
+{
+    return {gradient(n, n), gradient(n, n) * 0.5f, gradient(n, n) * 0.25f, gradient(n, n) * -1.0f};
+}
+
+// The form.
+
+TEST(BrowserForm, has_each_property_as_told)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    constexpr int unlimited = 16777215;
+
+    struct Row {
+        const char *object;
+        const char *property;
+        QVariant value;
+    };
+    const Row rows[] = {
+        {"ViewMatrix", "windowTitle", "Browse Connectivity Map"},
+        {"ViewMatrix", "size", QSize(1172, 734)},
+        {"ViewMatrix", "minimumSize", QSize(0, 620)},
+        {"ViewMatrix", "sizeGripEnabled", true},
+        {"widget_Conditions", "minimumSize", QSize(200, 0)},
+        {"widget_Conditions", "maximumSize", QSize(200, unlimited)},
+        {"groupBox", "title", "Conditions"},
+        {"groupBox", "minimumSize", QSize(200, 0)},
+        {"groupBox", "maximumSize", QSize(200, unlimited)},
+        {"scrollArea", "frameShape", int(QFrame::NoFrame)},
+        {"scrollArea", "frameShadow", int(QFrame::Plain)},
+        {"scrollArea", "widgetResizable", true},
+        {"tableMatrix", "minimumSize", QSize(640, 0)},
+        {"tableMatrix", "autoFillBackground", true},
+        {"tableMatrix", "styleSheet", "background-color { #ffffff; }"},
+        {"tableMatrix", "frameShape", int(QFrame::NoFrame)},
+        {"tableMatrix", "sizeAdjustPolicy", int(QAbstractScrollArea::AdjustIgnored)},
+        {"tableMatrix", "autoScroll", false},
+        {"tableMatrix", "editTriggers", int(QAbstractItemView::NoEditTriggers)},
+        {"tableMatrix", "tabKeyNavigation", false},
+        {"tableMatrix", "showDropIndicator", false},
+        {"tableMatrix", "dragDropOverwriteMode", false},
+        {"tableMatrix", "selectionMode", int(QAbstractItemView::NoSelection)},
+        {"tableMatrix", "selectionBehavior", int(QAbstractItemView::SelectItems)},
+        {"tableMatrix", "textElideMode", int(Qt::ElideNone)},
+        {"tableMatrix", "showGrid", false},
+        {"tableMatrix", "mouseTracking", true},
+        {"widget_statusbar", "minimumSize", QSize(0, 25)},
+        {"widget_statusbar", "maximumSize", QSize(unlimited, 25)},
+        {"lbl_Color", "maximumSize", QSize(25, 25)},
+        {"lbl_Color", "text", ""},
+        {"lbl_Color", "styleSheet", ""},
+        {"lbl_Value", "text", ""},
+        {"widget", "minimumSize", QSize(300, 0)},
+        {"widget", "maximumSize", QSize(300, unlimited)},
+        {"groupBox_Visualization", "title", "Visualization"},
+        {"groupBox_Visualization", "flat", true},
+        {"checkBox", "text", "Plot symmetric matrix"},
+        {"checkBox_2", "text", "Show values"},
+        {"groupBox_Histogram", "title", "Histogram"},
+        {"groupBox_Histogram", "flat", true},
+        {"groupBox_Histogram", "styleSheet", "visible: hidden;"},
+        {"groupBox_Histogram", "minimumSize", QSize(300, 200)},
+        {"groupBox_Histogram", "maximumSize", QSize(300, unlimited)},
+        {"histogram", "minimumSize", QSize(300, 200)},
+        {"histogram", "maximumSize", QSize(300, 200)},
+        {"lbl_Hist", "text", "TextLabel"},
+        {"sbox_HistBins", "enabled", false},
+        {"sbox_HistBins", "minimum", 10},
+        {"sbox_HistBins", "suffix", " bins"},
+        {"cbox_HistNormalize", "enabled", false},
+        {"cbox_HistNormalize", "text", "normalize"},
+        {"groupbox_Overview", "title", "Overview"},
+        {"groupbox_Overview", "flat", true},
+        {"graphicsView", "minimumSize", QSize(300, 290)},
+        {"graphicsView", "maximumSize", QSize(300, 290)},
+        {"graphicsView", "frameShape", int(QFrame::NoFrame)},
+        {"graphicsView", "lineWidth", 0},
+        {"graphicsView", "verticalScrollBarPolicy", int(Qt::ScrollBarAlwaysOff)},
+        {"graphicsView", "horizontalScrollBarPolicy", int(Qt::ScrollBarAlwaysOff)},
+        {"graphicsView", "sizeAdjustPolicy", int(QAbstractScrollArea::AdjustToContents)},
+        {"graphicsView", "sceneRect", QRectF(0, 0, 250, 250)},
+        {"groupbox_Legend", "title", ""},
+        {"groupbox_Legend", "flat", true},
+    };
+    for (const Row &row : rows) {
+        const QObject *const object = window.objectName() == QLatin1String(row.object)
+                                          ? &window
+                                          : window.findChild<QObject *>(QLatin1String(row.object));
+        ASSERT_NE(object, nullptr) << row.object;
+        const QVariant property = object->property(row.property);
+        ASSERT_TRUE(property.isValid()) << row.object << " " << row.property;
+        if (row.value.type() == QVariant::Int)
+            EXPECT_EQ(property.toInt(), row.value.toInt()) << row.object << " " << row.property;
+        else
+            EXPECT_EQ(property, row.value) << row.object << " " << row.property;
+    }
+    const auto *const table = window.findChild<QTableWidget *>(QStringLiteral("tableMatrix"));
+    EXPECT_FALSE(table->verticalHeader()->highlightSections());
+    EXPECT_NE(dynamic_cast<VerticalHeaderView *>(table->horizontalHeader()), nullptr);
+    EXPECT_TRUE(window.findChild<QWidget *>(QStringLiteral("groupBox_Visualization"))->isHidden());
+    EXPECT_TRUE(window.findChild<QWidget *>(QStringLiteral("groupBox_Histogram"))->isHidden());
+}
+
+TEST(BrowserForm, has_each_class_in_its_parent)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    struct Row {
+        const char *object;
+        const char *className;
+        const char *parent; // of a nested layout: the widget that it is on
+    };
+    const Row rows[] = {
+        {"horizontalLayout_2", "QHBoxLayout", "ViewMatrix"},
+        {"widget_Conditions", "QWidget", "ViewMatrix"},
+        {"verticalLayout_3", "QVBoxLayout", "widget_Conditions"},
+        {"groupBox", "QGroupBox", "widget_Conditions"},
+        {"verticalLayout_6", "QVBoxLayout", "groupBox"},
+        {"scrollArea", "QScrollArea", "groupBox"},
+        {"scrollAreaWidgetContents", "QWidget", "qt_scrollarea_viewport"},
+        {"horizontalLayout_3", "QHBoxLayout", "scrollAreaWidgetContents"},
+        {"gridLayout_Conditions", "QGridLayout", "horizontalLayout_3"},
+        {"verticalLayout", "QVBoxLayout", "horizontalLayout_2"},
+        {"tableMatrix", "ViewMatrixTable", "ViewMatrix"},
+        {"widget_statusbar", "QWidget", "ViewMatrix"},
+        {"horizontalLayout", "QHBoxLayout", "widget_statusbar"},
+        {"lbl_Color", "QLabel", "widget_statusbar"},
+        {"lbl_Value", "QLabel", "widget_statusbar"},
+        {"widget", "QWidget", "ViewMatrix"},
+        {"verticalLayout_2", "QVBoxLayout", "widget"},
+        {"groupBox_Visualization", "QGroupBox", "widget"},
+        {"gridLayout", "QGridLayout", "groupBox_Visualization"},
+        {"checkBox", "QCheckBox", "groupBox_Visualization"},
+        {"checkBox_2", "QCheckBox", "groupBox_Visualization"},
+        {"groupBox_Histogram", "QGroupBox", "widget"},
+        {"verticalLayout_5", "QVBoxLayout", "groupBox_Histogram"},
+        {"histogram", "Histogram", "groupBox_Histogram"},
+        {"hlaout_2", "QHBoxLayout", "verticalLayout_5"},
+        {"lbl_Hist", "QLabel", "groupBox_Histogram"},
+        {"horizontalLayout_5", "QHBoxLayout", "verticalLayout_5"},
+        {"sbox_HistBins", "QSpinBox", "groupBox_Histogram"},
+        {"cbox_HistNormalize", "QCheckBox", "groupBox_Histogram"},
+        {"groupbox_Overview", "QGroupBox", "widget"},
+        {"verticalLayout_4", "QVBoxLayout", "groupbox_Overview"},
+        {"graphicsView", "QGraphicsView", "groupbox_Overview"},
+        {"groupbox_Legend", "QGroupBox", "widget"},
+        {"horizontalLayout_4", "QHBoxLayout", "groupbox_Legend"},
+    };
+    for (const Row &row : rows) {
+        const auto *const object = window.findChild<QObject *>(QLatin1String(row.object));
+        ASSERT_NE(object, nullptr) << row.object;
+        EXPECT_STREQ(object->metaObject()->className(), row.className) << row.object;
+        EXPECT_EQ(object->parent()->objectName(), QString::fromLatin1(row.parent)) << row.object;
+    }
+}
+
+TEST(BrowserForm, has_each_layout_as_told)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    const int unset = -1; // what the style says
+    struct Row {
+        const char *layout;
+        int spacing;
+        int left, top, right, bottom;
+    };
+    const Row rows[] = {
+        {"verticalLayout_3", 0, 0, 0, 6, 0},
+        {"verticalLayout_6", unset, 2, 2, 2, 2},
+        {"verticalLayout", 0, unset, unset, unset, unset},
+        {"horizontalLayout", 5, unset, 0, 0, 4},
+        {"verticalLayout_2", unset, 0, unset, unset, unset},
+        {"verticalLayout_5", 0, 0, 0, 0, 0},
+        {"hlaout_2", unset, unset, unset, unset, 0},
+        {"verticalLayout_4", 0, 0, 0, 0, 0},
+        {"horizontalLayout_4", 0, 0, 0, 0, 0},
+    };
+    for (const Row &row : rows) {
+        const auto *const layout = window.findChild<QLayout *>(QLatin1String(row.layout));
+        ASSERT_NE(layout, nullptr) << row.layout;
+        if (row.spacing != unset) {
+            EXPECT_EQ(layout->spacing(), row.spacing) << row.layout;
+        }
+        const bool nested = qobject_cast<QLayout *>(layout->parent()) != nullptr;
+        const auto wanted = [&](int told, QStyle::PixelMetric metric) {
+            return told != unset ? told : nested ? 0 : window.style()->pixelMetric(metric);
+        };
+        EXPECT_EQ(layout->contentsMargins(),
+                  QMargins(wanted(row.left, QStyle::PM_LayoutLeftMargin),
+                           wanted(row.top, QStyle::PM_LayoutTopMargin),
+                           wanted(row.right, QStyle::PM_LayoutRightMargin),
+                           wanted(row.bottom, QStyle::PM_LayoutBottomMargin)))
+            << row.layout;
+    }
+    const auto *const conditions =
+        window.findChild<QGridLayout *>(QStringLiteral("gridLayout_Conditions"));
+    EXPECT_EQ(conditions->horizontalSpacing(), 2);
+    EXPECT_EQ(conditions->verticalSpacing(), 2);
+    EXPECT_EQ(window.findChild<QLayout *>(QStringLiteral("verticalLayout_4"))->sizeConstraint(),
+              QLayout::SetFixedSize);
+}
+
+TEST(BrowserForm, has_each_size_policy_as_told)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    const QHash<QString, QSizePolicy> policies = {
+        {"widget_Conditions", {QSizePolicy::Fixed, QSizePolicy::Preferred}},
+        {"groupBox", {QSizePolicy::Preferred, QSizePolicy::Expanding}},
+        {"widget_statusbar", {QSizePolicy::Minimum, QSizePolicy::Minimum}},
+        {"widget", {QSizePolicy::Fixed, QSizePolicy::Minimum}},
+        {"groupBox_Histogram", {QSizePolicy::Fixed, QSizePolicy::Fixed}},
+    };
+    EXPECT_EQ(window.sizePolicy().horizontalPolicy(), QSizePolicy::MinimumExpanding);
+    EXPECT_EQ(window.sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
+    for (auto policy = policies.begin(); policy != policies.end(); ++policy) {
+        const QSizePolicy actual = window.findChild<QWidget *>(policy.key())->sizePolicy();
+        EXPECT_EQ(actual.horizontalPolicy(), policy->horizontalPolicy())
+            << qPrintable(policy.key());
+        EXPECT_EQ(actual.verticalPolicy(), policy->verticalPolicy()) << qPrintable(policy.key());
+    }
+}
+
+TEST(BrowserForm, has_each_spacer_as_told)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    struct Row {
+        const char *layout;
+        int position;
+        QSize size;
+        Qt::Orientation orientation;
+        QSizePolicy::Policy policy;
+    };
+    const Row rows[] = {
+        {"verticalLayout_3", 1, {20, 40}, Qt::Vertical, QSizePolicy::MinimumExpanding},
+        {"verticalLayout_2", 1, {20, 40}, Qt::Vertical, QSizePolicy::Expanding},
+        {"horizontalLayout_5", 1, {40, 20}, Qt::Horizontal, QSizePolicy::Expanding},
+        {"verticalLayout_2", 4, {20, 5}, Qt::Vertical, QSizePolicy::Minimum},
+    };
+    for (const Row &row : rows) {
+        const auto *const layout = window.findChild<QLayout *>(QLatin1String(row.layout));
+        const QSpacerItem *const spacer = layout->itemAt(row.position)->spacerItem();
+        ASSERT_NE(spacer, nullptr) << row.layout;
+        EXPECT_EQ(spacer->sizeHint(), row.size) << row.layout;
+        EXPECT_EQ(row.orientation == Qt::Vertical ? spacer->sizePolicy().verticalPolicy()
+                                                  : spacer->sizePolicy().horizontalPolicy(),
+                  row.policy)
+            << row.layout;
+    }
+}
+
+TEST(BrowserForm, has_its_widgets_in_order)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    const auto names = [&](const char *name) {
+        QStringList found;
+        const auto *const layout = window.findChild<QLayout *>(QLatin1String(name));
+        for (int i = 0; i < layout->count(); ++i) {
+            QLayoutItem *const item = layout->itemAt(i);
+            found += item->widget()   ? item->widget()->objectName()
+                     : item->layout() ? item->layout()->objectName()
+                                      : QStringLiteral("-");
+        }
+        return found.join(' ').toStdString();
+    };
+    EXPECT_EQ(names("horizontalLayout_2"), "widget_Conditions verticalLayout widget");
+    EXPECT_EQ(names("verticalLayout_3"), "groupBox -");
+    EXPECT_EQ(names("verticalLayout"), "tableMatrix widget_statusbar");
+    EXPECT_EQ(names("horizontalLayout"), "lbl_Color lbl_Value");
+    EXPECT_EQ(names("verticalLayout_2"),
+              "groupBox_Visualization - groupBox_Histogram groupbox_Overview - groupbox_Legend");
+    EXPECT_EQ(names("verticalLayout_5"), "histogram hlaout_2 horizontalLayout_5");
+    EXPECT_EQ(names("horizontalLayout_5"), "sbox_HistBins - cbox_HistNormalize");
+    const auto *const grid = window.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
+    EXPECT_EQ(grid->itemAtPosition(0, 0)->widget()->objectName(), QStringLiteral("checkBox"));
+    EXPECT_EQ(grid->itemAtPosition(1, 0)->widget()->objectName(), QStringLiteral("checkBox_2"));
+}
+
+TEST(BrowserForm, begins_with_one_cell_without_content)
+{
+    Result result({});
+    const ViewMatrix window(&result.dialog);
+    const auto *const table = window.findChild<QTableWidget *>(QStringLiteral("tableMatrix"));
+    EXPECT_EQ(table->rowCount(), 1);
+    EXPECT_EQ(table->columnCount(), 1);
+    EXPECT_EQ(table->item(0, 0), nullptr) << "the constructor clears the table";
+}
+
+TEST(BrowserForm, declares_its_slots_in_order)
+{
+    const QMetaObject &meta = ViewMatrix::staticMetaObject;
+    const QList<QByteArray> expected = {"browseMatrix()", "pickValue(int,int)", "clearPickValue()"};
+    ASSERT_EQ(meta.methodCount() - meta.methodOffset(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(meta.method(meta.methodOffset() + i).methodSignature(), expected[i]);
+        EXPECT_EQ(meta.method(meta.methodOffset() + i).methodType(), QMetaMethod::Slot);
+    }
+}
+
+TEST(BrowserForm, connects_its_hidden_controls_to_nothing)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    browser.show();
+    EXPECT_FALSE(browser.find<QCheckBox>("checkBox")->isVisible());
+    EXPECT_FALSE(browser.find<QCheckBox>("checkBox_2")->isVisible());
+    EXPECT_FALSE(browser.find<Histogram>("histogram")->isVisible());
+    browser.find<QCheckBox>("checkBox")->setChecked(true);
+    browser.find<QCheckBox>("checkBox_2")->setChecked(true);
+    browser.expectShows(fourMatrices()[0]);
+}
+
+// The table.
+
+class BrowserOfRealMatrix : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(BrowserOfRealMatrix, shows_each_cell_in_its_colour)
+{
+    SKIP_WITHOUT_REAL_MATRICES();
+    const Eigen::MatrixXf matrix = realMatrix(GetParam());
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    browser.expectShows(matrix);
+    for (int i = 0; i < GetParam(); ++i) {
+        const QString name = QStringLiteral("Node %1").arg(i);
+        EXPECT_EQ(browser.table()->horizontalHeaderItem(i)->text(), name);
+        EXPECT_EQ(browser.table()->verticalHeaderItem(i)->text(), name);
+        EXPECT_EQ(browser.table()->columnWidth(i), 15);
+        EXPECT_EQ(browser.table()->rowHeight(i), 15);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, BrowserOfRealMatrix, testing::Values(1, 2, 10, 116),
+                         testing::PrintToStringParamName());
+
+TEST(BrowserTable, is_sized_as_told)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    const ViewMatrixTable *const table = browser.table();
+    EXPECT_EQ(table->sizePolicy().horizontalPolicy(), QSizePolicy::Minimum);
+    EXPECT_EQ(table->sizePolicy().verticalPolicy(), QSizePolicy::Minimum);
+    EXPECT_EQ(table->property("previous-selected-row"), QVariant(-1));
+    EXPECT_EQ(table->property("previous-selected-col"), QVariant(-1));
+    for (const QHeaderView *header : {table->horizontalHeader(), table->verticalHeader()}) {
+        EXPECT_EQ(header->defaultSectionSize(), 15);
+        EXPECT_EQ(header->sectionResizeMode(0), QHeaderView::Fixed);
+        EXPECT_EQ(header->styleSheet(),
+                  QStringLiteral("QHeaderView { font-family: arial; font-size: 10px;}"));
+        EXPECT_EQ(header->defaultAlignment(), Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+TEST(BrowserTable, shows_squares_of_15_by_15_pixels)
+{
+    const Eigen::MatrixXf matrix = gradient(6, 6);
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    const QImage picture = browser.table()->viewport()->grab().toImage();
+    const double scale = picture.devicePixelRatio();
+    for (int r = 0; r < 6; ++r) {
+        for (int c = 0; c < 6; ++c) {
+            for (const QPoint &corner :
+                 {QPoint(0, 0), QPoint(14, 0), QPoint(0, 14), QPoint(14, 14)}) {
+                const QPoint pixel = QPoint(c * 15, r * 15) + corner;
+                EXPECT_EQ(picture.pixelColor((QPointF(pixel) * scale).toPoint()).rgb(),
+                          valueToColor(double(matrix(r, c))).rgb());
+            }
+        }
+    }
+}
+
+TEST(BrowserTable, numbers_what_has_no_name)
+{
+    Result result({gradient(4, 4)});
+    result.subject->voiNames = QStringList{"First", "Second"};
+    Browser browser(result);
+    EXPECT_EQ(browser.table()->horizontalHeaderItem(1)->text(), QStringLiteral("Second"));
+    EXPECT_EQ(browser.table()->horizontalHeaderItem(2)->text(), QStringLiteral("2"));
+    EXPECT_EQ(browser.table()->verticalHeaderItem(3)->text(), QStringLiteral("3"));
+}
+
+TEST(BrowserTable, leaves_out_names_too_many)
+{
+    Result result({gradient(2, 2)});
+    result.subject->voiNames = nodeNames(5);
+    Browser browser(result);
+    EXPECT_EQ(browser.table()->columnCount(), 2);
+    EXPECT_EQ(browser.table()->horizontalHeaderItem(1)->text(), QStringLiteral("Node 1"));
+}
+
+// The value under the mouse.
+
+TEST(PickedValue, is_the_one_under_the_mouse)
+{
+    Eigen::MatrixXf matrix = gradient(6, 6);
+    matrix(1, 2) = 0.12345678f;
+    matrix(2, 1) = -1e-7f;
+    matrix(3, 3) = nan;
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    EXPECT_EQ(browser.value()->text(), QString());
+
+    browser.moveMouseToCell(1, 2);
+    EXPECT_EQ(browser.value()->text(), QStringLiteral("0.123457"));
+    EXPECT_EQ(browser.color()->styleSheet(),
+              background("background", valueToColor(double(0.12345678f))));
+    EXPECT_EQ(browser.color()->grab().toImage().pixelColor(2, 2).rgb(),
+              valueToColor(double(0.12345678f)).rgb());
+
+    browser.moveMouseToCell(2, 1);
+    EXPECT_EQ(browser.value()->text(), QStringLiteral("-1e-07"));
+    browser.moveMouseToCell(3, 3);
+    EXPECT_EQ(browser.value()->text(), QStringLiteral("nan"));
+    EXPECT_EQ(browser.color()->styleSheet(), QStringLiteral("background: rgb(0, 0, 0);"));
+
+    browser.moveMouse(browser.outside);
+    EXPECT_EQ(browser.value()->text(), QString());
+    EXPECT_EQ(browser.color()->styleSheet(), QString());
+}
+
+TEST(PickedValue, takes_the_row_first)
+{
+    const Eigen::MatrixXf matrix = gradient(3, 3);
+    Result result({matrix});
+    Browser browser(result);
+    browser.window.pickValue(0, 2);
+    EXPECT_EQ(browser.value()->text(), QString::number(double(matrix(0, 2)), 'g', 6));
+}
+
+TEST(PickedValue, outside_of_the_matrix_is_none)
+{
+    Result result({gradient(3, 3)});
+    Browser browser(result);
+    browser.window.pickValue(0, 3);
+    browser.window.pickValue(3, 0);
+    EXPECT_EQ(browser.value()->text(), QString());
+}
+
+// The overview.
+
+TEST(Overview, has_a_fixed_scene_and_scale)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    const QRectF whole(0, 0, 1160, 1160);
+    EXPECT_EQ(browser.overview()->scene()->sceneRect(), whole);
+    EXPECT_EQ(browser.overview()->sceneRect(), whole);
+    EXPECT_EQ(browser.overview()->transform(),
+              QTransform::fromScale(0.21120689655172414, 0.21120689655172414));
+    browser.show();
+    EXPECT_TRUE(browser.overview()->isVisible());
+    // 116 cells of ten units fill 245 pixels.
+    EXPECT_NEAR(browser.overview()->transform().m11() * 1160, 245, 1e-9);
+}
+
+TEST(Overview, runs_over_its_scene_beyond_116_rows)
+{
+    Result result({gradient(117, 117)});
+    Browser browser(result);
+    EXPECT_EQ(browser.overview()->sceneRect(), QRectF(0, 0, 1160, 1160));
+    EXPECT_EQ(browser.overview()->scene()->itemsBoundingRect().width(), 1170);
+}
+
+TEST(Overview, scrolls_the_table_to_the_mirrored_cell_at_a_click)
+{
+    const Eigen::MatrixXf matrix = gradient(116, 116);
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    ViewMatrixTable *const table = browser.table();
+    for (const QPoint &square : {QPoint(60, 40), QPoint(40, 70), QPoint(70, 60)}) {
+        const int o = square.x();
+        const int i = square.y();
+        const QPointF inScene(o * 10 + 5, i * 10 + 5);
+        const QPoint inView = browser.overview()->mapFromScene(inScene);
+        const QWidget *const viewport = browser.overview()->viewport();
+        QTest::mouseClick(browser.window.windowHandle(), Qt::LeftButton, {},
+                          viewport->mapTo(&browser.window, inView));
+        // The item at row i, column o stands in the centre, as near as whole cells allow.
+        const QPoint centre = table->visualItemRect(table->item(i, o)).center();
+        const QPoint wanted = table->viewport()->rect().center();
+        EXPECT_NEAR(centre.x(), wanted.x(), 3 * 15) << o << ", " << i;
+        EXPECT_NEAR(centre.y(), wanted.y(), 3 * 15) << o << ", " << i;
+    }
+}
+
+TEST(Overview, ignores_a_click_on_what_is_no_longer_in_the_table)
+{
+    Result result({gradient(3, 3)});
+    Browser browser(result);
+    browser.show();
+    browser.table()->clearContents();
+    const QWidget *const viewport = browser.overview()->viewport();
+    QTest::mouseClick(browser.window.windowHandle(), Qt::LeftButton, {},
+                      viewport->mapTo(&browser.window, browser.overview()->mapFromScene(5, 5)));
+    EXPECT_EQ(browser.table()->verticalScrollBar()->value(), 0);
+}
+
+TEST(Overview, is_painted_in_the_colours_of_the_matrix)
+{
+    const Eigen::MatrixXf matrix = gradient(3, 3);
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    QGraphicsView *const view = browser.overview();
+    const QImage picture = view->viewport()->grab().toImage();
+    for (int o = 0; o < 3; ++o) {
+        for (int i = 0; i < 3; ++i) {
+            const QPoint pixel = view->mapFromScene(QPointF(o * 10 + 5, i * 10 + 5));
+            EXPECT_EQ(picture.pixelColor(pixel * picture.devicePixelRatio()).rgb(),
+                      valueToColor(double(matrix(o, i))).rgb());
+        }
+    }
+}
+
+// The legend.
+
+TEST(BrowserLegend, has_ten_boxes_from_the_maximum_down)
+{
+    Eigen::MatrixXf low = Eigen::MatrixXf::Zero(2, 2);
+    low(0, 1) = -1.0f;
+    Eigen::MatrixXf high = Eigen::MatrixXf::Zero(2, 2);
+    high(1, 0) = 1.0f;
+    Result result({low, high}, {{1, "Rest", 0}, {11, "Faces", 0}});
+    Browser browser(result);
+    const Legend legend = legendOf(browser);
+    ASSERT_EQ(legend.styles.size(), 10);
+    for (int k = 0; k < 10; ++k) {
+        // From the largest entry of all slices in tenths of the way to the smallest.
+        EXPECT_EQ(legend.styles[k], background("background", valueToColor(1.0 - k * 0.2)));
+    }
+    EXPECT_EQ(legend.texts, QStringList({"1", "", "", "", "", "", "", "", "", "-1"}));
+    EXPECT_EQ(browser.find<QGroupBox>("groupbox_Legend")->styleSheet(),
+              QStringLiteral("border: 0px;"));
+}
+
+TEST(BrowserLegend, is_laid_out_as_told)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    QLayout *const row = browser.find<QHBoxLayout>("horizontalLayout_4");
+    ASSERT_EQ(row->count(), 12);
+    for (const int end : {0, 11}) {
+        const QSpacerItem *const spacer = row->itemAt(end)->spacerItem();
+        ASSERT_NE(spacer, nullptr);
+        EXPECT_EQ(spacer->sizeHint(), QSize(1, 1));
+        EXPECT_EQ(spacer->sizePolicy(), QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed));
+    }
+    for (int k = 0; k < 10; ++k) {
+        auto *const column = qobject_cast<QVBoxLayout *>(row->itemAt(k + 1)->layout());
+        ASSERT_NE(column, nullptr);
+        EXPECT_EQ(column->contentsMargins(), QMargins());
+        EXPECT_EQ(column->spacing(), 0);
+        EXPECT_EQ(column->itemAt(0)->widget()->minimumSize(), QSize(15, 15));
+        EXPECT_EQ(column->itemAt(0)->widget()->maximumSize(), QSize(15, 15));
+        EXPECT_EQ(column->itemAt(1)->widget()->styleSheet(),
+                  k == 0 || k == 9 ? QStringLiteral("font-size: 8px;") : QString());
+    }
+}
+
+TEST(BrowserLegend, prints_whole_numbers)
+{
+    struct Row {
+        float smallest;
+        float largest;
+        const char *first;
+        const char *last; // of the smallest plus a tenth of the range
+    };
+    const Row rows[] = {
+        {0.0f, 0.49f, "0", "0"},     {0.0f, 0.5f, "1", "0"},
+        {-10.0f, 10.0f, "10", "-8"}, {-0.5f, 0.0f, "0", "0"},
+        {2.0f, 2.0f, "2", "2"},      {0.0f, 1234567.0f, "1.23457e+06", "123457"},
+        {-4.0f, -2.5f, "-3", "-4"},
+    };
+    for (const Row &row : rows) {
+        Eigen::MatrixXf matrix(1, 2);
+        matrix << row.smallest, row.largest;
+        Result result({matrix});
+        Browser browser(result);
+        const Legend legend = legendOf(browser);
+        EXPECT_EQ(legend.texts.constFirst(), QString::fromLatin1(row.first)) << row.largest;
+        EXPECT_EQ(legend.texts.constLast(), QString::fromLatin1(row.last)) << row.smallest;
+    }
+}
+
+TEST(BrowserLegend, of_equal_entries_has_one_colour)
+{
+    Result result({Eigen::MatrixXf::Constant(3, 3, 0.5f)});
+    Browser browser(result);
+    Legend legend = legendOf(browser);
+    EXPECT_EQ(legend.styles.constFirst(), background("background", valueToColor(0.5)));
+    EXPECT_EQ(legend.styles.removeDuplicates(), 9);
+}
+
+TEST(BrowserLegend, takes_no_part_in_the_colours)
+{
+    Eigen::MatrixXf matrix(2, 2);
+    matrix << 1.25f, -1.25f, 100.0f, 0.0f;
+    Result result({matrix});
+    Browser browser(result);
+    EXPECT_EQ(browser.table()->item(0, 0)->background().color(), QColor(Qt::black));
+    EXPECT_EQ(browser.table()->item(0, 1)->background().color(), QColor(Qt::black));
+    EXPECT_EQ(browser.table()->item(1, 0)->background().color(), QColor(Qt::black));
+    EXPECT_EQ(browser.table()->item(1, 1)->background().color(), valueToColor(0.0));
+    EXPECT_EQ(legendOf(browser).styles.constFirst(), QStringLiteral("background: rgb(0, 0, 0);"));
+}
+
+TEST(ValueRange, leaves_out_what_is_no_number)
+{
+    Eigen::MatrixXf some(1, 4);
+    some << nan, 0.25f, -0.5f, nan;
+    const ValueRange range = valueRange({Eigen::MatrixXf::Constant(2, 2, nan), some});
+    EXPECT_EQ(range.minimum, -0.5);
+    EXPECT_EQ(range.maximum, 0.25);
+
+    some << infinity, 1.0f, -infinity, nan;
+    EXPECT_EQ(valueRange({some}).maximum, double(infinity));
+    EXPECT_EQ(valueRange({some}).minimum, -double(infinity));
+
+    for (const std::vector<Eigen::MatrixXf> &nothing : {std::vector<Eigen::MatrixXf>{},
+                                                        {Eigen::MatrixXf()},
+                                                        {Eigen::MatrixXf::Constant(2, 2, nan)}}) {
+        EXPECT_TRUE(std::isnan(valueRange(nothing).minimum));
+        EXPECT_TRUE(std::isnan(valueRange(nothing).maximum));
+    }
+}
+
+// The conditions.
+
+TEST(Conditions, without_protocol_are_not_there)
+{
+    for (const bool loaded : {false, true}) {
+        Result result({gradient(3, 3)}, loaded ? protocolWithTrigger : QVector<SliceOfProtocol>(),
+                      false);
+        Browser browser(result);
+        const auto *const label = qobject_cast<QLabel *>(browser.condition(0, 0));
+        ASSERT_NE(label, nullptr);
+        EXPECT_EQ(label->text(), QStringLiteral("No protocol loaded."));
+        EXPECT_EQ(browser.find<QGridLayout>("gridLayout_Conditions")->count(), 1);
+        browser.expectShows(gradient(3, 3));
+    }
+}
+
+TEST(Conditions, have_a_row_each)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    const QStringList texts = {"Rest", "Faces", "Trigger: Press", "Rest"};
+    const QStringList times = {"1", "11", "21", "22"};
+    // Three distinct names share a range of hues; the product is cut.
+    const QColor colors[] = {QColor::fromHsv(0, 127, 242), QColor::fromHsv(74, 127, 242),
+                             QColor::fromHsv(148, 127, 242), QColor::fromHsv(0, 127, 242)};
+    QGridLayout *const grid = browser.find<QGridLayout>("gridLayout_Conditions");
+    ASSERT_EQ(grid->count(), 12);
+    for (int row = 0; row < 4; ++row) {
+        auto *const color = qobject_cast<MyLabel *>(browser.condition(row, 0));
+        auto *const name = qobject_cast<MyLabel *>(browser.condition(row, 1));
+        auto *const time = qobject_cast<QLabel *>(browser.condition(row, 2));
+        ASSERT_TRUE(color && name && time);
+        EXPECT_EQ(qobject_cast<MyLabel *>(time), nullptr);
+        EXPECT_EQ(color->property("row"), QVariant(row));
+        EXPECT_EQ(name->property("row"), QVariant(row));
+        EXPECT_EQ(color->styleSheet(), background("background-color", colors[row]));
+        EXPECT_EQ(color->maximumWidth(), 40);
+        EXPECT_EQ(color->grab().toImage().pixelColor(2, 2).rgb(), colors[row].rgb());
+        EXPECT_EQ(name->text(), texts[row]);
+        EXPECT_EQ(time->text(), times[row]);
+        EXPECT_EQ(time->toolTip(), QStringLiteral("in TR"));
+        EXPECT_EQ(time->maximumWidth(), 40);
+        EXPECT_EQ(grid->itemAtPosition(row, 0)->alignment(), Qt::AlignVCenter);
+        EXPECT_EQ(grid->itemAtPosition(row, 1)->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
+        EXPECT_EQ(grid->itemAtPosition(row, 2)->alignment(), Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+TEST(Conditions, of_one_name_have_hue_zero)
+{
+    Result result({gradient(3, 3), gradient(3, 3)}, {{1, "Rest", 0}, {11, "Rest", 0}});
+    Browser browser(result);
+    for (int row = 0; row < 2; ++row)
+        EXPECT_EQ(browser.condition(row, 0)->styleSheet(),
+                  background("background-color", QColor::fromHsv(0, 127, 242)));
+}
+
+TEST(Conditions, tell_names_apart_by_case)
+{
+    Result result({gradient(3, 3), gradient(3, 3)}, {{1, "rest", 0}, {11, "Rest", 0}});
+    Browser browser(result);
+    EXPECT_NE(browser.condition(0, 0)->styleSheet(), browser.condition(1, 0)->styleSheet());
+    EXPECT_EQ(browser.condition(1, 0)->styleSheet(),
+              background("background-color", QColor::fromHsv(111, 127, 242)));
+}
+
+TEST(Conditions, bring_their_matrix_at_a_click)
+{
+    const std::vector<Eigen::MatrixXf> matrices = fourMatrices();
+    Result result(matrices, protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    browser.expectShows(matrices[0]);
+    const Legend legend = legendOf(browser);
+    for (const auto &[row, column] : {std::pair(1, 0), {3, 1}, {0, 0}, {1, 1}, {1, 0}}) {
+        browser.click(browser.condition(row, column));
+        browser.expectShows(matrices[std::size_t(row)]);
+        browser.moveMouseToCell(2, 3);
+        EXPECT_EQ(browser.value()->text(),
+                  QString::number(double(matrices[std::size_t(row)](2, 3)), 'g', 6));
+        EXPECT_EQ(browser.table()->columnWidth(3), 15);
+        EXPECT_EQ(browser.table()->rowHeight(3), 15);
+        EXPECT_EQ(browser.table()->horizontalHeaderItem(3)->text(), QStringLiteral("Node 3"));
+        EXPECT_EQ(legendOf(browser).styles, legend.styles);
+        EXPECT_EQ(legendOf(browser).texts, legend.texts);
+    }
+}
+
+TEST(Conditions, delete_the_scene_of_the_slice_before)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    const QPointer<QGraphicsScene> scene = browser.overview()->scene();
+    browser.click(browser.condition(1, 0));
+    EXPECT_TRUE(scene.isNull());
+    EXPECT_EQ(browser.window.findChildren<QGraphicsScene *>().size(), 2)
+        << "one is the histogram's";
+}
+
+TEST(Conditions, of_triggers_cannot_be_browsed)
+{
+    const std::vector<Eigen::MatrixXf> matrices = fourMatrices();
+    Result result(matrices, protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    for (const int column : {0, 1, 2}) {
+        browser.click(browser.condition(2, column));
+        browser.expectShows(matrices[0]);
+        EXPECT_EQ(browser.condition(2, column)->cursor().shape(), Qt::ArrowCursor);
+    }
+    const QWidget *const condition = browser.condition(1, 1);
+    browser.moveMouse(condition->mapTo(&browser.window, condition->rect().center()));
+    EXPECT_EQ(condition->cursor().shape(), Qt::PointingHandCursor);
+}
+
+TEST(Conditions, that_become_unclickable_while_hovered_keep_their_cursor)
+{
+    const std::vector<Eigen::MatrixXf> matrices = fourMatrices();
+    Result result(matrices, protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    auto *const condition = qobject_cast<MyLabel *>(browser.condition(1, 1));
+    browser.moveMouse(condition->mapTo(&browser.window, condition->rect().center()));
+    condition->setClickable(false);
+    browser.click(condition);
+    browser.expectShows(matrices[0]);
+    browser.moveMouse(browser.outside);
+    EXPECT_EQ(condition->cursor().shape(), Qt::PointingHandCursor);
+}
+
+TEST(Conditions, of_any_event_but_zero_are_triggers)
+{
+    Result result(fourMatrices(), {{1, "A", 0}, {2, "B", 1}, {3, "C", 2}, {4, "D", -1}});
+    Browser browser(result);
+    const QStringList texts = {"A", "Trigger: B", "Trigger: C", "Trigger: D"};
+    for (int row = 0; row < 4; ++row)
+        EXPECT_EQ(qobject_cast<QLabel *>(browser.condition(row, 1))->text(), texts[row]);
+}
+
+TEST(Conditions, with_placeholders_in_their_names_stay_as_they_are)
+{
+    Result result({gradient(3, 3)}, {{1, "50 %1 %2", 1}});
+    Browser browser(result);
+    EXPECT_EQ(qobject_cast<QLabel *>(browser.condition(0, 1))->text(),
+              QStringLiteral("Trigger: 50 %1 %2"));
+}
+
+TEST(Conditions, are_browsed_by_their_labels_alone)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    Browser browser(result);
+    browser.window.browseMatrix(); // from nobody
+    browser.expectShows(fourMatrices()[0]);
+}
+
+// What is not there.
+
+TEST(BrowserWithout, a_results_dialog_shows_nothing)
+{
+    QWidget other;
+    ConnectivityObjectUI withoutResult(nullptr, nullptr);
+    for (QWidget *parent :
+         {static_cast<QWidget *>(nullptr), &other, static_cast<QWidget *>(&withoutResult)}) {
+        ViewMatrix window(parent);
+        window.setConditionNames({"Rest", "Faces"});
+        window.setConditionTimes({1});
+        window.buildConditionList();
+        window.loadRange();
+        window.fillTable();
+        window.paintTable();
+        window.drawOverview();
+        window.buildLegend();
+        window.show();
+        auto *const table = window.findChild<QTableWidget *>(QStringLiteral("tableMatrix"));
+        EXPECT_EQ(table->rowCount(), 0);
+        EXPECT_EQ(table->columnCount(), 0);
+        // A click clears before it looks for the result.
+        QTest::mouseClick(window.findChild<MyLabel *>(), Qt::LeftButton);
+        EXPECT_EQ(table->rowCount(), 0);
+    }
+}
+
+TEST(BrowserWithout, its_result_clears_the_table_at_a_click)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    result.dialog.connectivityObject = nullptr;
+    browser.click(browser.condition(1, 0));
+    EXPECT_EQ(browser.table()->rowCount(), 6);
+    EXPECT_EQ(browser.table()->item(0, 0), nullptr);
+    EXPECT_TRUE(browser.overview()->scene()->items().isEmpty());
+    browser.moveMouse(browser.table()->viewport()->mapTo(&browser.window, QPoint(7, 7)));
+    EXPECT_EQ(browser.value()->text(), QString());
+    browser.window.paintTable();
+}
+
+TEST(BrowserWithout, a_matrix_for_its_condition_clears_the_table_at_a_click)
+{
+    Result result({gradient(6, 6)}, protocolWithTrigger);
+    Browser browser(result);
+    browser.show();
+    browser.click(browser.condition(1, 0));
+    EXPECT_EQ(browser.table()->item(0, 0), nullptr);
+    EXPECT_TRUE(browser.overview()->scene()->items().isEmpty());
+    browser.click(browser.condition(0, 0));
+    browser.expectShows(gradient(6, 6));
+}
+
+TEST(BrowserWithout, an_event_flag_takes_the_condition_as_a_block)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    SubjectProtocol protocol = result.subject->protocol();
+    protocol.volumeEvents.clear();
+    result.subject->setProtocol(protocol);
+    Browser browser(result);
+    EXPECT_EQ(qobject_cast<QLabel *>(browser.condition(2, 1))->text(), QStringLiteral("Press"));
+}
+
+TEST(BrowserWithout, numbers_in_its_matrices_survives)
+{
+    struct Row {
+        const char *name;
+        std::vector<Eigen::MatrixXf> matrices;
+        const char *legend;
+    };
+    const Row rows[] = {
+        {"no matrices", {}, "nan"},
+        {"0 x 0", {Eigen::MatrixXf(0, 0)}, "nan"},
+        {"1 x 1", {Eigen::MatrixXf::Constant(1, 1, 0.7f)}, "1"},
+        {"all NaN", {Eigen::MatrixXf::Constant(4, 4, nan)}, "nan"},
+        {"all zero", {Eigen::MatrixXf::Zero(4, 4)}, "0"},
+        {"all equal", {Eigen::MatrixXf::Constant(4, 4, -3.0f)}, "-3"},
+        {"infinite", {Eigen::MatrixXf::Constant(4, 4, infinity)}, "nan"},
+        {"minus infinite", {Eigen::MatrixXf::Constant(4, 4, -infinity)}, "nan"},
+        {"2 x 3", {gradient(2, 3)}, "1"},
+        {"3 x 0", {Eigen::MatrixXf(3, 0)}, "nan"},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.name);
+        Result result(row.matrices, {{1, "Rest", 0}});
+        Browser browser(result);
+        browser.show();
+        const Eigen::MatrixXf shown = row.matrices.empty() ? Eigen::MatrixXf() : row.matrices[0];
+        browser.expectShows(shown);
+        EXPECT_EQ(legendOf(browser).texts.constFirst(), QString::fromLatin1(row.legend));
+        browser.click(browser.condition(0, 0));
+        if (!row.matrices.empty())
+            browser.expectShows(shown);
+        browser.window.pickValue(0, 0);
+        EXPECT_FALSE(browser.window.grab().isNull());
+    }
+}
+
+TEST(Browser, can_be_destroyed_under_the_mouse)
+{
+    auto result = std::make_unique<Result>(fourMatrices(), protocolWithTrigger);
+    const QPointer<ViewMatrix> window = new ViewMatrix(&result->dialog);
+    window->loadRange();
+    window->fillTable();
+    window->show();
+    auto *const table = window->findChild<QTableWidget *>(QStringLiteral("tableMatrix"));
+    const QPoint inCell = table->visualItemRect(table->item(1, 1)).center();
+    QTest::mouseMove(window->windowHandle(), QPoint(3, 3));
+    QTest::mouseMove(window->windowHandle(), table->viewport()->mapTo(window, inCell));
+    ASSERT_NE(window->findChild<QLabel *>(QStringLiteral("lbl_Value"))->text(), QString());
+    result.reset();
+    EXPECT_TRUE(window.isNull());
+}
+
+TEST(Browser, is_only_hidden_when_it_is_closed)
+{
+    Result result(fourMatrices(), protocolWithTrigger);
+    Browser browser(result);
+    browser.window.setAttribute(Qt::WA_DeleteOnClose, false);
+    browser.show();
+    browser.click(browser.condition(3, 0));
+    browser.window.close();
+    EXPECT_FALSE(browser.window.isVisible());
+    browser.window.show();
+    browser.expectShows(fourMatrices()[3]);
+}
+
+} // namespace
