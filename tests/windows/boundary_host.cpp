@@ -32,9 +32,15 @@ void check(bool passed, const char *what, const char *name)
 extern "C" __declspec(dllexport) void zqGetVersionOfCorvaneZQ(int *, int *, int *) {}
 #else
 #define HOST_CALL(result, name, arguments)                                                         \
-    extern "C" __declspec(dllexport) void name() { std::puts(#name); }
+    extern "C" __declspec(dllexport) void name()                                                   \
+    {                                                                                              \
+        std::puts(#name);                                                                          \
+    }
 #define HOST_NAME(name)                                                                            \
-    extern "C" __declspec(dllexport) void name() { std::puts(#name); }
+    extern "C" __declspec(dllexport) void name()                                                   \
+    {                                                                                              \
+        std::puts(#name);                                                                          \
+    }
 #include "plugin/host_function_names.inc"
 #undef HOST_CALL
 #undef HOST_NAME
