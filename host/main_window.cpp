@@ -7,6 +7,10 @@
 #include "host/log.h"
 #include "host/log_pane.h"
 #include "host/recent_files.h"
+#include "host/time_course.h"
+#include "host/time_course_view.h"
+#include "host/voi_list.h"
+#include "host/volume_view.h"
 #include "host/workspace.h"
 
 #include <QApplication>
@@ -16,7 +20,10 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
+#include <QSplitter>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QTextDocumentFragment>
 #include <QVBoxLayout>
@@ -63,11 +70,14 @@ QString menuText(QString text)
 } // namespace
 
 MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
-    : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this))
+    : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this)),
+      m_vois(new VoiList(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
+    addDockWidget(Qt::RightDockWidgetArea, m_vois);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     makeCentre();
     makeFileMenu();
     makeViewMenu();
@@ -100,9 +110,48 @@ void MainWindow::makeCentre()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     m_tabs = new DocumentTabs(m_workspace, centre);
+    m_pages = new QStackedWidget(centre);
+    m_pages->addWidget(makeWelcome());
+    m_pages->addWidget(makeVolumePage());
     layout->addWidget(m_tabs);
-    layout->addStretch();
+    layout->addWidget(m_pages, 1);
     setCentralWidget(centre);
+}
+
+QWidget *MainWindow::makeWelcome()
+{
+    auto *const page = new QWidget;
+    auto *const layout = new QVBoxLayout(page);
+    auto *const text =
+        new QLabel(tr("<h2>No anatomy is open</h2>"
+                      "<p>Open one (.vmr, NIfTI or NRRD), or drop files on this window.</p>"));
+    text->setAlignment(Qt::AlignCenter);
+    text->setWordWrap(true);
+    auto *const open = new QPushButton(tr("&Open..."));
+    open->setObjectName(QStringLiteral("welcomeOpen"));
+    connect(open, &QPushButton::clicked, this, &MainWindow::chooseFiles);
+    layout->addStretch();
+    layout->addWidget(text);
+    layout->addWidget(open, 0, Qt::AlignCenter);
+    layout->addStretch();
+    return page;
+}
+
+QWidget *MainWindow::makeVolumePage()
+{
+    auto *const splitter = new QSplitter(Qt::Vertical);
+    splitter->setObjectName(QStringLiteral("volumeSplitter"));
+    m_volume = new VolumeView;
+    m_timeCourse = new TimeCourseView;
+    splitter->addWidget(m_volume);
+    splitter->addWidget(m_timeCourse);
+    splitter->setStretchFactor(0, 1);
+    splitter->setChildrenCollapsible(false);
+    connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showTimeCourse);
+    connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
+    connect(m_vois, &VoiList::overlayChanged, this,
+            [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
+    return splitter;
 }
 
 void MainWindow::makeFileMenu()
@@ -132,8 +181,29 @@ void MainWindow::makeViewMenu()
     QAction *const previous =
         menu->addAction(tr("&Previous Document"), this, [this] { showDocument(-1); });
     previous->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageUp));
-    m_documentActions += {next, previous};
     menu->addSeparator();
+    QAction *const in = menu->addAction(tr("Zoom &In"), this, [this] { m_volume->zoomBy(1.25); });
+    in->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+    QAction *const out =
+        menu->addAction(tr("Zoom &Out"), this, [this] { m_volume->zoomBy(1 / 1.25); });
+    out->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Minus));
+    QAction *const whole =
+        menu->addAction(tr("&Whole Slices"), this, [this] { m_volume->setZoom(1); });
+    whole->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
+    QAction *const automatic = menu->addAction(tr("&Automatic Window and Level"), m_volume,
+                                               &VolumeView::setAutomaticWindow);
+    automatic->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
+    QAction *const cross = menu->addAction(tr("&Cross-hair"));
+    cross->setCheckable(true);
+    cross->setChecked(true);
+    cross->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
+    connect(cross, &QAction::toggled, m_volume, &VolumeView::setCrossShown);
+    m_documentActions += {next, previous, in, out, whole, automatic, cross};
+    menu->addSeparator();
+    QAction *const vois = m_vois->toggleViewAction();
+    vois->setText(tr("&Volumes of Interest"));
+    menu->addAction(vois);
     QAction *const log = m_log->toggleViewAction();
     log->setText(tr("&Log"));
     menu->addAction(log);
@@ -158,6 +228,8 @@ void MainWindow::restore()
 {
     const QSettings settings;
     resize(1100, 850);
+    resizeDocks({m_log}, {110}, Qt::Vertical);
+    resizeDocks({m_vois}, {240}, Qt::Horizontal);
     restoreGeometry(settings.value(geometryKey).toByteArray());
     restoreState(settings.value(stateKey).toByteArray());
 }
@@ -171,10 +243,37 @@ void MainWindow::refresh()
     const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
     for (QAction *action : qAsConst(m_documentActions))
         action->setEnabled(isOpen);
+    if (m_shownVoiLoads != m_workspace.voiLoads()) {
+        m_shownVoiLoads = m_workspace.voiLoads();
+        const LoadedVois *const vois = m_workspace.vois();
+        m_vois->setVois(vois != nullptr ? &vois->set : nullptr);
+    }
+    if (const Vmr *const vmr = m_workspace.currentVmr())
+        m_volume->showVolume(current, *vmr);
+    m_pages->setCurrentIndex(isOpen ? 1 : 0);
+    showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
     setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
                                 .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
                           : QStringLiteral("Corvane"));
+}
+
+void MainWindow::showTimeCourse()
+{
+    TimeCourseScene scene;
+    if (const LinkedVtc *const vtc = m_workspace.linkedVtc()) {
+        scene.samples = timeCourseAt(vtc->file, m_volume->scene().cross);
+        scene.repetitionTime = vtc->file.info().repetitionTime;
+        scene.hint = tr("The cross-hair lies outside the functional run.");
+    } else {
+        scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
+                        "time course at the cross-hair.");
+    }
+    // Intervals in another unit than volumes have no place on this axis.
+    const LoadedProtocol *const protocol = m_workspace.protocol();
+    if (protocol != nullptr && protocol->prt.timeUnit == 1)
+        scene.conditions = protocol->prt.conditions;
+    m_timeCourse->show(std::move(scene));
 }
 
 void MainWindow::open(const QString &path)

@@ -6,12 +6,17 @@
 #include <QMainWindow>
 #include <QTimer>
 
+class QStackedWidget;
+
 namespace corvane
 {
 
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class TimeCourseView;
+class VoiList;
+class VolumeView;
 class Workspace;
 
 /// The workbench's one main window: a view of the workspace, which plugins change behind its back.
@@ -43,6 +48,8 @@ protected:
 
 private:
     void makeCentre();
+    QWidget *makeWelcome();
+    QWidget *makeVolumePage();
     void makeFileMenu();
     void makeViewMenu();
     void makePluginsMenu();
@@ -50,6 +57,7 @@ private:
     void restore();
 
     void refresh();
+    void showTimeCourse();
     void open(const QString &path);
     void chooseFiles();
     void closeDocument();
@@ -62,7 +70,12 @@ private:
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QTimer m_refreshSoon;
     LogPane *m_log;
+    VoiList *m_vois;
     DocumentTabs *m_tabs = nullptr;
+    QStackedWidget *m_pages = nullptr; ///< a welcome, and the volume
+    VolumeView *m_volume = nullptr;
+    TimeCourseView *m_timeCourse = nullptr;
+    int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;
     QMenu *m_pluginsMenu = nullptr;
     QList<QAction *> m_documentActions; ///< of use only while a document is open

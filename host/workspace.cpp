@@ -126,6 +126,7 @@ void Workspace::loadVois(const QString &path)
 {
     const Notice notice{this};
     m_vois.reset();
+    ++m_voiLoads;
     m_vois.emplace(readVoiFile(path));
 }
 

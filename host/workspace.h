@@ -62,6 +62,8 @@ public:
 
     void loadVois(const QString &path); ///< Throws InputError.
     const LoadedVois *vois() const { return m_vois ? &*m_vois : nullptr; }
+    /// How often VOIs were loaded, or failed to load, so far: whether vois() is what it was.
+    int voiLoads() const { return m_voiLoads; }
 
     void loadProtocol(const QString &path); ///< Throws InputError.
     const LoadedProtocol *protocol() const { return m_protocol ? &*m_protocol : nullptr; }
@@ -91,6 +93,7 @@ private:
     std::optional<LinkedVtc> m_vtc;
     int m_vtcDocument = -1; ///< position of the VMR that m_vtc is linked to
     std::optional<LoadedVois> m_vois;
+    int m_voiLoads = 0;
     std::optional<LoadedProtocol> m_protocol;
 };
 
