@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <Eigen/Core>
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace corvane
+{
+
+/// A square matrix from a table, and the names of its nodes.
+struct GraphTable {
+    QStringList names; ///< one per row, or none at all
+    Eigen::MatrixXf weights;
+};
+
+/// Reads a square matrix from comma-separated text, or tab-separated text if the first line holds a
+/// tab. A header row of names, an index column of names, or both may stand around it; the corner
+/// above an index may be empty, hold a text or be missing. Names are texts; where the corner is
+/// empty they may also be whole numbers. Cells may stand in double quotation marks (RFC 4180);
+/// blanks around them and empty lines count as nothing. "nan", "inf" and "-inf" are numbers.
+///
+/// Throws InputError, naming row and column as they are counted in the file, from 1: for an empty
+/// file, rows of unequal length, numbers of rows and columns that differ, a cell that is no number
+/// of single precision, and names that differ between header and index.
+GraphTable readGraphTable(const QString &path);
+
+/// The same from the bytes of a file, whose path is for messages only.
+GraphTable parseGraphTable(const QByteArray &bytes, const QString &path);
+
+} // namespace corvane
