@@ -13,6 +13,18 @@
 #include <QHeaderView>
 #include <QIcon>
 
+namespace
+{
+
+/// A path may be wider than the label, so that it is its tool tip too.
+void showPath(QLabel *label, const QString &path)
+{
+    label->setText(path);
+    label->setToolTip(path);
+}
+
+} // namespace
+
 ConnectivityObjectUI::ConnectivityObjectUI(ConnectivityObject *object, QWidget *parent)
     : QDialog(parent), connectivityObject(object), ui(std::make_unique<Ui::ConnectivityObjectUI>())
 {
@@ -22,8 +34,8 @@ ConnectivityObjectUI::ConnectivityObjectUI(ConnectivityObject *object, QWidget *
     prepareNodesTable();
     ui->tab_Filter->setEnabled(false);
     ui->tab_Nodes->setEnabled(false);
-    ui->lbl_VOI_filename->setText(subject().voiFile());
-    ui->lbl_VTC_filename->setText(subject().vtcFile());
+    showPath(ui->lbl_VOI_filename, subject().voiFile());
+    showPath(ui->lbl_VTC_filename, subject().vtcFile());
 
     QxtSpanSlider *const spanner = ui->widget_CircPlot_Spanner;
     spanner->setRange(0, 1000);
