@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/save_dialog.h"
 
+#include <QBuffer>
 #include <QFileDialog>
 #include <QPixmap>
 #include <QPointer>
@@ -23,8 +24,14 @@ QString askForTarget(QWidget *window, const QString &filter, const QString &suff
 
 void savePicture(const QPixmap &picture, const QString &path)
 {
+    // Through memory: the writer of the format leaks when its device fails under it.
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG"))
+        return;
+
     QSaveFile file(path);
     // The flush tells of a disk that is full; a commit alone would keep what fitted on it.
-    if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.flush())
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush())
         file.commit();
 }

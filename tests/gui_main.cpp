@@ -7,6 +7,7 @@
 #include <QPalette>
 #include <QRegularExpression>
 #include <QStyle>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -80,9 +81,17 @@ QStringList takeWarnings()
     return warnings;
 }
 
+void bringMouseTo(const QWidget &window, QPoint to)
+{
+    QTest::mouseMove(window.windowHandle(), to + QPoint(1, 1));
+    QTest::mouseMove(window.windowHandle(), to);
+}
+
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests))
+        return RUN_ALL_TESTS();
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 

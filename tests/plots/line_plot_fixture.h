@@ -3,6 +3,8 @@
 
 #include "plots/line_plot.h"
 #include "plots/my_label.h"
+#include "tests/gui_test.h"
+#include "tests/support/qt_printers.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -29,7 +31,7 @@ protected:
     {
         window.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-        QTest::mouseMove(window.windowHandle(), window.rect().center());
+        bringMouseTo(window, window.rect().center());
     }
 
     QtCharts::QChartView *view() const { return window.findChild<QtCharts::QChartView *>(); }

@@ -3,24 +3,13 @@
 
 #include "plots/span_slider.h"
 #include "plots/span_slider_private.h"
+#include "tests/support/qt_printers.h"
 
 #include <QPoint>
 #include <QStringList>
 #include <QTest>
 
 #include <gtest/gtest.h>
-
-#include <ostream>
-
-inline void PrintTo(const QString &text, std::ostream *out)
-{
-    *out << qPrintable(text);
-}
-
-inline void PrintTo(const QStringList &list, std::ostream *out)
-{
-    *out << "{" << qPrintable(list.join(QStringLiteral(" | "))) << "}";
-}
 
 /// A shown slider of range 0 to 500, one value per pixel, with a record of its signals.
 class SpanSliderTest : public testing::Test

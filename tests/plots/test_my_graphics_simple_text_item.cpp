@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/my_graphics_simple_text_item.h"
+#include "tests/gui_test.h"
 
 #include <QCursor>
 #include <QGraphicsScene>
@@ -24,7 +25,7 @@ protected:
         view.setMouseTracking(true);
         view.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
-        moveMouse({5, 5});
+        bringMouseTo(view, {5, 5});
     }
 
     void moveMouse(QPoint to) { QTest::mouseMove(view.windowHandle(), to); }

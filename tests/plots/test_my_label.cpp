@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/my_label.h"
+#include "tests/gui_test.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -24,7 +25,7 @@ protected:
         layout->addWidget(label);
         window.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-        moveMouse(outside);
+        bringMouseTo(window, outside);
         hover.clear();
     }
 

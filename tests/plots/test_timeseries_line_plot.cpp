@@ -3,6 +3,7 @@
 
 #include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
+#include "tests/support/qt_printers.h"
 
 #include <QApplication>
 #include <QComboBox>

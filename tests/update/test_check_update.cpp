@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/qt_printers.h"
 #include "tests/update/web_server.h"
 #include "update/check_update.h"
 
