@@ -31,6 +31,7 @@ build)
 run)
     # Output goes through a file: a cold wine server holds a pipe open for seconds.
     status=0
+    cd "$folder"
     wine "$folder/$3" </dev/null >"$folder/$3.log" 2>&1 || status=$?
     tr -d '\r' <"$folder/$3.log"
     exit "$status"
