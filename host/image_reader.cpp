@@ -56,8 +56,8 @@ Image3d<Value> readNifti(const QString &path, QStringList &notes)
         stream.read(samples.data(), count);
         convert(header, samples.data(), count, image.voxels.data() + done);
     }
-    stream.finish();
     notes += orientationNotes(header, path);
+    stream.finish(notes);
     return image;
 }
 

@@ -349,7 +349,7 @@ void Import::streamVolumes(VtcWriter &writer, const VolumeSampler &sampler,
         writer.addVolume();
         progress.update(t + 1);
     }
-    m_run.finish();
+    m_run.finish(m_report.notes);
 }
 
 void Import::noteBrokenSamples()

@@ -63,14 +63,20 @@ void NiftiStream::read(void *samples, qint64 count)
         nifti_swap_Nbytes(count, m_header.sampleSize, samples);
 }
 
-void NiftiStream::finish()
+void NiftiStream::finish(QStringList &notes)
 {
-    char extra;
-    if (m_source->read(&extra, 1) > 0)
-        throw InputError(
-            m_path, QStringLiteral("samples"),
-            QStringLiteral("more than %1 bytes").arg(m_samplesRead * m_header.sampleSize),
-            QStringLiteral("the end of the data behind the last volume"));
+    const qint64 extra =
+        readAtMost(*m_source, std::min<qint64>(m_header.bytesPerVolume(), 1 << 30)).size();
+    if (extra == 0)
+        return;
+    if (extra == m_header.bytesPerVolume())
+        throw InputError(m_path, QStringLiteral("samples"),
+                         QStringLiteral("another volume behind the last one"),
+                         QStringLiteral("%1 bytes, as the header says")
+                             .arg(m_samplesRead * m_header.sampleSize));
+    notes += QStringLiteral("%1: %2 bytes behind the last volume are left out")
+                 .arg(printable(m_path, 4096))
+                 .arg(extra);
 }
 
 } // namespace corvane

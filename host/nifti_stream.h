@@ -22,8 +22,10 @@ public:
     /// Throws InputError when the data end before.
     void read(void *samples, qint64 count);
 
-    /// To be called behind the last sample. Throws InputError when the file goes on.
-    void finish();
+    /// To be called behind the last sample. Says in `notes` when a few bytes follow, which some
+    /// programs leave there. Throws InputError when as much as another volume follows, which the
+    /// header does not know of, and when the end of packed data is damaged.
+    void finish(QStringList &notes);
 
 private:
     QString m_path;

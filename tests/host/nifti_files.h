@@ -225,7 +225,7 @@ inline QByteArray unpackedBytes(const QString &path)
     return bytes;
 }
 
-/// A little-endian file of 16-bit samples as the recordings are, read without any of the host.
+/// A little-endian file as the recordings are, read without any of the host.
 struct ReferenceImage {
     std::array<int, 4> size{1, 1, 1, 1};
     Eigen::Affine3d toWorld = Eigen::Affine3d::Identity();
@@ -259,6 +259,21 @@ inline Eigen::Affine3d referenceQform(const std::array<double, 6> &q,
                       Eigen::Vector3d(pixdim[1], pixdim[2], handed * pixdim[3]).asDiagonal();
     result.translation() = Eigen::Vector3d(q[3], q[4], q[5]);
     return result;
+}
+
+inline double storedValue(const QByteArray &bytes, int datatype, int dataOffset, int n)
+{
+    switch (datatype) {
+    case 2:
+        return double(get<quint8>(bytes, dataOffset + n));
+    case 4:
+        return double(get<qint16>(bytes, dataOffset + 2 * n));
+    case 16:
+        return double(get<float>(bytes, dataOffset + 4 * n));
+    default:
+        ADD_FAILURE() << "datatype " << datatype;
+        return 0;
+    }
 }
 
 template <typename Real>
@@ -301,12 +316,9 @@ ReferenceImage readReference(const QByteArray &bytes, int dim, int dimStep, int 
             image.toWorld(axis, axis) = double(get<Real>(bytes, pixdim + width * (axis + 1)));
     }
     const int datatype = get<qint16>(bytes, width == 4 ? 70 : 12);
-    for (int n = 0; n < count; ++n) {
-        const double stored = datatype == 2 ? double(get<quint8>(bytes, dataOffset + n))
-                                            : double(get<qint16>(bytes, dataOffset + 2 * n));
-        EXPECT_TRUE(datatype == 2 || datatype == 4) << datatype;
-        image.values.push_back(image.slope * stored + image.intercept);
-    }
+    for (int n = 0; n < count; ++n)
+        image.values.push_back(image.slope * storedValue(bytes, datatype, dataOffset, n) +
+                               image.intercept);
     return image;
 }
 
