@@ -17,9 +17,7 @@ constexpr std::size_t mostLabels = 20000;
 /// Keeps voxels that stand on the border between two from falling on either side by chance.
 constexpr double borderSlack = 1e-6;
 
-struct Region {
-    qint64 inAtlas = 0;   ///< voxels of the atlas
-    qint64 insideRun = 0; ///< those of them that lie inside the run
+struct Region : LabelCount {
     Voi voi;
 };
 
@@ -160,7 +158,7 @@ void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
 
 VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
                    const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
-                   const QString &path, QStringList &notes)
+                   const QString &path, QStringList &notes, std::vector<LabelCount> *counts)
 {
     Regions regions;
     const Eigen::Affine3d cubeToAtlas = atlas.toWorld.inverse() * cubeToWorld;
@@ -188,6 +186,8 @@ VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
         region.voi.g = colour.g;
         region.voi.b = colour.b;
         set.vois.push_back(region.voi);
+        if (counts != nullptr)
+            counts->push_back(region);
     }
     noteLosses(regions, path, notes);
     return set;

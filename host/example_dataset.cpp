@@ -230,7 +230,7 @@ VoxelModel voxelModel(double x, double y, double z)
     return model;
 }
 
-void writeRun(const QString &path)
+void writeRun(const QString &path, const ImportWatch &watch)
 {
     const std::vector<quint8> regionOf = labels();
     const std::array<Series, regionCount> series = regionSeries();
@@ -265,6 +265,9 @@ void writeRun(const QString &path)
         }
         file.write(volume.data(), static_cast<qint64>(volume.size() * sizeof volume[0]));
         progress.update(t + 1);
+        // The import of the run takes about as long again.
+        if (watch && !watch(t + 1, 2 * volumeCount))
+            throw ImportStopped();
     }
     file.commit();
 }
@@ -296,7 +299,7 @@ QString name(const char *text)
 
 } // namespace
 
-ImportReport writeExample(const QString &folder)
+ImportReport writeExample(const QString &folder, const ImportWatch &watch)
 {
     OutputFolder output(folder);
     writeAnatomy(output.path(name(anatomyFile)));
@@ -305,7 +308,7 @@ ImportReport writeExample(const QString &folder)
     writeEvents(output.path(name(eventsFile)));
     writeCorrelations(output.path(name(correlationsFile)));
     writeReadme(output.path(name(readmeFile)));
-    writeRun(output.path(name(runFile)));
+    writeRun(output.path(name(runFile)), watch);
 
     ImportRequest request;
     request.anatomy = output.path(name(anatomyFile));
@@ -315,7 +318,9 @@ ImportReport writeExample(const QString &folder)
     request.events = output.path(name(eventsFile));
     request.name = name(importName);
     request.folder = QFileInfo(request.anatomy).path();
-    ImportReport report = importDataset(request);
+    ImportReport report = importDataset(request, [&](qint64 done, qint64 total) {
+        return !watch || watch(total + done, 2 * total);
+    });
     output.commit();
     // Say where the files are now, not where they were made.
     const QString made = request.folder + QLatin1Char('/');

@@ -63,7 +63,8 @@ class Import
 {
 public:
     explicit Import(const ImportRequest &request);
-    ImportReport run();
+    ImportReport run(const ImportWatch &watch);
+    ImportPreview preview();
 
 private:
     void checkRun();
@@ -73,12 +74,20 @@ private:
     void layRun();
     void makeVois();
     void makeProtocol();
+    void writeAnatomy();
+    void writeVois();
+    void writeProtocol();
     void makeTimeCourse();
     template <typename Sample>
     void streamVolumes(VtcWriter &writer, const VolumeSampler &sampler,
                        Sample *(VtcWriter::*nextVolume)());
     void noteBrokenSamples();
 
+    void stopIfAsked(qint64 done) const
+    {
+        if (m_watch && !m_watch(done, m_run.header().dim[3]))
+            throw ImportStopped();
+    }
     QString fileName(const char *ending) const
     {
         return m_request.name + QLatin1Char('.') + QLatin1String(ending);
@@ -90,35 +99,30 @@ private:
     void summarise(const char *ending, const QString &text)
     {
         m_report.summary +=
-            QStringLiteral("%1: %2").arg(m_output.finalPath(fileName(ending)), text);
+            QStringLiteral("%1: %2").arg(m_output->finalPath(fileName(ending)), text);
     }
 
     ImportRequest m_request;
+    ImportWatch m_watch;
     ImportReport m_report;
-    OutputFolder m_output;
+    std::optional<OutputFolder> m_output; ///< unset for a preview
     NiftiStream m_run;
     double m_repetitionTime = 0;
     EventsTable m_events;
     LabelTable m_labels;
-    Eigen::Affine3d m_cubeToWorld = Eigen::Affine3d::Identity();
-    Eigen::AlignedBox3d m_anatomyField;
+    Image3d<float> m_anatomyImage;
+    Anatomy m_anatomy;
     FunctionalGrid m_grid;
+    VoiSet m_vois;
+    std::vector<LabelCount> m_labelCounts;
+    Prt m_protocol;
     qint64 m_brokenSamples = 0;
 };
 
-Import::Import(const ImportRequest &request)
-    : m_request(request), m_output(request.folder), m_run(request.functional)
-{
-}
+Import::Import(const ImportRequest &request) : m_request(request), m_run(request.functional) {}
 
-ImportReport Import::run()
+ImportPreview Import::preview()
 {
-    // What is quickly known to be wrong is found before the long work.
-    for (const char *ending : {"vmr", "vtc", "voi", "prt"})
-        if (QFileInfo(m_output.finalPath(fileName(ending))).isDir())
-            throw InputError(m_output.finalPath(fileName(ending)), QStringLiteral("writing"),
-                             QStringLiteral("a folder"),
-                             QStringLiteral("a place where a file can be written"));
     checkRun();
     readRepetitionTime();
     readTables();
@@ -128,8 +132,39 @@ ImportReport Import::run()
         makeVois();
     if (!m_request.events.isEmpty())
         makeProtocol();
+    return {m_anatomy.vmr,    m_grid,        static_cast<int>(m_run.header().dim[3]),
+            m_repetitionTime, m_vois,        m_labelCounts,
+            m_protocol,       m_report.notes};
+}
+
+ImportReport Import::run(const ImportWatch &watch)
+{
+    m_watch = watch;
+    m_output.emplace(m_request.folder);
+    // What is quickly known to be wrong is found before the long work.
+    for (const char *ending : {"vmr", "vtc", "voi", "prt"})
+        if (QFileInfo(m_output->finalPath(fileName(ending))).isDir())
+            throw InputError(m_output->finalPath(fileName(ending)), QStringLiteral("writing"),
+                             QStringLiteral("a folder"),
+                             QStringLiteral("a place where a file can be written"));
+    checkRun();
+    readRepetitionTime();
+    readTables();
+    makeAnatomy();
+    writeAnatomy();
+    stopIfAsked(0);
+    layRun();
+    if (!m_request.atlas.isEmpty()) {
+        makeVois();
+        writeVois();
+    }
+    if (!m_request.events.isEmpty()) {
+        makeProtocol();
+        writeProtocol();
+    }
+    stopIfAsked(0);
     makeTimeCourse();
-    m_output.commit();
+    m_output->commit();
     return m_report;
 }
 
@@ -192,22 +227,26 @@ void Import::readTables()
 
 void Import::makeAnatomy()
 {
-    const Image3d<float> image = readImage(m_request.anatomy, m_report.notes);
-    const Anatomy anatomy = resampleAnatomy(image, m_request.anatomy, m_report.notes);
-    m_cubeToWorld = anatomy.toWorld;
-    m_anatomyField = anatomy.field;
-    writeVmr(m_output.path(fileName("vmr")), anatomy.vmr);
-    summarise("vmr", QStringLiteral("%1, %2").arg(gridText(image.size, image.toWorld),
-                                                  anatomy.copied
-                                                      ? QStringLiteral("copied")
-                                                      : QStringLiteral("interpolated to 1 mm")));
+    m_anatomyImage = readImage(m_request.anatomy, m_report.notes);
+    m_anatomy = resampleAnatomy(m_anatomyImage, m_request.anatomy, m_report.notes);
+    m_anatomyImage.voxels = {};
+}
+
+void Import::writeAnatomy()
+{
+    writeVmr(m_output->path(fileName("vmr")), m_anatomy.vmr);
+    summarise("vmr", QStringLiteral("%1, %2").arg(
+                         gridText(m_anatomyImage.size, m_anatomyImage.toWorld),
+                         m_anatomy.copied ? QStringLiteral("copied")
+                                          : QStringLiteral("interpolated to 1 mm")));
+    m_anatomy.vmr.voxels.reset();
 }
 
 void Import::layRun()
 {
     const NiftiHeader &header = m_run.header();
     const GridSize size{header.dim[0], header.dim[1], header.dim[2]};
-    const Eigen::Affine3d toCube = m_cubeToWorld.inverse() * header.toWorld;
+    const Eigen::Affine3d toCube = m_anatomy.toWorld.inverse() * header.toWorld;
     m_grid = layFunctionalGrid(
         toCube, size, m_request.resolution.value_or(nearestResolution(toCube)), m_run.path());
     if (m_grid.voxelsCut > 0)
@@ -215,7 +254,7 @@ void Import::layRun()
              QStringLiteral("%1 of %2 voxels lie outside the cube of 256 mm and are cut off")
                  .arg(m_grid.voxelsCut)
                  .arg(header.voxelsPerVolume()));
-    if (!m_anatomyField.intersects(gridBounds(toCube, size, 0.5)))
+    if (!m_anatomy.field.intersects(gridBounds(toCube, size, 0.5)))
         note(m_run.path(), QStringLiteral("the run does not overlap the anatomy %1")
                                .arg(printable(m_request.anatomy, 4096)));
 }
@@ -230,18 +269,21 @@ void Import::makeVois()
              QStringLiteral("the atlas (%1) has another grid than the run (%2): its labels are "
                             "taken by nearest neighbour")
                  .arg(gridText(atlas.size, atlas.toWorld), gridText(runSize, header.toWorld)));
-    const VoiSet set = voisOfAtlas(atlas, m_labels, m_grid, m_cubeToWorld, m_request.voiGrid,
-                                   m_request.atlas, m_report.notes);
-    writeVoiFile(m_output.path(fileName("voi")), set);
+    m_vois = voisOfAtlas(atlas, m_labels, m_grid, m_anatomy.toWorld, m_request.voiGrid,
+                         m_request.atlas, m_report.notes, &m_labelCounts);
+}
 
+void Import::writeVois()
+{
+    writeVoiFile(m_output->path(fileName("voi")), m_vois);
     std::size_t voxels = 0;
-    for (const Voi &voi : set.vois)
+    for (const Voi &voi : m_vois.vois)
         voxels += voi.voxels.size();
-    const auto empty = std::count_if(set.vois.begin(), set.vois.end(),
+    const auto empty = std::count_if(m_vois.vois.begin(), m_vois.vois.end(),
                                      [](const Voi &voi) { return voi.voxels.empty(); });
     summarise("voi",
               QStringLiteral("%1 VOIs, %2 %3 voxels, %4 VOIs empty")
-                  .arg(QString::number(set.vois.size()), QString::number(voxels),
+                  .arg(QString::number(m_vois.vois.size()), QString::number(voxels),
                        m_request.voiGrid == VoiGrid::Functional ? QStringLiteral("functional")
                                                                 : QStringLiteral("1 mm"),
                        QString::number(empty)));
@@ -249,15 +291,19 @@ void Import::makeVois()
 
 void Import::makeProtocol()
 {
-    const Prt prt = protocolFromEvents(m_events, m_request.name, m_repetitionTime,
-                                       static_cast<int>(m_run.header().dim[3]), m_report.notes);
-    writePrtFile(m_output.path(fileName("prt")), prt);
+    m_protocol = protocolFromEvents(m_events, m_request.name, m_repetitionTime,
+                                    static_cast<int>(m_run.header().dim[3]), m_report.notes);
+}
+
+void Import::writeProtocol()
+{
+    writePrtFile(m_output->path(fileName("prt")), m_protocol);
     std::size_t intervals = 0;
-    for (const PrtCondition &condition : prt.conditions)
+    for (const PrtCondition &condition : m_protocol.conditions)
         intervals += condition.intervals.size();
-    summarise(
-        "prt",
-        QStringLiteral("%1 conditions, %2 intervals").arg(prt.conditions.size()).arg(intervals));
+    summarise("prt", QStringLiteral("%1 conditions, %2 intervals")
+                         .arg(m_protocol.conditions.size())
+                         .arg(intervals));
 }
 
 void Import::makeTimeCourse()
@@ -278,9 +324,9 @@ void Import::makeTimeCourse()
     info.nrOfVolumes = static_cast<int>(header.dim[3]);
     info.type = asShort ? VtcInfo::Short : VtcInfo::Float;
     info.repetitionTime = m_repetitionTime;
-    const QString path = m_output.path(fileName("vtc"));
+    const QString path = m_output->path(fileName("vtc"));
     if (!m_request.events.isEmpty())
-        info.linkedProtocol = linkedProtocolText(path, m_output.path(fileName("prt")));
+        info.linkedProtocol = linkedProtocolText(path, m_output->path(fileName("prt")));
 
     const VolumeSampler sampler(m_grid);
     if (sampler.pointsOutside() == m_grid.sampleCount())
@@ -348,6 +394,7 @@ void Import::streamVolumes(VtcWriter &writer, const VolumeSampler &sampler,
         m_brokenSamples += countBroken(volume, m_grid.sampleCount());
         writer.addVolume();
         progress.update(t + 1);
+        stopIfAsked(t + 1);
     }
     m_run.finish(m_report.notes);
 }
@@ -371,9 +418,14 @@ QString defaultImportName(const QString &functional)
     return name;
 }
 
-ImportReport importDataset(const ImportRequest &request)
+ImportPreview previewImport(const ImportRequest &request)
 {
-    return Import(request).run();
+    return Import(request).preview();
+}
+
+ImportReport importDataset(const ImportRequest &request, const ImportWatch &watch)
+{
+    return Import(request).run(watch);
 }
 
 } // namespace corvane

@@ -3,8 +3,12 @@
 
 #include "host/atlas.h"
 #include "host/import_report.h"
+#include "host/prt_file.h"
+#include "host/vmr_file.h"
 
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace corvane
 {
@@ -26,8 +30,35 @@ struct ImportRequest {
 /// The name of the files when the user gives none: that of the run without ".nii" or ".nii.gz".
 QString defaultImportName(const QString &functional);
 
+/// Called with the volumes that are done and their number; false stops the import.
+using ImportWatch = std::function<bool(qint64 done, qint64 total)>;
+
+/// An import was stopped by its watch.
+class ImportStopped : public std::exception
+{
+public:
+    const char *what() const noexcept override { return "the import was stopped"; }
+};
+
+/// What an import makes, but for the time course, and of what.
+struct ImportPreview {
+    Vmr anatomy;
+    FunctionalGrid grid;
+    int volumes = 0;
+    double repetitionTime = 0; ///< seconds
+    VoiSet vois;
+    std::vector<LabelCount> labelCounts; ///< one for each VOI
+    Prt protocol;
+    QStringList notes; ///< what the user should look at, one line each
+};
+
+/// Looks at what importDataset would do and writes nothing: `name` and `folder` are not used. The
+/// samples of the run are not read. Throws InputError.
+ImportPreview previewImport(const ImportRequest &request);
+
 /// Writes NAME.vmr, NAME.vtc and, where there is something to make them of, NAME.voi and NAME.prt;
-/// the .vtc names the .prt. All of them appear at the end, or none. Throws InputError.
-ImportReport importDataset(const ImportRequest &request);
+/// the .vtc names the .prt. All of them appear at the end, or none. Throws InputError
+/// and ImportStopped.
+ImportReport importDataset(const ImportRequest &request, const ImportWatch &watch = {});
 
 } // namespace corvane

@@ -12,18 +12,26 @@
 #include "host/voi_list.h"
 #include "host/volume_view.h"
 #include "host/workspace.h"
+#ifdef CORVANE_IMPORT
+#include "host/background_work.h"
+#include "host/example_dataset.h"
+#include "host/import_dialog.h"
+#endif
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTextDocumentFragment>
 #include <QVBoxLayout>
@@ -133,6 +141,12 @@ QWidget *MainWindow::makeWelcome()
     layout->addStretch();
     layout->addWidget(text);
     layout->addWidget(open, 0, Qt::AlignCenter);
+#ifdef CORVANE_IMPORT
+    auto *const example = new QPushButton(tr("Open the &Example Dataset"));
+    example->setObjectName(QStringLiteral("welcomeExample"));
+    connect(example, &QPushButton::clicked, this, &MainWindow::openExample);
+    layout->addWidget(example, 0, Qt::AlignCenter);
+#endif
     layout->addStretch();
     return page;
 }
@@ -164,6 +178,12 @@ void MainWindow::makeFileMenu()
             [this](const QString &path) { openFiles({path}); });
     menu->addMenu(m_recent);
     menu->addSeparator();
+#ifdef CORVANE_IMPORT
+    QAction *const import = menu->addAction(tr("&Import..."), this, &MainWindow::importFiles);
+    import->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
+    menu->addSeparator();
+#endif
     QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
     // Not the platform's standard alone: some have another or none.
     close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
@@ -327,6 +347,42 @@ void MainWindow::chooseFiles()
     QSettings().setValue(folderKey, QFileInfo(paths.front()).absolutePath());
     openFiles(paths);
 }
+
+#ifdef CORVANE_IMPORT
+void MainWindow::importFiles()
+{
+    // On the heap and guarded: the window may go while the dialog runs.
+    const QPointer<ImportDialog> dialog = new ImportDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose, false);
+    if (dialog->exec() == QDialog::Accepted && dialog)
+        openFiles(dialog->importedFiles());
+    delete dialog;
+}
+
+void MainWindow::openExample()
+{
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
+                      QStringLiteral("/example"));
+    QStringList files;
+    for (const char *ending : {"vmr", "vtc", "voi"})
+        files += folder.filePath(QStringLiteral("example.") + QLatin1String(ending));
+    const bool isThere = std::all_of(files.begin(), files.end(),
+                                     [](const QString &file) { return QFileInfo::exists(file); });
+    if (!isThere) {
+        // It is made here once; it appears as a whole or not at all.
+        const WorkOutcome outcome =
+            runBehindProgress(this, tr("Example Dataset"),
+                              [&](const WorkWatch &watch) { writeExample(folder.path(), watch); });
+        if (outcome.stopped)
+            return;
+        if (!outcome.fault.isEmpty()) {
+            showMessageBox(outcome.fault);
+            return;
+        }
+    }
+    openFiles(files);
+}
+#endif
 
 void MainWindow::closeDocument()
 {

@@ -60,6 +60,8 @@ private:
     void showTimeCourse();
     void open(const QString &path);
     void chooseFiles();
+    void importFiles();
+    void openExample();
     void closeDocument();
     void showDocument(int step);
     void start(Plugin &plugin);

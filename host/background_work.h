@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <functional>
+
+class QWidget;
+
+namespace corvane
+{
+
+/// Tells how far a work has come; false means that it shall stop, by an exception.
+using WorkWatch = std::function<bool(qint64 done, qint64 total)>;
+
+struct WorkOutcome {
+    QString fault;        ///< the text of the exception that ended the work, empty when it is done
+    bool stopped = false; ///< the user asked it to stop, and it did
+};
+
+/// What an action throws, as a text; empty when it throws nothing.
+QString faultOf(const std::function<void()> &action);
+
+/// Runs a work on another thread behind a modal progress dialog with a Cancel button, and returns
+/// when it has ended. A work that cannot stop is asked all the same and may ignore it.
+WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
+                              const std::function<void(const WorkWatch &)> &work);
+
+} // namespace corvane

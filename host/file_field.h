@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+class QLineEdit;
+class QToolButton;
+
+namespace corvane
+{
+
+/// A path that is typed, chosen in a dialog or dropped.
+class FileField : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString name READ name WRITE setName)
+    Q_PROPERTY(QString filter MEMBER m_filter)
+    Q_PROPERTY(bool folder MEMBER m_isFolder)
+
+public:
+    explicit FileField(QWidget *parent = nullptr);
+
+    /// What the path is, for the title of the dialog and for screen readers.
+    QString name() const { return m_name; }
+    void setName(const QString &name);
+
+    QString path() const;
+    void setPath(const QString &path);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void choose();
+
+    QString m_name;
+    QString m_filter;
+    bool m_isFolder = false;
+    QLineEdit *m_path;
+    QToolButton *m_choose;
+};
+
+} // namespace corvane

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The import dialog on the example dataset.
+#include "host/example_dataset.h"
+#include "host/import_dialog.h"
+#include "host/vtc_file.h"
+#include "tests/host/host_files.h"
+#include "tests/support/modal_driver.h"
+
+#include <QDialogButtonBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QtTest>
+#include <gmock/gmock.h>
+
+namespace corvane
+{
+
+namespace
+{
+
+class ImportDialogTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        source = new TemporaryFolder;
+        writeExample(source->path());
+    }
+    static void TearDownTestSuite()
+    {
+        delete source;
+        source = nullptr;
+    }
+
+    ImportRequest exampleRequest() const
+    {
+        ImportRequest request;
+        request.anatomy = source->path("sub-01_T1w.nii.gz");
+        request.functional = source->path("sub-01_task-movement_bold.nii.gz");
+        request.atlas = source->path("sub-01_dseg.nii.gz");
+        request.labels = source->path("sub-01_dseg.tsv");
+        request.events = source->path("sub-01_task-movement_events.tsv");
+        request.folder = folder.path("out");
+        return request;
+    }
+
+    QPushButton *importButton() const
+    {
+        for (QAbstractButton *button : dialog.findChild<QDialogButtonBox *>()->buttons())
+            if (button->text() == QStringLiteral("&Import"))
+                return qobject_cast<QPushButton *>(button);
+        return nullptr;
+    }
+
+    void showWith(const ImportRequest &request)
+    {
+        dialog.setRequest(request);
+        dialog.show();
+    }
+    void waitForPreview()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return importButton()->isEnabled(); }, 30000))
+            << state().toStdString();
+    }
+    QString state() const { return dialog.findChild<QLabel *>(QStringLiteral("state"))->text(); }
+
+    static TemporaryFolder *source;
+    const TemporaryFolder folder;
+    ImportDialog dialog;
+};
+
+TemporaryFolder *ImportDialogTest::source = nullptr;
+
+} // namespace
+
+TEST_F(ImportDialogTest, ShowsWhatGoesWhereAndImportsIt)
+{
+    showWith(exampleRequest());
+    EXPECT_FALSE(importButton()->isEnabled());
+    waitForPreview();
+    EXPECT_EQ(dialog.request().name, QStringLiteral("sub-01_task-movement_bold"));
+    EXPECT_EQ(state(), QStringLiteral("72 x 60 x 60 samples, 3 mm apart, copied as they are; 200 "
+                                      "volumes, one each 2 s"));
+    auto *const vois = dialog.findChild<QTableWidget *>(QStringLiteral("vois"));
+    ASSERT_EQ(vois->rowCount(), 16);
+    EXPECT_EQ(vois->item(0, 0)->text(), QStringLiteral("Calcarine L"));
+    EXPECT_GT(vois->item(0, 1)->text().toInt(), 0);
+    EXPECT_EQ(vois->item(0, 2)->text(), QStringLiteral("0"));
+    EXPECT_TRUE(dialog.findChild<QWidget *>(QStringLiteral("conditions"))
+                    ->accessibleDescription()
+                    .contains(QStringLiteral("rest: ")));
+    // So far nothing was written.
+    EXPECT_TRUE(folder.entries().isEmpty());
+
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    ASSERT_EQ(dialog.importedFiles().size(), 3);
+    for (const QString &file : dialog.importedFiles())
+        EXPECT_TRUE(QFileInfo::exists(file)) << file.toStdString();
+    EXPECT_EQ(VtcFile(dialog.importedFiles()[1]).info().nrOfVolumes, 200);
+}
+
+TEST_F(ImportDialogTest, ACancelledImportLeavesNothing)
+{
+    showWith(exampleRequest());
+    waitForPreview();
+    ModalDriver driver;
+    driver.expect<QProgressDialog>([](QProgressDialog &progress) {
+        QTest::mouseClick(progress.findChild<QPushButton *>(), Qt::LeftButton);
+    });
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_TRUE(dialog.importedFiles().isEmpty());
+    EXPECT_TRUE(folder.entries().isEmpty());
+}
+
+TEST_F(ImportDialogTest, SaysWhyItCannotImport)
+{
+    showWith({});
+    QTRY_VERIFY(state().startsWith(QStringLiteral("Choose an anatomy")));
+    ImportRequest request = exampleRequest();
+    request.functional = source->path("sub-01_T1w.nii.gz");
+    dialog.setRequest(request);
+    QTRY_VERIFY_WITH_TIMEOUT(state().contains(QStringLiteral("expected 4 dimensions")), 30000);
+    EXPECT_FALSE(importButton()->isEnabled());
+
+    request = exampleRequest();
+    request.folder.clear();
+    dialog.setRequest(request);
+    QTRY_VERIFY_WITH_TIMEOUT(state().endsWith(QStringLiteral("Choose a folder to import into.")),
+                             30000);
+    EXPECT_FALSE(importButton()->isEnabled());
+}
+
+TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
+{
+    ImportRequest request = exampleRequest();
+    request.folder = folder.path();
+    request.name = QStringLiteral("run");
+    putBytes(folder.path("run.voi"), "mine");
+    showWith(request);
+    waitForPreview();
+    ModalDriver driver;
+    driver.expect<QMessageBox>([](QMessageBox &box) {
+        EXPECT_TRUE(box.text().contains(QStringLiteral("run.voi")));
+        QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton);
+    });
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(bytesOf(folder.path("run.voi")), "mine");
+}
+
+TEST_F(ImportDialogTest, TheLastInputCountsWhenItChangesDuringAPreview)
+{
+    showWith(exampleRequest());
+    QTRY_COMPARE(state(), QStringLiteral("Looking at the files..."));
+    dialog.findChild<QDoubleSpinBox *>(QStringLiteral("repetitionTime"))->setValue(2.5);
+    waitForPreview();
+    EXPECT_TRUE(state().endsWith(QStringLiteral("one each 2.5 s"))) << state().toStdString();
+    EXPECT_TRUE(dialog.findChild<QPlainTextEdit *>(QStringLiteral("notes"))
+                    ->toPlainText()
+                    .contains(QStringLiteral("2.5 s as told")));
+}
+
+} // namespace corvane
