@@ -116,7 +116,7 @@ void PathLengths::Panel::extract(const PathLengths &lengths, const int *through)
 }
 
 /// Lets the panel's paths pass through all of its nodes: first the paths among these, then from
-/// them to everything else.
+/// them to everything else. Strips of both have the panel's height.
 void PathLengths::Panel::close(const int *through)
 {
     Eigen::MatrixXd among = Eigen::MatrixXd::Constant(m_height, m_height, no_path);
@@ -128,22 +128,21 @@ void PathLengths::Panel::close(const int *through)
     }
     floyd_warshall(among);
 
-    std::vector<Row> among_strips(static_cast<std::size_t>(m_height) * tiles_for(m_depth));
+    std::vector<Row> among_strips(offset(tiles_for(m_depth)));
     for (int s = 0; s < m_height; ++s) {
+        Row *const strip = among_strips.data() + offset(s / tile_size);
         for (int r = 0; r < m_height; ++r) {
-            among_strips[static_cast<std::size_t>(s / tile_size * m_height + r)]
-                .value[s % tile_size] = among(r, s);
+            strip[r].value[s % tile_size] = among(r, s);
         }
     }
-    std::vector<Row> before(static_cast<std::size_t>(m_height));
+    std::vector<Row> before(offset(1));
     for (int j = 0; j < m_width; ++j) {
         Row *const rows = m_rows.data() + offset(j);
         std::copy_n(rows, m_height, before.begin());
         for (int s = 0; s < m_height; s += tile_size) {
-            const Row *const among_strip =
-                among_strips.data() + static_cast<std::size_t>(s / tile_size * m_height);
-            kernels().min_plus(rows[s].value, before[static_cast<std::size_t>(s)].value,
-                               among_strip->value, before.front().value, m_depth);
+            const Row *const strip = among_strips.data() + offset(s / tile_size);
+            kernels().min_plus(rows[s].value, before[s].value, strip->value, before[0].value,
+                               m_depth);
         }
     }
 }

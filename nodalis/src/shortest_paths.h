@@ -48,6 +48,7 @@ public:
 
     private:
         const double *strip(int j) const { return m_rows[offset(j)].value; }
+        /// Where strip j begins.
         std::size_t offset(int j) const
         {
             return static_cast<std::size_t>(j) * static_cast<std::size_t>(m_height);
