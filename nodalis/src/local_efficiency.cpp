@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -152,8 +151,12 @@ private:
     /// that memory stays within O(n^2).
     std::size_t parts() const
     {
-        const double groups = static_cast<double>(m_graph.size()) / few;
-        return static_cast<std::size_t>(std::max(4.0, std::ceil(std::pow(groups, 0.25))));
+        const int groups = m_graph.size() / few;
+        int count = 4;
+        while (count * count * count * count < groups) {
+            ++count;
+        }
+        return static_cast<std::size_t>(count);
     }
 
     bool little_is_left(const Nodes &group, const Mask &done) const
