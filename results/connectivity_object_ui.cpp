@@ -43,11 +43,7 @@ ConnectivityObjectUI::ConnectivityObjectUI(ConnectivityObject *object, QWidget *
     spanner->setOrientation(Qt::Horizontal);
 }
 
-ConnectivityObjectUI::~ConnectivityObjectUI()
-{
-    // While it is whole: a spin box that loses the focus may still send its value.
-    hide();
-}
+ConnectivityObjectUI::~ConnectivityObjectUI() = default;
 
 ConnectivityObject *connectivityObjectOf(const QWidget *plotWindow)
 {

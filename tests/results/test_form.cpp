@@ -378,6 +378,42 @@ TEST_F(ResultsForm, DetailsOfSingleControls)
     EXPECT_EQ(icon.isNull(), !QIcon::hasThemeIcon("window-close"));
 }
 
+TEST_F(ResultsForm, Connections)
+{
+    const struct {
+        const char *sender, *signal, *slot;
+    } expected[] = {
+        {"btn_PlotConnMtx", SIGNAL(clicked(bool)), SLOT(plotConnectivityMatrix(bool))},
+        {"btn_CircularPlotConnMtx", SIGNAL(clicked(bool)), SLOT(plotCircular(bool))},
+        {"chkBox_CircPlot_ShowLabels", SIGNAL(toggled(bool)),
+         SLOT(circularPlot_toggleLabels(bool))},
+        {"chkBox_CircPlot_ConnWeights", SIGNAL(toggled(bool)),
+         SLOT(circularPlot_toggleUseWeights(bool))},
+        {"sBox_CircPlot_ThicknessMultiplier", SIGNAL(valueChanged(double)),
+         SLOT(circularPlot_thicknessMultiplierChanged(double))},
+        {"chkBox_CircPlot_ConnColors", SIGNAL(toggled(bool)),
+         SLOT(circularPlot_toggleColorizeEdges(bool))},
+        {"dsBox_CircPlot_EdgesThickness", SIGNAL(valueChanged(double)),
+         SLOT(circularPlot_setFixedThickness(double))},
+        {"sBox_CircPlot_NodesSize", SIGNAL(valueChanged(int)),
+         SLOT(circularPlot_setNodesSize(int))},
+        {"ckBox_UseFilteredMatrix", SIGNAL(toggled(bool)),
+         SLOT(graphfeatures_useFilteredMatrix(bool))},
+        {"btn_exportFMRITS", SIGNAL(clicked()), SLOT(data_exportTimeseries())},
+        {"btn_exportConnectivityMatrix", SIGNAL(clicked()), SLOT(data_exportConnectivityMatrix())},
+        {"btn_exportMSTMatrix", SIGNAL(clicked()), SLOT(data_exportMSTMatrix())},
+        {"pushButton", SIGNAL(clicked()), SLOT(close())},
+    };
+    for (const auto &[sender, signal, slot] : expected) {
+        SCOPED_TRACE(sender);
+        EXPECT_TRUE(QObject::disconnect(find<QWidget>(sender), signal, &dialog(), slot));
+    }
+    for (const Control &control : controls) { // nothing else, and nothing twice
+        SCOPED_TRACE(control.name);
+        EXPECT_FALSE(QObject::disconnect(find<QWidget>(control.name), nullptr, &dialog(), nullptr));
+    }
+}
+
 TEST_F(ResultsForm, ReturnPressesNoButton)
 {
     for (const QPushButton *const button : dialog().findChildren<QPushButton *>())
