@@ -52,7 +52,7 @@ nifti_2_header widened(const nifti_1_header &narrow)
         wide.srow_y[i] = narrow.srow_y[i];
         wide.srow_z[i] = narrow.srow_z[i];
     }
-    wide.xyzt_units = narrow.xyzt_units;
+    wide.xyzt_units = static_cast<unsigned char>(narrow.xyzt_units);
     return wide;
 }
 

@@ -152,7 +152,7 @@ template <typename Sample>
 void VtcWriter::addToChecksum()
 {
     const auto *const volume = reinterpret_cast<const Sample *>(nextVolume());
-    m_sum.add(volume, m_voxelCount, static_cast<quint64>(m_firstInBlock + m_inBlock),
+    m_sum.add(volume, m_voxelCount, quint64(m_firstInBlock) + quint64(m_inBlock),
               static_cast<quint64>(m_info.nrOfVolumes));
 }
 
