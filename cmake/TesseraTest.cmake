@@ -40,7 +40,7 @@ function(tessera_test name)
         HOME=${home}
         XDG_CONFIG_HOME=${home}/.config
         ASAN_OPTIONS=detect_leaks=1
-        LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
+        LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
         UBSAN_OPTIONS=print_stacktrace=1)
     tessera_discover(${name} ${name} "${environment}")
     if(arg_AT_SCALE_2)

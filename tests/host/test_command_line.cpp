@@ -251,9 +251,10 @@ TEST(Exports, AreExactlyTheFunctionsForPlugins)
 #undef HOST_NAME
     EXPECT_EQ(wanted.size(), 21U);
 
-    const Outcome run = runProgram(
-        QStringLiteral(NM_PROGRAM),
-        {QStringLiteral("-D"), QStringLiteral("--defined-only"), QStringLiteral(CORVANE_PROGRAM)});
+    const Outcome run =
+        runProgram(QStringLiteral(NM_PROGRAM),
+                   {QStringLiteral("-D"), QStringLiteral("--extern-only"),
+                    QStringLiteral("--defined-only"), QStringLiteral(CORVANE_PROGRAM)});
     ASSERT_EQ(run.status, 0) << run.err;
     std::set<std::string> exported;
     for (const QString &line :
