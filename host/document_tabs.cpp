@@ -57,6 +57,7 @@ void DocumentTabs::refresh()
             button->setAccessibleName(tr("Close %1").arg(file.fileName()));
     }
     setCurrentIndex(open.indexOf(m_workspace.currentDocument()));
+    setVisible(!open.isEmpty());
 }
 
 void DocumentTabs::closeTab(int index)

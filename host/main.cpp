@@ -57,6 +57,11 @@ const std::vector<Command> &commands()
       Computes the graph measures of a matrix.
 )"},
 #endif
+#ifdef CORVANE_COMMAND_TOUR
+        {"tour", runTour, R"(  Corvane tour --out DIR
+      Plays the whole workflow on the example dataset, with a picture of each step.
+)"},
+#endif
     };
     return all;
 }
@@ -169,6 +174,12 @@ int runApplication(int &argc, char **argv)
     if (asksForWorkbench(arguments)) {
         const std::unique_ptr<QCoreApplication> application = makeWindowApplication(argc, argv);
         return runWorkbench(QCoreApplication::arguments().mid(1));
+    }
+#endif
+#ifdef CORVANE_COMMAND_TOUR
+    if (!arguments.isEmpty() && arguments.front() == QLatin1String("tour")) {
+        const std::unique_ptr<QCoreApplication> application = makeTourApplication(argc, argv);
+        return run(QCoreApplication::arguments().mid(1));
     }
 #endif
     const QCoreApplication application(argc, argv);

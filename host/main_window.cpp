@@ -16,6 +16,7 @@
 #include "host/background_work.h"
 #include "host/example_dataset.h"
 #include "host/import_dialog.h"
+#include "host/tour_steps.h"
 #endif
 
 #include <QApplication>
@@ -33,6 +34,7 @@
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTemporaryDir>
 #include <QTextDocumentFragment>
 #include <QVBoxLayout>
 
@@ -44,6 +46,9 @@ namespace
 
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString stateKey = QStringLiteral("window/state");
+#ifdef CORVANE_IMPORT
+constexpr int captionTime = 5000; // ms, time to read one
+#endif
 const QString folderKey = QStringLiteral("folder");
 
 /// The cursor of a program at work, while it lives.
@@ -69,6 +74,16 @@ QStringList localFiles(const QMimeData *data)
             paths += url.toLocalFile();
     return paths;
 }
+
+#ifdef CORVANE_IMPORT
+QStringList exampleFiles(const QDir &folder)
+{
+    QStringList files;
+    for (const char *ending : {"vmr", "vtc", "voi"})
+        files += folder.filePath(QStringLiteral("example.") + QLatin1String(ending));
+    return files;
+}
+#endif
 
 QString menuText(QString text)
 {
@@ -240,6 +255,10 @@ void MainWindow::makePluginsMenu()
 void MainWindow::makeHelpMenu()
 {
     QMenu *const menu = menuBar()->addMenu(tr("&Help"));
+#ifdef CORVANE_IMPORT
+    menu->addAction(tr("&Guided Tour"), this, &MainWindow::startTour);
+    menu->addSeparator();
+#endif
     QAction *const action = menu->addAction(tr("&About Corvane"), this, &MainWindow::about);
     action->setMenuRole(QAction::AboutRole);
 }
@@ -322,7 +341,7 @@ void MainWindow::openFiles(const QStringList &paths)
             try {
                 open(path);
                 m_recent->add(path);
-                logText(tr("Opened %1.").arg(path));
+                logText(tr("Opened %1.").arg(QFileInfo(path).fileName()));
             } catch (const InputError &error) {
                 faults += QString::fromUtf8(error.what());
             } catch (const std::bad_alloc &) {
@@ -359,28 +378,54 @@ void MainWindow::importFiles()
     delete dialog;
 }
 
-void MainWindow::openExample()
+/// The folder with the example dataset, which is made there once; empty when that failed or was
+/// stopped.
+QString MainWindow::exampleFolder()
 {
     const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
                       QStringLiteral("/example"));
-    QStringList files;
-    for (const char *ending : {"vmr", "vtc", "voi"})
-        files += folder.filePath(QStringLiteral("example.") + QLatin1String(ending));
-    const bool isThere = std::all_of(files.begin(), files.end(),
-                                     [](const QString &file) { return QFileInfo::exists(file); });
-    if (!isThere) {
-        // It is made here once; it appears as a whole or not at all.
-        const WorkOutcome outcome =
-            runBehindProgress(this, tr("Example Dataset"),
-                              [&](const WorkWatch &watch) { writeExample(folder.path(), watch); });
-        if (outcome.stopped)
-            return;
-        if (!outcome.fault.isEmpty()) {
-            showMessageBox(outcome.fault);
-            return;
-        }
+    const QStringList files = exampleFiles(folder);
+    if (std::all_of(files.begin(), files.end(),
+                    [](const QString &file) { return QFileInfo::exists(file); }))
+        return folder.path();
+    const WorkOutcome outcome =
+        runBehindProgress(this, tr("Example Dataset"),
+                          [&](const WorkWatch &watch) { writeExample(folder.path(), watch); });
+    if (!outcome.fault.isEmpty() && !outcome.stopped)
+        showMessageBox(outcome.fault);
+    return outcome.fault.isEmpty() ? folder.path() : QString();
+}
+
+void MainWindow::openExample()
+{
+    const QString folder = exampleFolder();
+    if (!folder.isEmpty())
+        openFiles(exampleFiles(folder));
+}
+
+void MainWindow::startTour()
+{
+    if (m_tour)
+        return;
+    if (!pluginNames().contains(tourPlugin())) {
+        showMessageBox(tr("The tour needs the plugin %1.").arg(tourPlugin()));
+        return;
     }
-    openFiles(files);
+    const QString folder = exampleFolder();
+    if (folder.isEmpty())
+        return;
+    // The tour knows the way through Qt's own file dialogs only.
+    const bool native = !QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const auto exports = std::make_shared<QTemporaryDir>();
+    m_tour = new Tour(workflowSteps(*this, folder, exports->path()), this);
+    m_tour->setSpeed(captionTime);
+    connect(m_tour, &Tour::finished, this, [this, exports, native](const QString &fault) {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, !native);
+        logText(fault.isEmpty() ? tr("The guided tour is done.") : fault);
+        m_tour->deleteLater();
+    });
+    m_tour->start();
 }
 #endif
 
@@ -414,6 +459,14 @@ void MainWindow::loadPluginFolder(const QString &folder)
         action->setToolTip(plugin->path());
         connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
     }
+}
+
+QStringList MainWindow::pluginNames() const
+{
+    QStringList names;
+    for (const std::unique_ptr<Plugin> &plugin : m_plugins)
+        names += plugin->name();
+    return names;
 }
 
 bool MainWindow::startPlugin(const QString &name)

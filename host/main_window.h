@@ -4,6 +4,7 @@
 #include "host/plugin_loader.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 class QStackedWidget;
@@ -15,6 +16,7 @@ class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
 class TimeCourseView;
+class Tour;
 class VoiList;
 class VolumeView;
 class Workspace;
@@ -35,6 +37,7 @@ public:
 
     /// Loads the plugins of a folder and lists them in the Plugins menu.
     void loadPluginFolder(const QString &folder);
+    QStringList pluginNames() const;
     /// Starts the plugin of that name. One that does not start is told in the log; false then, and
     /// when there is none.
     bool startPlugin(const QString &name);
@@ -62,6 +65,8 @@ private:
     void chooseFiles();
     void importFiles();
     void openExample();
+    QString exampleFolder();
+    void startTour();
     void closeDocument();
     void showDocument(int step);
     void start(Plugin &plugin);
@@ -78,6 +83,7 @@ private:
     VolumeView *m_volume = nullptr;
     TimeCourseView *m_timeCourse = nullptr;
     int m_shownVoiLoads = -1;
+    QPointer<Tour> m_tour;
     RecentFilesMenu *m_recent = nullptr;
     QMenu *m_pluginsMenu = nullptr;
     QList<QAction *> m_documentActions; ///< of use only while a document is open

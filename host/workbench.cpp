@@ -8,7 +8,15 @@
 #include "host/workspace.h"
 
 #ifdef CORVANE_IMPORT
+#include "host/example_dataset.h"
+#include "host/input_error.h"
 #include "host/resample_anatomy.h"
+#include "host/tour_steps.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QStyle>
+#include <QTemporaryDir>
 #endif
 
 namespace corvane
@@ -76,5 +84,68 @@ int runWorkbench(const QStringList &arguments)
     });
     return QCoreApplication::exec();
 }
+
+#ifdef CORVANE_IMPORT
+std::unique_ptr<QCoreApplication> makeTourApplication(int &argc, char **argv)
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qSetGlobalQHashSeed(0);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    auto application = std::make_unique<Application>(argc, argv);
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
+    return application;
+}
+
+int runTour(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Plays the whole workflow on the example dataset, and writes a picture and "
+                       "a caption of each step."));
+    const QString plugins = QStringLiteral("plugins");
+    parser.addOptions(
+        {{QStringLiteral("out"), QStringLiteral("The folder for the pictures."),
+          QStringLiteral("folder")},
+         {plugins, QStringLiteral("The folder of the plugins."), QStringLiteral("folder")}});
+    if (!parseArguments(parser, arguments))
+        return Done;
+
+    const QDir folder(requiredValue(parser, QStringLiteral("out")));
+    if (!QDir().mkpath(folder.path()))
+        throw InputError(folder.path(), QStringLiteral("making the folder"),
+                         QStringLiteral("a failure"), QStringLiteral("a place for a folder"));
+    // The user's own settings stay out of the pictures, and the tour out of them.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    workspace().setAnatomyOpener(openForeignAnatomy);
+    MainWindow window(workspace());
+    const QString pluginFolder =
+        parser.isSet(plugins) ? parser.value(plugins) : defaultPluginFolder();
+    window.loadPluginFolder(pluginFolder);
+    if (!window.pluginNames().contains(tourPlugin()))
+        throw InputError(pluginFolder, QStringLiteral("plugins"),
+                         quoted(window.pluginNames().join(QStringLiteral(", "))),
+                         quoted(tourPlugin()));
+    const QTemporaryDir dataset;
+    const QTemporaryDir exports;
+    writeExample(dataset.path());
+    window.show();
+    Tour tour(workflowSteps(window, dataset.path(), exports.path()));
+    tour.setFolder(folder.path());
+    QString fault;
+    QObject::connect(&tour, &Tour::finished, &window, [&](const QString &text) {
+        fault = text;
+        QCoreApplication::quit();
+    });
+    tour.start();
+    QCoreApplication::exec();
+    if (!fault.isEmpty())
+        throw std::runtime_error(fault.toStdString());
+    return Done;
+}
+#endif
 
 } // namespace corvane

@@ -18,4 +18,14 @@ std::unique_ptr<QCoreApplication> makeWindowApplication(int &argc, char **argv);
 /// Returns the exit status of the process.
 int runWorkbench(const QStringList &arguments);
 
+#ifdef CORVANE_IMPORT
+/// The application for a tour that nobody watches: off any screen, unless the environment names a
+/// platform, and with one look on each machine.
+std::unique_ptr<QCoreApplication> makeTourApplication(int &argc, char **argv);
+
+/// `Corvane tour --out DIR`: plays the whole workflow on the example dataset and writes a picture
+/// and a caption of each step. Throws UsageError and InputError.
+int runTour(const QStringList &arguments);
+#endif
+
 } // namespace corvane

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/tour.h"
+
+#include "host/input_error.h"
+#include "host/output_file.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QPixmap>
+
+namespace corvane
+{
+
+namespace
+{
+
+constexpr int lookInterval = 50;                // ms
+constexpr int mostLooks = 60000 / lookInterval; // a minute
+
+/// A window as it is to be seen: a menu with the window that it belongs to.
+QPixmap pictureOf(QWidget *window)
+{
+    const QPixmap picture = window->grab();
+    if (window->windowType() != Qt::Popup || window->parentWidget() == nullptr)
+        return picture;
+    QWidget *const behind = window->parentWidget()->window();
+    QPixmap both = behind->grab();
+    QPainter(&both).drawPixmap(behind->mapFromGlobal(window->mapToGlobal(QPoint(0, 0))), picture);
+    return both;
+}
+
+} // namespace
+
+Tour::Tour(std::vector<TourStep> steps, QObject *parent)
+    : QObject(parent), m_steps(std::move(steps))
+{
+    m_timer.setInterval(lookInterval);
+    connect(&m_timer, &QTimer::timeout, this, &Tour::look);
+}
+
+Tour::~Tour()
+{
+    delete m_caption;
+}
+
+void Tour::start()
+{
+    if (m_pause > 0)
+        qApp->installEventFilter(this);
+    m_timer.start();
+}
+
+void Tour::look()
+{
+    if (m_isPlaying)
+        return;
+    if (m_next == m_steps.size()) {
+        finish({});
+        return;
+    }
+    const TourStep &step = m_steps[m_next];
+    QWidget *const target = step.target();
+    const bool isThere = target != nullptr && target->isVisible();
+    // Seen twice in a row: layouts and paints of the first time are done.
+    if (!isThere || m_seen != target) {
+        m_seen = isThere ? target : nullptr;
+        if (++m_looks > mostLooks)
+            finish(tr("Step %1 of the tour (%2) found no window.")
+                       .arg(m_next + 1)
+                       .arg(step.title.isEmpty() ? step.picture : step.title));
+        return;
+    }
+    m_seen = nullptr;
+    m_looks = 0;
+    play(step, target);
+}
+
+void Tour::play(const TourStep &step, QWidget *target)
+{
+    ++m_next;
+    if (!step.picture.isEmpty() && !takePicture(step, target))
+        return;
+    const bool isShown = m_pause > 0 && !step.caption.isEmpty();
+    if (isShown)
+        showCaption(step, target);
+    if (!step.act)
+        return;
+    m_isPlaying = true;
+    // Not from here: this timer does not fire again while its own slot is in another event loop.
+    QTimer::singleShot(isShown ? m_pause : 0, this,
+                       [this, act = step.act, guarded = QPointer<QWidget>(target)] {
+                           m_isPlaying = false;
+                           if (!guarded.isNull())
+                               act(guarded);
+                       });
+}
+
+bool Tour::takePicture(const TourStep &step, QWidget *target)
+{
+    if (m_folder.isEmpty())
+        return true;
+    QWidget *const window = target->window();
+    const QString file =
+        QStringLiteral("%1-%2.png").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(step.picture);
+    if (!pictureOf(window).save(QDir(m_folder).filePath(file))) {
+        finish(InputError(QDir(m_folder).filePath(file), tr("writing"), tr("a failure"),
+                          tr("room for a picture"))
+                   .what());
+        return false;
+    }
+    m_captions +=
+        QStringLiteral("## %1\n\n![%1](%2)\n\n%3\n\n").arg(step.title, file, step.caption);
+    return true;
+}
+
+void Tour::showCaption(const TourStep &step, const QWidget *target)
+{
+    if (m_caption == nullptr) {
+        m_caption = new QLabel(nullptr, Qt::ToolTip | Qt::WindowStaysOnTopHint);
+        m_caption->setMargin(12);
+        m_caption->setWordWrap(true);
+        m_caption->setFixedWidth(420);
+        m_caption->setFrameShape(QFrame::StyledPanel);
+        m_caption->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    m_caption->setText(QStringLiteral("<b>%1</b><p>%2</p><p><small>%3</small></p>")
+                           .arg(step.title.toHtmlEscaped(), step.caption.toHtmlEscaped(),
+                                tr("Escape ends the tour.")));
+    m_caption->adjustSize();
+    const QRect window = target->window()->frameGeometry();
+    m_caption->move(window.center().x() - m_caption->width() / 2,
+                    window.bottom() - m_caption->height() - 20);
+    m_caption->show();
+    m_caption->raise();
+}
+
+bool Tour::eventFilter(QObject *watched, QEvent *event)
+{
+    // What the tour does is sent; what people do comes from the system.
+    if (!event->spontaneous())
+        return QObject::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::KeyPress:
+        if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+            finish(tr("The tour was ended."));
+        return true;
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+        return true;
+    default:
+        return QObject::eventFilter(watched, event);
+    }
+}
+
+void Tour::finish(const QString &fault)
+{
+    m_timer.stop();
+    m_next = m_steps.size();
+    qApp->removeEventFilter(this);
+    delete m_caption;
+    m_caption = nullptr;
+    QString said = fault;
+    if (!m_folder.isEmpty() && fault.isEmpty()) {
+        try {
+            writeFile(QDir(m_folder).filePath(QStringLiteral("captions.md")), m_captions.toUtf8());
+        } catch (const InputError &error) {
+            said = QString::fromUtf8(error.what());
+        }
+    }
+    Q_EMIT finished(said);
+}
+
+} // namespace corvane
