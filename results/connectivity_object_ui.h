@@ -79,8 +79,6 @@ private:
     /// when the dialog is gone then.
     bool confirmComputing(const GraphMeasure &measure, const Eigen::MatrixXf &matrix);
     void allowInspecting(int row, const GraphMeasure &measure);
-    void plotPerSlice(const QString &title, const std::vector<float> &values);
-    void plotPerNode(const QString &title, const std::vector<std::vector<float>> &values);
 
     const std::unique_ptr<Ui::ConnectivityObjectUI> ui;
     CircularPlot *circularPlot = nullptr; ///< made once, then shown again

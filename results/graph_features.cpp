@@ -6,8 +6,7 @@
 #include "engine/connectivity_object.h"
 #include "plots/line_plot.h"
 #include "plots/timeseries_line_plot.h"
-#include "results/feature_values.h"
-#include "results/fitted_names.h"
+#include "results/feature_plots.h"
 #include "results/graph_features_model.h"
 #include "results/graph_measures.h"
 #include "ui_connectivity_object_ui.h"
@@ -26,17 +25,6 @@ constexpr Eigen::Index largestUnasked = 50; // rows of a matrix
 const char *const rowProperty = "row";
 const char *const measureProperty = "measure";
 const char *const titleProperty = "win_title";
-
-FeatureValues valuesPerNode(const GraphMeasure &measure,
-                            const std::vector<Eigen::MatrixXf> &matrices)
-{
-    FeatureValues values;
-    for (const Eigen::MatrixXf &matrix : matrices) {
-        const Eigen::ArrayXf nodes = measure.perNode(matrix);
-        values.emplace_back(nodes.data(), nodes.data() + nodes.size());
-    }
-    return values;
-}
 
 /// One value per matrix, each of them that of the first.
 std::vector<float> globalEfficiencies(const std::vector<Eigen::MatrixXf> &matrices)
@@ -181,44 +169,12 @@ void ConnectivityObjectUI::inspectGraphFeature(bool)
     const QString title = button->property(titleProperty).toString();
     GraphFeaturesModel *const model = modelOf(ui->tblView_GraphFeatures);
     const auto values = model->result(model->featureIndex(key)).value<FeatureValues>();
-    if (model->feature(key).scalar)
-        plotPerSlice(title, values.empty() ? std::vector<float>() : values.front());
-    else
-        plotPerNode(title, values);
-}
-
-void ConnectivityObjectUI::plotPerSlice(const QString &title, const std::vector<float> &values)
-{
-    const QStringList names = subject().protocol().volumeNames.values();
-    auto *const plot = new TimeseriesLinePlot(title, this);
-    plot->setWindowTitle(tr("Plot: %1").arg(title));
-    plot->prepareChart();
-    plot->setSeries(values, QString());
-    plot->finishPlot(fittedNames(names, int(values.size())));
-    plot->show();
-}
-
-void ConnectivityObjectUI::plotPerNode(const QString &title, const FeatureValues &values)
-{
-    const bool useProtocol = subject().useProtocol();
-    const QStringList names = subject().protocol().volumeNames.values();
-    const QList<int> events = subject().protocol().volumeEvents.values();
-    const int nodes = values.empty() ? 0 : int(values.front().size());
-
-    auto *const plot = new LinePlot(title, this);
-    plot->setWindowTitle(tr("Plot: %1").arg(title));
-    plot->prepareChart();
-    for (int slice = 0; slice < int(values.size()); ++slice) {
-        const std::vector<float> &line = values[std::size_t(slice)];
-        if (useProtocol)
-            plot->addSeries(line, nameAt(names, slice), events.value(slice));
-        else
-            plot->addSeries(line, QStringLiteral("Series %1").arg(slice), 0);
+    if (model->feature(key).scalar) {
+        const auto perSlice = values.empty() ? std::vector<float>() : values.front();
+        plotPerSlice(title, perSlice, subject(), this)->show();
+    } else {
+        plotPerNode(title, values, subject(), this)->show();
     }
-    plot->finishPlot(fittedNames(subject().voiLabels(false), nodes), useProtocol);
-    if (!useProtocol)
-        plot->disableConditions();
-    plot->show();
 }
 
 void ConnectivityObjectUI::graphfeatures_useFilteredMatrix(bool) {}

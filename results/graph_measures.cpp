@@ -48,3 +48,14 @@ const GraphMeasure *graphMeasure(const QString &key)
         });
     return found == measures.end() ? nullptr : &*found;
 }
+
+FeatureValues valuesPerNode(const GraphMeasure &measure,
+                            const std::vector<Eigen::MatrixXf> &matrices)
+{
+    FeatureValues values;
+    for (const Eigen::MatrixXf &matrix : matrices) {
+        const Eigen::ArrayXf nodes = measure.perNode(matrix);
+        values.emplace_back(nodes.data(), nodes.data() + nodes.size());
+    }
+    return values;
+}

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "results/feature_values.h"
+
 #include <Eigen/Core>
 #include <QString>
 
@@ -23,3 +25,7 @@ const std::vector<GraphMeasure> &graphMeasures();
 
 /// The measure of that key, or null.
 const GraphMeasure *graphMeasure(const QString &key);
+
+/// The values of a measure that has one per node.
+FeatureValues valuesPerNode(const GraphMeasure &measure,
+                            const std::vector<Eigen::MatrixXf> &matrices);
