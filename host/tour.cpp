@@ -93,7 +93,7 @@ void Tour::play(const TourStep &step, QWidget *target)
     QTimer::singleShot(isShown ? m_pause : 0, this,
                        [this, act = step.act, guarded = QPointer<QWidget>(target)] {
                            m_isPlaying = false;
-                           if (!guarded.isNull())
+                           if (!m_isOver && !guarded.isNull())
                                act(guarded);
                        });
 }
@@ -161,7 +161,7 @@ bool Tour::eventFilter(QObject *watched, QEvent *event)
 void Tour::finish(const QString &fault)
 {
     m_timer.stop();
-    m_next = m_steps.size();
+    m_isOver = true;
     qApp->removeEventFilter(this);
     delete m_caption;
     m_caption = nullptr;

@@ -64,6 +64,7 @@ private:
     int m_pause = 0;
     int m_looks = 0; ///< in vain, for the step that is next
     bool m_isPlaying = false;
+    bool m_isOver = false;
     QPointer<QWidget> m_seen; ///< the target at the last look
     QTimer m_timer;
     QLabel *m_caption = nullptr;

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// How a tour is played, on small windows.
+#include "host/tour.h"
+#include "host/user_input.h"
+#include "tests/host/host_files.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace corvane
+{
+
+namespace
+{
+
+class TourPlayer : public testing::Test
+{
+protected:
+    TourPlayer()
+    {
+        window.resize(300, 200);
+        button.setGeometry(10, 10, 100, 30);
+        QObject::connect(&button, &QPushButton::clicked, &window, [this] {
+            QDialog dialog(&window);
+            dialog.setObjectName(QStringLiteral("inner"));
+            QLineEdit line(&dialog);
+            QObject::connect(&line, &QLineEdit::returnPressed, &dialog, &QDialog::accept);
+            accepted = dialog.exec() == QDialog::Accepted;
+            entered = line.text();
+        });
+        window.show();
+    }
+
+    std::vector<TourStep> steps()
+    {
+        const auto line = [this]() -> QWidget * { return window.findChild<QLineEdit *>(); };
+        return {
+            {QStringLiteral("first"), QStringLiteral("First"), QStringLiteral("A button."),
+             [this] { return &button; }, [](QWidget *widget) { click(widget); }},
+            {{}, {}, {}, line, [](QWidget *widget) { enterText(widget, QStringLiteral("text")); }},
+            {QStringLiteral("second"), QStringLiteral("Second"), QStringLiteral("A line."), line,
+             [](QWidget *widget) { pressKey(widget, Qt::Key_Return); }},
+        };
+    }
+
+    QWidget window;
+    QPushButton button{&window};
+    bool accepted = false;
+    QString entered;
+};
+
+} // namespace
+
+TEST_F(TourPlayer, GoesOnInsideModalDialogsAndKeepsPicturesAndCaptions)
+{
+    const TemporaryFolder folder;
+    Tour tour(steps());
+    tour.setFolder(folder.path());
+    QSignalSpy finished(&tour, &Tour::finished);
+    tour.start();
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_EQ(finished.at(0).at(0).toString(), QString());
+    EXPECT_TRUE(accepted);
+    EXPECT_EQ(entered, QStringLiteral("text"));
+    EXPECT_EQ(folder.entries(),
+              (QStringList{QStringLiteral("01-first.png"), QStringLiteral("02-second.png"),
+                           QStringLiteral("captions.md")}));
+    EXPECT_EQ(bytesOf(folder.path("captions.md")),
+              "## First\n\n![First](01-first.png)\n\nA button.\n\n"
+              "## Second\n\n![Second](02-second.png)\n\nA line.\n\n");
+}
+
+TEST_F(TourPlayer, ShowsCaptionsToPeopleWhoEndItWithEscape)
+{
+    Tour tour(steps());
+    tour.setSpeed(1000);
+    QSignalSpy finished(&tour, &Tour::finished);
+    tour.start();
+    const auto caption = []() -> QLabel * {
+        for (QWidget *top : QApplication::topLevelWidgets())
+            if (auto *const label = qobject_cast<QLabel *>(top))
+                return label;
+        return nullptr;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return caption() != nullptr && caption()->isVisible(); }));
+    EXPECT_TRUE(caption()->text().contains(QStringLiteral("A button.")));
+    // People do not get in the way of the tour ...
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(30, 20));
+    EXPECT_EQ(window.findChild<QDialog *>(), nullptr);
+    EXPECT_EQ(finished.size(), 0);
+    // ... but end it.
+    QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+    ASSERT_EQ(finished.size(), 1);
+    EXPECT_EQ(finished.at(0).at(0).toString(), QStringLiteral("The tour was ended."));
+    EXPECT_EQ(caption(), nullptr);
+    // The click that was to come does not.
+    EXPECT_FALSE(
+        QTest::qWaitFor([this] { return window.findChild<QDialog *>() != nullptr; }, 1500));
+}
+
+TEST_F(TourPlayer, AFolderThatCannotBeWrittenIsTold)
+{
+    Tour tour(steps());
+    tour.setFolder(QStringLiteral("/dev/null/nowhere"));
+    QSignalSpy finished(&tour, &Tour::finished);
+    tour.start();
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_TRUE(finished.at(0).at(0).toString().contains(QStringLiteral("/dev/null/nowhere")));
+}
+
+} // namespace corvane
