@@ -76,6 +76,17 @@ void setPenWidth(QPen &pen, double width)
         pen.setWidth(int(whole));
 }
 
+/// Takes the markers of the hidden legend out of their group. They go with their series all the
+/// same, but the group no longer measures all that are left whenever one goes, which for a hundred
+/// nodes takes longer than everything else.
+void dissolveLegend(const QChart &chart)
+{
+    for (QGraphicsItem *group : chart.legend()->childItems()) {
+        for (QGraphicsItem *marker : group->childItems())
+            marker->setParentItem(chart.legend());
+    }
+}
+
 } // namespace
 
 bool edgeValueLess(const QSplineSeries *left, const QSplineSeries *right)
@@ -110,7 +121,10 @@ CircularPlotWidget::CircularPlotWidget(QWidget *parent) : QGraphicsView(parent)
     setAttribute(Qt::WA_MouseTracking);
 }
 
-CircularPlotWidget::~CircularPlotWidget() = default;
+CircularPlotWidget::~CircularPlotWidget()
+{
+    clearPlot(); // faster than what the scene would do
+}
 
 void CircularPlotWidget::makeChart()
 {
@@ -197,6 +211,7 @@ void CircularPlotWidget::clearPlot()
         label->setVisible(false);
     edgesByIndex.clear();
     sortedEdges.clear();
+    dissolveLegend(*chart);
     chart->removeAllSeries(); // which deletes them
     nodesSeries = nullptr;
 }

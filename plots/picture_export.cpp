@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/picture_export.h"
 
+#include "plots/save_dialog.h"
+
 #include <QFileDialog>
 #include <QPixmap>
 #include <QPointer>
-#include <QSaveFile>
 
 void exportPicture(QWidget *window, QWidget *source)
 {
@@ -19,12 +20,8 @@ void exportPicture(QWidget *window, QWidget *source)
     if (dialog->exec() != 0 && dialog)
         path = dialog->selectedFiles().value(0);
     delete dialog;
-    if (path.isEmpty() || !shown)
-        return;
-
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && shown->grab().save(&file, "PNG", -1))
-        file.commit();
+    if (!path.isEmpty() && shown)
+        savePicture(shown->grab(), path);
 }
 
 QString neutralStyleSheet()

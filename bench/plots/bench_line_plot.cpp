@@ -2,10 +2,10 @@
 // Time from the making of a line plot to its first complete picture on the screen, as a press on
 // "inspect" costs it.
 
+#include "bench/plots/first_paint.h"
 #include "plots/line_plot.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QStringList>
 #include <QtCharts/QChartView>
 
@@ -17,34 +17,6 @@
 
 namespace
 {
-
-/// Waits until the view has been painted and nothing is left to do: a layout that is still due
-/// would change the picture.
-class FirstPaint : public QObject
-{
-public:
-    explicit FirstPaint(QWidget *viewport) { viewport->installEventFilter(this); }
-
-    void wait()
-    {
-        while (!painted)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        while (painted) {
-            painted = false;
-            QCoreApplication::sendPostedEvents();
-            QCoreApplication::processEvents();
-        }
-    }
-
-private:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        painted = painted || event->type() == QEvent::Paint;
-        return false;
-    }
-
-    bool painted = false;
-};
 
 std::vector<float> featureValues(int nodes, int line)
 {

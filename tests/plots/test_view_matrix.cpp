@@ -244,6 +244,8 @@ TEST(BrowserForm, has_each_property_as_told)
         {"cbox_HistNormalize", "text", "normalize"},
         {"groupbox_Overview", "title", "Overview"},
         {"groupbox_Overview", "flat", true},
+        {"groupbox_Overview", "minimumSize", QSize(300, 260)},
+        {"groupbox_Overview", "maximumSize", QSize(300, 260)},
         {"graphicsView", "minimumSize", QSize(300, 290)},
         {"graphicsView", "maximumSize", QSize(300, 290)},
         {"graphicsView", "frameShape", int(QFrame::NoFrame)},
