@@ -31,7 +31,12 @@ Tessera::Tessera(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::Tes
     ui->cBox_connectivityProfile->setItemData(0, -1, Qt::UserRole);
 }
 
-Tessera::~Tessera() = default;
+Tessera::~Tessera()
+{
+    // While it is whole: an open editor sends its text when it loses the focus.
+    hide();
+    plugin = nullptr;
+}
 
 Subject &Tessera::profileRecord()
 {

@@ -608,6 +608,22 @@ TEST_F(Table, NameIsEditedInTheTable)
     EXPECT_TRUE(dialog().isVisible());
 }
 
+TEST_F(Table, DialogDestroyedWithAnOpenEditor)
+{
+    addReadyRow();
+    subject(0).setEditable(true);
+    auto *const table = find<QTableView>("tbl_Subjects");
+    dialog().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+    table->setFocus();
+    table->setCurrentIndex(model().index(0, NameColumn));
+    table->edit(model().index(0, NameColumn));
+    auto *const editor = table->viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, "Ann");
+    closeDialog();
+}
+
 TEST_F(Table, NameOfALockedRowIsNotEdited)
 {
     addReadyRow();

@@ -24,15 +24,16 @@ void press(QDialog &dialog, QDialogButtonBox::StandardButton button)
     QTest::mouseClick(buttons->button(button), Qt::LeftButton);
 }
 
-void enterFile(QFileDialog &dialog, const QString &path)
+} // namespace
+
+void ModalDriver::enterFile(QFileDialog &dialog, const QString &path)
 {
     auto *const name = dialog.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     ASSERT_NE(name, nullptr);
     name->setText(path);
-    press(dialog, QDialogButtonBox::Open);
+    const bool saves = dialog.acceptMode() == QFileDialog::AcceptSave;
+    press(dialog, saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
 }
-
-} // namespace
 
 ModalDriver::ModalDriver()
 {

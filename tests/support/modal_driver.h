@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QFileDialog>
 #include <QObject>
 #include <QPointer>
 #include <QProgressDialog>
@@ -36,7 +37,10 @@ public:
                               }});
     }
 
-    /// Enters a path in a file dialog and opens it. `checkDialog` looks at the dialog first.
+    /// Enters a path in a file dialog and presses Open or Save.
+    static void enterFile(QFileDialog &dialog, const QString &path);
+
+    /// Enters a path in a file dialog. `checkDialog` looks at the dialog first.
     void expectFile(const QString &path, std::function<void(QDialog &)> checkDialog = {});
     /// As expectFile, with something that happens between the choice and its use.
     void expectFileThen(const QString &path, std::function<void()> meanwhile);
