@@ -6,7 +6,9 @@
 #include <QMutex>
 #include <QPalette>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QStyle>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -94,6 +96,10 @@ int main(int argc, char **argv)
         return RUN_ALL_TESTS();
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    // Tests of one program run side by side: each has settings of its own.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
 
     // One look for all pictures, whatever the machine's desktop.
     QApplication::setStyle(QStringLiteral("Fusion"));
