@@ -2,6 +2,10 @@
 #include "host/commands.h"
 #include "host/compute.h"
 #include "host/compute_files.h"
+#include "host/workspace.h"
+#ifdef CORVANE_COMMAND_IMPORT
+#include "host/resample_anatomy.h"
+#endif
 
 #include <QCommandLineParser>
 #include <QLoggingCategory>
@@ -97,6 +101,9 @@ int runCompute(const QStringList &arguments)
 
     // The plugin's debug lines are for a log file, not for the command line.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+#ifdef CORVANE_COMMAND_IMPORT
+    workspace().setAnatomyOpener(openForeignAnatomy);
+#endif
     const ComputeRequest request = requestOf(parser);
     const QString folder = requiredValue(parser, QStringLiteral("out"));
     const ComputeResult result = compute(request);

@@ -3,6 +3,7 @@
 
 #include "host/image_reader.h"
 #include "host/lattice.h"
+#include "host/log.h"
 
 #include <Eigen/SVD>
 #include <cmath>
@@ -286,6 +287,15 @@ Anatomy openAnatomy(const QString &path, QStringList &notes)
 {
     const Image3d<float> image = readImage(path, notes);
     return resampleAnatomy(image, path, notes);
+}
+
+Vmr openForeignAnatomy(const QString &path)
+{
+    QStringList notes;
+    Vmr vmr = openAnatomy(path, notes).vmr;
+    for (const QString &note : qAsConst(notes))
+        logText(note);
+    return vmr;
 }
 
 } // namespace corvane

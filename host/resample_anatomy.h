@@ -33,4 +33,7 @@ Anatomy resampleAnatomy(const Image3d<float> &image, const QString &path, QStrin
 /// Opens any anatomy that readImage reads and brings it onto the cube. Throws InputError.
 Anatomy openAnatomy(const QString &path, QStringList &notes);
 
+/// The same for the workspace, which needs no more than the cube; the notes go to the log.
+Vmr openForeignAnatomy(const QString &path);
+
 } // namespace corvane

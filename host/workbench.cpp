@@ -35,17 +35,6 @@ bool thereIsADisplay()
 #endif
 }
 
-#ifdef CORVANE_IMPORT
-Vmr openForeignAnatomy(const QString &path)
-{
-    QStringList notes;
-    Vmr vmr = openAnatomy(path, notes).vmr;
-    for (const QString &note : qAsConst(notes))
-        logText(note);
-    return vmr;
-}
-#endif
-
 } // namespace
 
 std::unique_ptr<QCoreApplication> makeWindowApplication(int &argc, char **argv)

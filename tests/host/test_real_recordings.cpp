@@ -241,6 +241,17 @@ TEST_P(WholeBrainRun, GivesItsCorrelations)
     expectAbsoluteCorrelations(table("connectivity.csv"), courses, 0, 121, 1e-5);
 }
 
+TEST_P(WholeBrainRun, TakesTheAnatomyInItsOwnFormatToo)
+{
+    importRun();
+    const ProgramRun run =
+        runCorvane({"compute", "--anatomy", recording("haxby2001/mask_25mm_brain.nii.gz"), "--vtc",
+                    folder.path("data/r.vtc"), "--voi", folder.path("data/r.voi"), "--out",
+                    folder.path("out")});
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    expectAbsoluteCorrelations(table("connectivity.csv"), courses, 0, 121, 1e-5);
+}
+
 TEST_P(WholeBrainRun, GivesItsPartialCorrelations)
 {
     importRun();
