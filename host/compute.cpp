@@ -147,8 +147,7 @@ std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::Ma
         treatSigns(matrix, subject.matrixValues());
         nodalis::treatment(matrix);
     }
-    const SpanningTrees trees =
-        subject.computeMst() ? spanningTrees(matrices) : SpanningTrees{};
+    const SpanningTrees trees = subject.computeMst() ? spanningTrees(matrices) : SpanningTrees{};
 
     const QStringList names = subject.protocol().volumeNames.values();
     const QList<int> events = subject.protocol().volumeEvents.values();
