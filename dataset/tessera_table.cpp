@@ -48,7 +48,7 @@ void showError(QWidget *parent, const QString &text)
 QString askForReadableFile(QWidget *parent, const QString &caption, const QString &filter,
                            const QString &unreadable)
 {
-    const QString path = askForFile(parent, caption, filter);
+    QString path = askForFile(parent, caption, filter);
     if (path.isEmpty() || QFileInfo(path).isReadable())
         return path;
     showError(parent, unreadable);
