@@ -38,15 +38,16 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [TARGET]: configures and builds into build/PRESET with all cores.
+# build PRESET [OPTION...]: configures with the options and builds into build/PRESET.
 build() {
+    local preset=$1
+    shift
     # Equal sources in two checkouts share their compiler results.
-    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
-    cmake --preset "$1" >"build-$1.log" 2>&1 || {
-        cat "build-$1.log"
-        rm -f "build-$1.log"
+    export CCACHE_BASEDIR=/ CCACHE_NOHASHDIR=1
+    mkdir -p build
+    cmake --preset "$preset" "$@" >"build/configure-$preset.log" 2>&1 || {
+        cat "build/configure-$preset.log"
         return 1
     }
-    rm -f "build-$1.log"
-    cmake --build --preset "$1" ${2:+--target "$2"} --parallel
+    cmake --build --preset "$preset" --parallel
 }
