@@ -43,7 +43,7 @@ build() {
     local preset=$1
     shift
     # Equal sources in two checkouts share their compiler results.
-    export CCACHE_BASEDIR=/ CCACHE_NOHASHDIR=1
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
     mkdir -p build
     cmake --preset "$preset" "$@" >"build/configure-$preset.log" 2>&1 || {
         cat "build/configure-$preset.log"
