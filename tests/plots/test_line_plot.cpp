@@ -369,13 +369,13 @@ TEST_F(LinePlotTest, holds_two_hundred_lines)
 
 // ---- conditions
 
-/// Lines of the conditions rest, Faces, rest, Cue (a trigger) and Houses.
+/// Lines of the conditions baseline, Faces, baseline, Cue (a trigger) and Houses.
 class LinePlotConditions : public LinePlotTest
 {
 protected:
     void SetUp() override
     {
-        const QStringList conditions = {"rest", "Faces", "rest", "Cue", "Houses"};
+        const QStringList conditions = {"baseline", "Faces", "baseline", "Cue", "Houses"};
         for (int row = 0; row < conditions.size(); ++row)
             window.addSeries(wave(5, float(row)), conditions[row], conditions[row] == "Cue");
         window.finishPlot(names(5), true);
@@ -408,7 +408,7 @@ TEST_F(LinePlotConditions, are_offered_sorted_behind_all)
         texts += box->itemText(i);
         EXPECT_EQ(box->itemData(i, Qt::UserRole), QVariant(box->itemText(i)));
     }
-    EXPECT_EQ(texts, QStringList({"All", "Cue", "Faces", "Houses", "rest"}));
+    EXPECT_EQ(texts, QStringList({"All", "Cue", "Faces", "Houses", "baseline"}));
     EXPECT_EQ(box->currentText(), "All");
 }
 
@@ -442,7 +442,7 @@ TEST_F(LinePlotConditions, are_shown_and_hidden_together_and_the_check_boxes_sta
 {
     show();
     EXPECT_EQ(visible(), QVector<bool>({true, true, true, false, true}));
-    choose("rest");
+    choose("baseline");
     press("btn_Hide");
     EXPECT_EQ(visible(), QVector<bool>({false, true, false, false, true}));
     EXPECT_TRUE(checkBox(0)->isChecked());

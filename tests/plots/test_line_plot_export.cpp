@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "plots/save_dialog.h"
 #include "tests/plots/line_plot_fixture.h"
 #include "tests/support/modal_driver.h"
 
@@ -266,6 +267,19 @@ TEST_F(LinePlotExport, a_full_disk_leaves_nothing_behind)
         full.reset();
         EXPECT_EQ(files(), QStringList());
     }
+}
+
+TEST_F(LinePlotExport, a_picture_so_small_that_it_is_written_at_the_end_is_not_left_in_part)
+{
+    QPixmap dot(4, 4);
+    dot.fill(Qt::red);
+    {
+        const FullDisk full;
+        savePicture(dot, in("dot.png"));
+    }
+    EXPECT_EQ(files(), QStringList());
+    savePicture(dot, in("dot.png"));
+    EXPECT_EQ(files(), QStringList("dot.png"));
 }
 
 TEST_F(LinePlotExport, a_full_disk_leaves_an_existing_file_as_it_was)

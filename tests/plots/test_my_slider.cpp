@@ -100,6 +100,17 @@ TEST_F(MySliderTest, writes_each_label_at_its_tick_less_half_the_width_of_the_ti
     EXPECT_NE(painted, expectedPicture({}));
 }
 
+TEST_F(MySliderTest, writes_in_black_whatever_the_palette)
+{
+    slider.setLabels({"Rest", "Faces"});
+    const QImage black = picture(slider);
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, Qt::red);
+    palette.setColor(QPalette::Text, Qt::red);
+    slider.setPalette(palette);
+    EXPECT_EQ(picture(slider), black);
+}
+
 TEST_F(MySliderTest, measures_the_number_and_not_its_position)
 {
     slider.setLabels({"Rest", "Faces", "Houses"});

@@ -5,17 +5,20 @@
 #include <QCoreApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QProxyStyle>
 #include <QStyleFactory>
 #include <QStyleOptionSlider>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <memory>
 #include <ostream>
+#include <utility>
 
 namespace
 {
@@ -232,6 +235,54 @@ TEST_P(SpanPainting, a_handle_is_drawn_at_its_position_with_its_value)
     ASSERT_EQ(style.drawn.size(), 3);
     EXPECT_EQ(style.drawn[1], (DrawnControl{handleControl, 40, 30, QStyle::SC_None, false}));
     EXPECT_EQ(style.drawn[2], (DrawnControl{handleControl, 110, 120, QStyle::SC_None, false}));
+}
+
+/// Adds up the regions in which a widget is painted.
+class Painted : public QObject
+{
+public:
+    explicit Painted(QWidget *widget) : watched(widget) { widget->installEventFilter(this); }
+
+    QRegion take()
+    {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        return std::exchange(region, {});
+    }
+
+private:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (object == watched && event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+
+    QWidget *watched;
+    QRegion region;
+};
+
+TEST_P(SpanPainting, is_painted_anew_whenever_its_picture_changes)
+{
+    slider.setTracking(false);
+    slider.setSpan(30, 120);
+    slider.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&slider));
+    Painted painted(&slider);
+    painted.take();
+    const QRegion all(slider.rect());
+
+    slider.setLowerPosition(40);
+    EXPECT_EQ(painted.take(), all);
+    slider.setUpperPosition(110);
+    EXPECT_EQ(painted.take(), all);
+    slider.setSpan(50, 60);
+    EXPECT_EQ(painted.take(), all);
+    EXPECT_TRUE(painted.take().isEmpty());
+
+    press(60);
+    const QRect handle = lying() ? QRect(70, 4, 10, 20) : QRect(4, 70, 20, 10);
+    EXPECT_TRUE(painted.take().contains(handle));
 }
 
 /// A slider whose option for the style can be asked for.
