@@ -4,6 +4,7 @@
 #include "tests/host/host_files.h"
 #include "tests/host/nifti_files.h"
 #include "tests/host/notes.h"
+#include "tests/host/recordings.h"
 
 #include <cmath>
 
@@ -444,10 +445,9 @@ TEST(OpenAnatomy, BringsAnyImageOntoTheCube)
 
 TEST(OpenAnatomy, ReadsRecordings)
 {
-    const QString file =
-        QStringLiteral(TESSERA_DATA_DIR "/recordings/haxby2001/mask_25mm_brain.nii.gz");
+    const QString file = recording("haxby2001/mask_25mm_brain.nii.gz");
     if (!QFile::exists(file))
-        GTEST_SKIP() << "no recordings in " TESSERA_DATA_DIR;
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
     const ReferenceImage reference = readReference(file);
     QStringList notes;
     const Image3d<float> image = readImage(file, notes);

@@ -2,6 +2,7 @@
 #include "host/events_table.h"
 #include "tests/host/host_files.h"
 #include "tests/host/notes.h"
+#include "tests/host/recordings.h"
 
 #include <cmath>
 #include <limits>
@@ -281,9 +282,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(EventsOfARecording, GiveTheBlocksOfTheRun)
 {
-    const QString path = QStringLiteral(TESSERA_DATA_DIR "/recordings/haxby2001/run001_events.tsv");
+    const QString path = recording("haxby2001/run001_events.tsv");
     if (!QFile::exists(path))
-        GTEST_SKIP() << "no recordings in " TESSERA_DATA_DIR;
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
     QStringList notes;
     const Prt prt =
         protocolFromEvents(readEvents(path, notes), QStringLiteral("run001"), 2.5, 121, notes);
@@ -303,10 +304,10 @@ TEST(EventsOfARecording, GiveTheBlocksOfTheRun)
 
 TEST(EventsOfRecordings, AreAllUnderstood)
 {
-    const QDir folder(QStringLiteral(TESSERA_DATA_DIR "/recordings/events"));
+    const QDir folder(recording("events"));
     const QStringList names = folder.entryList({QStringLiteral("*.tsv")});
     if (names.isEmpty())
-        GTEST_SKIP() << "no recordings in " TESSERA_DATA_DIR;
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
     for (const QString &name : names) {
         QStringList notes;
         const QString path = folder.filePath(name);

@@ -7,6 +7,7 @@
 #include "tests/host/nifti_files.h"
 #include "tests/host/notes.h"
 #include "tests/host/program.h"
+#include "tests/host/recordings.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -530,11 +531,6 @@ TEST(Import, NamesItsFilesAfterTheRun)
 
 // ---- recordings
 
-QString recording(const char *name)
-{
-    return QStringLiteral(TESSERA_DATA_DIR "/recordings/") + QString::fromUtf8(name);
-}
-
 /// A grey anatomy of 1 mm around what a run covers: the recordings come without one.
 NiftiParts anatomyAround(const ReferenceImage &run)
 {
@@ -574,7 +570,7 @@ TEST_P(Recordings, ComeOverSampleBySample)
 {
     const RecordingCase &wanted = GetParam();
     if (!QFile::exists(recording(wanted.file)))
-        GTEST_SKIP() << "no recordings in " TESSERA_DATA_DIR;
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
     const ReferenceImage run = readReference(recording(wanted.file));
     Workplace place;
     place.put("anatomy.nii", anatomyAround(run));
@@ -603,7 +599,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(WholeBrainRecording, ComesOverWithItsEventsAndMasks)
 {
     if (!QFile::exists(recording("haxby2001/run001_bold_25mm.nii.gz")))
-        GTEST_SKIP() << "no recordings in " TESSERA_DATA_DIR;
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
     for (const char *mask : {"gray", "white", "vt", "hoc"}) {
         Workplace place;
         place.request.anatomy = recording("haxby2001/mask_25mm_brain.nii.gz");

@@ -4,6 +4,7 @@
 // and checked against a computation of the test in double precision.
 #include "tests/host/host_files.h"
 #include "tests/host/program.h"
+#include "tests/host/recordings.h"
 
 #include <Eigen/LU>
 #include <QFileInfo>
@@ -23,11 +24,6 @@ struct FreeImage {
     void operator()(nifti_image *image) const { nifti_image_free(image); }
 };
 using Image = std::unique_ptr<nifti_image, FreeImage>;
-
-QString recording(const char *name)
-{
-    return QStringLiteral(TESSERA_DATA_DIR "/recordings/") + QString::fromUtf8(name);
-}
 
 Image readImage(const QString &path)
 {
@@ -134,7 +130,7 @@ protected:
     void SetUp() override
     {
         if (!QFileInfo::exists(recording("SOURCES.md")))
-            GTEST_SKIP() << "no real recordings in " TESSERA_DATA_DIR;
+            GTEST_SKIP() << "no real recordings in " << referenceFolder();
     }
 
     void import(const QString &anatomy, const QString &functional, const QStringList &more)

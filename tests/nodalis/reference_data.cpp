@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/nodalis/reference_data.h"
 
+#include "tests/support/reference_folder.h"
+
 #include <cstdlib>
 #include <stdexcept>
 
@@ -37,7 +39,7 @@ float number(const QByteArray &text)
 
 std::string folder()
 {
-    return TESSERA_DATA_DIR "/graphs";
+    return std::string(referenceFolder()) + "/graphs";
 }
 
 std::vector<std::string> names_with(const std::string &ending)

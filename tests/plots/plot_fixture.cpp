@@ -25,7 +25,8 @@ QVector<Item *> childrenOfChart(const CircularPlotWidget &ring)
 
 Eigen::MatrixXf realMatrix(int n)
 {
-    QFile file(QStringLiteral(TESSERA_DATA_DIR "/graphs/real_haxby_brain_abs.matrix.csv"));
+    QFile file(QString::fromUtf8(referenceFolder()) +
+               QStringLiteral("/graphs/real_haxby_brain_abs.matrix.csv"));
     if (!file.open(QIODevice::ReadOnly))
         return {};
     Eigen::MatrixXf matrix(n, n);

@@ -6,6 +6,7 @@
 #include "plots/my_graphics_simple_text_item.h"
 #include "results/connectivity_object_ui.h"
 #include "tests/support/qt_printers.h"
+#include "tests/support/reference_folder.h"
 
 #include <Eigen/Core>
 #include <QGraphicsSimpleTextItem>
@@ -37,7 +38,8 @@ Eigen::MatrixXf realMatrix(int n);
 
 #define SKIP_WITHOUT_REAL_MATRICES()                                                               \
     if (realMatrix(1).size() == 0)                                                                 \
-    GTEST_SKIP() << "no real connectivity matrix: there is no folder of them at " TESSERA_DATA_DIR
+    GTEST_SKIP() << "no real connectivity matrix: there is no folder of them at "                  \
+                 << referenceFolder()
 
 /// "Node 0", "Node 1", ...
 QStringList nodeNames(int n);
