@@ -37,6 +37,23 @@ GraphFeaturesModel *modelOf(const QTableView *view)
     return qobject_cast<GraphFeaturesModel *>(view->model());
 }
 
+/// Tab goes from the table through its buttons, row by row. They are made last of all widgets, and
+/// would come behind everything else.
+void orderTabs(QTableView *view)
+{
+    const QAbstractItemModel &model = *view->model();
+    QWidget *before = view;
+    for (int row = 0; row < model.rowCount(); ++row) {
+        for (const int column :
+             {GraphFeaturesModel::ComputeColumn, GraphFeaturesModel::ResultColumn}) {
+            if (QWidget *const button = view->indexWidget(model.index(row, column))) {
+                QWidget::setTabOrder(before, button);
+                before = button;
+            }
+        }
+    }
+}
+
 } // namespace
 
 void ConnectivityObjectUI::prepareGraphFeatures()
@@ -60,6 +77,7 @@ void ConnectivityObjectUI::prepareGraphFeatures()
         }
         addFeatureRow(measure);
     }
+    orderTabs(view);
 
     QHeaderView *const header = view->horizontalHeader();
     header->setSectionResizeMode(GraphFeaturesModel::TypeColumn, QHeaderView::ResizeToContents);
@@ -98,6 +116,7 @@ QPushButton *ConnectivityObjectUI::addFeatureButton(int row, int column, const Q
     auto *const button = new QPushButton(text);
     button->setFlat(true);
     button->setAutoDefault(false);
+    button->setAccessibleName(text + ' ' + tr(measure.name));
     button->setProperty(rowProperty, row);
     button->setProperty(measureProperty, QString(QLatin1String(measure.key)));
     QTableView *const view = ui->tblView_GraphFeatures;
