@@ -4,6 +4,7 @@
 // dialog offers.
 #include "engine/connectivity_object.h"
 #include "plots/circular_plot.h"
+#include "plots/circular_plot_widget.h"
 #include "plots/line_plot.h"
 #include "plots/timeseries_line_plot.h"
 #include "plots/view_matrix.h"
@@ -16,10 +17,13 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QGraphicsScene>
 #include <QLabel>
 #include <QListWidget>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTableWidget>
+#include <QtCharts/QChart>
 #include <QtTest>
 #include <nodalis/nodalis.h>
 
@@ -171,6 +175,13 @@ TEST_F(ComputedSubject, WithAProtocolAndATrigger)
     for (int slice = 0; slice < names.size(); ++slice)
         expectSameBits(readCsv(out(names[slice])), matrices[std::size_t(slice)]);
     EXPECT_EQ(exported("btn_exportFMRITS", "ts.csv").filter("ts_").size(), 12);
+
+    removeRow(0);
+    exported("btn_exportConnectivityMatrix", "late.csv");
+    for (int slice = 0; slice < names.size(); ++slice)
+        expectSameBits(readCsv(out(QString(names[slice]).replace("net", "late"))),
+                       matrices[std::size_t(slice)]);
+    EXPECT_EQ(exported("btn_exportFMRITS", "late.csv").filter("late_V").size(), 12);
 }
 
 /// The box is ticked although the subject has no protocol: there is not one matrix.
@@ -185,6 +196,13 @@ TEST_F(ComputedSubject, WithoutMatricesEverythingOpensAndNothingIsWritten)
     EXPECT_EQ(plots<CircularPlot>(), 1);
     EXPECT_EQ(plots<ViewMatrix>(), 1);
     EXPECT_EQ(plots<LinePlot>(), 0);
+    EXPECT_EQ(shown().findChild<QTableWidget *>("tableMatrix")->rowCount(), 0);
+    EXPECT_TRUE(shown().findChild<QGraphicsView *>("graphicsView")->scene()->items().isEmpty());
+    for (QGraphicsItem *const item : shown().findChild<CircularPlotWidget *>()->scene()->items()) {
+        if (auto *const chart = dynamic_cast<QtCharts::QChart *>(item)) {
+            EXPECT_TRUE(chart->series().isEmpty());
+        }
+    }
     for (const QString &key : measures) {
         EXPECT_FALSE(result(key).isValid()) << qPrintable(key);
         EXPECT_FALSE(featureButton(key, 4)->isEnabled()) << qPrintable(key);

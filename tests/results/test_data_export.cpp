@@ -3,6 +3,7 @@
 // The page of exports: which files are written, under which names, with which numbers.
 #include "tests/results/export_check.h"
 #include "tests/results/results_fixture.h"
+#include "tests/support/other_user.h"
 
 #include <QDir>
 #include <QFile>
@@ -63,6 +64,25 @@ TEST_P(ExportButton, WritesNothingIntoAFolderThatIsNotThere)
     exportTo(GetParam(), at("file/below.csv"));
     EXPECT_EQ(files(), QStringList("file"));
     EXPECT_EQ(blocker.size(), 0);
+}
+
+TEST_P(ExportButton, WritesNothingIntoALockedFolder)
+{
+    setNodes(2);
+    addTimeseries(2);
+    find<QWidget>("btn_exportMSTMatrix")->setEnabled(true);
+    const QString locked = at("locked");
+    ASSERT_TRUE(QDir().mkdir(locked));
+    const QFile::Permissions readable = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup |
+                                        QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+    ASSERT_TRUE(QFile::setPermissions(locked, readable));
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), readable | QFile::WriteOwner));
+    {
+        const OtherUser nobody;
+        exportTo(GetParam(), at("locked/net.csv"));
+    }
+    EXPECT_EQ(files(), QStringList());
+    EXPECT_TRUE(dialog().isVisible());
 }
 
 TEST_P(ExportButton, OutlivesItsDialog)
@@ -205,6 +225,17 @@ TEST_F(DataExport, AConditionWithASeparatorLeadsIntoAFolder)
     ASSERT_TRUE(QDir(folder.path()).mkpath("net_0_face"));
     exportTo(matrixButton, at("net.csv"));
     EXPECT_EQ(files(), QStringList("net_0_face/house.csv"));
+}
+
+TEST_F(DataExport, AVoiWithASeparatorLeadsIntoAFolder)
+{
+    setNodes(2);
+    addTimeseries(2);
+    subject->voiNames = QStringList{"L/V1", "R/V1"};
+    ASSERT_TRUE(QDir(folder.path()).mkpath("ts_R"));
+    exportTo(seriesButton, at("ts.csv"));
+    EXPECT_EQ(files(), QStringList("ts_R/V1.csv"));
+    expectSameBits(read("ts_R/V1.csv"), subject->timeseries()[1]);
 }
 
 TEST_F(DataExport, EqualNamesOfVoisOverwriteOneAnother)

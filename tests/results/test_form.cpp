@@ -478,6 +478,30 @@ TEST_F(ResultsForm, ALongPathLeavesTheWindowItsSize)
     EXPECT_EQ(label->textFormat(), Qt::PlainText);
 }
 
+/// Nothing that a user can do lights them up.
+TEST_F(ResultsForm, WhatIsGreyedStaysSo)
+{
+    setNodes(2);
+    addTimeseries(2);
+    setIntervals({{1, "rest"}, {11, "task"}});
+    object->computeMinimumSpanningTrees();
+    click("btn_CircularPlotConnMtx");
+    click("btn_PlotConnMtx");
+    for (const char *const key : {"strength", "global_efficiency"}) {
+        compute(key);
+        inspect(key);
+    }
+    modals.expectFile(folder.filePath("net.csv"));
+    click("btn_exportConnectivityMatrix");
+    auto *const tabs = find<QTabWidget>("tabWidget");
+    for (int tab = 0; tab < tabs->count(); ++tab)
+        tabs->setCurrentIndex(tab);
+    for (const char *const name :
+         {"ckBox_UseFilteredMatrix", "btn_exportMSTMatrix", "tab_Nodes", "tab_Filter"})
+        EXPECT_FALSE(find<QWidget>(name)->isEnabled()) << name;
+    EXPECT_TRUE(find<QWidget>("pb_ComputingGraphFeature")->isHidden());
+}
+
 /// The controls that are there to be looked at, worked by force: the dialog stays as it was.
 TEST_F(ResultsForm, ControlsWithoutEffect)
 {

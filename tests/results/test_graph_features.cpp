@@ -209,6 +209,21 @@ TEST_F(GraphFeatures, TableHasItsColumns)
     EXPECT_EQ(header->sectionResizeMode(4), QHeaderView::Interactive);
 }
 
+TEST_F(GraphFeatures, HeadersStandOverTheirButtons)
+{
+    showPage(features());
+    const QHeaderView *const header = features()->horizontalHeader();
+    EXPECT_TRUE(header->isVisible());
+    EXPECT_EQ(header->model()->headerData(3, Qt::Horizontal), "");
+    EXPECT_EQ(header->model()->headerData(4, Qt::Horizontal), "Result");
+    for (const Row &measure : measures(true)) {
+        const int compute = computeButton(measure.key)->geometry().center().x();
+        const int inspect = inspectButton(measure.key)->geometry().center().x();
+        EXPECT_EQ(header->logicalIndexAt(compute), 3) << measure.key;
+        EXPECT_EQ(header->logicalIndexAt(inspect), 4) << measure.key;
+    }
+}
+
 class FeatureButtons : public GraphFeatures, public testing::WithParamInterface<bool>
 {
 };
@@ -499,6 +514,20 @@ TEST_F(GraphFeatures, WithoutAProtocolThereIsOneSeries)
     EXPECT_EQ(plot->findChild<QComboBox *>("cbox_Conditions")->count(), 0);
 }
 
+TEST_F(GraphFeatures, AProtocolThatIsNotInUsePlaysNoPart)
+{
+    setIntervals({{1, "cue", 1}, {11, "task"}});
+    subject->setUseProtocol(false);
+    setMatrices({weights(6, 1)});
+    compute("degree");
+    inspect("degree");
+    const QList<QLineSeries *> lines = linesOf(*window<LinePlot>());
+    EXPECT_EQ(namesOf(lines), QStringList({"Series 0"}));
+    EXPECT_TRUE(lines.value(0)->isVisible()) << "no trigger";
+    EXPECT_FALSE(window<LinePlot>()->findChild<QWidget *>("cbox_Conditions")->isEnabled());
+    EXPECT_EQ(inspectButton("global_efficiency"), nullptr);
+}
+
 TEST_F(GraphFeatures, WithAProtocolConditionsAndTriggersAreToldApart)
 {
     setIntervals({{1, "rest"}, {11, "cue", 1}, {21, "task"}, {31, "rest"}});
@@ -615,23 +644,43 @@ TEST_F(GraphFeatures, TheTableKeepsItsButtonsWhenTheProtocolIsPutToUseLater)
 
 // Real brains
 
-class RealBrain : public GraphFeatures, public testing::WithParamInterface<const char *>
+/// Two graphs of the same regions.
+struct Recording {
+    const char *name;
+    const char *another;
+};
+
+class RealBrain : public GraphFeatures, public testing::WithParamInterface<Recording>
 {
+protected:
+    void SetUp() override
+    {
+        if (reference_data::names_with(".matrix.csv").empty())
+            GTEST_SKIP() << "no graphs in " << reference_data::folder();
+        matrix = reference_data::matrix(std::string(GetParam().name) + ".matrix.csv");
+        another = reference_data::matrix(std::string(GetParam().another) + ".matrix.csv");
+        ASSERT_GT(matrix.rows(), 20);
+        ASSERT_EQ(matrix.rows(), another.rows());
+        ASSERT_NE(matrix, another);
+        setNamedNodes(int(matrix.rows()));
+    }
+    void computeAll()
+    {
+        for (const Row &measure : measures(false)) {
+            if (measure.asks && matrix.rows() > 50)
+                answer(QMessageBox::Yes);
+            compute(measure.key);
+        }
+    }
+
+    Eigen::MatrixXf matrix;
+    Eigen::MatrixXf another;
 };
 
 TEST_P(RealBrain, NumbersAreThoseOfTheLibrary)
 {
-    if (reference_data::names_with(".matrix.csv").empty())
-        GTEST_SKIP() << "no graphs in " << reference_data::folder();
-    const Eigen::MatrixXf matrix = reference_data::matrix(std::string(GetParam()) + ".matrix.csv");
-    ASSERT_GT(matrix.rows(), 20);
-    setNamedNodes(int(matrix.rows()));
     setMatrices({matrix});
-    for (const Row &measure : measures(false)) {
-        if (measure.asks && matrix.rows() > 50)
-            answer(QMessageBox::Yes);
-        compute(measure.key);
-    }
+    computeAll();
     EXPECT_EQ(featuresModel().index(rowOf("global_efficiency"), 4).data(),
               nodalis::global_efficiency(matrix));
     for (const Row &measure : measures(true)) {
@@ -645,8 +694,32 @@ TEST_P(RealBrain, NumbersAreThoseOfTheLibrary)
     }
 }
 
+TEST_P(RealBrain, NumbersOfEverySliceAreThoseOfTheLibrary)
+{
+    setIntervals({{1, "rest"}, {11, "task"}, {21, "rest"}});
+    const std::vector<Eigen::MatrixXf> slices = {matrix, another, matrix};
+    setMatrices(slices);
+    computeAll();
+    const float first = nodalis::global_efficiency(matrix);
+    EXPECT_EQ(values("global_efficiency"), FeatureValues({{first, first, first}}));
+    inspect("global_efficiency");
+    EXPECT_EQ(heightsOf(linesOf(*window<TimeseriesLinePlot>()).value(0)),
+              std::vector<float>(3, first));
+    for (const Row &measure : measures(true)) {
+        SCOPED_TRACE(measure.key);
+        const FeatureValues expected = expectedValues(measure, slices);
+        EXPECT_EQ(values(measure.key), expected);
+        inspect(measure.key);
+        const QList<QLineSeries *> lines = linesOf(*windows<LinePlot>().last());
+        ASSERT_EQ(namesOf(lines), QStringList({"rest", "task", "rest"}));
+        for (int slice = 0; slice < 3; ++slice)
+            EXPECT_EQ(heightsOf(lines[slice]), expected[std::size_t(slice)]) << slice;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Recordings, RealBrain,
-                         testing::Values("real_nitime28_abs", "real_gw94_abs"),
-                         [](const auto &brain) { return std::string(brain.param); });
+                         testing::Values(Recording{"real_nitime28_abs", "real_nitime28_pos"},
+                                         Recording{"real_gw94_abs", "real_gw94_SC_norm"}),
+                         [](const auto &brain) { return std::string(brain.param.name); });
 
 } // namespace

@@ -183,6 +183,46 @@ TEST_F(PlotControl, TheOptionsKeepTheirValuesAndAreNotSentAgain)
     EXPECT_EQ(labelsOf(plot, true), QStringList());
 }
 
+/// A new slice begins unfiltered whatever the slider shows; showing the ring again leaves it so.
+TEST_F(PlotControl, TheSpanIsNotSentAgainWithTheNextShow)
+{
+    setIntervals({{1, "rest"}, {11, "task"}});
+    CircularPlot &plot = ring();
+    setSpan(200, 700);
+    EXPECT_LT(visibleValues(plot).size(), 15);
+    auto *const slices = plot.findChild<MySlider *>("hSlider_Conditions");
+    slices->setValue(2);
+    emit slices->sliderReleased();
+    EXPECT_EQ(visibleValues(plot).size(), 15);
+    plot.close();
+    EXPECT_EQ(visibleValues(ring()).size(), 15);
+    EXPECT_EQ(low(), "0.2");
+    EXPECT_EQ(upper(), "0.7");
+}
+
+TEST_F(PlotControl, TheSliderDoesNotMoveBeforeTheFirstRing)
+{
+    auto *const slider = find<QxtSpanSlider>("widget_CircPlot_Spanner");
+    slider->setFocus();
+    EXPECT_FALSE(slider->hasFocus());
+    QWindow *const window = dialog().windowHandle();
+    const auto at = [this, slider](int x) {
+        return slider->mapTo(&dialog(), {x, slider->height() / 2});
+    };
+    QTest::mousePress(window, Qt::LeftButton, {}, at(3));
+    QTest::mouseMove(window, at(slider->width() / 2));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, at(slider->width() / 2));
+    EXPECT_EQ(slider->lowerValue(), 0);
+    EXPECT_EQ(low(), "0.0");
+    ring();
+    dialog().activateWindow();
+    QTest::mousePress(window, Qt::LeftButton, {}, at(3));
+    QTest::mouseMove(window, at(slider->width() / 2));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, at(slider->width() / 2));
+    EXPECT_GT(slider->lowerValue(), 300) << "as it does afterwards";
+    EXPECT_EQ(low(), QString::number(slider->lowerValue() / 1000.0));
+}
+
 TEST_F(PlotControl, EverySliderStepFiltersAndIsShown)
 {
     CircularPlot &plot = ring();
