@@ -7,12 +7,12 @@
 #include "plots/save_dialog.h"
 #include "ui_line_plot.h"
 
+#include <QByteArray>
 #include <QCheckBox>
 #include <QMenu>
 #include <QPen>
 #include <QPixmap>
 #include <QPointer>
-#include <QSaveFile>
 #include <QTextStream>
 #include <QVariant>
 #include <QtCharts/QLegend>
@@ -250,16 +250,13 @@ void LinePlot::saveCSV()
                                       QStringLiteral(".csv"));
     if (path.isEmpty())
         return;
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    QTextStream stream(&file);
+    QByteArray text;
+    QTextStream stream(&text);
     if (!series.isEmpty()) {
         const QVector<QPointF> points = series.first()->pointsVector();
         for (int i = 0; i < points.size(); ++i)
             stream << (i > 0 ? "," : "") << points[i].y();
     }
     stream.flush();
-    if (stream.status() == QTextStream::Ok)
-        file.commit();
+    saveFile(text, path);
 }

@@ -22,16 +22,20 @@ QString askForTarget(QWidget *window, const QString &filter, const QString &suff
     return path;
 }
 
+void saveFile(const QByteArray &contents, const QString &path)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    // The flush tells of a disk that is full; a commit alone would keep what fitted on it.
+    if (file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush())
+        file.commit();
+}
+
 void savePicture(const QPixmap &picture, const QString &path)
 {
     // Through memory: the writer of the format leaks when its device fails under it.
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG"))
-        return;
-
-    QSaveFile file(path);
-    // The flush tells of a disk that is full; a commit alone would keep what fitted on it.
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush())
-        file.commit();
+    if (buffer.open(QIODevice::WriteOnly) && picture.save(&buffer, "PNG"))
+        saveFile(bytes, path);
 }

@@ -2,6 +2,7 @@
 #include "plots/save_dialog.h"
 #include "tests/plots/line_plot_fixture.h"
 #include "tests/support/modal_driver.h"
+#include "tests/support/other_user.h"
 
 #include <QAction>
 #include <QDialogButtonBox>
@@ -299,6 +300,44 @@ TEST_F(LinePlotExport, a_full_disk_leaves_an_existing_file_as_it_was)
     full.reset();
     EXPECT_EQ(files(), QStringList("values.csv"));
     EXPECT_EQ(contents(in("values.csv")), "precious");
+}
+
+TEST_F(LinePlotExport, an_existing_file_is_written_where_its_folder_takes_no_new_one)
+{
+    const QFile::Permissions anyone = QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther;
+    const QFile::Permissions mayEnter =
+        anyone | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
+    for (const char *name : {"values.csv", "plot.png"}) {
+        QFile file(in(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(100'000, 'x'));
+        ASSERT_TRUE(file.setPermissions(anyone | QFile::WriteOwner | QFile::WriteGroup |
+                                        QFile::WriteOther));
+    }
+    const QImage seen = view()->grab().toImage();
+
+    const auto replace = [this](const char *name, void (LinePlot::*save)()) {
+        std::unique_ptr<OtherUser> user;
+        driver.expect<QFileDialog>([this, name, &user](QFileDialog &dialog) {
+            QObject::connect(&dialog, &QDialog::accepted, &dialog,
+                             [&user] { user = std::make_unique<OtherUser>(); });
+            driver.expect<QMessageBox>(
+                [](QMessageBox &box) { box.button(QMessageBox::Yes)->click(); });
+            pressSave(dialog, in(name));
+        });
+        (window.*save)();
+    };
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), mayEnter));
+    replace("values.csv", &LinePlot::saveCSV);
+    replace("plot.png", &LinePlot::saveImage);
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), mayEnter | QFile::WriteOwner));
+
+    EXPECT_EQ(files(), QStringList({"plot.png", "values.csv"}));
+    EXPECT_EQ(contents(in("values.csv")), firstLine);
+    QImage saved;
+    ASSERT_TRUE(saved.load(in("plot.png"), "PNG"));
+    EXPECT_EQ(saved.convertToFormat(QImage::Format_RGB32),
+              seen.convertToFormat(QImage::Format_RGB32));
 }
 
 TEST_F(LinePlotExport, the_window_may_go_while_its_dialog_is_open)
