@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/plots/form_check.h"
 #include "tests/plots/line_plot_fixture.h"
 
 #include <QComboBox>
@@ -127,6 +128,27 @@ TEST_F(LinePlotTest, puts_the_chart_behind_the_spacer_of_its_central_widget)
     EXPECT_EQ(layout->contentsMargins().left(), 0);
     EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
     EXPECT_EQ(layout->itemAt(1)->widget(), view());
+}
+
+TEST_F(LinePlotTest, has_each_part_of_its_form_in_its_place)
+{
+    EXPECT_EQ(window.centralWidget()->objectName(), "centralwidget");
+    EXPECT_EQ(named<QDockWidget>("dw_Legend")->widget()->objectName(), "dockWidgetContents");
+    EXPECT_EQ(named<QDockWidget>("dw_Sources")->widget()->objectName(), "dockWidgetContents_4");
+    const auto names = [this](const char *layout) { return namesIn(window, layout); };
+    EXPECT_EQ(names("verticalLayout_3"), "-");
+    EXPECT_EQ(names("verticalLayout"), "groupBox -");
+    EXPECT_EQ(names("verticalLayout_2"), "horizontalLayout_3 line scrollArea");
+    EXPECT_EQ(names("horizontalLayout_3"), "cbox_Conditions btn_Show btn_Hide");
+    EXPECT_EQ(names("horizontalLayout_2"), "gridLayoutAll");
+    EXPECT_EQ(names("verticalLayout_4"), "groupBox_2");
+    EXPECT_EQ(spacerIn(window, "verticalLayout_3", 0), QSize(20, 40));
+    EXPECT_EQ(spacerIn(window, "verticalLayout", 1), QSize(20, 40));
+    EXPECT_EQ(named<QDockWidget>("dw_Legend")->widget()->layout()->objectName(), "verticalLayout");
+    EXPECT_EQ(named<QWidget>("scrollAreaWidgetContents")->layout()->objectName(),
+              "horizontalLayout_2");
+    EXPECT_EQ(named<QDockWidget>("dw_Sources")->widget()->layout()->objectName(),
+              "verticalLayout_4");
 }
 
 TEST_F(LinePlotTest, declares_its_slots_in_order)
@@ -354,6 +376,45 @@ TEST_F(LinePlotTest, a_constant_line_is_seen)
     EXPECT_TRUE(allPointsAreInThePlotArea());
 }
 
+/// A number of points, and whether they have labels.
+class LinePlotOfPoints : public LinePlotTest,
+                         public testing::WithParamInterface<std::tuple<int, bool>>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(LinePlot, LinePlotOfPoints,
+                         testing::Combine(testing::Values(0, 1, 2, 50, 51, 2000), testing::Bool()));
+
+TEST_P(LinePlotOfPoints, shows_them_all_in_the_plot_area)
+{
+    const auto [points, labelled] = GetParam();
+    window.addSeries(wave(points), QString(), 0);
+    window.finishPlot(labelled ? names(points) : QStringList(), false);
+    show();
+    EXPECT_EQ(line(0)->count(), points);
+    EXPECT_TRUE(allPointsAreInThePlotArea());
+
+    const QImage picture = view()->grab().toImage();
+    int ofLine = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            ofLine += rgba(picture.pixelColor(x, y)) == rgba(line(0)->color());
+    }
+    EXPECT_EQ(ofLine > 0, points > 0);
+}
+
+TEST_F(LinePlotTest, a_line_without_any_finite_value_is_blank)
+{
+    window.addSeries(std::vector<float>(3, std::numeric_limits<float>::quiet_NaN()), QString(), 0);
+    window.finishPlot(names(3), false);
+    show();
+    EXPECT_EQ(line(0)->count(), 0);
+    EXPECT_EQ(qobject_cast<QBarCategoryAxis *>(xAxis(chart()))->categories(), names(3));
+    auto *y = qobject_cast<QValueAxis *>(chart()->axes(Qt::Vertical).value(0));
+    ASSERT_NE(y, nullptr);
+    EXPECT_TRUE(std::isfinite(y->min()) && std::isfinite(y->max()));
+}
+
 TEST_F(LinePlotTest, holds_two_hundred_lines)
 {
     for (int row = 0; row < 200; ++row)
@@ -410,6 +471,18 @@ TEST_F(LinePlotConditions, are_offered_sorted_behind_all)
     }
     EXPECT_EQ(texts, QStringList({"All", "Cue", "Faces", "Houses", "baseline"}));
     EXPECT_EQ(box->currentText(), "All");
+}
+
+TEST_F(LinePlotConditions, have_a_legend_row_and_a_check_box_per_interval)
+{
+    for (int row : {0, 2}) {
+        EXPECT_EQ(nameLabel(row)->text(), "baseline");
+        EXPECT_EQ(colorBox(row)->styleSheet(), colorBox(0)->styleSheet());
+        ASSERT_NE(checkBox(row), nullptr);
+        EXPECT_FALSE(checkBox(row)->isHidden());
+    }
+    EXPECT_NE(checkBox(0), checkBox(2));
+    EXPECT_EQ(grid()->rowCount(), 5);
 }
 
 TEST_F(LinePlotConditions, have_a_color_each_in_the_order_of_their_appearance)

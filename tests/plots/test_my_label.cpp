@@ -108,6 +108,34 @@ TEST_F(MyLabelTest, turned_unclickable_while_hovered_keeps_its_cursor)
     EXPECT_EQ(label->cursor().shape(), Qt::ArrowCursor);
 }
 
+/// Counts the presses of the mouse that reach a widget.
+class Presses : public QObject
+{
+public:
+    explicit Presses(QWidget *widget) { widget->installEventFilter(this); }
+
+    int count = 0;
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::MouseButtonPress;
+        return false;
+    }
+};
+
+TEST_F(MyLabelTest, a_press_does_not_reach_what_lies_below)
+{
+    const Presses below(&window);
+    for (bool clickable : {true, false}) {
+        label->setClickable(clickable);
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, inside());
+        EXPECT_EQ(below.count, 0) << clickable;
+    }
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, outside);
+    EXPECT_EQ(below.count, 1);
+}
+
 TEST_F(MyLabelTest, asks_for_hover_events)
 {
     EXPECT_TRUE(label->testAttribute(Qt::WA_Hover));

@@ -217,6 +217,60 @@ TEST_F(SpanSliderTest, actions_move_the_acting_handle)
     }
 }
 
+/// An action that would take a handle of the span 200 to 300 beyond the other one, with steps of
+/// 150 in the range 50 to 500.
+struct CrossingCase {
+    QAbstractSlider::SliderAction action;
+    bool upperActs;
+    QxtSpanSlider::HandleMovementMode mode;
+    int span[2];
+    bool crosses;
+};
+
+TEST_F(SpanSliderTest, actions_stop_or_cross_at_the_other_handle_as_the_mode_says)
+{
+    const CrossingCase cases[] = {
+        {QAbstractSlider::SliderSingleStepAdd, false, QxtSpanSlider::NoCrossing, {300, 300}, false},
+        {QAbstractSlider::SliderSingleStepAdd,
+         false,
+         QxtSpanSlider::NoOverlapping,
+         {299, 300},
+         false},
+        {QAbstractSlider::SliderSingleStepAdd,
+         false,
+         QxtSpanSlider::FreeMovement,
+         {200, 350},
+         true},
+        {QAbstractSlider::SliderToMaximum, false, QxtSpanSlider::NoCrossing, {300, 300}, false},
+        {QAbstractSlider::SliderToMaximum, false, QxtSpanSlider::NoOverlapping, {299, 300}, false},
+        {QAbstractSlider::SliderToMaximum, false, QxtSpanSlider::FreeMovement, {200, 500}, true},
+        {QAbstractSlider::SliderSingleStepSub, true, QxtSpanSlider::NoCrossing, {200, 200}, false},
+        {QAbstractSlider::SliderSingleStepSub,
+         true,
+         QxtSpanSlider::NoOverlapping,
+         {200, 201},
+         false},
+        {QAbstractSlider::SliderSingleStepSub, true, QxtSpanSlider::FreeMovement, {150, 300}, true},
+        {QAbstractSlider::SliderToMinimum, true, QxtSpanSlider::NoCrossing, {200, 200}, false},
+        {QAbstractSlider::SliderToMinimum, true, QxtSpanSlider::NoOverlapping, {200, 201}, false},
+        {QAbstractSlider::SliderToMinimum, true, QxtSpanSlider::FreeMovement, {50, 300}, true},
+    };
+    slider.setRange(50, 500);
+    slider.setSingleStep(150);
+    for (const CrossingCase &c : cases) {
+        for (QxtSpanSlider::SpanHandle mainControl : {lowerHandle, upperHandle}) {
+            slider.setHandleMovementMode(c.mode);
+            slider.setSpan(200, 300);
+            logic.mainControl = mainControl;
+            logic.triggerAction(c.action, c.upperActs == (mainControl == upperHandle));
+            EXPECT_EQ(state(), QStringLiteral("%1 %2 | %1 %2").arg(c.span[0]).arg(c.span[1]))
+                << "action " << c.action << " mode " << c.mode;
+            EXPECT_EQ(logic.mainControl != mainControl, c.crosses)
+                << "action " << c.action << " mode " << c.mode;
+        }
+    }
+}
+
 TEST_F(SpanSliderTest, a_move_commits_waiting_positions)
 {
     slider.setTracking(false);
@@ -244,6 +298,16 @@ TEST_F(SpanSliderTest, an_unknown_action_warns_and_sends_the_lower_handle_to_0)
             EXPECT_EQ(state(), "0 300 | 0 300");
         }
     }
+}
+
+TEST_F(SpanSliderTest, an_unknown_action_crosses_an_upper_handle_below_0)
+{
+    slider.setRange(-100, -50);
+    slider.setSpan(-80, -60);
+    logic.triggerAction(QAbstractSlider::SliderPageStepAdd, true);
+    EXPECT_EQ(takeWarnings(), QStringList("QxtSpanSliderPrivate::triggerAction: Unknown action"));
+    EXPECT_EQ(state(), "-80 -50 | -80 -50");
+    EXPECT_EQ(logic.mainControl, upperHandle);
 }
 
 } // namespace

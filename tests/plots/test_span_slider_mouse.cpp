@@ -143,6 +143,41 @@ TEST_P(EveryLayout, coincident_handles_wait_for_the_first_real_movement)
     EXPECT_EQ(state(), "190 200 | 190 200");
 }
 
+TEST_P(EveryLayout, coincident_handles_part_whether_they_may_cross_or_not)
+{
+    for (auto mode : {QxtSpanSlider::NoCrossing, QxtSpanSlider::NoOverlapping}) {
+        slider.setHandleMovementMode(mode);
+        show(200, 200);
+        pressAt(200);
+        moveTo(190);
+        releaseAt(190);
+        EXPECT_EQ(state(), "190 200 | 190 200") << mode;
+
+        slider.setSpan(200, 200);
+        pressAt(200);
+        moveTo(210);
+        releaseAt(210);
+        EXPECT_EQ(state(), "200 210 | 200 210") << mode;
+    }
+}
+
+TEST_P(EveryLayout, coincident_handles_part_both_ways_in_one_drag_without_tracking)
+{
+    slider.setTracking(false);
+    show(200, 200);
+    pressAt(200);
+    moveTo(210);
+    EXPECT_TRUE(logic.firstMovement); // the values still coincide
+    moveTo(190);
+    EXPECT_FALSE(logic.firstMovement);
+    EXPECT_EQ(takeSignals(), QStringList({"down", "pressed 2", "upperPos 210", "lowerPos 190"}));
+    EXPECT_EQ(state(), "200 200 | 190 210");
+    releaseAt(190);
+    EXPECT_EQ(takeSignals(),
+              QStringList({"lower 190", "span 190 200", "upper 210", "span 190 210", "up"}));
+    EXPECT_EQ(state(), "190 210 | 190 210");
+}
+
 TEST_P(EveryLayout, a_free_lower_handle_crosses_and_goes_on_as_the_upper_one)
 {
     show(100, 300);
@@ -231,6 +266,51 @@ TEST_P(EveryLayout, without_tracking_the_values_come_with_the_release)
     releaseAt(280);
     EXPECT_EQ(takeSignals(), QStringList({"down", "pressed 2", "upperPos 280", "upper 280",
                                           "span 150 280", "up"}));
+}
+
+/// Fusion with a limit to the distance between the mouse and a slider that it drags.
+class ShortLeash : public QProxyStyle
+{
+public:
+    ShortLeash() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+    int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                    const QWidget *widget) const override
+    {
+        return metric == PM_MaximumDragDistance ? 20
+                                                : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
+TEST_P(EveryLayout, dragged_too_far_a_handle_goes_back_to_where_it_was_pressed)
+{
+    ShortLeash style;
+    slider.setStyle(&style);
+    show(100, 300);
+    const int toEdge = thickness / 2;
+
+    pressAt(100);
+    move(pointOf(150, toEdge + 19)); // the last pixel inside
+    EXPECT_EQ(state(), "150 300 | 150 300");
+    move(pointOf(160, toEdge + 20));
+    EXPECT_EQ(state(), "100 300 | 100 300");
+    move(pointOf(160, -toEdge - 20));
+    EXPECT_EQ(state(), "160 300 | 160 300");
+    move(pointOf(170, -toEdge - 21));
+    EXPECT_EQ(state(), "100 300 | 100 300");
+    moveTo(-20); // before the slider's start
+    EXPECT_EQ(state(), "0 300 | 0 300");
+    moveTo(-40);
+    EXPECT_EQ(state(), "100 300 | 100 300");
+    moveTo(170);
+    releaseAt(170);
+    EXPECT_EQ(state(), "170 300 | 170 300");
+
+    pressAt(300);
+    move(pointOf(200, toEdge + 40));
+    EXPECT_EQ(state(), "170 300 | 170 300");
+    releaseAt(300);
+    slider.setStyle(nullptr);
 }
 
 using SpanSliderMouse = SpanSliderTest;
@@ -344,47 +424,6 @@ TEST_F(SpanSliderMouse, a_range_that_changes_during_a_drag_takes_the_span_with_i
     moveTo(300); // half a value per pixel now
     releaseAt(300);
     EXPECT_EQ(state(), "100 150 | 100 150");
-}
-
-/// Fusion with a limit to the distance between the mouse and a slider that it drags.
-class ShortLeash : public QProxyStyle
-{
-public:
-    ShortLeash() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
-
-    int pixelMetric(PixelMetric metric, const QStyleOption *option,
-                    const QWidget *widget) const override
-    {
-        return metric == PM_MaximumDragDistance ? 20
-                                                : QProxyStyle::pixelMetric(metric, option, widget);
-    }
-};
-
-TEST_F(SpanSliderMouse, dragged_too_far_a_handle_goes_back_to_where_it_was_pressed)
-{
-    ShortLeash style;
-    slider.setStyle(&style);
-    show(100, 300);
-    const int toEdge = thickness / 2;
-
-    pressAt(100);
-    move(pointOf(150, toEdge + 19)); // the last pixel inside
-    EXPECT_EQ(state(), "150 300 | 150 300");
-    move(pointOf(160, toEdge + 20));
-    EXPECT_EQ(state(), "100 300 | 100 300");
-    move(pointOf(160, -toEdge - 20));
-    EXPECT_EQ(state(), "160 300 | 160 300");
-    move(pointOf(170, -toEdge - 21));
-    EXPECT_EQ(state(), "100 300 | 100 300");
-    moveTo(170);
-    releaseAt(170);
-    EXPECT_EQ(state(), "170 300 | 170 300");
-
-    pressAt(300);
-    move(pointOf(200, toEdge + 40));
-    EXPECT_EQ(state(), "170 300 | 170 300");
-    releaseAt(300);
-    slider.setStyle(nullptr);
 }
 
 TEST_F(SpanSliderMouse, without_a_limit_no_distance_is_too_far)

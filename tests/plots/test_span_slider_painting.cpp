@@ -160,6 +160,13 @@ protected:
         QCoreApplication::sendEvent(&slider, &event);
     }
 
+    void release()
+    {
+        QMouseEvent event(QEvent::MouseButtonRelease, QPoint(0, 0), Qt::LeftButton, Qt::NoButton,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(&slider, &event);
+    }
+
     RoundNumbers style;
     QxtSpanSlider slider;
 };
@@ -207,11 +214,6 @@ TEST_P(SpanPainting, the_groove_comes_first_and_the_handle_pressed_last_lies_on_
         style.drawn.clear();
         slider.grab();
         return style.drawn;
-    };
-    const auto release = [this] {
-        QMouseEvent event(QEvent::MouseButtonRelease, QPoint(0, 0), Qt::LeftButton, Qt::NoButton,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(&slider, &event);
     };
     EXPECT_EQ(drawn(), (QVector<DrawnControl>{groove, lower, upper}));
     press(30);
@@ -283,6 +285,8 @@ TEST_P(SpanPainting, is_painted_anew_whenever_its_picture_changes)
     press(60);
     const QRect handle = lying() ? QRect(70, 4, 10, 20) : QRect(4, 70, 20, 10);
     EXPECT_TRUE(painted.take().contains(handle));
+    release();
+    EXPECT_EQ(painted.take(), all);
 }
 
 /// A slider whose option for the style can be asked for.

@@ -3,6 +3,7 @@
 
 #include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
+#include "tests/plots/form_check.h"
 #include "tests/support/qt_printers.h"
 
 #include <QApplication>
@@ -11,6 +12,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTest>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QLegend>
@@ -74,6 +76,53 @@ TEST_F(TimeseriesLinePlotTest, has_the_form_of_a_window_with_an_empty_legend)
     ASSERT_EQ(layout->count(), 2);
     EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
     EXPECT_EQ(layout->itemAt(1)->widget(), view());
+}
+
+TEST_F(TimeseriesLinePlotTest, has_each_part_of_its_form_in_its_place)
+{
+    EXPECT_EQ(window.centralWidget()->objectName(), "centralwidget");
+    EXPECT_EQ(window.centralWidget()->layout()->objectName(), "horizontalLayout");
+    const auto names = [this](const char *layout) { return namesIn(window, layout); };
+    EXPECT_EQ(names("verticalLayout_3"), "groupBox -");
+    EXPECT_EQ(names("verticalLayout_2"), "horizontalLayout_3 line scrollArea");
+    EXPECT_EQ(names("horizontalLayout_3"), "cbox_Conditions btn_Show btn_Hide");
+    EXPECT_EQ(names("horizontalLayout_2"), "gridLayoutAll");
+    EXPECT_EQ(spacerIn(window, "verticalLayout_3", 1), QSize(20, 40));
+
+    QLayout *inGroup = window.findChild<QGroupBox *>("groupBox")->layout();
+    EXPECT_EQ(inGroup->objectName(), "verticalLayout_2");
+    EXPECT_EQ(inGroup->sizeConstraint(), QLayout::SetMinAndMaxSize);
+    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->minimumWidth(), 150);
+    for (const char *name : {"btn_Show", "btn_Hide"})
+        EXPECT_TRUE(window.findChild<QPushButton *>(name)->isFlat()) << name;
+    EXPECT_EQ(window.findChild<QFrame *>("line")->frameShape(), QFrame::HLine);
+    EXPECT_EQ(window.findChild<QFrame *>("line")->frameShadow(), QFrame::Sunken);
+
+    auto *area = window.findChild<QScrollArea *>("scrollArea");
+    EXPECT_EQ(area->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+    EXPECT_EQ(area->sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
+    EXPECT_EQ(area->frameShape(), QFrame::NoFrame);
+    EXPECT_TRUE(area->widgetResizable());
+    EXPECT_EQ(area->widget()->objectName(), "scrollAreaWidgetContents");
+    EXPECT_EQ(area->widget()->layout()->objectName(), "horizontalLayout_2");
+}
+
+TEST_F(TimeseriesLinePlotTest, has_controls_that_do_nothing)
+{
+    window.setSeries({1, 2}, QStringLiteral("Rest"));
+    window.finishPlot({"a", "b"});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(line()->name(), "Rest");
+    for (const char *name : {"btn_Hide", "btn_Show"}) {
+        auto *button = window.findChild<QPushButton *>(name);
+        EXPECT_TRUE(button->isEnabled());
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {},
+                          button->mapTo(&window, button->rect().center()));
+        EXPECT_TRUE(line()->isVisible()) << name;
+    }
+    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->count(), 0);
+    EXPECT_TRUE(window.findChild<QGridLayout *>("gridLayoutAll")->isEmpty());
 }
 
 TEST_F(TimeseriesLinePlotTest, draws_one_line_over_the_conditions)

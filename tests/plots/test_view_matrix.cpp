@@ -6,6 +6,7 @@
 #include "plots/vertical_header_view.h"
 #include "plots/view_matrix.h"
 #include "plots/view_matrix_table.h"
+#include "tests/plots/form_check.h"
 #include "tests/plots/plot_fixture.h"
 
 #include <QApplication>
@@ -429,17 +430,7 @@ TEST(BrowserForm, has_its_widgets_in_order)
 {
     Result result({});
     const ViewMatrix window(&result.dialog);
-    const auto names = [&](const char *name) {
-        QStringList found;
-        const auto *const layout = window.findChild<QLayout *>(QLatin1String(name));
-        for (int i = 0; i < layout->count(); ++i) {
-            QLayoutItem *const item = layout->itemAt(i);
-            found += item->widget()   ? item->widget()->objectName()
-                     : item->layout() ? item->layout()->objectName()
-                                      : QStringLiteral("-");
-        }
-        return found.join(' ').toStdString();
-    };
+    const auto names = [&](const char *layout) { return namesIn(window, layout); };
     EXPECT_EQ(names("horizontalLayout_2"), "widget_Conditions verticalLayout widget");
     EXPECT_EQ(names("verticalLayout_3"), "groupBox -");
     EXPECT_EQ(names("verticalLayout"), "tableMatrix widget_statusbar");
@@ -485,6 +476,31 @@ TEST(BrowserForm, connects_its_hidden_controls_to_nothing)
     browser.find<QCheckBox>("checkBox")->setChecked(true);
     browser.find<QCheckBox>("checkBox_2")->setChecked(true);
     browser.expectShows(fourMatrices()[0]);
+}
+
+TEST(BrowserForm, has_a_blank_histogram_that_cannot_be_operated_when_shown_by_force)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    browser.show();
+    auto *const histogram = browser.find<Histogram>("histogram");
+    browser.find<QGroupBox>("groupBox_Histogram")->show();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(histogram->isVisible());
+    const QImage picture = histogram->viewport()->grab().toImage();
+    for (int y = 2; y < picture.height() - 2; ++y) {
+        for (int x = 2; x < picture.width() - 2; ++x)
+            ASSERT_EQ(picture.pixelColor(x, y), QColor(Qt::white)) << x << ", " << y;
+    }
+
+    auto *const bins = browser.find<QSpinBox>("sbox_HistBins");
+    auto *const normalize = browser.find<QCheckBox>("cbox_HistNormalize");
+    const int before = bins->value();
+    QTest::mouseClick(normalize, Qt::LeftButton, {}, QPoint(8, normalize->height() / 2));
+    QTest::keyClick(normalize, Qt::Key_Space);
+    QTest::keyClick(bins, Qt::Key_Up);
+    EXPECT_FALSE(normalize->isChecked());
+    EXPECT_EQ(bins->value(), before);
 }
 
 // The table.
