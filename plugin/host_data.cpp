@@ -313,6 +313,7 @@ int readVOINames(Subject &subject)
         return 0;
     QStringList names;
     for (int voi = 0; voi < subject.voisHeader.voiCount; ++voi) {
+        subject.voiRecord = {}; // a host that fails must not leave the name of another VOI in it
         hostFunctions().zqGetVOI(voi, &subject.voiRecord);
         QString name = QString::fromUtf8(fieldText(subject.voiRecord.name));
         if (subject.voiRecord.voxelCount == 0)

@@ -372,6 +372,13 @@ TEST_F(HostData, VoiNamesSayWhichVoisAreEmpty)
     EXPECT_EQ(host.count("zqLoadVOIs"), 1);
 }
 
+TEST_F(HostData, VoiThatTheHostDoesNotGiveHasNoNameOfAnother)
+{
+    vois() = {{"links", {{1, 2, 3}}}, {"rechts", {{1, 2, 3}}, false}, {"oben", {{1, 2, 3}}}};
+    EXPECT_EQ(subject.voiCount(true), 3);
+    EXPECT_EQ(subject.voiNames, (QStringList{"links", " (empty)", "oben"}));
+}
+
 TEST_F(HostData, VoiCountWithSeedsDoesNotTouchTheHost)
 {
     ConnectivityScheme scheme;
