@@ -266,6 +266,27 @@ TEST_F(Profile, VoiListIsLogged)
     EXPECT_EQ(messages.at(1).text, "void __cdecl Tessera::setVOIsList(void)(V0, V1)");
 }
 
+TEST_F(Profile, LongNamesDoNotWidenTheDialog)
+{
+    fake_host::VoiSet set;
+    set.vois = {{std::string(250, 'V'), {{50, 60, 70}}}, {std::string(250, 'W'), {{51, 60, 70}}}};
+    const int row = addRow();
+    rename(row, QString(10000, QLatin1Char('n')));
+    finishRow(row, addVtc("run.vtc"), addVois("long.voi", set));
+    // Both boxes hold the names before they are seen for the first time.
+    auto *const profiles = find<QComboBox>("cBox_connectivityProfile");
+    profiles->setCurrentIndex(profiles->findData(row));
+    ASSERT_EQ(voiBox()->count(), 3);
+    find<QCheckBox>("chkBox_ShowResults")->setChecked(false);
+    selectSeeds({0, 1});
+    compute();
+    showTab(find<QWidget>("list_ConnObjs"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialog().size(), QSize(533, 740));
+    EXPECT_LE(dialog().minimumSizeHint().width(), 533);
+    EXPECT_LE(dialog().sizeHint().width(), 533);
+}
+
 TEST_F(Profile, FiveThousandVois)
 {
     const int row = addRow();
