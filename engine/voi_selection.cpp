@@ -94,6 +94,8 @@ void Tessera::configurationSeedToSeedVOIs(bool)
     connect(buttons, &QDialogButtonBox::rejected, dialog.get(), &QDialog::reject);
     connect(selectNone, &QPushButton::clicked, list, &QListWidget::clearSelection);
     connect(list, &QListWidget::itemClicked, list, [list] { rearm(list); });
+    // To move the current item is not to select it: this reads the selection and changes nothing.
+    connect(list, &QListWidget::currentItemChanged, list, [list] { selectedVois(list); });
     connect(list, &QListWidget::itemSelectionChanged, list, [list, ok] { applyLimit(list, ok); });
 
     const int result = dialog->exec();

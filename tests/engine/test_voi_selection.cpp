@@ -178,6 +178,39 @@ TEST_F(VoiSelection, KeyboardSelectsFreezesAndIsFreed)
     });
 }
 
+TEST_F(VoiSelection, ClickThawsWhatTheKeyboardFroze)
+{
+    open([](const Selection &selection) {
+        selection.list->setFocus();
+        selection.list->setCurrentRow(0, QItemSelectionModel::NoUpdate);
+        for (int voi = 0; voi < 10; ++voi) {
+            QTest::keyClick(selection.list, Qt::Key_Space);
+            QTest::keyClick(selection.list, Qt::Key_Down);
+        }
+        ASSERT_TRUE(selection.isFrozen());
+        selection.click(11);
+        EXPECT_FALSE(selection.isFrozen());
+        EXPECT_EQ(selection.selected().size(), 10) << "the click only thaws";
+        selection.click(0);
+        EXPECT_EQ(selection.selected().size(), 9);
+    });
+}
+
+TEST_F(VoiSelection, MovingTheCurrentItemChangesNothing)
+{
+    open([](const Selection &selection) {
+        selection.click(0);
+        selection.click(1);
+        selection.list->setCurrentRow(5, QItemSelectionModel::NoUpdate);
+        EXPECT_EQ(selection.selected(), (QVector<int>{0, 1}));
+        EXPECT_TRUE(selection.ok->isEnabled());
+        EXPECT_FALSE(selection.isFrozen());
+        EXPECT_TRUE(
+            QObject::disconnect(selection.list, &QListWidget::currentItemChanged, nullptr, nullptr))
+            << "the selection is read all the same";
+    });
+}
+
 TEST_F(VoiSelection, EveryInputIsAStopOfTab)
 {
     open([](const Selection &selection) {
