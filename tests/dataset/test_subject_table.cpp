@@ -296,6 +296,22 @@ TEST_P(TableFileSlot, LogsItsSignatureFirst)
     EXPECT_EQ(messages.first().text, GetParam().signature);
 }
 
+TEST_F(Table, FileDialogBeginsWhereTheLastOneEnded)
+{
+    addRow();
+    const QString vtc = addVtc("run.vtc");
+    modals.expect<QFileDialog>([&](QFileDialog &files) {
+        files.setDirectory(folder.path());
+        ModalDriver::enterFile(files, vtc);
+    });
+    QTest::mouseClick(fileButton(0, VtcColumn), Qt::LeftButton);
+    modals.expect<QFileDialog>([this](QFileDialog &files) {
+        EXPECT_EQ(files.directory(), QDir(folder.path()));
+        files.reject();
+    });
+    QTest::mouseClick(fileButton(0, VoiColumn), Qt::LeftButton);
+}
+
 TEST_F(Table, FileOfAMissingNameDoesNotLeaveTheFileDialog)
 {
     addRow();
@@ -606,6 +622,40 @@ TEST_F(Table, NameIsEditedInTheTable)
     QTest::keyClick(editor, Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([this] { return subject(0).name() == "Ann"; }));
     EXPECT_TRUE(dialog().isVisible());
+}
+
+TEST_F(Table, EmptyNameInTheEditorKeepsTheOldOne)
+{
+    addRow();
+    auto *const table = find<QTableView>("tbl_Subjects");
+    dialog().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+    table->setFocus();
+    table->setCurrentIndex(model().index(0, NameColumn));
+    QTest::keyClick(table, Qt::Key_F2);
+    const QPointer<QLineEdit> editor = table->viewport()->findChild<QLineEdit *>();
+    ASSERT_FALSE(editor.isNull());
+    editor->clear();
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return editor.isNull(); }));
+    EXPECT_EQ(subject(0).name(), "Subject 1");
+}
+
+TEST_F(Table, TabLeadsFromTheNameToTheDocuments)
+{
+    addRow();
+    auto *const table = find<QTableView>("tbl_Subjects");
+    dialog().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+    table->setFocus();
+    table->setCurrentIndex(model().index(0, NameColumn));
+    QTest::keyClick(table, Qt::Key_F2);
+    auto *const editor = table->viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, "Ann");
+    QTest::keyClick(editor, Qt::Key_Tab);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return subject(0).name() == "Ann"; }));
+    EXPECT_EQ(QApplication::focusWidget(), vmrBox(0));
 }
 
 TEST_F(Table, DialogDestroyedWithAnOpenEditor)

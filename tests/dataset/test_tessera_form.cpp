@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The form of the main dialog, widget by widget.
+#include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
 #include "tests/support/dataset_fixture.h"
 
@@ -194,6 +195,71 @@ TEST_F(Window, ControlsAreAllThatThereIs)
     }
 }
 
+TEST_F(Window, OnlyTheseControlsAreFlat)
+{
+    const QStringList flat = {"btn_RemoveAll", "btn_AddSubject", "btn_RemoveSubject",
+                              "btn_ConfigureDynamic"};
+    for (const QPushButton *button : dialog().findChildren<QPushButton *>())
+        EXPECT_EQ(button->isFlat(), flat.contains(button->objectName()))
+            << qPrintable(button->objectName());
+}
+
+TEST_F(Window, OnlyTheseControlsHaveAToolTip)
+{
+    const QStringList explained = {"rbtn_VoxelToVoxel", "cbox_ConfigureVOI", "rbtn_SeedToSeed"};
+    for (const QWidget *widget : dialog().findChildren<QWidget *>())
+        EXPECT_EQ(!widget->toolTip().isEmpty(), explained.contains(widget->objectName()))
+            << qPrintable(widget->objectName());
+}
+
+/// What a control does: its signal and the dialog's slot.
+struct Connection {
+    const char *control;
+    const char *signal;
+    const char *slot;
+};
+
+TEST_F(Window, ControlsAreConnectedToTheirSlotsAndToNothingElse)
+{
+    const Connection connections[] = {
+        {"cbox_KeepOnTop", SIGNAL(clicked(bool)), SLOT(toggled_keepWindowOnTop(bool))},
+        {"btn_CloseDialog", SIGNAL(clicked(bool)), SLOT(closeDialog(bool))},
+        {"cbox_UseProtocol", SIGNAL(toggled(bool)), SLOT(toggled_useProtocol(bool))},
+        {"btn_RemoveAll", SIGNAL(clicked(bool)), SLOT(removeAllSubjects(bool))},
+        {"btn_AddSubject", SIGNAL(clicked(bool)), SLOT(addSubject(bool))},
+        {"btn_RemoveSubject", SIGNAL(clicked(bool)), SLOT(removeSubject(bool))},
+        {"cBox_connectivityProfile", SIGNAL(currentIndexChanged(int)),
+         SLOT(subjectProfile_Changed(int))},
+        {"rbtn_VoxelToVoxel", SIGNAL(clicked()), SLOT(click_VoxelToVoxel())},
+        {"cbox_ConfigureVOI", SIGNAL(activated(int)), SLOT(configureVoxelToVoxel(int))},
+        {"rbtn_SeedToSeed", SIGNAL(clicked()), SLOT(click_SeedToSeed())},
+        {"btn_ConfigureVOIs", SIGNAL(clicked(bool)), SLOT(configurationSeedToSeedVOIs(bool))},
+        {"rbtn_Correlation", SIGNAL(clicked()), SLOT(click_MeasureCorrelation())},
+        {"rbtn_PartialCorrelation", SIGNAL(clicked()), SLOT(click_MeasurePartCorrelation())},
+        {"rbtn_AbsoluteMtx", SIGNAL(clicked()), SLOT(click_MtxAbsolute())},
+        {"rbtn_PositiveMtx", SIGNAL(clicked()), SLOT(click_MtxPositive())},
+        {"rbtn_NegativeMtx", SIGNAL(clicked()), SLOT(click_MtxNegative())},
+        {"chkBox_ComputeMST", SIGNAL(clicked(bool)), SLOT(click_FilterMst(bool))},
+        {"btn_Compute", SIGNAL(clicked()), SLOT(computeConnectivity())},
+        {"list_ConnObjs", SIGNAL(doubleClicked(QModelIndex)),
+         SLOT(subjects_OpenSelected(QModelIndex))},
+        {"list_ConnObjs", SIGNAL(itemSelectionChanged()), SLOT(group_SelectedSubjects())},
+        {"btn_OpenSubject", SIGNAL(clicked()), SLOT(subjects_OpenSelected())},
+        {"btn_ReleaseSubject", SIGNAL(clicked()), SLOT(subjects_ReleaseSelected())},
+        {"btn_ReleaseAllSubjects", SIGNAL(clicked()), SLOT(subjects_ReleaseAll())},
+        {"btn_ComputeGraphDistance", SIGNAL(clicked()), SLOT(group_ComputeDistance())},
+    };
+    for (const Connection &connection : connections) {
+        EXPECT_TRUE(QObject::disconnect(find<QWidget>(connection.control), connection.signal,
+                                        &dialog(), connection.slot))
+            << connection.control;
+    }
+    for (const Control &control : controls) {
+        EXPECT_FALSE(QObject::disconnect(find<QWidget>(control.name), nullptr, &dialog(), nullptr))
+            << control.name << " does something else too";
+    }
+}
+
 TEST_F(Window, Tabs)
 {
     const auto *const tabs = find<QTabWidget>("tabWidget");
@@ -278,8 +344,6 @@ TEST_F(Window, DetailsOfTheDataPage)
     EXPECT_EQ(find<QLabel>("lbl_SubjectsCounter")->alignment() & Qt::AlignHorizontal_Mask,
               Qt::AlignRight | Qt::AlignTrailing);
     EXPECT_TRUE(find<QLabel>("lbl_SubjectsCounter")->alignment() & Qt::AlignVCenter);
-    for (const char *name : {"btn_RemoveAll", "btn_AddSubject", "btn_RemoveSubject"})
-        EXPECT_TRUE(find<QPushButton>(name)->isFlat()) << name;
 
     const auto *const table = find<QTableView>("tbl_Subjects");
     EXPECT_EQ(table->selectionMode(), QAbstractItemView::SingleSelection);
@@ -314,8 +378,6 @@ TEST_F(Window, DetailsOfTheConnectivityPage)
               "</html>");
     EXPECT_EQ(find<QWidget>("rbtn_SeedToSeed")->toolTip(),
               "Compute the connectivity between the defined VOIs.");
-    EXPECT_TRUE(find<QPushButton>("btn_ConfigureDynamic")->isFlat());
-    EXPECT_FALSE(find<QPushButton>("btn_ConfigureVOIs")->isFlat());
     EXPECT_TRUE(find<QPushButton>("btn_Compute")->font().bold());
 }
 
@@ -544,8 +606,14 @@ TEST_F(Window, KeepOnTopTogglesTheHint)
 TEST_F(Window, CloseDestroysIt)
 {
     const QPointer<Tessera> window = &dialog();
+    PluginSettings::instance()->verboseLogging = true;
+    takeMessages();
     click("btn_CloseDialog");
+    PluginSettings::instance()->verboseLogging = false;
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+    const QVector<LoggedMessage> messages = takeMessages();
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages.first().text, "void __cdecl Tessera::closeDialog(bool)");
 }
 
 TEST_F(Window, EscapeDestroysIt)

@@ -378,6 +378,17 @@ TEST_F(Compute, DumpsFourFilesPerSliceWithAProtocol)
     EXPECT_EQ(QDir(dumps.path()).entryList(QDir::Files).size(), 3 * 4 + 1);
 }
 
+TEST_F(Compute, WritesNoFileWhileDumpingIsOff)
+{
+    const QTemporaryDir dumps;
+    addSelectedRow();
+    PluginSettings::instance()->dumpAll = false;
+    PluginSettings::instance()->dumpFolder = dumps.path();
+    compute();
+    EXPECT_EQ(objects().size(), 1);
+    EXPECT_TRUE(QDir(dumps.path()).isEmpty());
+}
+
 TEST_F(Compute, DumpsNoTreesWithoutTheFilter)
 {
     const QTemporaryDir dumps;

@@ -13,6 +13,7 @@
 #include <nodalis/nodalis.h>
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 namespace
@@ -50,6 +51,13 @@ protected:
     bool isEnabled(const char *name) { return find<QWidget>(name)->isEnabled(); }
     QString output() { return find<QPlainTextEdit>("plain_GraphResults")->toPlainText(); }
 
+    /// All connections of one weight.
+    static Eigen::MatrixXf weights(int nodes, float weight)
+    {
+        Eigen::MatrixXf matrix = Eigen::MatrixXf::Constant(nodes, nodes, weight);
+        matrix.diagonal().setZero();
+        return matrix;
+    }
     QVector<int> selection()
     {
         QVector<int> indices;
@@ -173,6 +181,34 @@ TEST_F(Group, PaddingLeavesOutTheFirst)
     ASSERT_EQ(selection(), (QVector<int>{0, 1, 2})) << "the largest is the first";
     compare();
     EXPECT_TRUE(output().endsWith(table(4)));
+}
+
+TEST_F(Group, PaddingLeavesOutTheFirstWhereTheDistanceDependsOnIt)
+{
+    for (int i = 0; i < 3; ++i)
+        add(3);
+    // The zeros of the padding stand between the positive and the negative eigenvalues, of which
+    // the second has 2 and 1, the third 1 and 3.
+    object(0)->setMatrices({weights(6, 1.0f)});
+    object(1)->setMatrices({weights(3, -1.0f)});
+    object(2)->setMatrices({weights(4, 1.0f)});
+    selectAll();
+    ASSERT_EQ(selection(), (QVector<int>{0, 1, 2}));
+    compare();
+    ASSERT_NE(table(4), table(6));
+    EXPECT_TRUE(output().endsWith(table(4)));
+}
+
+TEST_F(Group, NotANumberIsTheLibrarysMatter)
+{
+    add(3);
+    add(3, true, 4);
+    Eigen::MatrixXf matrix = weights(3, 0.5f);
+    matrix(0, 1) = std::numeric_limits<float>::quiet_NaN();
+    object(0)->setMatrices({matrix});
+    selectAll();
+    compare();
+    EXPECT_TRUE(output().endsWith(table(3)));
 }
 
 TEST_F(Group, FilteredMatricesAreComparedOnDemand)
