@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
+#include <utility>
 
 namespace corvane
 {
@@ -21,15 +22,15 @@ constexpr int lookInterval = 50;                // ms
 constexpr int mostLooks = 60000 / lookInterval; // a minute
 
 /// A window as it is to be seen: a menu with the window that it belongs to.
-QPixmap pictureOf(QWidget *window)
+QImage pictureOf(QWidget *window)
 {
     const QPixmap picture = window->grab();
     if (window->windowType() != Qt::Popup || window->parentWidget() == nullptr)
-        return picture;
+        return picture.toImage();
     QWidget *const behind = window->parentWidget()->window();
     QPixmap both = behind->grab();
     QPainter(&both).drawPixmap(behind->mapFromGlobal(window->mapToGlobal(QPoint(0, 0))), picture);
-    return both;
+    return both.toImage();
 }
 
 } // namespace
@@ -64,9 +65,12 @@ void Tour::look()
     const TourStep &step = m_steps[m_next];
     QWidget *const target = step.target();
     const bool isThere = target != nullptr && target->isVisible();
-    // Seen twice in a row: layouts and paints of the first time are done.
-    if (!isThere || m_seen != target) {
+    const bool isPictured = isThere && !step.picture.isEmpty() && !m_folder.isEmpty();
+    const QImage picture = isPictured ? pictureOf(target->window()) : QImage();
+    // Seen twice in a row and looking the same: layouts and paints of the first time are done.
+    if (!isThere || m_seen != target || m_picture != picture) {
         m_seen = isThere ? target : nullptr;
+        m_picture = picture;
         if (++m_looks > mostLooks)
             finish(tr("Step %1 of the tour (%2) found no window.")
                        .arg(m_next + 1)
@@ -81,7 +85,7 @@ void Tour::look()
 void Tour::play(const TourStep &step, QWidget *target)
 {
     ++m_next;
-    if (!step.picture.isEmpty() && !takePicture(step, target))
+    if (!m_picture.isNull() && !keepPicture(step))
         return;
     const bool isShown = m_pause > 0 && !step.caption.isEmpty();
     if (isShown)
@@ -98,14 +102,12 @@ void Tour::play(const TourStep &step, QWidget *target)
                        });
 }
 
-bool Tour::takePicture(const TourStep &step, QWidget *target)
+bool Tour::keepPicture(const TourStep &step)
 {
-    if (m_folder.isEmpty())
-        return true;
-    QWidget *const window = target->window();
     const QString file =
         QStringLiteral("%1-%2.png").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(step.picture);
-    if (!pictureOf(window).save(QDir(m_folder).filePath(file))) {
+    const QImage picture = std::exchange(m_picture, QImage());
+    if (!picture.save(QDir(m_folder).filePath(file))) {
         finish(InputError(QDir(m_folder).filePath(file), tr("writing"), tr("a failure"),
                           tr("room for a picture"))
                    .what());

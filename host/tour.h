@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QImage>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -52,7 +53,7 @@ protected:
 private:
     void look();
     void play(const TourStep &step, QWidget *target);
-    bool takePicture(const TourStep &step, QWidget *target);
+    bool keepPicture(const TourStep &step);
     void showCaption(const TourStep &step, const QWidget *target);
     void finish(const QString &fault);
 
@@ -66,6 +67,7 @@ private:
     bool m_isPlaying = false;
     bool m_isOver = false;
     QPointer<QWidget> m_seen; ///< the target at the last look
+    QImage m_picture;         ///< of its window then, for a step that keeps one
     QTimer m_timer;
     QLabel *m_caption = nullptr;
 };

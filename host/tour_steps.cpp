@@ -298,8 +298,8 @@ void Workflow::results()
 {
     constexpr auto dialog = "ConnectivityObjectUI";
     picture("results", "The results of a subject",
-            "When the compute is done the results open: the matrix as a table, the circular plot, "
-            "graph measures, the nodes and the exports.",
+            "When the compute is done the results open: the matrix as a table of colours, the "
+            "circular plot, graph measures and the exports.",
             inWindow(dialog, "btn_CircularPlotConnMtx"), pressed);
     picture("ring", "The circular plot",
             "Nodes stand on a ring, their connections are drawn between them. The slider below "
@@ -336,17 +336,18 @@ void Workflow::results()
     act(featureButton(QStringLiteral("compute")), pressed);
     picture("measures", "Graph measures",
             "\"compute\" fills a row of the table, \"inspect\" then shows its values as lines. "
-            "With \"Use filtered matrix\" the measures are those of the spanning tree.",
+            "The measures are those of the whole matrix, not of its spanning tree.",
             featureButton(QStringLiteral("inspect")), pressed);
     picture("line-plot", "A measure per node and condition",
             "One line for each interval of the protocol, one point for each node. The legend "
-            "shows and hides lines; the File menu saves the picture and its numbers.",
+            "shows and hides lines; a right click saves the picture, or the numbers of the first "
+            "line.",
             [] { return windowOf("LinePlot"); });
     closeWindow("LinePlot");
     tab(4);
     picture("exports", "Exports",
             "Time series and matrices go into text files with comma-separated values: one file "
-            "for each volume of interest, or one for each interval of the protocol.",
+            "for each volume of interest, and one for each interval of the protocol.",
             inWindow(dialog, "btn_exportConnectivityMatrix"), pressed);
     chooseFile(QDir(m_exports).filePath(QStringLiteral("connectivity.csv")));
     act(

@@ -75,8 +75,24 @@ int runWorkbench(const QStringList &arguments)
 }
 
 #ifdef CORVANE_IMPORT
+namespace
+{
+
+QtMessageHandler messageHandlerBefore = nullptr;
+
+/// Leaves out Qt's remarks about a platform without a display and about style sheets, which would
+/// bury what the tour itself has to say.
+void tellFaultsOnly(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        messageHandlerBefore(type, context, text);
+}
+
+} // namespace
+
 std::unique_ptr<QCoreApplication> makeTourApplication(int &argc, char **argv)
 {
+    messageHandlerBefore = qInstallMessageHandler(tellFaultsOnly);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qSetGlobalQHashSeed(0);
