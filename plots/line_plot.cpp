@@ -111,6 +111,7 @@ void LinePlot::addLegendRow(int row, const QLineSeries &line, int kind)
     checkBox->setProperty(rowProperty, row);
     checkBox->setTristate(false);
     checkBox->setChecked(true);
+    checkBox->setAccessibleName(label->text());
 
     if (kind == triggerKind) {
         colorBox->setClickable(false);
@@ -121,6 +122,7 @@ void LinePlot::addLegendRow(int row, const QLineSeries &line, int kind)
     ui->gridLayoutAll->addWidget(colorBox, row, 0, Qt::AlignVCenter);
     ui->gridLayoutAll->addWidget(label, row, 1, Qt::AlignVCenter | Qt::AlignLeft);
     ui->gridLayoutAll->addWidget(checkBox, row, 2, Qt::AlignVCenter | Qt::AlignRight);
+    setTabOrder(checkBox, chartView); // the whole legend comes before the chart
 
     if (kind == 0) {
         connect(colorBox, &MyLabel::hoverLabel, this, &LinePlot::highlightLineSeries);

@@ -6,6 +6,7 @@
 
 #include "plots/circular_plot.h"
 #include "plots/line_plot.h"
+#include "plots/view_matrix.h"
 #include "results/graph_features_model.h"
 
 #include <QAbstractSlider>
@@ -14,6 +15,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
+#include <QtCharts/QChartView>
 #include <QtTest>
 
 namespace
@@ -192,6 +194,49 @@ TEST_F(ResultsKeyboard, EveryControlHasANameOfItsOwn)
     EXPECT_TRUE(names.contains("Thickness multiplier"));
     EXPECT_TRUE(names.contains("compute Nodal Global Efficiency"));
     EXPECT_TRUE(names.contains("inspect Global efficiency"));
+}
+
+// The plots
+
+/// The controls that Tab visits in a window, beginning with that one.
+QStringList visitedIn(QWidget &window, const char *first)
+{
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto *const begin = window.findChild<QWidget *>(first);
+    begin->setFocus();
+    QStringList names;
+    do {
+        const QWidget *const focus = window.focusWidget();
+        const bool isNamed = !focus->objectName().isEmpty();
+        names += isNamed ? focus->objectName() : accessibleName(window.focusWidget());
+        QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    } while (window.focusWidget() != begin && names.size() < 60);
+    return names;
+}
+
+TEST_F(ResultsKeyboard, TheLegendOfALinePlotComesBeforeItsChart)
+{
+    setIntervals({{1, "rest"}, {11, "cue", 1}, {21, "task"}});
+    compute("strength");
+    inspect("strength");
+    auto *const plot = window<LinePlot>();
+    plot->findChild<QtCharts::QChartView *>()->setObjectName("chart");
+    EXPECT_EQ(visitedIn(*plot, "cbox_Conditions"),
+              QStringList({"cbox_Conditions", "btn_Show", "btn_Hide", "scrollArea", "rest", "task",
+                           "chart"}));
+}
+
+TEST_F(ResultsKeyboard, OtherPlotsHaveNamesToo)
+{
+    setIntervals({{1, "rest"}, {11, "task"}});
+    click("btn_CircularPlotConnMtx");
+    click("btn_PlotConnMtx");
+    EXPECT_EQ(accessibleName(dialog().findChild<QWidget *>("hSlider_Conditions")), "Condition");
+    EXPECT_EQ(accessibleName(dialog().findChild<QWidget *>("tableMatrix")), "Connectivity matrix");
+    EXPECT_EQ(accessibleName(dialog().findChild<QWidget *>("graphicsView")), "Overview");
+    EXPECT_EQ(visitedIn(*window<ViewMatrix>(), "tableMatrix"),
+              QStringList({"tableMatrix", "graphicsView", "scrollArea"}));
 }
 
 } // namespace
