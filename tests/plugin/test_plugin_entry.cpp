@@ -5,100 +5,27 @@
 #include "dataset/tessera.h"
 #include "plugin/exports.h"
 #include "plugin/host_functions.h"
-#include "plugin/plugin_interface.h"
+#include "tests/plugin/entry_fixture.h"
 
-#include <QApplication>
 #include <QCheckBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
-#include <memory>
+#include <cstring>
 #include <string>
-#include <vector>
-
-namespace
-{
-
-/// What this host answers, and what was asked of it.
-struct Host {
-    std::array<int, 3> version{2, 8, 0};
-    bool hasVmr = true;
-    std::array<int, 3> dimensions{256, 256, 256};
-    std::vector<std::string> log;
-    std::vector<std::string> messages;
-    int logPaneShown = 0;
-};
-
-Host host;
-
-} // namespace
-
-extern "C" {
-__attribute__((visibility("default"))) void zqGetVersionOfCorvaneZQ(int *major, int *minor,
-                                                                    int *third)
-{
-    *major = host.version[0];
-    *minor = host.version[1];
-    *third = host.version[2];
-}
-
-__attribute__((visibility("default"))) void *zqGetCurrentVMR(int *x, int *y, int *z)
-{
-    if (!host.hasVmr)
-        return nullptr;
-    *x = host.dimensions[0];
-    *y = host.dimensions[1];
-    *z = host.dimensions[2];
-    return &host;
-}
-
-__attribute__((visibility("default"))) void zqShowLogPane()
-{
-    ++host.logPaneShown;
-}
-
-__attribute__((visibility("default"))) void zqLogText(const char *text)
-{
-    host.log.emplace_back(text);
-}
-
-__attribute__((visibility("default"))) void zqMessageBox(const char *text)
-{
-    host.messages.emplace_back(text);
-}
-}
+#include <type_traits>
 
 namespace
 {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
-class PluginEntry : public testing::Test
+class PluginEntry : public EntryFixture
 {
-protected:
-    PluginEntry() : plugin(createPlugin()) { host = Host(); }
-    ~PluginEntry() override
-    {
-        for (Tessera *dialog : dialogs())
-            delete dialog;
-    }
-
-    static QList<Tessera *> dialogs()
-    {
-        QList<Tessera *> all;
-        for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (auto *dialog = qobject_cast<Tessera *>(widget))
-                all.append(dialog);
-        }
-        return all;
-    }
-
-    std::unique_ptr<CVZQPluginInterface> plugin;
 };
 
 TEST_F(PluginEntry, TextsAreConstant)
@@ -145,19 +72,21 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(PluginEntry, WithoutVmrIsRefused)
 {
-    host.hasVmr = false;
+    host.documents.clear();
     EXPECT_FALSE(plugin->initPlugin());
     EXPECT_THAT(host.messages,
                 ElementsAre("This plugin requires a VMR to operate. Make sure that a VMR is open "
                             "and that its window is selected."));
     EXPECT_THAT(host.log, IsEmpty());
+    EXPECT_EQ(host.logPaneShown, 0);
 }
 
 TEST_F(PluginEntry, WithVmrOfOtherSizeIsRefused)
 {
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        host = Host();
-        host.dimensions[axis] = 255;
+        host.forgetCalls();
+        host.documents.front().dimensions = {256, 256, 256};
+        host.documents.front().dimensions[axis] = 255;
         EXPECT_FALSE(plugin->initPlugin());
         EXPECT_THAT(host.messages,
                     ElementsAre("This plugin requires a VMR with \"256\" dimensions, "
@@ -182,14 +111,45 @@ TEST_F(PluginEntry, WritesItsStartUpLines)
         EXPECT_LT(line.size(), 256u);
 }
 
-TEST_F(PluginEntry, BindsTheFunctionsOfThisProgram)
+TEST_F(PluginEntry, AsksTheHostInThisOrder)
 {
-    hostFunctions() = HostFunctionTable();
     ASSERT_TRUE(plugin->initPlugin());
-    EXPECT_EQ(hostFunctions().zqLogText, &zqLogText);
-    EXPECT_EQ(hostFunctions().zqMessageBox, &zqMessageBox);
-    EXPECT_EQ(hostFunctions().zqLoadVOIs, nullptr); // this host has none
+    EXPECT_THAT(host.calls,
+                ElementsAre("zqGetVersionOfCorvaneZQ()", "zqGetCurrentVMR()", "zqShowLogPane()",
+                            "zqLogText()", "zqLogText()", "zqLogText()"));
 }
+
+TEST_F(PluginEntry, BindsTheFunctionsOfThisProgramAtEachStart)
+{
+    for (int start = 0; start < 2; ++start) {
+        hostFunctions().zqLogText = nullptr;
+        hostFunctions().zqLoadVOIs = [](const char *) { return 1; }; // this host has none
+        ASSERT_TRUE(plugin->initPlugin());
+        EXPECT_EQ(hostFunctions().zqLogText, &zqLogText);
+        EXPECT_EQ(hostFunctions().zqMessageBox, &zqMessageBox);
+        EXPECT_EQ(hostFunctions().zqLoadVOIs, nullptr);
+    }
+}
+
+#ifdef __GXX_ABI_VERSION
+/// Place of a virtual function in the table of its class, in the C++ ABI that is not Windows': the
+/// first word of the pointer to it is 1 + its distance in bytes.
+template <typename Function>
+std::size_t slotOf(Function function)
+{
+    std::size_t word = 0;
+    std::memcpy(&word, &function, sizeof word);
+    return (word - 1) / sizeof(void *);
+}
+
+TEST_F(PluginEntry, VirtualFunctionsStandInTheOrderOfTheContract)
+{
+    // The destructor comes first; it has two entries there.
+    EXPECT_EQ(slotOf(&CVZQPluginInterface::execute), 2u);
+    EXPECT_EQ(slotOf(&CVZQPluginInterface::initPlugin), 3u);
+    static_assert(std::has_virtual_destructor_v<CVZQPluginInterface>);
+}
+#endif
 
 TEST_F(PluginEntry, ExecuteShowsOneDialog)
 {
