@@ -225,18 +225,19 @@ bool Tessera::isReady(int row)
 
 void Tessera::finishRow(int row, NameLock nameLock)
 {
-    Subject &subject = subjectsModel->subjectAt(row);
+    // Held to the end: the host may show a message box, under which the dialog may be closed.
+    const QSharedPointer<Subject> subject = subjectsModel->sharedSubjectAt(row);
     if (nameLock == NameLock::Locked)
-        subject.setEditable(false);
+        subject->setEditable(false);
     makeSubjectImmutable(row);
     ui->tab_Connectivity->setEnabled(true);
     lockUnsupportedOptions();
-    ui->cBox_connectivityProfile->addItem(subject.name(), row);
+    ui->cBox_connectivityProfile->addItem(subject->name(), row);
 
     // The "select" item has no data and gives 0.
     const auto *const documents = qobject_cast<QComboBox *>(cellWidget(row, VmrColumn));
-    subject.setDocumentId(documents->currentData(Qt::UserRole).toInt());
-    subject.load();
+    subject->setDocumentId(documents->currentData(Qt::UserRole).toInt());
+    subject->load();
 }
 
 void Tessera::makeSubjectImmutable(int index)

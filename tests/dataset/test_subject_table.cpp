@@ -582,6 +582,16 @@ TEST_P(TableLoadFailure, LeavesTheRowLockedWithoutData)
         EXPECT_THAT(host.messages, ElementsAre(failure.message));
 }
 
+TEST_F(Table, MainDialogClosedUnderTheMessageOfTheHostEndsTheSlot)
+{
+    addRow();
+    chooseFile(0, VtcColumn, addVtc("run.vtc"));
+    host.documents.clear();
+    host.meanwhile = [this] { closeDialog(); };
+    chooseFile(0, VoiColumn, addVois("set.voi"));
+    EXPECT_EQ(host.messages.size(), 1u);
+}
+
 TEST_F(Table, FileReplacedBetweenChoiceAndLoadIsLoadedAsItIsThen)
 {
     addRow();

@@ -154,8 +154,11 @@ struct Calls {
 
     static void zqMessageBox(const char *text)
     {
-        if (noted("zqMessageBox") == Fate::Works)
-            host().messages.emplace_back(text);
+        if (noted("zqMessageBox") != Fate::Works)
+            return;
+        host().messages.emplace_back(text);
+        if (host().meanwhile)
+            host().meanwhile();
     }
 
     static int zqGetNumberOfDocsInWorkspace()
@@ -402,6 +405,13 @@ int FakeHost::addVmr(const std::string &path)
     document.path = path;
     documents.push_back(document);
     return static_cast<int>(documents.size()) - 1;
+}
+
+void FakeHost::unload()
+{
+    m_linkedVtcs.clear();
+    m_loadedVois.clear();
+    m_hasProtocol = false;
 }
 
 void FakeHost::fail(const std::string &function, Failure failure, int nthCall)

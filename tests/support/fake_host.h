@@ -100,6 +100,11 @@ public:
 
     int addVmr(const std::string &path); ///< returns its id
 
+    /// What happens while a message box is shown.
+    std::function<void()> meanwhile;
+
+    void unload(); ///< forgets what was linked and loaded
+
     // Failures. `nthCall` counts from now, from 1; 0 means each call.
     void fail(const std::string &function, Failure failure, int nthCall = 0);
     void work(); ///< takes all failures back
