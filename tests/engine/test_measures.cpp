@@ -93,6 +93,79 @@ TEST(CorrelationMatrix, KeepsItsSettledForm)
     }
 }
 
+/// Equal bits; any NaN equals any other.
+bool same(float a, float b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+/// With two volumes no sum can be taken in another order, so that each bit is settled: single
+/// precision throughout, and squares by the power function. Around 3e7 the mean is rounded by as
+/// much as the values deviate, and what is left of it counts.
+TEST(CorrelationMatrix, OfTwoVolumesIsItsSettledFormToTheBit)
+{
+    float (*volatile power)(float, float) = powf;
+    const auto deviation = [&](const Eigen::Array2f &d) {
+        return sqrtf((power(d(0), 2.0f) + power(d(1), 2.0f)) / 2.0f -
+                     power((d(0) + d(1)) / 2.0f, 2.0f));
+    };
+    std::mt19937 generator(13);
+    std::normal_distribution<float> usual(300.0f, 100.0f);
+    std::normal_distribution<float> large(3e7f, 10.0f);
+    for (int n = 0; n < 40000; ++n) {
+        auto &value = n % 2 == 0 ? usual : large;
+        Eigen::MatrixXf series(2, 2);
+        series << value(generator), value(generator), value(generator), value(generator);
+        const Eigen::MatrixXf r = correlationMatrix(series);
+        for (int a = 0; a < 2; ++a) {
+            for (int b = 0; b < 2; ++b) {
+                const Eigen::Array2f x = series.row(a).transpose().array();
+                const Eigen::Array2f y = series.row(b).transpose().array();
+                const Eigen::Array2f dx = x - (x(0) + x(1)) / 2.0f;
+                const Eigen::Array2f dy = y - (y(0) + y(1)) / 2.0f;
+                const float product = dx(0) * dy(0) + dx(1) * dy(1);
+                const float below = 2.0f * deviation(dx) * deviation(dy);
+                ASSERT_TRUE(same(r(a, b), product / below)) << series;
+            }
+        }
+    }
+}
+
+/// Whole numbers with a whole mean have exact sums in any order: what is rounded are the deviations
+/// and the factors below the line, from left to right. The two triangles may differ.
+TEST(CorrelationMatrix, OfWholeNumbersIsItsSettledFormToTheBit)
+{
+    constexpr int nodes = 20;
+    constexpr int volumes = 7;
+    std::mt19937 generator(14);
+    std::uniform_int_distribution<int> value(-50, 50);
+    Eigen::MatrixXf series(nodes, volumes);
+    for (int n = 0; n < nodes; ++n) {
+        for (int t = 0; t < volumes; ++t)
+            series(n, t) = static_cast<float>(value(generator));
+        const int excess = static_cast<int>(series.row(n).sum()) % volumes;
+        series(n, 0) -= static_cast<float>(excess);
+    }
+    const Eigen::MatrixXf r = correlationMatrix(series);
+    const auto deviations = [&](int node) {
+        const Eigen::ArrayXf row = series.row(node).transpose().array();
+        return Eigen::ArrayXf(row - row.sum() / 7.0f);
+    };
+    bool trianglesDiffer = false;
+    for (int a = 0; a < nodes; ++a) {
+        const Eigen::ArrayXf dx = deviations(a);
+        const float sdx = sqrtf(dx.square().sum() / 7.0f);
+        for (int b = 0; b < nodes; ++b) {
+            const Eigen::ArrayXf dy = deviations(b);
+            const float sdy = sqrtf(dy.square().sum() / 7.0f);
+            const float below = 7.0f * sdx;
+            EXPECT_EQ(r(a, b), (dx * dy).sum() / (below * sdy)) << a << "," << b;
+            trianglesDiffer = trianglesDiffer || r(a, b) != r(b, a);
+        }
+    }
+    EXPECT_TRUE(trianglesDiffer);
+}
+
 TEST(CorrelationMatrix, OfNoNodesIsEmptyWithAndWithoutVolumes)
 {
     EXPECT_EQ(correlationMatrix(Eigen::MatrixXf(0, 100)).size(), 0);
