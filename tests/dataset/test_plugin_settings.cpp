@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dataset/message_handler.h"
 #include "dataset/plugin_settings.h"
+#include "tests/support/other_user.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -10,8 +11,6 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace
 {
@@ -36,18 +35,22 @@ protected:
 
     static PluginSettings &settings() { return *PluginSettings::instance(); }
 
-    QString iniPath() const
+    static QString iniPath(const QTemporaryDir &homeFolder)
     {
-        return home.filePath("Documents/CVExtensions/Plugins_64/tessera_plugin.ini");
+        return homeFolder.filePath("Documents/CVExtensions/Plugins_64/tessera_plugin.ini");
     }
+    QString iniPath() const { return iniPath(home); }
 
-    void writeIni(const QByteArray &text) const
+    /// Writes the file into a home folder, which becomes the one of the process.
+    static void writeIni(const QTemporaryDir &homeFolder, const QByteArray &text)
     {
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(iniPath()).path()));
-        QFile file(iniPath());
+        qputenv("HOME", QFile::encodeName(homeFolder.path()));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(iniPath(homeFolder)).path()));
+        QFile file(iniPath(homeFolder));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
     }
+    void writeIni(const QByteArray &text) const { writeIni(home, text); }
 
     bool handlerIsInstalled() const
     {
@@ -94,27 +97,35 @@ TEST_F(Settings, FileWithoutKeysIsAllOff)
 
 TEST_F(Settings, UnreadableFileIsAsNone)
 {
-    const bool wasRoot = geteuid() == 0; // who reads everything
-    if (wasRoot) {
-        ASSERT_EQ(setresuid(65534, 65534, 0), 0);
-    }
-    QTemporaryDir ownHome;
-    ASSERT_TRUE(ownHome.isValid());
-    qputenv("HOME", QFile::encodeName(ownHome.path()));
-    const QString path = ownHome.filePath("Documents/CVExtensions/Plugins_64/tessera_plugin.ini");
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[plugin]\nverbose_logging=true\nlog_dir=" + QFile::encodeName(ownHome.path()));
-    file.close();
-    ASSERT_TRUE(file.setPermissions({}));
+    const OtherUser nobody; // root reads everything
+    const QTemporaryDir ownHome;
+    writeIni(ownHome,
+             "[plugin]\nverbose_logging=true\nlog_dir=" + QFile::encodeName(ownHome.path()));
+    ASSERT_TRUE(QFile::setPermissions(iniPath(ownHome), {}));
     settings().read();
     EXPECT_FALSE(settings().verboseLogging);
     EXPECT_EQ(settings().logDir, QStandardPaths::displayName(QStandardPaths::TempLocation));
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    if (wasRoot) {
-        ASSERT_EQ(setresuid(0, 0, 0), 0);
+}
+
+TEST_F(Settings, FolderThatMayNotBeWrittenTurnsItsDiagnosticOff)
+{
+    const QString folder = home.path();
+    ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner |
+                                                  QFile::ReadOther | QFile::ExeOther));
+    {
+        const OtherUser nobody; // root writes everywhere
+        const QTemporaryDir ownHome;
+        writeIni(ownHome, "[plugin]\nverbose_logging=true\nlog_dir=" + QFile::encodeName(folder) +
+                              "\n[nodalis]\ndump_all=true\ndump_output_dir=" +
+                              QFile::encodeName(folder) + "\n");
+        settings().read();
     }
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_EQ(settings().logDir, folder) << "the file was read";
+    EXPECT_FALSE(settings().verboseLogging);
+    EXPECT_FALSE(settings().dumpAll);
+    EXPECT_FALSE(handlerIsInstalled());
+    EXPECT_FALSE(QFileInfo::exists(wantedDump()));
 }
 
 TEST_F(Settings, VerboseLoggingWithoutFolderIsOff)
@@ -159,6 +170,18 @@ TEST_F(Settings, SecondReadContinuesTheLogAndEndsTheDumps)
     EXPECT_EQ(contents(wantedLog()), "one \t\t\t (:0, )\ntwo \t\t\t (:0, )\n");
 }
 
+TEST_F(Settings, HandlerStaysInstalledWhenVerboseLoggingEnds)
+{
+    writeIni("[plugin]\nverbose_logging=true\nlog_dir=" + QFile::encodeName(home.path()) + "\n");
+    settings().read();
+    ASSERT_TRUE(QFile::remove(iniPath()));
+    settings().read();
+    EXPECT_FALSE(settings().verboseLogging);
+    EXPECT_TRUE(handlerIsInstalled());
+    qDebug("of the host"); // every message of the process goes there
+    EXPECT_EQ(contents(wantedLog()), "of the host \t\t\t (:0, )\n");
+}
+
 TEST_F(Settings, DumpFolderThatExistsTurnsDumpingOff)
 {
     ASSERT_TRUE(QDir().mkdir(wantedDump()));
@@ -199,13 +222,15 @@ TEST_F(Settings, HandlerWithoutWritableFileWritesNothing)
     EXPECT_FALSE(QFileInfo::exists(logFilePath));
 }
 
-TEST_F(Settings, HandlerNamesTheContextWhenThereIsOne)
+TEST_F(Settings, HandlerNamesTheContextOfDebugAndInfoMessagesAlone)
 {
     logFilePath = home.filePath("log.txt");
     writeMessageToLogFile(QtDebugMsg, QMessageLogContext("file.cpp", 12, "run()", "default"), "a");
     writeMessageToLogFile(QtInfoMsg, QMessageLogContext("file.cpp", 13, "run()", "default"), "b");
+    for (const QtMsgType type : {QtWarningMsg, QtCriticalMsg, QtFatalMsg})
+        writeMessageToLogFile(type, QMessageLogContext("file.cpp", 14, "run()", "default"), "c");
     EXPECT_EQ(contents(logFilePath),
-              "a \t\t\t (file.cpp:12, run())\nInfo: b (file.cpp:13, run())\n");
+              "a \t\t\t (file.cpp:12, run())\nInfo: b (file.cpp:13, run())\n\n\n\n");
 }
 
 } // namespace

@@ -3,8 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace
 {
+
+template <typename Record>
+bool isZero(const Record &record)
+{
+    const char zeros[sizeof record] = {};
+    return std::memcmp(&record, zeros, sizeof record) == 0;
+}
 
 TEST(Subject, IsBornWithTheseDefaults)
 {
@@ -33,6 +42,11 @@ TEST(Subject, IsBornWithTheseDefaults)
     EXPECT_FALSE(subject.protocol().eventRelated);
     EXPECT_FALSE(subject.useProtocol());
     EXPECT_TRUE(subject.profileFlag);
+    EXPECT_TRUE(isZero(subject.vtcHeader));
+    EXPECT_TRUE(isZero(subject.voisHeader));
+    EXPECT_TRUE(isZero(subject.voiRecord));
+    EXPECT_TRUE(isZero(subject.protocolHeader));
+    EXPECT_TRUE(subject.linkedProtocolFile().isEmpty());
 }
 
 TEST(Subject, IsCompleteWithNameAndBothFiles)

@@ -138,6 +138,33 @@ TEST_F(HostData, LoadTakesIntegersByValue)
     EXPECT_EQ(host.count("zqGetVTCFloatDataOfCurrentVMR"), 0);
 }
 
+TEST_F(HostData, LoadTakesAnyOtherDataTypeForFloats)
+{
+    for (const int type : {0, 2, 3, -1}) {
+        vtc().header.dataType = type;
+        Subject other = subject;
+        ASSERT_TRUE(other.load()) << type;
+        EXPECT_EQ(other.timeseries()[1](0, 0), 10.0f) << type;
+    }
+    EXPECT_EQ(host.count("zqGetVTCIntDataOfCurrentVMR"), 0);
+}
+
+TEST_F(HostData, PathsGoToTheHostAsUtf8)
+{
+    const std::string greek = "/data/\xCE\xB1 \xE6\xB5\xB7";
+    host.vtcs[greek + ".vtc"] = vtc();
+    host.vtcs[greek + ".vtc"].linkProtocol("/data/task.prt");
+    host.voiSets[greek + ".voi"].vois = vois();
+    host.protocols[greek + ".prt"] = host.protocols["/data/task.prt"];
+    subject.setVtcFile(QString::fromStdString(greek + ".vtc"));
+    subject.setVoiFile(QString::fromStdString(greek + ".voi"));
+    EXPECT_TRUE(subject.linkProtocol());
+    EXPECT_TRUE(subject.load());
+    EXPECT_EQ(subject.voiCount(true), 2);
+    EXPECT_THAT(host.calls, testing::Contains("zqLinkVTCToCurrentVMR(" + greek + ".vtc, 1)"));
+    EXPECT_THAT(host.calls, testing::Contains("zqLoadVOIs(" + greek + ".voi)"));
+}
+
 TEST_F(HostData, LoadGivesVoiWithoutVoxelsOneRowOfZeros)
 {
     vois().insert(vois().begin() + 1, {"nothing", {}});
@@ -498,12 +525,26 @@ TEST_F(HostData, LaterConditionWinsSharedStart)
     EXPECT_EQ(protocol.conditions.size(), 3u);
 }
 
+TEST_F(HostData, OneEventMakesAllIntervalsOfItsConditionEvents)
+{
+    host.protocols["/data/task.prt"].conditions = {{"A", {{1, 2}, {4, 4}, {6, 9}}},
+                                                   {"B", {{11, 12}}}};
+    host_data::loadProtocolFile(subject, "/data/task.prt");
+    EXPECT_EQ(subject.protocol().conditions.at(0).isEvent, 1);
+    EXPECT_EQ(subject.protocol().volumeEvents, (QMap<int, int>{{1, 1}, {4, 1}, {6, 1}, {11, 0}}));
+    EXPECT_TRUE(subject.protocol().eventRelated);
+}
+
 TEST_F(HostData, OnePointIsNoEventInAnotherTimeUnit)
 {
-    host.protocols["/data/task.prt"].timeUnit = 2;
-    host_data::loadProtocolFile(subject, "/data/task.prt");
-    EXPECT_FALSE(subject.protocol().eventRelated);
-    EXPECT_EQ(subject.protocol().volumeEvents.value(3), 0);
+    for (const int unit : {2, 0, -1}) {
+        host.protocols["/data/task.prt"].timeUnit = unit;
+        host_data::loadProtocolFile(subject, "/data/task.prt");
+        EXPECT_EQ(subject.protocol().timeUnit, unit);
+        EXPECT_FALSE(subject.protocol().eventRelated);
+        EXPECT_EQ(subject.protocol().conditions.at(1).isEvent, 0);
+        EXPECT_EQ(subject.protocol().volumeEvents.value(3, -1), 0);
+    }
 }
 
 TEST_F(HostData, NewProtocolReplacesTheOldOne)
