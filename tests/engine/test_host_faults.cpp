@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the user meets when a function of the host fails: each function, at each of its calls in the
-// making of one result, once without an answer and once with a zeroed record.
+// making of one result, once without an answer and once with a zeroed record. The functions that
+// the start of the plugin needs are made to fail in tests/plugin/test_start_faults.cpp.
+#include "dataset/plugin_settings.h"
 #include "engine/connectivity_object.h"
 #include "tests/gui_test.h"
 #include "tests/support/dataset_fixture.h"
@@ -24,6 +26,11 @@ using fake_host::Failure;
 
 /// What is seen in the making of one result, by name.
 using Story = std::map<std::string, std::string>;
+
+/// How the result is made: as most do, from a VTC of integers, or with verbose logging, which asks
+/// the host for the VOIs once more.
+enum class Making { Usual, OfIntegers, Verbose };
+constexpr Making allMakings[] = {Making::Usual, Making::OfIntegers, Making::Verbose};
 
 std::string text(const QString &string)
 {
@@ -52,15 +59,21 @@ protected:
         });
     }
 
+    ~HostFault() override { PluginSettings::instance()->verboseLogging = false; }
+
     /// Begins anew: an empty dialog on a host that works.
-    void begin(bool integerSamples)
+    void begin(Making making)
     {
         closeDialog();
+        dialog(); // which reads the settings
+        PluginSettings::instance()->verboseLogging = making == Making::Verbose;
+        takeMessages();
         host.work();
+        host.unload();
         host.forgetCalls();
         host.currentDocument = 0;
-        fake_host::Vtc vtc =
-            fake_host::makeVtc({{{50, 58}, {60, 68}, {70, 78}}}, 1, 40, integerSamples ? 1 : 2);
+        fake_host::Vtc vtc = fake_host::makeVtc({{{50, 58}, {60, 68}, {70, 78}}}, 1, 40,
+                                                making == Making::OfIntegers ? 1 : 2);
         vtc.linkProtocol(hostPath(linkedPath));
         vtcPath = addVtc("linked.vtc", vtc);
         told.clear();
@@ -105,6 +118,8 @@ protected:
                 compute();
         }
         story["result"] = result();
+        story["names at the end"] = text(subject(0).voiNames.join(' '));
+        story["available"] = availableVois();
         story["log"] = joined(host.log);
         story["host box"] = joined(host.messages);
         story["box"] = text(told);
@@ -126,6 +141,17 @@ protected:
             }
         }
         return sizes;
+    }
+    /// What the verbose log says of them.
+    static std::string availableVois()
+    {
+        const QString beginning = QStringLiteral("Available vois: ");
+        QString said;
+        for (const LoggedMessage &message : takeMessages()) {
+            if (message.text.startsWith(beginning))
+                said += message.text.mid(beginning.size());
+        }
+        return text(said);
     }
     static std::string joined(const std::vector<std::string> &lines)
     {
@@ -170,6 +196,8 @@ const Story smoothly = {{"documents", "brain.vmr=0 second.vmr=1"},
                         {"profile", "yes"},
                         {"vois", "V0 V1"},
                         {"seeds", "2"},
+                        {"available", ""},
+                        {"names at the end", "V0 V1"},
                         {"result", "2 2 "},
                         {"log", "\n** Loading subject data: Subject 1...|"},
                         {"host box", ""},
@@ -181,7 +209,7 @@ struct Fault {
     int nthCall;
     std::vector<Failure> failures; ///< each with the same outcome
     Story changes;
-    bool integerSamples = false;
+    Making making = Making::Usual;
 };
 
 std::ostream &operator<<(std::ostream &out, const Fault &fault)
@@ -281,6 +309,7 @@ const Fault faults[] = {
       {"series", "0"},
       {"voi button", "select"},
       {"seeds", "0"},
+      {"names at the end", ""},
       {"vois", ""}}},
     {"zqLoadVOIs",
      1,
@@ -293,6 +322,7 @@ const Fault faults[] = {
       {"series", "0"},
       {"voi button", "select"},
       {"seeds", "0"},
+      {"names at the end", ""},
       {"vois", ""}}},
     {"zqLoadVOIs",
      2,
@@ -314,6 +344,7 @@ const Fault faults[] = {
       {"series", "0"},
       {"voi button", "select"},
       {"seeds", "0"},
+      {"names at the end", ""},
       {"vois", ""}}},
     {"zqGetVOIs",
      1,
@@ -326,6 +357,7 @@ const Fault faults[] = {
       {"series", "0"},
       {"voi button", "select"},
       {"seeds", "0"},
+      {"names at the end", ""},
       {"vois", ""}}},
     {"zqGetVOIs",
      2,
@@ -335,7 +367,7 @@ const Fault faults[] = {
     {"zqGetVOIs", 3, zero, {{"log", loading + voiTrouble}, {"vois", ""}}},
     {"zqGetVOIs", 3, zeroed, {{"vois", ""}}},
     {"zqGetVOIs", 4, zero, {{"log", loading + voiTrouble}, {"result", ""}, {"seeds", "0"}}},
-    {"zqGetVOIs", 4, zeroed, {{"result", ""}, {"seeds", "0"}}},
+    {"zqGetVOIs", 4, zeroed, {{"names at the end", ""}, {"result", ""}, {"seeds", "0"}}},
     {"zqGetVOI", 1, zero, {{"result", zeros}, {"series", "1"}}},
     {"zqGetVOI", 1, zeroed, {{"empty vois", "1"}, {"result", zeros}}},
     {"zqGetVOI", 2, both, {{"result", zeros}, {"series", "1"}}},
@@ -344,13 +376,19 @@ const Fault faults[] = {
     {"zqGetVOI", 4, both, {{"result", zeros}, {"series", "1"}}},
     {"zqGetVOI", 5, both, {{"vois", " (empty) V1"}}},
     {"zqGetVOI", 6, both, {{"vois", "V0  (empty)"}}},
-    {"zqGetVOI", 7, both, {}},
-    {"zqGetVOI", 8, both, {}},
+    {"zqGetVOI", 7, both, {{"names at the end", " (empty) V1"}}},
+    {"zqGetVOI", 8, both, {{"names at the end", "V0  (empty)"}}},
     {"zqGetVTCIntDataOfCurrentVMR",
      1,
      both,
      {{"loaded", "no"}, {"log", loading + vtcTrouble}, {"result", zeros}, {"series", "0"}},
-     true},
+     Making::OfIntegers},
+    {"zqLoadVOIs", 5, zero, {{"available", "0"}, {"log", loading + voiNotLoaded}}, Making::Verbose},
+    {"zqLoadVOIs", 5, zeroed, {}, Making::Verbose},
+    {"zqGetVOIs", 5, zero, {{"available", "0"}, {"log", loading + voiTrouble}}, Making::Verbose},
+    {"zqGetVOIs", 5, zeroed, {{"available", "0"}, {"names at the end", ""}}, Making::Verbose},
+    {"zqGetVOI", 9, both, {{"names at the end", " (empty) V1"}}, Making::Verbose},
+    {"zqGetVOI", 10, both, {{"names at the end", "V0  (empty)"}}, Making::Verbose},
 };
 
 class EachHostFault : public HostFault, public testing::WithParamInterface<Fault>
@@ -365,15 +403,24 @@ INSTANTIATE_TEST_SUITE_P(Faults, EachHostFault, testing::ValuesIn(faults), [](co
                                        : "_none");
 });
 
+/// The smooth story with the changes that the fault makes.
+Story expectedStory(const Fault &fault)
+{
+    Story story = fault.changes;
+    if (fault.making == Making::Verbose)
+        story.insert({"available", "2"});
+    story.insert(smoothly.begin(), smoothly.end());
+    return story;
+}
+
 TEST_P(EachHostFault, IsToldAndLeavesTheRestWorking)
 {
     const Fault &fault = GetParam();
     for (const Failure failure : fault.failures) {
-        begin(fault.integerSamples);
+        begin(fault.making);
         host.fail(fault.function, failure, fault.nthCall);
-        Story expected = fault.changes;
-        expected.insert(smoothly.begin(), smoothly.end());
-        EXPECT_EQ(makeOneResult(), expected) << (failure == Failure::Zero ? "none" : "zeroed");
+        EXPECT_EQ(makeOneResult(), expectedStory(fault))
+            << (failure == Failure::Zero ? "none" : "zeroed");
 
         // And the dialog works on: another row gives its result.
         host.work();
@@ -386,16 +433,34 @@ TEST_P(EachHostFault, IsToldAndLeavesTheRestWorking)
     }
 }
 
-TEST_F(HostFault, NoneTellsTheSmoothStory)
+TEST_P(EachHostFault, IsTheSameWhenTheLogAndTheMessageBoxFailToo)
 {
-    for (const bool integerSamples : {false, true}) {
-        begin(integerSamples);
-        EXPECT_EQ(makeOneResult(), smoothly);
+    const Fault &fault = GetParam();
+    Story expected = expectedStory(fault);
+    expected["log"] = "";
+    expected["host box"] = "";
+    for (const Failure silent : both) {
+        begin(fault.making);
+        host.fail(fault.function, fault.failures.front(), fault.nthCall);
+        host.fail("zqLogText", silent);
+        host.fail("zqMessageBox", silent);
+        EXPECT_EQ(makeOneResult(), expected);
+        EXPECT_EQ(host.count("zqMessageBox"), expectedStory(fault)["host box"].empty() ? 0 : 1);
     }
 }
 
-/// Every call of a function that the story makes is made to fail in both ways.
-TEST_F(HostFault, AreCompleteForTheStory)
+TEST_F(HostFault, NoneTellsTheSmoothStory)
+{
+    for (const Making making : allMakings) {
+        begin(making);
+        Story expected = smoothly;
+        expected["available"] = making == Making::Verbose ? "2" : "";
+        EXPECT_EQ(makeOneResult(), expected);
+    }
+}
+
+/// Every call of a function that the stories make is made to fail in both ways.
+TEST_F(HostFault, AreCompleteForTheStories)
 {
     const auto tested = [](const std::string &function, int call, Failure failure) {
         return std::any_of(std::begin(faults), std::end(faults), [&](const Fault &fault) {
@@ -404,8 +469,8 @@ TEST_F(HostFault, AreCompleteForTheStory)
         });
     };
     int calls = 0;
-    for (const bool integerSamples : {false, true}) {
-        begin(integerSamples);
+    for (const Making making : allMakings) {
+        begin(making);
         makeOneResult();
         for (const std::string &function : fake_host::FakeHost::functionNames()) {
             for (int call = 1; call <= host.count(function); ++call) {
@@ -415,18 +480,20 @@ TEST_F(HostFault, AreCompleteForTheStory)
             }
         }
     }
-    EXPECT_GT(calls, 80);
+    EXPECT_GT(calls, 120);
 }
 
-/// Three more are called by the plugin's start alone; this one only where another has failed.
-TEST_F(HostFault, MessageBoxThatFailsToo)
+/// What no fault names is called by the start of the plugin alone, or where something has failed.
+TEST_F(HostFault, AreCompleteForTheFunctions)
 {
-    begin(false);
-    host.fail("zqGetCurrentVMR", Failure::Zero);
-    host.fail("zqMessageBox", Failure::Zero);
-    EXPECT_EQ(makeOneResult()["loaded"], "no");
-    EXPECT_EQ(host.count("zqMessageBox"), 1);
-    EXPECT_THAT(host.messages, testing::IsEmpty());
+    std::vector<std::string> others;
+    for (const std::string &function : fake_host::FakeHost::functionNames()) {
+        if (std::none_of(std::begin(faults), std::end(faults),
+                         [&](const Fault &fault) { return fault.function == function; }))
+            others.push_back(function);
+    }
+    EXPECT_THAT(others,
+                testing::ElementsAre("zqGetVersionOfCorvaneZQ", "zqShowLogPane", "zqMessageBox"));
 }
 
 } // namespace
