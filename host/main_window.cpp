@@ -497,10 +497,13 @@ void MainWindow::showMessageBox(const QString &text)
 {
     logText(text);
     QWidget *const active = QApplication::activeWindow();
-    QMessageBox box(QMessageBox::Information, QStringLiteral("Corvane"), text, QMessageBox::Ok,
-                    active != nullptr ? active : this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    // On the heap: the window of a plugin may end while the box stands over it, and take it along.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Information, QStringLiteral("Corvane"), text, QMessageBox::Ok,
+                        active != nullptr ? active : this);
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
+    delete box;
 }
 
 void MainWindow::about()

@@ -118,17 +118,12 @@ Plugin::Plugin(const QString &path) : m_path(path)
 
 Plugin::~Plugin()
 {
-    try {
-        discard();
-    } catch (const std::exception &error) {
-        logText(QString::fromUtf8(error.what()));
-    }
+    discard();
 }
 
 CALLS_PLUGIN void Plugin::discard()
 {
-    CVZQPluginInterface *const object = std::exchange(m_object, nullptr);
-    guarded(QStringLiteral("its destructor"), [object]() CALLS_PLUGIN { delete object; });
+    delete std::exchange(m_object, nullptr);
 }
 
 CALLS_PLUGIN void Plugin::initialise()

@@ -150,6 +150,32 @@ TEST_F(MainWindowTest, TellsAllThatCannotBeOpenedInOneMessage)
     EXPECT_EQ(tabs->count(), 1);
 }
 
+TEST_F(MainWindowTest, ShowsThePluginsMessagesOverTheActiveWindow)
+{
+    showWindow();
+    auto *const pluginWindow = new QWidget;
+    pluginWindow->show();
+    pluginWindow->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(pluginWindow));
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&](QMessageBox &box) {
+        EXPECT_EQ(box.text(), QStringLiteral("<b>Not</b> without a VMR"));
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(box.windowTitle(), QStringLiteral("Corvane"));
+        EXPECT_EQ(box.parentWidget(), pluginWindow);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    showMessage(QStringLiteral("<b>Not</b> without a VMR"));
+    EXPECT_THAT(logged(), HasSubstr("<b>Not</b> without a VMR"));
+
+    // The window may end under the box.
+    pluginWindow->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(pluginWindow));
+    driver.expect<QMessageBox>([&](QMessageBox &) { delete pluginWindow; });
+    showMessage(QStringLiteral("once more"));
+    EXPECT_EQ(driver.remaining(), 0U);
+}
+
 TEST_F(MainWindowTest, TakesFilesThatAreDroppedOnIt)
 {
     QMimeData data;
