@@ -2,6 +2,7 @@
 #include "plots/line_chart.h"
 
 #include <QFont>
+#include <QFontMetrics>
 #include <QMainWindow>
 #include <QSet>
 #include <QtCharts/QBarCategoryAxis>
@@ -85,6 +86,21 @@ void setCategoryAxis(QChart *chart, const QStringList &names, const QString &tit
     chart->addAxis(axis, Qt::AlignBottom);
     for (QAbstractSeries *line : chart->series())
         line->attachAxis(axis);
+}
+
+void makeRoomForNames(QMainWindow *window, const QChart &chart)
+{
+    constexpr int widest = 16000; // a picture beyond that opens in few programs
+    for (const QAbstractAxis *axis : chart.axes(Qt::Horizontal)) {
+        const auto *const names = qobject_cast<const QBarCategoryAxis *>(axis);
+        if (!names)
+            continue;
+        // The names stand upright, with a margin that the chart gives to each text.
+        const int perName = QFontMetrics(names->labelsFont()).height() + 16;
+        const int missing = names->count() * perName - int(chart.plotArea().width());
+        if (missing > 0)
+            window->resize(qMin(window->width() + missing, widest), window->height());
+    }
 }
 
 void setValueTitle(QChart *chart, const QString &title)

@@ -11,7 +11,6 @@
 #include <QCheckBox>
 #include <QMenu>
 #include <QPen>
-#include <QPixmap>
 #include <QPointer>
 #include <QTextStream>
 #include <QVariant>
@@ -70,7 +69,12 @@ LinePlot::LinePlot(QString plotTitle, QWidget *parent)
     ui->dw_Sources->hide();
 }
 
-LinePlot::~LinePlot() = default;
+LinePlot::~LinePlot()
+{
+    // The base class hides the window, which lets the mouse leave a label of the legend once more.
+    for (MyLabel *label : findChildren<MyLabel *>())
+        label->disconnect(this);
+}
 
 void LinePlot::prepareChart()
 {
@@ -185,6 +189,24 @@ void LinePlot::disableConditions()
     ui->cbox_Conditions->setEnabled(false);
     ui->btn_Show->setEnabled(false);
     ui->btn_Hide->setEnabled(false);
+}
+
+void LinePlot::showWhole()
+{
+    ui->scrollArea->setMinimumHeight(ui->scrollAreaWidgetContents->sizeHint().height());
+    show();
+    // The dock has a size of its own, so that the window does not follow its contents.
+    const QMargins margins = ui->verticalLayout->contentsMargins();
+    const int needed = height() - ui->dockWidgetContents->height() + margins.top() +
+                       ui->groupBox->minimumSizeHint().height() + ui->verticalLayout->spacing() +
+                       margins.bottom();
+    resize(width(), qMax(height(), needed));
+    makeRoomForNames(this, *chart);
+}
+
+QPixmap LinePlot::picture()
+{
+    return ui->cbox_Conditions->isEnabled() ? grab() : chartView->grab();
 }
 
 int LinePlot::senderRow() const

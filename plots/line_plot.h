@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QMainWindow>
+#include <QPixmap>
 #include <QString>
 #include <QStringList>
 #include <QtCharts/QChart>
@@ -42,6 +43,11 @@ public:
     void finishPlot(QStringList labels, bool conditions);
 
     void disableConditions();
+
+    /// Shows the window so large that the legend and the names on the X axis are seen whole.
+    void showWhole();
+    /// The chart, and where conditions tell its lines apart also the legend.
+    QPixmap picture();
 
 public slots:
     /// Fades all lines but the sender's, or brings all of them back.

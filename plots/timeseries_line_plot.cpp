@@ -42,3 +42,14 @@ void TimeseriesLinePlot::finishPlot(QStringList categories)
     setValueTitle(chart, windowTitle());
     chartView->update();
 }
+
+void TimeseriesLinePlot::showWhole()
+{
+    show();
+    makeRoomForNames(this, *chart);
+}
+
+QPixmap TimeseriesLinePlot::picture()
+{
+    return chartView->grab();
+}

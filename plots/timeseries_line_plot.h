@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPixmap>
 #include <QString>
 #include <QStringList>
 #include <QtCharts/QChart>
@@ -32,6 +33,10 @@ public:
     void setSeries(std::vector<float> values, QString name);
     /// Sets the axes, the X axis with a name per value.
     void finishPlot(QStringList categories);
+
+    /// Shows the window so large that the names on the X axis are seen whole.
+    void showWhole();
+    QPixmap picture(); ///< of the chart
 
 private:
     const std::unique_ptr<Ui::TimeseriesLineplot> ui;

@@ -270,10 +270,12 @@ void ViewMatrix::addCondition(int entry, const QColor &color, bool isEvent)
 
 void ViewMatrix::browseMatrix()
 {
-    const auto *const label = qobject_cast<MyLabel *>(sender());
-    if (!label)
-        return;
-    const auto slice = std::size_t(label->property(rowProperty).toInt());
+    if (const auto *const label = qobject_cast<MyLabel *>(sender()))
+        showSlice(label->property(rowProperty).toInt());
+}
+
+void ViewMatrix::showSlice(int slice)
+{
     clearTable();
     if (QGraphicsScene *const scene = ui->graphicsView->scene())
         scene->clear();
@@ -283,12 +285,29 @@ void ViewMatrix::browseMatrix()
     if (!object)
         return;
     const std::vector<Eigen::MatrixXf> matrices = object->matrices();
-    if (slice >= matrices.size())
+    const auto position = std::size_t(slice);
+    if (position >= matrices.size())
         return;
-    matrix = matrices[slice];
+    matrix = matrices[position];
     fillTable();
     paintTable();
     drawOverview();
+}
+
+QPixmap ViewMatrix::tablePicture()
+{
+    QTableWidget *const table = ui->tableMatrix;
+    const QHeaderView *const rowNames = table->verticalHeader();
+    const QHeaderView *const columnNames = table->horizontalHeader();
+    const QSize cellArea(columnNames->length(), rowNames->length());
+    resize(size() + (cellArea - table->viewport()->size()).expandedTo(QSize(0, 0)));
+    return table->grab(
+        QRect(QPoint(0, 0), cellArea + QSize(rowNames->width(), columnNames->height())));
+}
+
+QPixmap ViewMatrix::overviewPicture()
+{
+    return ui->graphicsView->grab();
 }
 
 void ViewMatrix::pickValue(int x, int y)

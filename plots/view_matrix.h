@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QDialog>
 #include <QList>
+#include <QPixmap>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -52,6 +53,14 @@ public:
     void paintTable();
     void drawOverview();
     void buildLegend();
+    /// Shows another slice, counted from 0, in place of the one before; a slice that is not there
+    /// leaves the table and the overview empty.
+    void showSlice(int slice);
+
+    /// The map as a picture: all rows and columns with their names, also those out of sight. The
+    /// window grows where it is too small for them.
+    QPixmap tablePicture();
+    QPixmap overviewPicture();
 
 public slots:
     /// Shows the slice of the condition that sent this.

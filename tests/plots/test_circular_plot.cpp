@@ -2,6 +2,7 @@
 #include "plots/circular_plot.h"
 #include "plots/my_slider.h"
 #include "plots/plot_source.h"
+#include "tests/gui_test.h"
 #include "tests/plots/plot_fixture.h"
 #include "tests/support/modal_driver.h"
 
@@ -660,6 +661,22 @@ TEST(Closing, comes_with_the_results_dialog)
     window->updateLabels();
     window->plotFirstSlice();
     window->show();
+    result.reset();
+    EXPECT_TRUE(window.isNull());
+}
+
+TEST(Closing, comes_with_the_results_dialog_while_a_label_is_hovered)
+{
+    auto result = std::make_unique<Result>(flatMatrices(1));
+    const QPointer<CircularPlot> window = new CircularPlot(&result->dialog);
+    window->updateLabels();
+    window->plotFirstSlice();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    CircularPlotWidget &ring = *window->plotWidget();
+    const QPointF label = visibleLabelsOf(ring)[0]->sceneBoundingRect().center();
+    bringMouseTo(*window, ring.viewport()->mapTo(window, ring.mapFromScene(label)));
+    ASSERT_FALSE(edgeBetween(ring, 0, 1)->isVisible() && edgeBetween(ring, 2, 3)->isVisible());
     result.reset();
     EXPECT_TRUE(window.isNull());
 }

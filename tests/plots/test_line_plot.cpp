@@ -6,6 +6,7 @@
 #include <QDockWidget>
 #include <QGroupBox>
 #include <QMetaMethod>
+#include <QPointer>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QtCharts/QBarCategoryAxis>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 using namespace QtCharts;
 
@@ -46,6 +48,50 @@ QAbstractAxis *xAxis(const QChart *chart)
 {
     const QList<QAbstractAxis *> axes = chart->axes(Qt::Horizontal);
     return axes.size() == 1 ? axes.first() : nullptr;
+}
+
+// ---- the picture of the whole
+
+TEST_F(LinePlotTest, shows_its_names_and_its_legend_whole)
+{
+    for (int row = 0; row < 30; ++row)
+        window.addSeries(wave(60), QStringLiteral("Condition %1").arg(row), 0);
+    window.finishPlot(names(60), true);
+    window.showWhole();
+    QCoreApplication::processEvents();
+    EXPECT_GE(chart()->plotArea().width(), 60 * 24.0);
+    auto *const legend = named<QScrollArea>("scrollArea");
+    EXPECT_GE(legend->viewport()->height(), legend->widget()->sizeHint().height());
+    EXPECT_TRUE(checkBox(29)->visibleRegion().contains(checkBox(29)->rect()));
+    EXPECT_EQ(window.picture().toImage(), window.grab().toImage());
+    EXPECT_EQ(window.picture().size(), window.size() * window.devicePixelRatioF());
+}
+
+TEST_F(LinePlotTest, that_has_room_for_all_stays_as_large_as_it_is)
+{
+    window.addSeries(wave(5), QString(), 0);
+    window.finishPlot(names(5), false);
+    window.disableConditions();
+    window.showWhole();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.size(), QSize(1114, 632));
+    // One line needs no legend.
+    EXPECT_EQ(window.picture().toImage(), view()->grab().toImage());
+}
+
+TEST_F(LinePlotTest, grows_for_names_up_to_a_limit_and_not_for_numbers)
+{
+    window.addSeries(wave(2000), QString(), 0);
+    window.finishPlot({}, false);
+    window.showWhole();
+    EXPECT_EQ(window.width(), 1114);
+
+    LinePlot named(QStringLiteral("Degree"));
+    named.prepareChart();
+    named.addSeries(wave(2000), QString(), 0);
+    named.finishPlot(names(2000), false);
+    named.showWhole();
+    EXPECT_EQ(named.width(), 16000);
 }
 
 // ---- the window and its form
@@ -563,6 +609,22 @@ TEST_F(LinePlotConditions, hovering_a_label_fades_all_other_lines)
         for (int row = 0; row < 5; ++row)
             EXPECT_EQ(line(row)->pen(), pen(row, "default-pen")) << row;
     }
+}
+
+TEST(LinePlotUnderTheMouse, can_be_destroyed)
+{
+    auto window = std::make_unique<LinePlot>(QStringLiteral("Degree"));
+    window->prepareChart();
+    window->addSeries(wave(4), QStringLiteral("Rest"), 0);
+    window->finishPlot(names(4), false);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    const QPointer<MyLabel> label = window->findChild<MyLabel *>(QStringLiteral("Colorbox0"));
+    bringMouseTo(*window, window->rect().center());
+    QTest::mouseMove(window->windowHandle(), label->mapTo(window.get(), label->rect().center()));
+    ASSERT_EQ(label->cursor().shape(), Qt::PointingHandCursor);
+    window.reset(); // the mouse leaves the label of a window that is half gone
+    EXPECT_TRUE(label.isNull());
 }
 
 TEST_F(LinePlotConditions, hovering_the_label_of_a_hidden_line_does_nothing)

@@ -438,6 +438,15 @@ TEST_F(Ring, bounds_itself_by_the_tree)
         EXPECT_FALSE(edge->property("mst_sig").isValid()) << "the tree of the slice before";
 }
 
+TEST_F(Ring, sets_the_properties_of_an_edge_in_their_order)
+{
+    plot(upperTriangle(2, {0.5f}), {0, 1, 1, 0});
+    const QList<QByteArray> expected = {
+        "value",      "pen-width", "cmap-color",    "default-color", "pen",    "original-pen",
+        "fadein-pen", "index",     "emitting-from", "emitting-to",   "mst_sig"};
+    EXPECT_EQ(edgesOf(ring)[0]->dynamicPropertyNames(), expected);
+}
+
 TEST_F(Ring, registers_the_type_of_the_tree)
 {
     plot(upperTriangle(2, {1.0f}), {0, 1, 1, 0});

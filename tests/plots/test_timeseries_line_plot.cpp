@@ -212,6 +212,20 @@ TEST_F(TimeseriesLinePlotTest, writes_the_conditions_to_the_log_when_logging_is_
     EXPECT_EQ(messages[0].text, "(\"Rest\", \"Faces\")");
 }
 
+TEST_F(TimeseriesLinePlotTest, shows_its_names_whole_and_is_pictured_without_its_empty_legend)
+{
+    QStringList conditions;
+    for (int slice = 0; slice < 50; ++slice)
+        conditions += QStringLiteral("Faces %1").arg(slice);
+    window.setSeries(std::vector<float>(50, 0.5f), QString());
+    window.finishPlot(conditions);
+    window.showWhole();
+    QCoreApplication::processEvents();
+    EXPECT_GE(chart()->plotArea().width(), 50 * 24.0);
+    EXPECT_EQ(window.height(), 600);
+    EXPECT_EQ(window.picture().toImage(), view()->grab().toImage());
+}
+
 TEST_F(TimeseriesLinePlotTest, declares_no_signals_and_slots)
 {
     const QMetaObject &meta = TimeseriesLinePlot::staticMetaObject;

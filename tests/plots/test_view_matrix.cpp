@@ -617,6 +617,22 @@ TEST(PickedValue, is_the_one_under_the_mouse)
     EXPECT_EQ(browser.color()->styleSheet(), QString());
 }
 
+TEST(PickedValue, stays_while_the_mouse_is_on_the_names)
+{
+    Result result({gradient(6, 6)});
+    Browser browser(result);
+    browser.show();
+    browser.moveMouseToCell(0, 0);
+    const QString value = browser.value()->text();
+    ASSERT_FALSE(value.isEmpty());
+    // The header belongs to the table, which the mouse has not left.
+    const QWidget *const names = browser.table()->verticalHeader()->viewport();
+    browser.moveMouse(names->mapTo(&browser.window, QPoint(5, 5)));
+    EXPECT_EQ(browser.value()->text(), value);
+    browser.moveMouse(browser.outside);
+    EXPECT_EQ(browser.value()->text(), QString());
+}
+
 TEST(PickedValue, takes_the_row_first)
 {
     const Eigen::MatrixXf matrix = gradient(3, 3);
@@ -821,6 +837,66 @@ TEST(ValueRange, leaves_out_what_is_no_number)
                                                         {Eigen::MatrixXf::Constant(2, 2, nan)}}) {
         EXPECT_TRUE(std::isnan(valueRange(nothing).minimum));
         EXPECT_TRUE(std::isnan(valueRange(nothing).maximum));
+    }
+}
+
+// Pictures and slices without the mouse.
+
+class BrowserPictures : public testing::TestWithParam<int>
+{
+};
+
+/// The cells stand at the right and lower end of the picture of the table.
+QPoint cellInPicture(const QImage &picture, int n, int row, int column)
+{
+    const QPoint end(picture.width(), picture.height());
+    return end - QPoint(n - column, n - row) * 15 * picture.devicePixelRatio() +
+           QPoint(7, 7) * picture.devicePixelRatio();
+}
+
+TEST_P(BrowserPictures, show_the_whole_table)
+{
+    const int n = GetParam();
+    const Eigen::MatrixXf matrix = gradient(n, n);
+    Result result({matrix});
+    Browser browser(result);
+    browser.show();
+    const QImage picture = browser.window.tablePicture().toImage();
+    const QTableWidget *const table = browser.table();
+    const QSize whole(table->verticalHeader()->width() + 15 * n,
+                      table->horizontalHeader()->height() + 15 * n);
+    EXPECT_EQ(picture.size(), whole * picture.devicePixelRatio());
+    for (const auto &[row, column] : {std::pair(0, 0), {0, n - 1}, {n - 1, 0}, {n / 2, n - 1}}) {
+        EXPECT_EQ(picture.pixelColor(cellInPicture(picture, n, row, column)).rgb(),
+                  valueToColor(double(matrix(row, column))).rgb())
+            << row << ", " << column;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, BrowserPictures, testing::Values(1, 6, 60),
+                         testing::PrintToStringParamName());
+
+TEST(BrowserPicture, of_the_overview_is_the_overview)
+{
+    Result result(fourMatrices());
+    Browser browser(result);
+    browser.show();
+    EXPECT_EQ(browser.window.overviewPicture().toImage(), browser.overview()->grab().toImage());
+}
+
+TEST(BrowserSlice, is_shown_as_by_a_click)
+{
+    const std::vector<Eigen::MatrixXf> matrices = fourMatrices();
+    Result result(matrices);
+    Browser browser(result);
+    for (const int slice : {2, 0, 3}) {
+        browser.window.showSlice(slice);
+        browser.expectShows(matrices[std::size_t(slice)]);
+    }
+    for (const int missing : {4, -1}) {
+        browser.window.showSlice(missing);
+        EXPECT_EQ(browser.table()->item(0, 0), nullptr);
+        EXPECT_TRUE(browser.overview()->scene()->items().isEmpty());
     }
 }
 
