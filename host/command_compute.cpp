@@ -2,6 +2,8 @@
 #include "host/commands.h"
 #include "host/compute.h"
 #include "host/compute_files.h"
+#include "host/compute_pictures.h"
+#include "host/output_folder.h"
 #include "host/workspace.h"
 #ifdef CORVANE_COMMAND_IMPORT
 #include "host/resample_anatomy.h"
@@ -66,6 +68,7 @@ ComputeRequest requestOf(const QCommandLineParser &parser)
         parser, QStringLiteral("values"),
         {QStringLiteral("absolute"), QStringLiteral("positive"), QStringLiteral("negative")});
     request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
+    request.plots = parser.isSet(QStringLiteral("plots"));
     return request;
 }
 
@@ -75,7 +78,8 @@ int runCompute(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Computes the connectivity of one subject and writes its tables into a folder."));
+        "Computes the connectivity of one subject and writes its tables, and with --plots its "
+        "pictures, into a folder."));
     const auto file = QStringLiteral("file");
     parser.addOptions({
         {QStringLiteral("anatomy"), QStringLiteral("The anatomical volume."), file},
@@ -93,7 +97,10 @@ int runCompute(const QStringList &arguments)
         {QStringLiteral("values"), QStringLiteral("Which signs stay."),
          QStringLiteral("absolute|positive|negative"), QStringLiteral("absolute")},
         {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
-        {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
+        {QStringLiteral("plots"),
+         QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "
+                        "and a line plot per measure.")},
+        {QStringLiteral("out"), QStringLiteral("The folder for the tables and pictures."),
          QStringLiteral("folder")},
     });
     if (!parseArguments(parser, arguments))
@@ -106,8 +113,15 @@ int runCompute(const QStringList &arguments)
 #endif
     const ComputeRequest request = requestOf(parser);
     const QString folder = requiredValue(parser, QStringLiteral("out"));
-    const ComputeResult result = compute(request);
-    writeComputeFiles(folder, request, result);
+    ComputeResult result = compute(request);
+    OutputFolder files(folder);
+    QStringList pictures;
+    if (request.plots) {
+        result.warnings += picturesLeftOut(result);
+        pictures = writeComputePictures(files, request, result);
+    }
+    writeComputeTables(files, request, result, pictures);
+    files.commit();
     for (const QString &warning : result.warnings)
         std::fprintf(stderr, "%s\n", warning.toUtf8().constData());
     std::printf("%s: %d nodes, %d volumes, %d %s\n", folder.toUtf8().constData(),

@@ -174,7 +174,8 @@ ComputeResult compute(const ComputeRequest &request)
         throw std::runtime_error("this program must be named Corvane: it offers its functions "
                                  "under that name only");
     const LogKeeper log;
-    Subject subject;
+    const auto record = QSharedPointer<Subject>::create();
+    Subject &subject = *record;
     subject.setMeasure(request.measure);
     subject.setMatrixValues(request.matrixValues);
     subject.setComputeMst(request.computeMst);
@@ -186,6 +187,7 @@ ComputeResult compute(const ComputeRequest &request)
 
     const QVector<int> seeds = subject.scheme().seedVois;
     ComputeResult result;
+    result.subject = record;
     result.nodes = describeNodes(subject);
     result.timeseries = subject.averagedTimeseries({seeds.begin(), seeds.end()});
     result.slices = computeSlices(subject, result.timeseries);

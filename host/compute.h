@@ -4,6 +4,7 @@
 #include "dataset/subject.h"
 
 #include <Eigen/Core>
+#include <QSharedPointer>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -27,6 +28,7 @@ struct ComputeRequest {
     int measure = 1;    ///< as in Subject
     int matrixValues = 0;
     bool computeMst = true;
+    bool plots = false; ///< pictures beside the tables
 };
 
 /// One node: a chosen VOI.
@@ -45,6 +47,7 @@ struct ComputedSlice {
 };
 
 struct ComputeResult {
+    QSharedPointer<Subject> subject; ///< the record, for windows that show the result
     std::vector<ComputedNode> nodes;
     Eigen::MatrixXf timeseries; ///< nodes x volumes
     std::vector<ComputedSlice> slices;

@@ -5,7 +5,6 @@
 #include "host/input_error.h"
 #include "host/node_measures.h"
 #include "host/output_file.h"
-#include "host/output_folder.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -20,21 +19,6 @@ namespace corvane
 
 namespace
 {
-
-/// "connectivity.csv", or with a protocol "connectivity_<slice>_<condition>.csv".
-QString sliceFileName(const QString &kind, const ComputeRequest &request, std::size_t slice,
-                      const QString &condition)
-{
-    if (!request.useProtocol)
-        return kind + QStringLiteral(".csv");
-    constexpr int longest = 100; // a file name has room for 255 bytes on common file systems
-    QString safe = condition.left(longest);
-    for (QChar &c : safe) {
-        if (c == QLatin1Char('/') || c.category() == QChar::Other_Control)
-            c = QLatin1Char('_');
-    }
-    return kind + QStringLiteral("_%1_").arg(slice) + safe + QStringLiteral(".csv");
-}
 
 void writeMatrix(const OutputFolder &folder, const QString &name, const Eigen::MatrixXf &matrix)
 {
@@ -138,62 +122,78 @@ QJsonArray nodes(const ComputeResult &result)
     return all;
 }
 
+QString tableName(const QString &kind, const ComputeRequest &request, const ComputeResult &result,
+                  std::size_t slice)
+{
+    return sliceFileName(kind, QStringLiteral("csv"), request, result, slice);
+}
+
 QJsonArray slices(const ComputeRequest &request, const ComputeResult &result)
 {
     QJsonArray all;
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
-        QJsonObject entry{
-            {QStringLiteral("slice"), static_cast<int>(s)},
-            {QStringLiteral("connectivity"),
-             sliceFileName(QStringLiteral("connectivity"), request, s, slice.condition)}};
+        QJsonObject entry{{QStringLiteral("slice"), static_cast<int>(s)},
+                          {QStringLiteral("connectivity"),
+                           tableName(QStringLiteral("connectivity"), request, result, s)}};
         if (request.useProtocol) {
             entry.insert(QStringLiteral("condition"), slice.condition);
             entry.insert(QStringLiteral("event"), slice.event);
         }
         if (request.computeMst) {
             entry.insert(QStringLiteral("spanning tree"),
-                         sliceFileName(QStringLiteral("mst"), request, s, slice.condition));
+                         tableName(QStringLiteral("mst"), request, result, s));
         }
         all.append(entry);
     }
     return all;
 }
 
-QByteArray summary(const ComputeRequest &request, const ComputeResult &result)
+QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
+                   const QStringList &pictures)
 {
-    const QJsonObject document{
-        {QStringLiteral("inputs"), inputs(request, result)},
-        {QStringLiteral("settings"), settings(request)},
-        {QStringLiteral("volumes"), static_cast<int>(result.timeseries.cols())},
-        {QStringLiteral("repetition time in seconds"), result.repetitionTime},
-        {QStringLiteral("nodes"), nodes(result)},
-        {QStringLiteral("slices"), slices(request, result)},
-        {QStringLiteral("versions"), versions()},
-        {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)}};
+    QJsonObject document{{QStringLiteral("inputs"), inputs(request, result)},
+                         {QStringLiteral("settings"), settings(request)},
+                         {QStringLiteral("volumes"), static_cast<int>(result.timeseries.cols())},
+                         {QStringLiteral("repetition time in seconds"), result.repetitionTime},
+                         {QStringLiteral("nodes"), nodes(result)},
+                         {QStringLiteral("slices"), slices(request, result)},
+                         {QStringLiteral("versions"), versions()},
+                         {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)}};
+    if (request.plots)
+        document.insert(QStringLiteral("pictures"), QJsonArray::fromStringList(pictures));
     return QJsonDocument(document).toJson();
 }
 
 } // namespace
 
-void writeComputeFiles(const QString &path, const ComputeRequest &request,
-                       const ComputeResult &result)
+QString sliceFileName(const QString &kind, const QString &ending, const ComputeRequest &request,
+                      const ComputeResult &result, std::size_t slice)
 {
-    OutputFolder folder(path);
+    if (!request.useProtocol)
+        return kind + QLatin1Char('.') + ending;
+    constexpr int longest = 100; // a file name has room for 255 bytes on common file systems
+    QString safe = result.slices[slice].condition.left(longest);
+    for (QChar &c : safe) {
+        if (c == QLatin1Char('/') || c.category() == QChar::Other_Control)
+            c = QLatin1Char('_');
+    }
+    return kind + QStringLiteral("_%1_").arg(slice) + safe + QLatin1Char('.') + ending;
+}
+
+void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
+                        const ComputeResult &result, const QStringList &pictures)
+{
     writeMatrix(folder, QStringLiteral("timeseries.csv"), result.timeseries);
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
-        writeMatrix(folder,
-                    sliceFileName(QStringLiteral("connectivity"), request, s, slice.condition),
+        writeMatrix(folder, tableName(QStringLiteral("connectivity"), request, result, s),
                     slice.connectivity);
-        if (request.computeMst) {
-            writeMatrix(folder, sliceFileName(QStringLiteral("mst"), request, s, slice.condition),
-                        slice.mst);
-        }
+        if (request.computeMst)
+            writeMatrix(folder, tableName(QStringLiteral("mst"), request, result, s), slice.mst);
     }
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(request, result));
-    writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result));
-    folder.commit();
+    writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result, pictures));
 }
 
 } // namespace corvane

@@ -2,14 +2,18 @@
 #pragma once
 
 #include "host/compute.h"
+#include "host/output_folder.h"
 
 namespace corvane
 {
 
-/// Writes the tables and the summary of a compute into a folder, which is made when it is missing.
-/// The files appear together or, when one cannot be written, not at all; files of the same names
-/// are replaced. Throws InputError.
-void writeComputeFiles(const QString &folder, const ComputeRequest &request,
-                       const ComputeResult &result);
+/// "<kind>.<ending>", or with a protocol "<kind>_<slice>_<condition>.<ending>", the condition cut
+/// and cleaned where a file name has no room for it.
+QString sliceFileName(const QString &kind, const QString &ending, const ComputeRequest &request,
+                      const ComputeResult &result, std::size_t slice);
+
+/// Writes the tables of a compute, and a summary that names `pictures` too. Throws InputError.
+void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
+                        const ComputeResult &result, const QStringList &pictures);
 
 } // namespace corvane

@@ -48,8 +48,8 @@ const std::vector<Command> &commands()
         {"compute", runCompute,
          R"(  Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
                   [--seeds all|0,3,5] [--measure correlation|partial-correlation]
-                  [--values absolute|positive|negative] [--no-mst] --out DIR
-      Computes connectivity, spanning trees and graph measures.
+                  [--values absolute|positive|negative] [--no-mst] [--plots] --out DIR
+      Computes connectivity, spanning trees and graph measures; with --plots, draws them.
 )"},
 #endif
 #ifdef CORVANE_COMMAND_GRAPH
@@ -89,6 +89,13 @@ bool asksForWorkbench(const QStringList &arguments)
         if (first.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
             return true;
     return QFileInfo(first).isFile();
+}
+
+/// Whether a command is to draw, which takes an application with windows.
+bool asksForPictures(const QStringList &arguments)
+{
+    return !arguments.isEmpty() && arguments.front() == QLatin1String("compute") &&
+           arguments.contains(QStringLiteral("--plots"));
 }
 #endif
 
@@ -180,6 +187,12 @@ int runApplication(int &argc, char **argv)
     if (!arguments.isEmpty() && arguments.front() == QLatin1String("tour")) {
         const std::unique_ptr<QCoreApplication> application = makeTourApplication(argc, argv);
         return run(QCoreApplication::arguments().mid(1));
+    }
+#endif
+#ifdef CORVANE_WORKBENCH
+    if (asksForPictures(arguments)) {
+        const std::unique_ptr<QCoreApplication> application = makePictureApplication(argc, argv);
+        return run(arguments);
     }
 #endif
     const QCoreApplication application(argc, argv);

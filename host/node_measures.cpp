@@ -25,7 +25,7 @@ const std::vector<NodeMeasure> &nodeMeasures()
         {"eigenvector_centrality", nodalis::eigenvector_centrality},
         {"strength", nodalis::strength},
         {"nodal_global_efficiency", nodalis::nodal_global_efficiency},
-        {"global_efficiency", globalEfficiency},
+        {"global_efficiency", globalEfficiency, true},
     };
     return measures;
 }

@@ -12,6 +12,7 @@ namespace corvane
 struct NodeMeasure {
     const char *name; ///< of its column in tables
     Eigen::ArrayXf (*compute)(const Eigen::MatrixXf &weights);
+    bool isOfMatrix = false; ///< one value per matrix, the same for every node
 };
 
 /// Every measure of a node, in the order of its columns. The global efficiency, one value per

@@ -15,9 +15,12 @@
 
 #include <QDir>
 #include <QSettings>
-#include <QStyle>
 #include <QTemporaryDir>
 #endif
+
+#include <QStyle>
+
+#include <cstdio>
 
 namespace corvane
 {
@@ -33,6 +36,25 @@ bool thereIsADisplay()
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 #endif
+}
+
+/// What Qt warns of in windows that nobody sees is not for the command line.
+void printErrorsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+/// An application whose windows look the same on each machine.
+std::unique_ptr<QCoreApplication> applicationOfOneLook(int &argc, char **argv)
+{
+    qSetGlobalQHashSeed(0);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    auto application = std::make_unique<Application>(argc, argv);
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
+    return application;
 }
 
 } // namespace
@@ -74,6 +96,14 @@ int runWorkbench(const QStringList &arguments)
     return QCoreApplication::exec();
 }
 
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
+{
+    qInstallMessageHandler(printErrorsOnly);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    argc = 1; // the arguments are those of a command, none is Qt's
+    return applicationOfOneLook(argc, argv);
+}
+
 #ifdef CORVANE_IMPORT
 namespace
 {
@@ -95,13 +125,7 @@ std::unique_ptr<QCoreApplication> makeTourApplication(int &argc, char **argv)
     messageHandlerBefore = qInstallMessageHandler(tellFaultsOnly);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    qSetGlobalQHashSeed(0);
-    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    auto application = std::make_unique<Application>(argc, argv);
-    QApplication::setPalette(QApplication::style()->standardPalette());
-    QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
-    return application;
+    return applicationOfOneLook(argc, argv);
 }
 
 int runTour(const QStringList &arguments)
