@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Builds the Debian package and tries it on a machine that has nothing else: installs it in a fresh
+# Debian 12, works with it as an ordinary user, takes it away again, and says what held. Then the
+# same for an installation by CMake that is moved afterwards.
+#
+#   packaging/try-package.sh [--root DIR]
+#
+# Needs root, debootstrap, and lintian for its remarks. DIR is a fresh root made by debootstrap
+# before; it is copied. Takes about ten minutes, most of them for building and for downloads.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+fresh=
+[ "${1:-}" = --root ] && fresh=$2
+
+work=$(mktemp -d /var/tmp/try-package.XXXXXX)
+root=$work/root
+clean_up() {
+    mountpoint -q "$root/proc" && umount "$root/proc"
+    rm -rf --one-file-system "$work"
+}
+trap clean_up EXIT
+
+held() { echo "ok: $*"; }
+fail() {
+    echo "FAILED: $*"
+    exit 1
+}
+# in_root COMMAND...: as root of the fresh machine, with nothing of this one's environment.
+in_root() {
+    chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive "$@"
+}
+as_user() { in_root setpriv --reuid=researcher --regid=researcher --init-groups \
+    env HOME=/home/researcher "$@"; }
+
+# works RUN PROGRAM HOME: tries the program by a function above, in a home folder.
+works() {
+    local run=$1 program=$2 home=$3
+    $run "$program" --version | grep -q '^Corvane ' || fail "$program --version"
+    $run "$program" example "$home/example" >"$work/log" || fail "example: $(cat "$work/log")"
+    $run "$program" compute --anatomy "$home/example/example.vmr" \
+        --vtc "$home/example/example.vtc" --voi "$home/example/example.voi" --use-protocol \
+        --out "$home/results" >"$work/log" || fail "compute: $(cat "$work/log")"
+    grep -q ' 16 matrices$' "$work/log" || fail "compute says: $(cat "$work/log")"
+    held "import and compute of the example: $(sed 's/.*: //' "$work/log")"
+    $run "$program" tour --out "$home/tour" 2>"$work/log" || fail "tour: $(cat "$work/log")"
+    held "the windows and the plugin: a tour of $($run sh -c "ls $home/tour/*.png | wc -l") pictures"
+}
+
+# ---- the package
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+rm -f build/package/*.deb
+cmake --preset package >"$work/log" || fail "$(cat "$work/log")"
+cmake --build --preset package >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+package=$(echo build/package/*.deb)
+held "packed $(basename "$package"), $(($(stat -c %s "$package") / 1024)) KiB"
+if command -v lintian >/dev/null; then
+    remarks=$(lintian --allow-root --fail-on none "$package" 2>/dev/null)
+    [ -z "$remarks" ] || fail "lintian: $remarks"
+    held "lintian has no remark"
+fi
+
+# ---- a fresh machine
+if [ -n "$fresh" ]; then
+    cp -a "$fresh" "$root"
+else
+    debootstrap --variant=minbase bookworm "$root" >"$work/log" || fail "$(tail -n 5 "$work/log")"
+fi
+mount -t proc proc "$root/proc"
+in_root useradd --create-home researcher
+held "a fresh Debian $(cat "$root/etc/debian_version") with $(in_root dpkg-query -f '.\n' -W | wc -l) packages"
+
+cp "$package" "$root/tmp/package.deb"
+in_root apt-get update -q >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
+in_root apt-get install -q -y --no-install-recommends /tmp/package.deb >"$work/log" 2>&1 ||
+    fail "$(tail -n 5 "$work/log")"
+held "installed with $(grep -c '^Setting up' "$work/log") packages"
+in_root dpkg --verify corvane-tessera || fail "files differ from those of the package"
+
+for file in $(in_root dpkg -L corvane-tessera | grep -E '/bin/|\.so'); do
+    missing=$(in_root ldd "$file" | grep 'not found' || true)
+    [ -z "$missing" ] || fail "$file: $missing"
+done
+held "every library is found"
+for file in man/man1/Corvane.1.gz applications/corvane.desktop metainfo \
+    icons/hicolor/scalable/apps/corvane.svg doc/corvane-tessera/copyright \
+    doc/corvane-tessera/docs/users-guide.md doc/corvane-tessera/docs/pictures/ring.png; do
+    [ -e "$root/usr/share/$file" ] || fail "there is no /usr/share/$file"
+done
+held "manual page, desktop entry, icon, metadata, copyright and documents are in place"
+works as_user Corvane /home/researcher
+
+doc=$root/usr/share/doc/corvane-tessera
+cmake -S "$doc/docs/plugin-example" -B "$work/plugin" >"$work/log" || fail "$(cat "$work/log")"
+cmake --build "$work/plugin" >"$work/log" || fail "$(cat "$work/log")"
+held "the example plugin builds from the installed documents"
+
+in_root dpkg -L corvane-tessera >"$work/files"
+in_root apt-get purge -q -y corvane-tessera >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
+in_root dpkg-query -W corvane-tessera >/dev/null 2>&1 && fail "the package is still known"
+left=$(grep -E 'corvane|Corvane|nodalis|tessera' "$work/files" |
+    while read -r file; do [ -e "$root$file" ] && echo "$file"; done || true)
+[ -z "$left" ] || fail "left behind: $left"
+held "removed without a trace; the user's own files stay"
+
+# ---- an installation by CMake, moved
+cmake --install build/package --prefix "$work/first" >"$work/log" || fail "$(cat "$work/log")"
+mv "$work/first" "$work/moved"
+here() { env HOME="$work/home" "$@"; }
+works here "$work/moved/bin/Corvane" "$work/home"
+held "cmake --install, moved afterwards"
+echo "The package works."
