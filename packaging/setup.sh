@@ -38,16 +38,22 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [OPTION...]: configures with the options and builds into build/PRESET.
+# build PRESET [OPTION...] [-- TARGET...]: configures with the options and builds the targets, or all,
+# into build/PRESET.
 build() {
-    local preset=$1
+    local preset=$1 options=()
     shift
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        options+=("$1")
+        shift
+    done
     # Equal sources in two checkouts share their compiler results.
     export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
     mkdir -p build
-    cmake --preset "$preset" "$@" >"build/configure-$preset.log" 2>&1 || {
+    cmake --preset "$preset" "${options[@]}" >"build/configure-$preset.log" 2>&1 || {
         cat "build/configure-$preset.log"
         return 1
     }
-    cmake --build --preset "$preset" --parallel
+    [ $# -eq 0 ] || set -- --target "${@:2}"
+    cmake --build --preset "$preset" --parallel "$@"
 }
