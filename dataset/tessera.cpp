@@ -15,6 +15,10 @@ Tessera::Tessera(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::Tes
     ui->setupUi(this);
     setObjectName(QStringLiteral("Tessera"));
     setWindowFlags(Qt::WindowStaysOnTopHint);
+    // Not in the form: Qt takes a control that is made inside a disabled page for a plain widget,
+    // and tells a screen reader neither its kind nor its name.
+    ui->tab_Connectivity->setEnabled(false);
+    ui->tab_Graphs->setEnabled(false);
     PluginSettings::instance()->read();
 
     constexpr int protocolColumn = 4;

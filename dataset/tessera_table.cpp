@@ -94,6 +94,9 @@ QPushButton *Tessera::fileButton(int row, int column) const
 void Tessera::placeInCell(QWidget *widget, int row, int column)
 {
     widget->setProperty(rowProperty, row);
+    // Beside a text that tells the state, as "select" or "ok", what it is the state of.
+    const QString title = subjectsModel->headerData(column, Qt::Horizontal).toString();
+    widget->setAccessibleDescription(title);
     ui->tbl_Subjects->setIndexWidget(subjectsModel->index(row, column), widget);
 }
 

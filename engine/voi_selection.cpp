@@ -72,6 +72,7 @@ void Tessera::configurationSeedToSeedVOIs(bool)
     auto *const label = new QLabel(tr("Select the VOIs (max 10) to include to your analysis."));
     auto *const list = new QListWidget;
     list->setSelectionMode(QAbstractItemView::MultiSelection);
+    list->setAccessibleName(tr("VOIs"));
     auto *const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QPushButton *const ok = buttons->button(QDialogButtonBox::Ok);
     ok->setEnabled(false);

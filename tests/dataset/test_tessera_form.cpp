@@ -5,6 +5,7 @@
 #include "tests/gui_test.h"
 #include "tests/support/dataset_fixture.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -558,6 +559,34 @@ TEST_F(Window, TabOrderGoesThroughTheRowsOfTheTable)
               (before +
                QStringList{"first1", "first2", "first3", "first4", "third1", "third2", "third3"} +
                behind));
+}
+
+TEST_F(Window, EveryInputHasAKindAndANameOfItsOwnForScreenReaders)
+{
+    QStringList names;
+    for (const Control &control : controls) {
+        auto *const widget = find<QWidget>(control.name);
+        if (widget->focusPolicy() == Qt::NoFocus || qobject_cast<QGroupBox *>(widget))
+            continue;
+        const QAccessibleInterface *const accessible =
+            QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(accessible, nullptr) << control.name;
+        EXPECT_NE(accessible->role(), QAccessible::Client) << control.name << " is of no kind";
+        names.append(accessible->text(QAccessible::Name));
+        EXPECT_NE(names.last(), "") << control.name;
+    }
+    EXPECT_EQ(names.size(), 34);
+    EXPECT_EQ(names.removeDuplicates(), 0) << qPrintable(names.join(", "));
+    EXPECT_TRUE(names.contains("Dataset"));
+    EXPECT_TRUE(names.contains("Compute distances"));
+}
+
+TEST_F(Window, CellsSayTheirColumnToScreenReaders)
+{
+    addRow();
+    const char *const titles[] = {"", "VMR", "VTC", "VOI", "PRT"};
+    for (int column = VmrColumn; column <= PrtColumn; ++column)
+        EXPECT_EQ(cell(0, column)->accessibleDescription(), titles[column]);
 }
 
 TEST_F(Window, ArrowKeysReachEveryMeasure)

@@ -109,6 +109,7 @@ TEST_F(VoiSelection, IsAsDescribed)
         EXPECT_EQ(layout->itemAt(2)->widget(), selection.buttons);
 
         EXPECT_EQ(selection.list->selectionMode(), QAbstractItemView::MultiSelection);
+        EXPECT_EQ(selection.list->accessibleName(), "VOIs");
         ASSERT_EQ(selection.list->count(), 12);
         for (int voi = 0; voi < 12; ++voi) {
             EXPECT_EQ(selection.list->item(voi)->text(), "V" + QString::number(voi));
