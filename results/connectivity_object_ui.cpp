@@ -29,6 +29,9 @@ ConnectivityObjectUI::ConnectivityObjectUI(ConnectivityObject *object, QWidget *
     : QDialog(parent), connectivityObject(object), ui(std::make_unique<Ui::ConnectivityObjectUI>())
 {
     ui->setupUi(this);
+    // Not in the form: Qt takes a control that is made inside a disabled group for a plain widget,
+    // and does not tell a screen reader its kind.
+    circularPlot_disableOptions();
     ui->pushButton->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
     prepareGraphFeatures();
     prepareNodesTable();
