@@ -322,6 +322,9 @@ TEST_F(LinePlotTest, a_trigger_line_is_hidden_and_its_row_reacts_to_nothing)
         EXPECT_EQ(widget->cursor().shape(), Qt::ArrowCursor);
         EXPECT_EQ(line(0)->pen(), before);
     }
+    checkBox(1)->setChecked(false);
+    checkBox(1)->setChecked(true);
+    EXPECT_FALSE(line(1)->isVisible());
 }
 
 // ---- axes

@@ -271,6 +271,19 @@ TEST_F(SpanSliderTest, actions_stop_or_cross_at_the_other_handle_as_the_mode_say
     }
 }
 
+TEST_F(SpanSliderTest, an_action_holds_the_commit_back_until_its_end)
+{
+    slider.setSpan(200, 300);
+    slider.setSliderDown(true);
+    QVector<bool> blocked;
+    QObject::connect(&slider, &QxtSpanSlider::lowerPositionChanged, &slider,
+                     [&] { blocked += logic.blockTracking; });
+    QObject::connect(&slider, &QxtSpanSlider::lowerValueChanged, &slider,
+                     [&] { blocked += logic.blockTracking; });
+    logic.triggerAction(QAbstractSlider::SliderSingleStepAdd, true);
+    EXPECT_EQ(blocked, QVector<bool>({true, false})); // the position, then its value
+}
+
 TEST_F(SpanSliderTest, a_move_commits_waiting_positions)
 {
     slider.setTracking(false);

@@ -232,6 +232,19 @@ TEST_P(EveryLayout, handles_meet_without_crossing)
     EXPECT_EQ(logic.mainControl, lowerHandle);
 }
 
+TEST_P(EveryLayout, a_handle_that_met_the_other_one_comes_back_in_the_same_drag)
+{
+    slider.setHandleMovementMode(QxtSpanSlider::NoCrossing);
+    show(100, 300);
+    pressAt(100);
+    moveTo(310);
+    EXPECT_EQ(state(), "300 300 | 300 300");
+    moveTo(290);
+    releaseAt(290);
+    EXPECT_EQ(state(), "290 300 | 290 300");
+    EXPECT_EQ(logic.lastPressed, lowerHandle);
+}
+
 TEST_P(EveryLayout, handles_stay_one_apart_without_overlapping)
 {
     slider.setHandleMovementMode(QxtSpanSlider::NoOverlapping);
@@ -313,6 +326,24 @@ TEST_P(EveryLayout, dragged_too_far_a_handle_goes_back_to_where_it_was_pressed)
     slider.setStyle(nullptr);
 }
 
+TEST_P(EveryLayout, a_release_without_movement_leaves_the_other_handles_position_waiting)
+{
+    slider.setTracking(false);
+    show(100, 300);
+    slider.setUpperPosition(280);
+    pressAt(100);
+    releaseAt(100);
+    EXPECT_EQ(takeSignals(), QStringList({"down", "pressed 1", "up"}));
+    EXPECT_EQ(state(), "100 300 | 100 280");
+
+    slider.setUpperPosition(300);
+    slider.setLowerPosition(120);
+    pressAt(300);
+    releaseAt(300);
+    EXPECT_EQ(takeSignals(), QStringList({"down", "pressed 2", "up"}));
+    EXPECT_EQ(state(), "100 300 | 120 300");
+}
+
 using SpanSliderMouse = SpanSliderTest;
 
 TEST_F(SpanSliderMouse, without_tracking_a_crossing_keeps_lower_below_upper)
@@ -384,6 +415,17 @@ TEST_F(SpanSliderMouse, a_press_is_accepted_unless_a_button_is_held_or_the_range
     EXPECT_FALSE(accepts(Qt::LeftButton, Qt::LeftButton | Qt::RightButton));
     slider.setRange(200, 200);
     EXPECT_FALSE(accepts(Qt::LeftButton, Qt::LeftButton));
+}
+
+TEST_F(SpanSliderMouse, a_release_is_left_to_the_base_class_which_knows_of_no_press)
+{
+    show(100, 300);
+    pressAt(100);
+    QMouseEvent event(QEvent::MouseButtonRelease, pointOf(100), Qt::LeftButton, Qt::NoButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(&slider, &event);
+    EXPECT_FALSE(event.isAccepted());
+    EXPECT_FALSE(slider.isSliderDown());
 }
 
 TEST_F(SpanSliderMouse, a_move_is_accepted_only_with_a_pressed_handle)

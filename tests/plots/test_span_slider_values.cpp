@@ -134,6 +134,18 @@ TEST_F(SpanSliderTest, a_position_waits_without_tracking)
     EXPECT_EQ(state(), "100 300 | 120 280");
 }
 
+TEST_F(SpanSliderTest, a_position_put_beyond_a_coincident_handle_stays_there_without_tracking)
+{
+    slider.setTracking(false);
+    slider.setSpan(300, 300);
+    slider.setLowerPosition(400);
+    takeSignals();
+    logic.triggerAction(QAbstractSlider::SliderMove, true);
+    // Only the other handle's value is new.
+    EXPECT_EQ(takeSignals(), QStringList({"upper 400", "span 300 400"}));
+    EXPECT_EQ(state(), "300 400 | 400 400");
+}
+
 TEST_F(SpanSliderTest, a_position_is_reported_only_while_the_slider_is_down)
 {
     slider.setTracking(false);
