@@ -124,18 +124,21 @@ TEST_F(ImportDialogTest, ACancelledImportLeavesNothing)
 TEST_F(ImportDialogTest, SaysWhyItCannotImport)
 {
     showWith({});
-    QTRY_VERIFY(state().startsWith(QStringLiteral("Choose an anatomy")));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return state().startsWith(QStringLiteral("Choose an anatomy")); }));
     ImportRequest request = exampleRequest();
     request.functional = source->path("sub-01_T1w.nii.gz");
     dialog.setRequest(request);
-    QTRY_VERIFY_WITH_TIMEOUT(state().contains(QStringLiteral("expected 4 dimensions")), 30000);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return state().contains(QStringLiteral("expected 4 dimensions")); }, 30000));
     EXPECT_FALSE(importButton()->isEnabled());
 
     request = exampleRequest();
     request.folder.clear();
     dialog.setRequest(request);
-    QTRY_VERIFY_WITH_TIMEOUT(state().endsWith(QStringLiteral("Choose a folder to import into.")),
-                             30000);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return state().endsWith(QStringLiteral("Choose a folder to import into.")); },
+        30000));
     EXPECT_FALSE(importButton()->isEnabled());
 }
 
@@ -160,7 +163,8 @@ TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
 TEST_F(ImportDialogTest, TheLastInputCountsWhenItChangesDuringAPreview)
 {
     showWith(exampleRequest());
-    QTRY_COMPARE(state(), QStringLiteral("Looking at the files..."));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return state() == QStringLiteral("Looking at the files..."); }));
     dialog.findChild<QDoubleSpinBox *>(QStringLiteral("repetitionTime"))->setValue(2.5);
     waitForPreview();
     EXPECT_TRUE(state().endsWith(QStringLiteral("one each 2.5 s"))) << state().toStdString();

@@ -173,7 +173,7 @@ TEST_F(VolumeViewTest, EachDocumentKeepsItsOwnLook)
     EXPECT_THAT(cross(), ElementsAre(128, 128, 128));
     EXPECT_EQ(view->scene().zoom, 1);
     workspace.setCurrentDocument(0);
-    QTRY_COMPARE(view->scene().zoom, 2.0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view->scene().zoom == 2.0; }));
     EXPECT_THAT(cross(), ElementsAre(1, 2, 3));
     EXPECT_EQ(view->scene().window, (GreyWindow{10, 20}));
 }
@@ -206,14 +206,14 @@ TEST_F(VolumeViewTest, ListsShowsHidesAndJumpsToVois)
 
     // A plugin that loads the same VOIs again leaves the choice alone.
     workspace.loadVois(folder.path("areas.voi"));
-    QTRY_COMPARE(list->item(1)->checkState(), Qt::Unchecked);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->item(1)->checkState() == Qt::Unchecked; }));
     QTest::mouseClick(child<QPushButton>("hideAllVois"), Qt::LeftButton);
     EXPECT_EQ(view->scene().vois, nullptr);
     QTest::mouseClick(child<QPushButton>("showAllVois"), Qt::LeftButton);
     EXPECT_EQ(text("intensity"), QStringLiteral("0 (two)"));
 
     EXPECT_THROW(workspace.loadVois(folder.path("none.voi")), InputError);
-    QTRY_COMPARE(list->count(), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->count() == 0; }));
     EXPECT_EQ(view->scene().vois, nullptr);
 }
 

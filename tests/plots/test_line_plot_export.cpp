@@ -113,7 +113,9 @@ TEST_F(LinePlotExport, the_context_menu_opens_off_the_mouse_by_the_views_place)
     QTest::mouseClick(window.windowHandle(), Qt::RightButton, {}, view()->mapTo(&window, inView));
     // The press asks for the menu in the coordinates of the view; the window takes them for its
     // own.
-    QTRY_COMPARE(texts, QStringList({"Export to image...", "Export to CSV..."}));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return texts == QStringList({"Export to image...", "Export to CSV..."});
+    }));
     EXPECT_EQ(place, window.mapToGlobal(inView));
 }
 
