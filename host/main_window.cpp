@@ -7,7 +7,7 @@
 #include "host/log.h"
 #include "host/log_pane.h"
 #include "host/recent_files.h"
-#include "host/time_course.h"
+#include "host/time_course_reader.h"
 #include "host/time_course_view.h"
 #include "host/voi_list.h"
 #include "host/volume_view.h"
@@ -94,7 +94,7 @@ QString menuText(QString text)
 
 MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
     : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this)),
-      m_vois(new VoiList(this))
+      m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
@@ -300,19 +300,27 @@ void MainWindow::refresh()
 void MainWindow::showTimeCourse()
 {
     TimeCourseScene scene;
-    if (const LinkedVtc *const vtc = m_workspace.linkedVtc()) {
-        scene.samples = timeCourseAt(vtc->file, m_volume->scene().cross);
-        scene.repetitionTime = vtc->file.info().repetitionTime;
-        scene.hint = tr("The cross-hair lies outside the functional run.");
-    } else {
-        scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
-                        "time course at the cross-hair.");
-    }
     // Intervals in another unit than volumes have no place on this axis.
     const LoadedProtocol *const protocol = m_workspace.protocol();
     if (protocol != nullptr && protocol->prt.timeUnit == 1)
         scene.conditions = protocol->prt.conditions;
-    m_timeCourse->show(std::move(scene));
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    if (vtc == nullptr) {
+        m_reader->forget();
+        scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
+                        "time course at the cross-hair.");
+        m_timeCourse->show(std::move(scene));
+        return;
+    }
+    scene.repetitionTime = vtc->file.info().repetitionTime;
+    scene.hint = tr("The cross-hair lies outside the functional run.");
+    // What is shown stays until the samples are there.
+    m_reader->ask(vtc->file, m_volume->scene().cross,
+                  [this, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
+                      TimeCourseScene complete = scene;
+                      complete.samples = samples;
+                      m_timeCourse->show(std::move(complete));
+                  });
 }
 
 void MainWindow::open(const QString &path)

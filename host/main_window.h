@@ -15,6 +15,7 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class TimeCourseReader;
 class TimeCourseView;
 class Tour;
 class VoiList;
@@ -80,8 +81,10 @@ private:
     VoiList *m_vois;
     DocumentTabs *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr; ///< a welcome, and the volume
+    QSplitter *m_parts = nullptr;      ///< of the volume's page
     VolumeView *m_volume = nullptr;
     TimeCourseView *m_timeCourse = nullptr;
+    TimeCourseReader *m_reader;
     int m_shownVoiLoads = -1;
     QPointer<Tour> m_tour;
     RecentFilesMenu *m_recent = nullptr;

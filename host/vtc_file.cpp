@@ -224,7 +224,7 @@ QString linkedProtocolText(const QString &vtcPath, const QString &protocolPath)
     return outside ? absolute : relative;
 }
 
-VtcFile::VtcFile(const QString &path) : m_file(std::make_unique<InputFile>(path))
+VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const InputFile>(path))
 {
     static const QStringList fields{
         QStringLiteral("type"),   QStringLiteral("dimension"), name(sizesField),
@@ -238,10 +238,6 @@ VtcFile::VtcFile(const QString &path) : m_file(std::make_unique<InputFile>(path)
     checkLength(*m_file, header, m_info);
     m_samples = m_file->data() + header.length();
 }
-
-VtcFile::~VtcFile() = default;
-VtcFile::VtcFile(VtcFile &&) noexcept = default;
-VtcFile &VtcFile::operator=(VtcFile &&) noexcept = default;
 
 QString VtcFile::path() const
 {

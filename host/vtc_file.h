@@ -55,15 +55,13 @@ QByteArray vtcFileHeader(const VtcInfo &info);
 /// it lies in or below that folder, else absolute.
 QString linkedProtocolText(const QString &vtcPath, const QString &protocolPath);
 
-/// A `.vtc` open for reading. It is mapped: samples that nobody looks at are never read.
+/// A `.vtc` open for reading. It is mapped: samples that nobody looks at are never read. Copies
+/// share the mapping, which lasts as long as one of them.
 class VtcFile
 {
 public:
     /// Checks the header against the rules and the length of the file. Throws InputError.
     explicit VtcFile(const QString &path);
-    ~VtcFile();
-    VtcFile(VtcFile &&) noexcept;
-    VtcFile &operator=(VtcFile &&) noexcept;
 
     QString path() const;
     const VtcInfo &info() const { return m_info; }
@@ -74,7 +72,7 @@ public:
     const float *floatSamples() const;
 
 private:
-    std::unique_ptr<InputFile> m_file;
+    std::shared_ptr<const InputFile> m_file;
     VtcInfo m_info;
     const uchar *m_samples = nullptr;
 };

@@ -228,10 +228,13 @@ TEST_F(VolumeViewTest, ShowsTheTimeCourseAtTheCrossHairWithTheProtocol)
     prt.conditions = {{QStringLiteral("left"), {{1, 2}}}, {QStringLiteral("right"), {{2, 9}}}};
     writePrtFile(folder.path("a.prt"), prt);
     window.openFiles({folder.path("a.vtc"), folder.path("a.prt")});
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return timeCourse->scene().hint ==
+               QStringLiteral("The cross-hair lies outside the functional run.");
+    }));
     EXPECT_THAT(timeCourse->scene().samples, IsEmpty());
-    EXPECT_EQ(timeCourse->scene().hint,
-              QStringLiteral("The cross-hair lies outside the functional run."));
     view->setCross({60, 52, 62});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !timeCourse->scene().samples.empty(); }));
     EXPECT_THAT(timeCourse->scene().samples, ElementsAre(8, 9, 10, 11));
     EXPECT_EQ(timeCourse->scene().conditions.size(), 2U);
 
