@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/file_field.h"
 
+#include "host/dropped_files.h"
+
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -20,6 +23,9 @@ FileField::FileField(QWidget *parent)
     m_choose->setText(QStringLiteral("..."));
     m_choose->setFocusPolicy(Qt::StrongFocus);
     setFocusProxy(m_path);
+    // The line would take a dropped file as text, with what stands before its path.
+    m_path->setAcceptDrops(false);
+    setAcceptDrops(true);
     connect(m_path, &QLineEdit::textChanged, this, &FileField::changed);
     connect(m_choose, &QToolButton::clicked, this, &FileField::choose);
 }
@@ -40,6 +46,18 @@ QString FileField::path() const
 void FileField::setPath(const QString &path)
 {
     m_path->setText(path);
+}
+
+void FileField::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (droppedFiles(event->mimeData()).size() == 1)
+        event->acceptProposedAction();
+}
+
+void FileField::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    setPath(droppedFiles(event->mimeData()).value(0));
 }
 
 void FileField::choose()

@@ -30,6 +30,10 @@ public:
 Q_SIGNALS:
     void changed();
 
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
 private:
     void choose();
 

@@ -2,6 +2,7 @@
 #include "host/main_window.h"
 
 #include "host/document_tabs.h"
+#include "host/dropped_files.h"
 #include "host/host_version.h"
 #include "host/input_error.h"
 #include "host/log.h"
@@ -26,9 +27,9 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -64,15 +65,6 @@ public:
 bool endsWith(const QString &path, const char *ending)
 {
     return path.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
-}
-
-QStringList localFiles(const QMimeData *data)
-{
-    QStringList paths;
-    for (const QUrl &url : data->urls())
-        if (url.isLocalFile())
-            paths += url.toLocalFile();
-    return paths;
 }
 
 #ifdef CORVANE_IMPORT
@@ -543,13 +535,13 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!localFiles(event->mimeData()).isEmpty())
+    if (!droppedFiles(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
-    const QStringList paths = localFiles(event->mimeData());
+    const QStringList paths = droppedFiles(event->mimeData());
     event->acceptProposedAction();
     // The window that the files come from waits until the drop is done.
     QTimer::singleShot(0, this, [this, paths] { openFiles(paths); });

@@ -4,6 +4,7 @@
 #include "host/example_dataset.h"
 #include "host/import_dialog.h"
 #include "host/vtc_file.h"
+#include "tests/host/dropping.h"
 #include "tests/host/host_files.h"
 #include "tests/support/modal_driver.h"
 
@@ -140,6 +141,19 @@ TEST_F(ImportDialogTest, SaysWhyItCannotImport)
         [&] { return state().endsWith(QStringLiteral("Choose a folder to import into.")); },
         30000));
     EXPECT_FALSE(importButton()->isEnabled());
+}
+
+TEST_F(ImportDialogTest, TakesAFileThatIsDroppedOnItsField)
+{
+    dialog.show();
+    auto *const field = dialog.findChild<QWidget *>(QStringLiteral("anatomy"));
+    auto *const line = field->findChild<QLineEdit *>();
+    const QString path = folder.path("T1 \xc3\xa4.nii.gz");
+    EXPECT_TRUE(dropOn(line, {path}));
+    EXPECT_EQ(dialog.request().anatomy, path);
+    // Two files have no place in one field.
+    EXPECT_FALSE(dropOn(line, {folder.path("a.nii"), folder.path("b.nii")}));
+    EXPECT_EQ(dialog.request().anatomy, path);
 }
 
 TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
