@@ -258,7 +258,7 @@ void MainWindow::makeHelpMenu()
 void MainWindow::restore()
 {
     const QSettings settings;
-    resize(1100, 850);
+    resize(usualSize().boundedTo(screen()->availableSize()));
     resizeDocks({m_log}, {110}, Qt::Vertical);
     resizeDocks({m_vois}, {240}, Qt::Horizontal);
     restoreGeometry(settings.value(geometryKey).toByteArray());
@@ -410,6 +410,14 @@ void MainWindow::startTour()
     if (!pluginNames().contains(tourPlugin())) {
         showMessageBox(tr("The tour needs the plugin %1.").arg(tourPlugin()));
         return;
+    }
+    // A dataset that is being worked on is not the tour's to change.
+    for (const QWidget *other : QApplication::topLevelWidgets()) {
+        if (other != this && other->isVisible() && other->parentWidget() == nullptr) {
+            showMessageBox(tr("The tour opens windows of the plugin. Close those that are open "
+                              "first."));
+            return;
+        }
     }
     const QString folder = exampleFolder();
     if (folder.isEmpty())

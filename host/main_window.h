@@ -43,6 +43,9 @@ public:
     /// when there is none.
     bool startPlugin(const QString &name);
 
+    /// The size of the first start, where the screen has room for it.
+    static QSize usualSize() { return {1100, 850}; }
+
     const LogPane &log() const { return *m_log; }
 
 protected:

@@ -40,6 +40,8 @@ Tour::Tour(std::vector<TourStep> steps, QObject *parent)
 {
     m_timer.setInterval(lookInterval);
     connect(&m_timer, &QTimer::timeout, this, &Tour::look);
+    m_readingTime.setSingleShot(true);
+    connect(&m_readingTime, &QTimer::timeout, this, &Tour::goOn);
 }
 
 Tour::~Tour()
@@ -90,16 +92,19 @@ void Tour::play(const TourStep &step, QWidget *target)
     const bool isShown = m_pause > 0 && !step.caption.isEmpty();
     if (isShown)
         showCaption(step, target);
-    if (!step.act)
-        return;
+    m_act = [act = step.act, guarded = QPointer<QWidget>(target)] {
+        if (act && !guarded.isNull())
+            act(guarded);
+    };
     m_isPlaying = true;
     // Not from here: this timer does not fire again while its own slot is in another event loop.
-    QTimer::singleShot(isShown ? m_pause : 0, this,
-                       [this, act = step.act, guarded = QPointer<QWidget>(target)] {
-                           m_isPlaying = false;
-                           if (!m_isOver && !guarded.isNull())
-                               act(guarded);
-                       });
+    m_readingTime.start(isShown ? m_pause : 0);
+}
+
+void Tour::goOn()
+{
+    m_isPlaying = false;
+    std::exchange(m_act, nullptr)();
 }
 
 bool Tour::keepPicture(const TourStep &step)
@@ -130,7 +135,7 @@ void Tour::showCaption(const TourStep &step, const QWidget *target)
     }
     m_caption->setText(QStringLiteral("<b>%1</b><p>%2</p><p><small>%3</small></p>")
                            .arg(step.title.toHtmlEscaped(), step.caption.toHtmlEscaped(),
-                                tr("Escape ends the tour.")));
+                                tr("Space goes on, Escape ends the tour.")));
     m_caption->adjustSize();
     const QRect window = target->window()->frameGeometry();
     m_caption->move(window.center().x() - m_caption->width() / 2,
@@ -146,8 +151,17 @@ bool Tour::eventFilter(QObject *watched, QEvent *event)
         return QObject::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::KeyPress:
-        if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        switch (static_cast<QKeyEvent *>(event)->key()) {
+        case Qt::Key_Escape:
             finish(tr("The tour was ended."));
+            break;
+        case Qt::Key_Space:
+            if (m_readingTime.isActive())
+                m_readingTime.start(0);
+            break;
+        default:
+            break;
+        }
         return true;
     case QEvent::KeyRelease:
     case QEvent::MouseButtonPress:
@@ -163,7 +177,7 @@ bool Tour::eventFilter(QObject *watched, QEvent *event)
 void Tour::finish(const QString &fault)
 {
     m_timer.stop();
-    m_isOver = true;
+    m_readingTime.stop();
     qApp->removeEventFilter(this);
     delete m_caption;
     m_caption = nullptr;

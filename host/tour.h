@@ -38,7 +38,8 @@ public:
     /// Writes the pictures and `captions.md` into a folder, which exists. Without a folder nothing
     /// is written.
     void setFolder(const QString &folder) { m_folder = folder; }
-    /// Shows each caption for a while, for people to read. They stop the tour with Escape.
+    /// Shows each caption for a while, for people to read. They go on at once with Space and end
+    /// the tour with Escape.
     void setSpeed(int millisecondsPerCaption) { m_pause = millisecondsPerCaption; }
 
     void start();
@@ -53,6 +54,7 @@ protected:
 private:
     void look();
     void play(const TourStep &step, QWidget *target);
+    void goOn();
     bool keepPicture(const TourStep &step);
     void showCaption(const TourStep &step, const QWidget *target);
     void finish(const QString &fault);
@@ -65,10 +67,11 @@ private:
     int m_pause = 0;
     int m_looks = 0; ///< in vain, for the step that is next
     bool m_isPlaying = false;
-    bool m_isOver = false;
-    QPointer<QWidget> m_seen; ///< the target at the last look
-    QImage m_picture;         ///< of its window then, for a step that keeps one
+    QPointer<QWidget> m_seen;    ///< the target at the last look
+    QImage m_picture;            ///< of its window then, for a step that keeps one
+    std::function<void()> m_act; ///< what is to be done when the reader has had time
     QTimer m_timer;
+    QTimer m_readingTime;
     QLabel *m_caption = nullptr;
 };
 

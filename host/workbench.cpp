@@ -105,24 +105,9 @@ std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
 }
 
 #ifdef CORVANE_IMPORT
-namespace
-{
-
-QtMessageHandler messageHandlerBefore = nullptr;
-
-/// Leaves out Qt's remarks about a platform without a display and about style sheets, which would
-/// bury what the tour itself has to say.
-void tellFaultsOnly(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        messageHandlerBefore(type, context, text);
-}
-
-} // namespace
-
 std::unique_ptr<QCoreApplication> makeTourApplication(int &argc, char **argv)
 {
-    messageHandlerBefore = qInstallMessageHandler(tellFaultsOnly);
+    qInstallMessageHandler(printErrorsOnly);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     return applicationOfOneLook(argc, argv);
@@ -161,6 +146,7 @@ int runTour(const QStringList &arguments)
     const QTemporaryDir dataset;
     const QTemporaryDir exports;
     writeExample(dataset.path());
+    window.resize(MainWindow::usualSize());
     window.show();
     Tour tour(workflowSteps(window, dataset.path(), exports.path()));
     tour.setFolder(folder.path());

@@ -18,6 +18,7 @@ TEST(Tour, GoesThroughTheWholeWorkflowAndKeepsAPictureOfEachStep)
     const QString out = folder.path("pictures");
     const ProgramRun run = runCorvane({QStringLiteral("tour"), QStringLiteral("--out"), out});
     ASSERT_EQ(run.status, 0) << run.errors.constData();
+    EXPECT_EQ(run.errors.toStdString(), "");
 
     const QByteArray captions = bytesOf(out + QStringLiteral("/captions.md"));
     const QStringList pictures =

@@ -3,6 +3,7 @@
 // How a tour is played, on small windows.
 #include "host/tour.h"
 #include "host/user_input.h"
+#include "tests/host/caption_reader.h"
 #include "tests/host/host_files.h"
 
 #include <QDialog>
@@ -82,14 +83,8 @@ TEST_F(TourPlayer, ShowsCaptionsToPeopleWhoEndItWithEscape)
     tour.setSpeed(1000);
     QSignalSpy finished(&tour, &Tour::finished);
     tour.start();
-    const auto caption = []() -> QLabel * {
-        for (QWidget *top : QApplication::topLevelWidgets())
-            if (auto *const label = qobject_cast<QLabel *>(top))
-                return label;
-        return nullptr;
-    };
-    ASSERT_TRUE(QTest::qWaitFor([&] { return caption() != nullptr && caption()->isVisible(); }));
-    EXPECT_TRUE(caption()->text().contains(QStringLiteral("A button.")));
+    ASSERT_TRUE(QTest::qWaitFor([] { return CaptionReader::caption() != nullptr; }));
+    EXPECT_TRUE(CaptionReader::caption()->text().contains(QStringLiteral("A button.")));
     // People do not get in the way of the tour ...
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(30, 20));
     EXPECT_EQ(window.findChild<QDialog *>(), nullptr);
@@ -98,10 +93,33 @@ TEST_F(TourPlayer, ShowsCaptionsToPeopleWhoEndItWithEscape)
     QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
     ASSERT_EQ(finished.size(), 1);
     EXPECT_EQ(finished.at(0).at(0).toString(), QStringLiteral("The tour was ended."));
-    EXPECT_EQ(caption(), nullptr);
+    EXPECT_EQ(CaptionReader::caption(), nullptr);
     // The click that was to come does not.
     EXPECT_FALSE(
         QTest::qWaitFor([this] { return window.findChild<QDialog *>() != nullptr; }, 1500));
+}
+
+TEST_F(TourPlayer, LeavesTimeForEachCaptionAndGoesOnWithSpace)
+{
+    constexpr int longTime = 1000000; // ms
+    std::vector<TourStep> both = steps();
+    both.insert(both.begin(), {{},
+                               QStringLiteral("Begin"),
+                               QStringLiteral("Nothing is done."),
+                               [this] { return &window; },
+                               {}});
+    Tour tour(both);
+    tour.setSpeed(longTime);
+    QSignalSpy finished(&tour, &Tour::finished);
+    const CaptionReader reader;
+    tour.start();
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_EQ(finished.at(0).at(0).toString(), QString());
+    EXPECT_EQ(entered, QStringLiteral("text"));
+    ASSERT_EQ(reader.captions.size(), 3);
+    const std::size_t places[] = {0, 1, 3}; // of the steps with a caption
+    for (int n = 0; n < 3; ++n)
+        EXPECT_TRUE(reader.captions[n].contains(both[places[n]].caption));
 }
 
 TEST_F(TourPlayer, AFolderThatCannotBeWrittenIsTold)

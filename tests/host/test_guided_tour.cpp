@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Help > Guided Tour with the real plugin, as a reader goes through it. This program is named as
+// the host and exports what the host exports.
+#include "host/log_pane.h"
+#include "host/main_window.h"
+#include "host/resample_anatomy.h"
+#include "host/tour_steps.h"
+#include "host/workspace.h"
+#include "tests/host/caption_reader.h"
+#include "tests/host/host_files.h"
+#include "tests/support/modal_driver.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QSettings>
+#include <QtTest>
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+namespace corvane
+{
+
+namespace
+{
+
+class GuidedTour : public testing::Test
+{
+protected:
+    GuidedTour()
+    {
+        QSettings().clear();
+        qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+        workspace().setAnatomyOpener(openForeignAnatomy);
+        window.show();
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+    ~GuidedTour() override { workspace() = Workspace(); }
+
+    void loadPlugin() { window.loadPluginFolder(QStringLiteral(TESSERA_PLUGIN_FOLDER)); }
+
+    /// Alt+H opens the Help menu, G is the letter of its entry.
+    void chooseTour()
+    {
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        QTest::keyClick(&window, Qt::Key_H, Qt::AltModifier);
+        ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_G);
+    }
+
+    const TemporaryFolder folder;
+    MainWindow window{workspace()};
+};
+
+/// The program's own function of a name, as a plugin looks it up; null for one of a library.
+void *ownFunction(const char *name)
+{
+    void *const found = dlsym(RTLD_DEFAULT, name);
+    Dl_info place{};
+    Dl_info program{};
+    if (found == nullptr || dladdr(found, &place) == 0 ||
+        dladdr(reinterpret_cast<void *>(&workspace), &program) == 0)
+        return nullptr;
+    return place.dli_fbase == program.dli_fbase ? found : nullptr;
+}
+
+QStringList functionsOfTheHost()
+{
+    QStringList names;
+#define HOST_CALL(result, name, arguments)                                                         \
+    if (ownFunction(#name) != nullptr)                                                             \
+        names += QStringLiteral(#name);
+#define HOST_NAME(name) HOST_CALL(void, name, ())
+#include "plugin/host_function_names.inc"
+#undef HOST_CALL
+#undef HOST_NAME
+    return names;
+}
+
+} // namespace
+
+TEST_F(GuidedTour, GoesFromTheMenuThroughTheWholeWorkflow)
+{
+    loadPlugin();
+    const CaptionReader reader;
+    chooseTour();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return window.log().text().endsWith(QStringLiteral("The guided tour is done.")); },
+        100000))
+        << "after " << qPrintable(reader.captions.value(reader.captions.size() - 1));
+    EXPECT_EQ(reader.captions.size(), 15);
+    EXPECT_EQ(CaptionReader::caption(), nullptr);
+    for (const QWidget *other : QApplication::topLevelWidgets())
+        EXPECT_FALSE(other->isVisible() && qobject_cast<const QDialog *>(other))
+            << qPrintable(other->windowTitle());
+    EXPECT_EQ(workspace().documentCount(), 1);
+}
+
+TEST_F(GuidedTour, EndsWhenItsReaderWantsItAndBeginsAgain)
+{
+    loadPlugin();
+    QAction *entry = nullptr;
+    for (QAction *action : window.menuBar()->actions().constLast()->menu()->actions())
+        if (action->text() == QStringLiteral("&Guided Tour"))
+            entry = action;
+    ASSERT_NE(entry, nullptr);
+    for (int n = 1; n <= 2; ++n) {
+        entry->trigger();
+        ASSERT_TRUE(QTest::qWaitFor([] { return CaptionReader::caption() != nullptr; }, 60000));
+        // A tour that is running is not begun a second time.
+        entry->trigger();
+        QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+        EXPECT_EQ(window.log().text().count(QStringLiteral("The tour was ended.")), n);
+        EXPECT_EQ(CaptionReader::caption(), nullptr);
+        if (QWidget *const menu = QApplication::activePopupWidget())
+            menu->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+TEST_F(GuidedTour, LeavesADatasetThatIsBeingWorkedOnAlone)
+{
+    loadPlugin();
+    QDialog dataset;
+    dataset.show();
+    ModalDriver driver;
+    driver.expectMessage(QStringLiteral("Corvane"),
+                         QStringLiteral("The tour opens windows of the plugin. Close those that "
+                                        "are open first."));
+    chooseTour();
+    EXPECT_EQ(CaptionReader::caption(), nullptr);
+}
+
+TEST_F(GuidedTour, SaysThatItsPluginIsMissing)
+{
+    ModalDriver driver;
+    driver.expectMessage(QStringLiteral("Corvane"),
+                         QStringLiteral("The tour needs the plugin Tessera Analysis."));
+    chooseTour();
+}
+
+TEST_F(GuidedTour, ThePluginFindsTheSameFunctionsOfTheHostAsBeforeItWasLoaded)
+{
+    const QStringList before = functionsOfTheHost();
+    EXPECT_EQ(before.size(), 21);
+    loadPlugin();
+    ASSERT_EQ(window.pluginNames(), QStringList{tourPlugin()});
+    EXPECT_EQ(functionsOfTheHost(), before);
+    for (const QString &name : before)
+        EXPECT_EQ(dlsym(RTLD_DEFAULT, name.toLatin1().constData()),
+                  ownFunction(name.toLatin1().constData()))
+            << qPrintable(name);
+}
+
+} // namespace corvane
