@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # tessera_test(NAME SOURCES file... LINK target... [LABELS label...] [TIMEOUT seconds]
-#              [OWN_MAIN | GUI_MAIN] [AT_SCALE_2])
+#              [OWN_MAIN | GUI_MAIN] [AT_SCALE factor...])
 #
-# GUI_MAIN takes the main function for tests with widgets, tests/gui_main.cpp. AT_SCALE_2 runs all
-# tests of the program once more with two pixels per point, under the name NAME_at_scale_2.
+# GUI_MAIN takes the main function for tests with widgets, tests/gui_main.cpp. AT_SCALE 1.5 runs all
+# tests of the program once more with one and a half pixels per point, under the name
+# NAME_at_scale_1.5.
 #
 # One test program with GoogleTest. Each of its tests becomes a test of ctest; one that calls
 # GTEST_SKIP is reported as skipped. Tests run on Qt's offscreen platform with a home folder of
@@ -14,7 +15,7 @@ find_package(GTest REQUIRED)
 find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 
 function(tessera_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN;AT_SCALE_2" "TIMEOUT" "SOURCES;LINK;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS;AT_SCALE")
     add_executable(${name} ${arg_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
@@ -46,9 +47,9 @@ function(tessera_test name)
         LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
         UBSAN_OPTIONS=print_stacktrace=1)
     tessera_discover(${name} ${name} "${environment}")
-    if(arg_AT_SCALE_2)
-        tessera_discover(${name} ${name}_at_scale_2 "${environment};QT_SCALE_FACTOR=2")
-    endif()
+    foreach(factor IN LISTS arg_AT_SCALE)
+        tessera_discover(${name} ${name}_at_scale_${factor} "${environment};QT_SCALE_FACTOR=${factor}")
+    endforeach()
 endfunction()
 
 # Makes a test of ctest of each test in a program; reads the arguments of tessera_test.

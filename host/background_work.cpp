@@ -3,6 +3,7 @@
 
 #include <QEventLoop>
 #include <QFutureWatcher>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QTimer>
 #include <QtConcurrent>
@@ -33,6 +34,7 @@ WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
                              100, parent);
     progress.setObjectName(QStringLiteral("workProgress"));
     progress.setWindowTitle(title);
+    progress.findChild<QProgressBar *>()->setAccessibleName(title);
     progress.setWindowModality(Qt::ApplicationModal);
     progress.setMinimumDuration(0);
     progress.setAutoReset(false);

@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QtConcurrent>
 
 namespace corvane
@@ -33,8 +34,10 @@ ImportDialog::ImportDialog(QWidget *parent)
     m_ui->setupUi(this);
     m_import = m_ui->buttons->addButton(tr("&Import"), QDialogButtonBox::AcceptRole);
     m_import->setDefault(true);
-    resize(760, 860);
+    // Not beyond a small screen, or the buttons are out of reach.
+    resize(QSize(900, 760).boundedTo(screen()->availableSize()));
     m_ui->vois->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_ui->vois->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
 
     for (FileField *field :
          {m_ui->anatomy, m_ui->functional, m_ui->atlas, m_ui->labels, m_ui->events, m_ui->folder})

@@ -50,6 +50,12 @@ void GridPreview::clear()
 void GridPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    if (m_slices.isEmpty()) {
+        painter.fillRect(rect(), palette().base());
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(rect(), Qt::AlignCenter, tr("No grids yet"));
+        return;
+    }
     painter.fillRect(rect(), Qt::black);
     const double side = std::min(width() / 3.0, double(height()));
     const double scale = side / Vmr::size;

@@ -47,6 +47,7 @@ namespace
 
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString stateKey = QStringLiteral("window/state");
+const QString partsKey = QStringLiteral("window/parts");
 #ifdef CORVANE_IMPORT
 constexpr int captionTime = 5000; // ms, time to read one
 #endif
@@ -142,37 +143,41 @@ QWidget *MainWindow::makeWelcome()
                       "<p>Open one (.vmr, NIfTI or NRRD), or drop files on this window.</p>"));
     text->setAlignment(Qt::AlignCenter);
     text->setWordWrap(true);
-    auto *const open = new QPushButton(tr("&Open..."));
-    open->setObjectName(QStringLiteral("welcomeOpen"));
-    connect(open, &QPushButton::clicked, this, &MainWindow::chooseFiles);
+    auto *const buttons = new QWidget;
+    auto *const column = new QVBoxLayout(buttons);
+    const auto addButton = [&](const QString &label, const char *name, void (MainWindow::*act)()) {
+        auto *const button = new QPushButton(label);
+        button->setObjectName(QString::fromLatin1(name));
+        connect(button, &QPushButton::clicked, this, act);
+        column->addWidget(button);
+    };
+    addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
+#ifdef CORVANE_IMPORT
+    addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &MainWindow::importFiles);
+    addButton(tr("Open the &Example Dataset"), "welcomeExample", &MainWindow::openExample);
+#endif
     layout->addStretch();
     layout->addWidget(text);
-    layout->addWidget(open, 0, Qt::AlignCenter);
-#ifdef CORVANE_IMPORT
-    auto *const example = new QPushButton(tr("Open the &Example Dataset"));
-    example->setObjectName(QStringLiteral("welcomeExample"));
-    connect(example, &QPushButton::clicked, this, &MainWindow::openExample);
-    layout->addWidget(example, 0, Qt::AlignCenter);
-#endif
+    layout->addWidget(buttons, 0, Qt::AlignCenter);
     layout->addStretch();
     return page;
 }
 
 QWidget *MainWindow::makeVolumePage()
 {
-    auto *const splitter = new QSplitter(Qt::Vertical);
-    splitter->setObjectName(QStringLiteral("volumeSplitter"));
+    m_parts = new QSplitter(Qt::Vertical);
+    m_parts->setObjectName(QStringLiteral("volumeSplitter"));
     m_volume = new VolumeView;
     m_timeCourse = new TimeCourseView;
-    splitter->addWidget(m_volume);
-    splitter->addWidget(m_timeCourse);
-    splitter->setStretchFactor(0, 1);
-    splitter->setChildrenCollapsible(false);
+    m_parts->addWidget(m_volume);
+    m_parts->addWidget(m_timeCourse);
+    m_parts->setStretchFactor(0, 1);
+    m_parts->setChildrenCollapsible(false);
     connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showTimeCourse);
     connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
     connect(m_vois, &VoiList::overlayChanged, this,
             [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
-    return splitter;
+    return m_parts;
 }
 
 void MainWindow::makeFileMenu()
@@ -263,6 +268,7 @@ void MainWindow::restore()
     resizeDocks({m_vois}, {240}, Qt::Horizontal);
     restoreGeometry(settings.value(geometryKey).toByteArray());
     restoreState(settings.value(stateKey).toByteArray());
+    m_parts->restoreState(settings.value(partsKey).toByteArray());
 }
 
 // ---- what is open
@@ -538,6 +544,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     QSettings settings;
     settings.setValue(geometryKey, saveGeometry());
     settings.setValue(stateKey, saveState());
+    settings.setValue(partsKey, m_parts->saveState());
     QMainWindow::closeEvent(event);
 }
 

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QTimer>
 
+class QSplitter;
 class QStackedWidget;
 
 namespace corvane

@@ -44,6 +44,8 @@ SliceView::SliceView(SlicePlane plane, const SliceScene &scene, QWidget *parent)
     setAccessibleDescription(
         tr("Arrow keys move the cross-hair, PageUp and PageDown go through the "
            "slices, plus and minus zoom."));
+    setStatusTip(tr("Click: cross-hair. Wheel: slices. Ctrl+wheel: zoom. Drag with the right "
+                    "button: window and level; with the middle one: move the picture."));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setCursor(Qt::CrossCursor);
@@ -132,10 +134,15 @@ void SliceView::paintLetters(QPainter &painter) const
     const AxisEnds down = axisEnds(m_scene.vmr, m_axes.down);
     const QRect inner = rect().adjusted(6, 4, -6, -4);
     painter.setPen(Qt::white);
-    painter.drawText(inner, Qt::AlignLeft | Qt::AlignVCenter, across.low);
-    painter.drawText(inner, Qt::AlignRight | Qt::AlignVCenter, across.high);
-    painter.drawText(inner, Qt::AlignHCenter | Qt::AlignTop, down.low);
-    painter.drawText(inner, Qt::AlignHCenter | Qt::AlignBottom, down.high);
+    // On a ground of its own: the cross-hair often runs where the letter stands.
+    const auto letter = [&](Qt::Alignment place, const QString &text) {
+        painter.fillRect(painter.boundingRect(inner, static_cast<int>(place), text), Qt::black);
+        painter.drawText(inner, static_cast<int>(place), text);
+    };
+    letter(Qt::AlignLeft | Qt::AlignVCenter, across.low);
+    letter(Qt::AlignRight | Qt::AlignVCenter, across.high);
+    letter(Qt::AlignHCenter | Qt::AlignTop, down.low);
+    letter(Qt::AlignHCenter | Qt::AlignBottom, down.high);
     painter.setPen(QColor(200, 200, 200));
     painter.drawText(inner, Qt::AlignLeft | Qt::AlignTop,
                      QString::number(m_scene.cross[static_cast<std::size_t>(m_axes.through)]));

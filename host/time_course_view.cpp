@@ -54,6 +54,7 @@ TimeCourseView::TimeCourseView(QWidget *parent) : QWidget(parent)
 {
     setObjectName(QStringLiteral("timeCourse"));
     setAccessibleName(tr("Time course at the cross-hair"));
+    setStatusTip(tr("Point at a volume, or use the arrow keys, to read its value."));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
 }

@@ -41,7 +41,7 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
     m_list->setAccessibleName(tr("Volumes of interest"));
     m_list->setAccessibleDescription(
         tr("Space shows or hides a VOI, Return takes the cross-hair to it."));
-    m_list->setToolTip(tr("Double click or Return: go there. Check box or Space: show or hide."));
+    m_list->setStatusTip(tr("Double click or Return: go there. Check box or Space: show or hide."));
     m_list->setUniformItemSizes(true);
     connect(m_list, &QListWidget::itemActivated, this, &VoiList::jump);
     connect(m_list, &QListWidget::itemChanged, this, &VoiList::makeOverlay);
@@ -50,7 +50,7 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
     auto *const buttons = new QHBoxLayout;
     m_showAll = new QPushButton(tr("&Show All"));
     m_showAll->setObjectName(QStringLiteral("showAllVois"));
-    m_hideAll = new QPushButton(tr("H&ide All"));
+    m_hideAll = new QPushButton(tr("Hi&de All"));
     m_hideAll->setObjectName(QStringLiteral("hideAllVois"));
     connect(m_showAll, &QPushButton::clicked, this, [this] { showAll(true); });
     connect(m_hideAll, &QPushButton::clicked, this, [this] { showAll(false); });
@@ -59,7 +59,7 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
     layout->addLayout(buttons);
 
     auto *const opacityRow = new QHBoxLayout;
-    auto *const label = new QLabel(tr("O&pacity"));
+    auto *const label = new QLabel(tr("Opaci&ty"));
     m_opacity = new QSlider(Qt::Horizontal);
     m_opacity->setObjectName(QStringLiteral("voiOpacity"));
     m_opacity->setAccessibleName(tr("Opacity of the VOIs in percent"));

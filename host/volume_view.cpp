@@ -51,7 +51,10 @@ VolumeView::VolumeView(QWidget *parent)
     auto *const controls = new QWidget(this);
     m_ui->setupUi(controls);
     // Texts that come and go may not move the slices.
-    controls->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    for (QLabel *text : {m_ui->world, m_ui->intensity, m_ui->mouse}) {
+        text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        text->setMinimumWidth(1);
+    }
     layout->addWidget(controls, 1, 0);
     for (int n = 0; n < 2; ++n) {
         layout->setRowStretch(n, 1);

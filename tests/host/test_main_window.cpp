@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
+#include <QSplitter>
 #include <QtTest>
 #include <gmock/gmock.h>
 
@@ -219,14 +220,25 @@ TEST_F(MainWindowTest, RemembersItsPlaceAndPanes)
 {
     auto *const log = window.findChild<LogPane *>();
     showWindow();
+    window.openFiles({first});
     window.resize(901, 702);
     log->hide();
+    auto *const parts = window.findChild<QSplitter *>(QStringLiteral("volumeSplitter"));
+    QCoreApplication::processEvents();
+    const int height = parts->sizes().at(1) + 40;
+    parts->setSizes({parts->sizes().at(0) - 40, height});
+    ASSERT_EQ(parts->sizes().at(1), height);
     window.close();
 
     Workspace other;
     MainWindow later(other);
     later.show();
+    later.openFiles({first});
     EXPECT_EQ(later.size(), QSize(901, 702));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return later.findChild<QSplitter *>(QStringLiteral("volumeSplitter"))->sizes().at(1) ==
+               height;
+    }));
     EXPECT_FALSE(later.findChild<LogPane *>()->isVisible());
 }
 
@@ -269,6 +281,20 @@ TEST_F(MainWindowTest, ListsPluginsWithNameAndAuthorAndStartsThem)
                 HasSubstr("Plugin & execute throws did not start: execute failed: beyond"));
     EXPECT_FALSE(window.startPlugin(QStringLiteral("Plugin & nobody")));
     EXPECT_THAT(logged(), HasSubstr("There is no plugin of the name \"Plugin & nobody\"."));
+}
+
+TEST_F(MainWindowTest, TellsInTheLogWhyALibraryIsNoPlugin)
+{
+    window.loadPluginFolder(QStringLiteral(PLUGIN_FOLDER));
+    EXPECT_THAT(logged(),
+                HasSubstr("no_exports.so is no plugin: it does not export createPlugin."));
+    EXPECT_THAT(logged(), HasSubstr("no_library.so cannot be loaded: "));
+    EXPECT_THAT(logged(), HasSubstr("other_host.so was built for another version of the host: it "
+                                    "needs zqNeverThere, which version 3.0.0 does not have."));
+    EXPECT_TRUE(window.startPlugin(QStringLiteral("Plugin & refuses silently")));
+    EXPECT_THAT(logged(),
+                HasSubstr("Plugin & refuses silently did not start: it refuses to run in version "
+                          "3.0.0 of this host and does not say why"));
 }
 
 TEST_F(MainWindowTest, TakesTheWindowsOfPluginsWithItWhenItCloses)
