@@ -2,7 +2,7 @@
 // Time from the making of a line plot to its first complete picture on the screen, as a press on
 // "inspect" costs it.
 
-#include "bench/plots/first_paint.h"
+#include "bench/first_paint.h"
 #include "plots/line_plot.h"
 
 #include <QApplication>

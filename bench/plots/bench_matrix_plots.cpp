@@ -2,7 +2,7 @@
 // Time from a press on "Visualize" to the first complete picture of the ring and of the matrix
 // browser, and from the choice of another slice to its picture.
 
-#include "bench/plots/first_paint.h"
+#include "bench/first_paint.h"
 #include "engine/connectivity_object.h"
 #include "plots/circular_plot.h"
 #include "plots/circular_plot_widget.h"
