@@ -124,8 +124,10 @@ TimeCourseView::Frame TimeCourseView::frame() const
     }
     if (!(low < high)) {
         const double middle = std::isfinite(low) ? low : 0;
-        low = middle - 1;
-        high = middle + 1;
+        // Of a size that still counts beside the value.
+        const double half = std::max(1.0, 1e-6 * std::abs(middle));
+        low = middle - half;
+        high = middle + half;
     }
     const double margin = 0.05 * (high - low);
     const int line = fontMetrics().height();
@@ -142,8 +144,7 @@ void TimeCourseView::paintEvent(QPaintEvent *)
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(rect().adjusted(8, 0, -8, 0), Qt::AlignCenter | Qt::TextWordWrap,
                          m_scene.hint);
-    } else {
-        const Frame where = frame();
+    } else if (const Frame where = frame(); where.plot.width() > 0 && where.plot.height() > 0) {
         painter.setRenderHint(QPainter::Antialiasing);
         paintBands(painter, where);
         paintAxes(painter, where);
@@ -184,18 +185,20 @@ void TimeCourseView::paintAxes(QPainter &painter, const Frame &frame) const
     double step = tickStep(frame.high - frame.low);
     while (frame.plot.height() * step / (frame.high - frame.low) < 1.3 * line)
         step *= 2;
-    for (double value = std::ceil(frame.low / step) * step; value <= frame.high; value += step) {
+    const double first = std::ceil(frame.low / step);
+    const int ticks = static_cast<int>(std::floor(frame.high / step) - first) + 1;
+    for (int tick = 0; tick < ticks; ++tick) {
+        const double value = (first + tick) * step;
         const double y = frame.y(value);
         painter.setPen(faint);
         painter.drawLine(QPointF(frame.plot.left(), y), QPointF(frame.plot.right(), y));
         painter.setPen(palette().color(QPalette::Text));
-        const double shown = std::abs(value) < 1e-9 * step ? 0 : value;
         painter.drawText(QRectF(0, y - line / 2.0, frame.plot.left() - 6, line),
-                         Qt::AlignRight | Qt::AlignVCenter, QString::number(shown, 'g', 5));
+                         Qt::AlignRight | Qt::AlignVCenter, QString::number(value, 'g', 5));
     }
 
     const int volumeStep =
-        std::max(1, static_cast<int>(tickStep(std::max(frame.volumes, 5)) + 0.5));
+        std::max(1, static_cast<int>(std::lround(tickStep(std::max(frame.volumes, 5)))));
     for (int volume = volumeStep; volume <= frame.volumes; volume += volumeStep) {
         const double x = frame.x(volume);
         painter.setPen(faint);
