@@ -37,4 +37,4 @@ void ConnectivityObject::connectivityObjectUIDestroyed(QObject *)
 
 // Here, so that the class's virtual table is linked only into what uses the class: its destructor
 // stands with the windows.
-#include "moc_connectivity_object.cpp"
+#include "moc_connectivity_object.cpp" // NOLINT(bugprone-suspicious-include)

@@ -49,8 +49,7 @@ VoiGrid voiGrid(const QCommandLineParser &parser)
 QString importName(const QCommandLineParser &parser, const QString &functional)
 {
     const QString option = QStringLiteral("name");
-    const QString name =
-        parser.isSet(option) ? parser.value(option) : defaultImportName(functional);
+    QString name = parser.isSet(option) ? parser.value(option) : defaultImportName(functional);
     if (name.isEmpty() || name.contains(QLatin1Char('/')) || nameFault(name))
         throw UsageError(QStringLiteral("--name: found %1, expected the name of a file without "
                                         "its ending")

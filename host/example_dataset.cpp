@@ -261,12 +261,12 @@ void writeRun(const QString &path, const ImportWatch &watch)
             const float value = model.level + signal[regionOf[v]] + model.drift * drift +
                                 model.breathing * breathing + model.pulse * pulse +
                                 static_cast<float>(sum - 131070) * (12.0f / 37837.0f);
-            volume[v] = static_cast<qint16>(std::max(value, 0.0f) + 0.5f);
+            volume[v] = static_cast<qint16>(std::lround(std::max(value, 0.0f)));
         }
-        file.write(volume.data(), static_cast<qint64>(volume.size() * sizeof volume[0]));
+        file.write(volume.data(), static_cast<qint64>(volume.size()) * qint64{sizeof(qint16)});
         progress.update(t + 1);
         // The import of the run takes about as long again.
-        if (watch && !watch(t + 1, 2 * volumeCount))
+        if (watch && !watch(t + 1, 2 * qint64(volumeCount)))
             throw ImportStopped();
     }
     file.commit();

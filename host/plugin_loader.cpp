@@ -182,7 +182,7 @@ std::vector<std::unique_ptr<Plugin>> loadPlugins(const QString &folder)
 
 QString defaultPluginFolder()
 {
-    const QString named = qEnvironmentVariable("CORVANE_PLUGINS");
+    QString named = qEnvironmentVariable("CORVANE_PLUGINS");
     if (!named.isEmpty())
         return named;
     return QDir::cleanPath(QCoreApplication::applicationDirPath() +

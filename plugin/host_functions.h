@@ -7,6 +7,7 @@
 /// The host's functions, one entry each: the functions in use with their exact types, every other
 /// as an address. An entry that the host does not offer is null.
 struct HostFunctionTable {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): these are declarations.
 #define HOST_CALL(result, name, arguments) result(*name) arguments = nullptr;
 #define HOST_NAME(name) HostAddress name = nullptr;
 #include "plugin/host_function_names.inc"
