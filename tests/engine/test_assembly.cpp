@@ -115,6 +115,16 @@ TEST(AveragedTimeseries, WithoutSeriesHasNoVolumes)
     EXPECT_EQ(nodes.cols(), 0);
 }
 
+TEST(AveragedTimeseries, HasTheVolumesOfTheFirstVoi)
+{
+    Subject subject;
+    subject.appendTimeseries(Eigen::MatrixXf::Ones(2, 3));
+    subject.appendTimeseries(Eigen::MatrixXf::Constant(1, 5, 4.0f));
+    for (const int voi : {0, 1})
+        EXPECT_EQ(subject.averagedTimeseries({voi}).cols(), 3) << voi;
+    EXPECT_EQ(subject.averagedTimeseries({1}), Eigen::MatrixXf::Constant(1, 3, 4.0f));
+}
+
 TEST(AveragedTimeseries, OfVoiBeyondTheSeriesIsNaN)
 {
     Subject subject;

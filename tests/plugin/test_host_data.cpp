@@ -399,6 +399,16 @@ TEST_F(HostData, VoiNamesSayWhichVoisAreEmpty)
     EXPECT_EQ(host.count("zqLoadVOIs"), 1);
 }
 
+TEST_F(HostData, VoiNamesReplaceThoseBefore)
+{
+    EXPECT_EQ(subject.voiCount(true), 2);
+    EXPECT_EQ(subject.voiCount(true), 2);
+    EXPECT_EQ(subject.voiNames, (QStringList{"V1", "V2"}));
+    vois() = {{"alone", {{1, 2, 3}}}};
+    EXPECT_EQ(subject.voiCount(true), 1);
+    EXPECT_EQ(subject.voiNames, QStringList{"alone"});
+}
+
 TEST_F(HostData, VoiThatTheHostDoesNotGiveHasNoNameOfAnother)
 {
     vois() = {{"links", {{1, 2, 3}}}, {"rechts", {{1, 2, 3}}, false}, {"oben", {{1, 2, 3}}}};
@@ -621,6 +631,17 @@ TEST_F(HostData, LinkedProtocolIsTakenFromTheVtc)
     // This line alone does not ask for verbose logging.
     EXPECT_EQ(lines, QStringList{"Linked proto file: /data/task.prt"});
     EXPECT_EQ(host.count("zqSetAsCurrentDocument"), 0);
+}
+
+TEST_F(HostData, AnyCountButZeroNamesProtocol)
+{
+    for (const int count : {1, 2, -1}) {
+        vtc().linkProtocol("/data/task.prt");
+        vtc().header.linkedProtocolCount = count;
+        Subject other = subject;
+        EXPECT_TRUE(other.linkProtocol()) << count;
+        EXPECT_EQ(other.protocol().name, "task") << count;
+    }
 }
 
 TEST_F(HostData, LinkedProtocolPathIsLatin1)
