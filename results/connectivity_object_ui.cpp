@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The results dialog itself and its table of nodes.
+// The results dialog itself.
 #include "results/connectivity_object_ui.h"
 
 #include "dataset/verbose_log.h"
 #include "engine/connectivity_object.h"
 #include "plots/plot_source.h"
-#include "results/nodes_model.h"
+#include "results/nodes_table.h"
 #include "ui_connectivity_object_ui.h"
 
-#include <QCheckBox>
-#include <QHeaderView>
 #include <QIcon>
 
 namespace
@@ -68,22 +66,10 @@ ConnectivityObjectUI::Matrices ConnectivityObjectUI::matrices() const
 
 void ConnectivityObjectUI::prepareNodesTable()
 {
-    auto *const model = new NodesModel(ui->tblView_Nodes);
     const QStringList labels; // no node can be left out yet
-    model->setLabels(labels);
-    ui->tblView_Nodes->setModel(model);
+    fillNodesTable(ui->tblView_Nodes, labels);
     if (PluginSettings::instance()->verboseLogging) {
         verboseLog("void __cdecl ConnectivityObjectUI::prepareNodesTable(void)");
         verboseLog("labels = (", labels.join(QStringLiteral(", ")), ")");
     }
-    for (int row = 0; row < labels.size(); ++row) {
-        auto *const box = new QCheckBox;
-        box->setProperty("row", row);
-        box->setChecked(true);
-        box->setStyleSheet(QStringLiteral("margin-left:50%; margin-right:50%;"));
-        ui->tblView_Nodes->setIndexWidget(model->index(row, NodesModel::InclusionColumn), box);
-    }
-    QHeaderView *const header = ui->tblView_Nodes->horizontalHeader();
-    header->setSectionResizeMode(NodesModel::NodeColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(NodesModel::InclusionColumn, QHeaderView::ResizeToContents);
 }

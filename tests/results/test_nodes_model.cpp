@@ -2,9 +2,11 @@
 #include "results/nodes_model.h"
 
 #include "dataset/plugin_settings.h"
+#include "results/nodes_table.h"
 #include "tests/results/results_fixture.h"
 
 #include <QAbstractItemModelTester>
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTabWidget>
@@ -112,6 +114,29 @@ TEST_F(NodesModelTest, Flags)
     EXPECT_EQ(model.flags(QModelIndex()), Qt::ItemIsEnabled);
     EXPECT_EQ(model.flags(model.index(1, 0)), base | Qt::ItemIsEditable);
     EXPECT_EQ(model.flags(model.index(1, 1)), base);
+}
+
+TEST(NodesTable, HasACheckedBoxForTheInclusionOfEachNode)
+{
+    QTableView view;
+    const QStringList labels = {"V1", "V2", "MT"};
+    fillNodesTable(&view, labels);
+    auto *const model = qobject_cast<NodesModel *>(view.model());
+    ASSERT_NE(model, nullptr);
+    EXPECT_EQ(model->QObject::parent(), &view);
+    ASSERT_EQ(model->rowCount(), 3);
+    for (int row = 0; row < 3; ++row) {
+        EXPECT_EQ(model->index(row, 0).data(), labels[row]);
+        EXPECT_EQ(view.indexWidget(model->index(row, 0)), nullptr);
+        const auto *const box = qobject_cast<QCheckBox *>(view.indexWidget(model->index(row, 1)));
+        ASSERT_NE(box, nullptr) << row;
+        EXPECT_EQ(box->property("row"), QVariant(row));
+        EXPECT_TRUE(box->isChecked());
+        EXPECT_EQ(box->text(), "");
+        EXPECT_EQ(box->styleSheet(), "margin-left:50%; margin-right:50%;");
+    }
+    EXPECT_EQ(view.horizontalHeader()->sectionResizeMode(0), QHeaderView::Stretch);
+    EXPECT_EQ(view.horizontalHeader()->sectionResizeMode(1), QHeaderView::ResizeToContents);
 }
 
 class NodesPage : public ResultsFixture
