@@ -7,9 +7,13 @@
 #include "results/feature_values.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QDoubleSpinBox>
+#include <QFile>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QIcon>
+#include <QImage>
 #include <QLabel>
 #include <QMetaMethod>
 #include <QProgressBar>
@@ -376,6 +380,29 @@ TEST_F(ResultsForm, DetailsOfSingleControls)
 
     const QIcon icon = find<QPushButton>("pushButton")->icon();
     EXPECT_EQ(icon.isNull(), !QIcon::hasThemeIcon("window-close"));
+}
+
+/// A desktop whose icons are the one that closes a window, in one colour.
+TEST_F(ResultsForm, CloseBearsTheIconOfTheDesktop)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkpath("plain/16x16"));
+    QFile theme(folder.filePath("plain/index.theme"));
+    ASSERT_TRUE(theme.open(QIODevice::WriteOnly));
+    theme.write("[Icon Theme]\nName=plain\nDirectories=16x16\n[16x16]\nSize=16\nType=Fixed\n");
+    theme.close();
+    QImage icon(16, 16, QImage::Format_RGB32);
+    icon.fill(Qt::darkGreen);
+    ASSERT_TRUE(icon.save(folder.filePath("plain/16x16/window-close.png")));
+
+    const QStringList pathsBefore = QIcon::themeSearchPaths();
+    const QString themeBefore = QIcon::themeName();
+    QIcon::setThemeSearchPaths({folder.path()});
+    QIcon::setThemeName("plain");
+    const QImage shown = find<QPushButton>("pushButton")->icon().pixmap(16, 16).toImage();
+    QIcon::setThemeSearchPaths(pathsBefore);
+    QIcon::setThemeName(themeBefore);
+    ASSERT_FALSE(shown.isNull());
+    EXPECT_EQ(shown.pixelColor(8, 8), QColor(Qt::darkGreen));
 }
 
 TEST_F(ResultsForm, Connections)

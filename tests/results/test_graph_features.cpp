@@ -196,6 +196,14 @@ TEST_F(GraphFeatures, TableHasTheRowsInTheirOrder)
     }
 }
 
+/// By name, for whoever reads a result out of a variant; in a process that has made none yet.
+TEST_F(GraphFeatures, TypesOfResultsAreKnownOnceTheTableIsThere)
+{
+    dialog();
+    for (const char *const type : {"std::vector<float>", "FeatureValues"})
+        EXPECT_NE(QMetaType::type(type), int(QMetaType::UnknownType)) << type;
+}
+
 TEST_F(GraphFeatures, TableHasItsColumns)
 {
     EXPECT_TRUE(features()->isColumnHidden(0));

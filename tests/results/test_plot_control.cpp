@@ -405,6 +405,20 @@ TEST_F(PlotControl, TheBrowserShowsTheFirstMatrixWithItsNames)
     EXPECT_EQ(scene->items().size(), 36);
 }
 
+TEST_F(PlotControl, TheBrowserNamesTheSeedsInTheirOrder)
+{
+    setNodes(9);
+    ConnectivityScheme scheme;
+    scheme.seedVois = {8, 1, 5, 3, 4, 2};
+    subject->setScheme(scheme);
+    const auto *const table = browser().findChild<QTableWidget *>("tableMatrix");
+    const QStringList names = {"V8", "V1", "V5", "V3", "V4", "V2"};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(table->horizontalHeaderItem(i)->text(), names[i]);
+        EXPECT_EQ(table->verticalHeaderItem(i)->text(), names[i]);
+    }
+}
+
 QStringList conditionRows(const ViewMatrix &view)
 {
     auto *const grid = view.findChild<QGridLayout *>("gridLayout_Conditions");
