@@ -105,6 +105,7 @@ bool edgeValueLess(const QSplineSeries *left, const QSplineSeries *right)
 CircularPlotWidget::CircularPlotWidget(QWidget *parent) : QGraphicsView(parent)
 {
     setScene(new QGraphicsScene(this));
+    setAccessibleName(tr("Circular plot"));
     setRenderHint(QPainter::Antialiasing, true);
     setDragMode(QGraphicsView::NoDrag);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

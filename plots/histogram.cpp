@@ -13,6 +13,7 @@ Histogram::Histogram(QWidget *parent)
 {
     qRegisterMetaType<QBarSet *>("QBarSet*");
 
+    setAccessibleName(tr("Histogram"));
     setRenderHint(QPainter::Antialiasing);
     setAutoFillBackground(true);
 

@@ -47,6 +47,7 @@ QChart *makeLineChart(const QString &title)
 QChartView *makeLineChartView(QChart *chart, QMainWindow *window)
 {
     auto *view = new QChartView(chart);
+    view->setAccessibleName(QChartView::tr("Lines"));
     view->setRenderHint(QPainter::Antialiasing);
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(view, SIGNAL(customContextMenuRequested(const QPoint &)), window,

@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QWindow>
 #include <QtTest>
+#include <functional>
+#include <utility>
 
 /// @file
 /// A reader of a tour: reads each caption and goes on with Space, also while the tour is in a modal
@@ -18,7 +20,9 @@ namespace corvane
 class CaptionReader
 {
 public:
-    CaptionReader()
+    /// Calls `lookAround` with each caption.
+    explicit CaptionReader(std::function<void()> lookAround = {})
+        : m_lookAround(std::move(lookAround))
     {
         m_look.setInterval(1);
         QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] { look(); });
@@ -42,6 +46,8 @@ private:
         if (label == nullptr || (!captions.isEmpty() && captions.constLast() == label->text()))
             return;
         captions += label->text();
+        if (m_lookAround)
+            m_lookAround();
         // Not from here: a timer does not fire again while its own slot is in another event loop.
         QTimer::singleShot(0, &m_look, [] { QTest::keyClick(windowWithKeys(), Qt::Key_Space); });
     }
@@ -56,6 +62,7 @@ private:
         return window->windowHandle();
     }
 
+    std::function<void()> m_lookAround;
     QTimer m_look;
 };
 

@@ -8,6 +8,7 @@
 #include "host/tour_steps.h"
 #include "host/workspace.h"
 #include "tests/host/caption_reader.h"
+#include "tests/host/control_names.h"
 #include "tests/host/host_files.h"
 #include "tests/support/modal_driver.h"
 
@@ -51,6 +52,12 @@ protected:
         QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_G);
     }
 
+    bool isDone() const
+    {
+        const QString last = QStringLiteral("The guided tour is done.");
+        return QTest::qWaitFor([&] { return window.log().text().endsWith(last); }, 100000);
+    }
+
     const TemporaryFolder folder;
     MainWindow window{workspace()};
 };
@@ -85,13 +92,23 @@ QStringList functionsOfTheHost()
 TEST_F(GuidedTour, GoesFromTheMenuThroughTheWholeWorkflow)
 {
     loadPlugin();
-    const CaptionReader reader;
+    QSet<QString> windows;
+    const CaptionReader reader([&windows] {
+        for (const QWidget *top : QApplication::topLevelWidgets()) {
+            if (!top->isVisible() || top->windowType() == Qt::ToolTip)
+                continue;
+            windows += top->metaObject()->className();
+            expectNames(*top);
+        }
+    });
     chooseTour();
-    ASSERT_TRUE(QTest::qWaitFor(
-        [this] { return window.log().text().endsWith(QStringLiteral("The guided tour is done.")); },
-        100000))
-        << "after " << qPrintable(reader.captions.value(reader.captions.size() - 1));
+    ASSERT_TRUE(isDone()) << qPrintable(reader.captions.join(QLatin1Char('\n')));
     EXPECT_EQ(reader.captions.size(), 15);
+    windows.remove(QStringLiteral("QMenu"));
+    // The dialog is the one that selects VOIs.
+    EXPECT_EQ(windows,
+              (QSet<QString>{"corvane::MainWindow", "Tessera", "QDialog", "ConnectivityObjectUI",
+                             "CircularPlot", "ViewMatrix", "LinePlot"}));
     EXPECT_EQ(CaptionReader::caption(), nullptr);
     for (const QWidget *other : QApplication::topLevelWidgets())
         EXPECT_FALSE(other->isVisible() && qobject_cast<const QDialog *>(other))
