@@ -419,7 +419,9 @@ void MainWindow::startTour()
     }
     // A dataset that is being worked on is not the tour's to change.
     for (const QWidget *other : QApplication::topLevelWidgets()) {
-        if (other != this && other->isVisible() && other->parentWidget() == nullptr) {
+        const bool isWindow =
+            other->windowType() == Qt::Window || other->windowType() == Qt::Dialog;
+        if (other != this && isWindow && other->isVisible()) {
             showMessageBox(tr("The tour opens windows of the plugin. Close those that are open "
                               "first."));
             return;

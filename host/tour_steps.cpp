@@ -98,6 +98,18 @@ private:
 
 const auto pressed = [](QWidget *widget) { click(widget); };
 
+/// The example's anatomy is the one that was opened last. Others may be open, and the plugin lists
+/// them in no order.
+void chooseNewestDocument(QComboBox *box)
+{
+    int newest = 1; // behind "select"
+    for (int item = 2; item < box->count(); ++item)
+        if (box->itemData(item).toInt() > box->itemData(newest).toInt())
+            newest = item;
+    for (int item = 0; item < newest; ++item)
+        pressKey(box, Qt::Key_Down);
+}
+
 QMenu *openedMenu()
 {
     return qobject_cast<QMenu *>(QApplication::activePopupWidget());
@@ -224,7 +236,8 @@ void Workflow::addSubject(int row, const QString &name)
         enterText(line, name);
         pressKey(line, Qt::Key_Return);
     });
-    act(cell("QComboBox", 0), [](QWidget *box) { pressKey(box, Qt::Key_Down); });
+    act(cell("QComboBox", 0),
+        [](QWidget *box) { chooseNewestDocument(qobject_cast<QComboBox *>(box)); });
     if (row == 0)
         picture("new-subject", "A subject and its files",
                 "Add subject makes a row. Type a name, choose the anatomy among the open ones, "
@@ -238,7 +251,8 @@ void Workflow::addSubject(int row, const QString &name)
         picture("two-subjects", "A dataset of two subjects",
                 "As soon as a row has its files it is loaded and locked. The protocol came with "
                 "the run: its button says \"ok - autoloaded\". The log of the workbench tells "
-                "what was loaded, and what could not be.",
+                "what was loaded, and what could not be. Here one recording stands for both "
+                "subjects.",
                 [] { return part("Tessera", "tbl_Subjects"); });
 }
 
@@ -302,9 +316,9 @@ void Workflow::results()
             "circular plot, graph measures and the exports.",
             inWindow(dialog, "btn_CircularPlotConnMtx"), pressed);
     picture("ring", "The circular plot",
-            "Nodes stand on a ring, their connections are drawn between them. The slider below "
-            "goes through the intervals of the protocol; the settings in the results dialog "
-            "choose which strengths are drawn and how.",
+            "Nodes stand on a ring, their connections are drawn between them, those of the minimum "
+            "spanning tree in red. The slider below goes through the intervals of the protocol; "
+            "the settings in the results dialog choose which strengths are drawn and how.",
             [] { return windowOf("CircularPlot"); });
     closeWindow("CircularPlot");
     act(inWindow(dialog, "btn_PlotConnMtx"), pressed);
@@ -368,7 +382,8 @@ void Workflow::compare()
     picture("distance", "How far two subjects are apart",
             "Finished subjects are listed here; a double click opens their results again. For the "
             "selected ones Compute gives the table of their distances, from the eigenvalues of "
-            "their matrices: 0 for the same network, more the more they differ.",
+            "their matrices: 0 for the same network, more the more they differ. Here the two "
+            "differ in the areas that were chosen.",
             inWindow("Tessera", "plain_GraphResults"));
     closeWindow("Tessera");
 }

@@ -116,6 +116,21 @@ TEST_F(GuidedTour, GoesFromTheMenuThroughTheWholeWorkflow)
     EXPECT_EQ(workspace().documentCount(), 1);
 }
 
+TEST_F(GuidedTour, LeavesTheAnatomiesThatAreOpenAlone)
+{
+    writeVmr(folder.path("own.vmr"), zeroVmr());
+    window.openFiles({folder.path("own.vmr")});
+    loadPlugin();
+    const CaptionReader reader;
+    chooseTour();
+    ASSERT_TRUE(isDone()) << qPrintable(reader.captions.join(QLatin1Char('\n')));
+    ASSERT_EQ(workspace().documentCount(), 2);
+    for (int document : {0, 1}) {
+        workspace().setCurrentDocument(document);
+        EXPECT_EQ(workspace().linkedVtc() != nullptr, document == 1);
+    }
+}
+
 TEST_F(GuidedTour, EndsWhenItsReaderWantsItAndBeginsAgain)
 {
     loadPlugin();
