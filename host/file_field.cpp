@@ -38,6 +38,17 @@ void FileField::setName(const QString &name)
     m_choose->setToolTip(tr("Choose a file or folder"));
 }
 
+QString FileField::hint() const
+{
+    return m_path->placeholderText();
+}
+
+void FileField::setHint(const QString &hint)
+{
+    m_path->setPlaceholderText(hint);
+    m_path->setToolTip(hint);
+}
+
 QString FileField::path() const
 {
     return m_path->text().trimmed();

@@ -14,6 +14,7 @@ class FileField : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(QString name READ name WRITE setName)
+    Q_PROPERTY(QString hint READ hint WRITE setHint)
     Q_PROPERTY(QString filter MEMBER m_filter)
     Q_PROPERTY(bool folder MEMBER m_isFolder)
 
@@ -23,6 +24,10 @@ public:
     /// What the path is, for the title of the dialog and for screen readers.
     QString name() const { return m_name; }
     void setName(const QString &name);
+
+    /// What the field takes; it stands there while the field is empty.
+    QString hint() const;
+    void setHint(const QString &hint);
 
     QString path() const;
     void setPath(const QString &path);

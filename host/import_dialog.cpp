@@ -58,6 +58,7 @@ ImportDialog::ImportDialog(QWidget *parent)
     connect(&m_previewSoon, &QTimer::timeout, this, &ImportDialog::startPreview);
     connect(&m_preview, &QFutureWatcherBase::finished, this, &ImportDialog::showPreview);
     inputChanged();
+    startPreview();
 }
 
 ImportDialog::~ImportDialog()

@@ -21,7 +21,10 @@ QIcon colourIcon(const Voi &voi)
 {
     QPixmap square(32, 32);
     square.fill(QColor(voi.r, voi.g, voi.b));
-    return QIcon(square);
+    QIcon icon(square);
+    // Else the colour of the selection would be mixed into that of the VOI.
+    icon.addPixmap(square, QIcon::Selected);
+    return icon;
 }
 
 } // namespace

@@ -122,11 +122,24 @@ TEST_F(ImportDialogTest, ACancelledImportLeavesNothing)
     EXPECT_TRUE(folder.entries().isEmpty());
 }
 
+TEST_F(ImportDialogTest, SaysWhatItNeedsAndWhatIsOptional)
+{
+    EXPECT_TRUE(state().startsWith(QStringLiteral("Choose an anatomy")));
+    QStringList optional;
+    for (const char *name : {"anatomy", "functional", "atlas", "labels", "events", "folder"}) {
+        const auto *const line =
+            dialog.findChild<QWidget *>(QLatin1String(name))->findChild<QLineEdit *>();
+        EXPECT_NE(line->placeholderText(), QString()) << name;
+        EXPECT_EQ(line->toolTip(), line->placeholderText());
+        if (line->placeholderText().startsWith(QStringLiteral("Optional")))
+            optional += QLatin1String(name);
+    }
+    EXPECT_EQ(optional, QStringList({"atlas", "labels", "events"}));
+}
+
 TEST_F(ImportDialogTest, SaysWhyItCannotImport)
 {
     showWith({});
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return state().startsWith(QStringLiteral("Choose an anatomy")); }));
     ImportRequest request = exampleRequest();
     request.functional = source->path("sub-01_T1w.nii.gz");
     dialog.setRequest(request);

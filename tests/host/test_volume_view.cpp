@@ -205,8 +205,10 @@ TEST_F(VolumeViewTest, ListsShowsHidesAndJumpsToVois)
     EXPECT_EQ(view->scene().vois->labelAt(CubeVoxel{10, 20, 30}), 1);
 
     // A plugin that loads the same VOIs again leaves the choice alone.
+    QSignalSpy filled(list->model(), &QAbstractItemModel::rowsInserted);
     workspace.loadVois(folder.path("areas.voi"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return list->item(1)->checkState() == Qt::Unchecked; }));
+    ASSERT_TRUE(filled.wait());
+    EXPECT_EQ(list->item(1)->checkState(), Qt::Unchecked);
     QTest::mouseClick(child<QPushButton>("hideAllVois"), Qt::LeftButton);
     EXPECT_EQ(view->scene().vois, nullptr);
     QTest::mouseClick(child<QPushButton>("showAllVois"), Qt::LeftButton);
@@ -215,6 +217,15 @@ TEST_F(VolumeViewTest, ListsShowsHidesAndJumpsToVois)
     EXPECT_THROW(workspace.loadVois(folder.path("none.voi")), InputError);
     ASSERT_TRUE(QTest::qWaitFor([&] { return list->count() == 0; }));
     EXPECT_EQ(view->scene().vois, nullptr);
+}
+
+TEST_F(VolumeViewTest, ListsVoisInTheirColoursSelectedOrNot)
+{
+    writeVoiFile(folder.path("areas.voi"), smallVoiSet());
+    window.openFiles({folder.path("areas.voi")});
+    const QIcon icon = child<QListWidget>("voiList")->item(0)->icon();
+    for (QIcon::Mode mode : {QIcon::Normal, QIcon::Selected})
+        EXPECT_EQ(icon.pixmap(16, mode).toImage().pixel(8, 8), qRgb(255, 0, 0));
 }
 
 TEST_F(VolumeViewTest, ShowsTheTimeCourseAtTheCrossHairWithTheProtocol)
