@@ -11,7 +11,6 @@
 #include <QMenu>
 #include <QMutexLocker>
 #include <QPointer>
-#include <QVariantHash>
 
 namespace
 {
@@ -29,6 +28,23 @@ std::vector<int> elementsOf(const Eigen::MatrixXi &tree)
 }
 
 } // namespace
+
+QVariantHash sliceDescription(const ConnectivityObject &object, int slice)
+{
+    const SubjectProtocol protocol = protocolOf(object);
+    const QList<int> types = protocol.volumeEvents.values();
+    QVariantHash description = {{QStringLiteral("slice"), slice}};
+    std::vector<int> tree;
+    if (!types.isEmpty()) {
+        description.insert(QStringLiteral("condition_str"),
+                           nameAt(protocol.volumeNames.values(), slice));
+        description.insert(QStringLiteral("condition_type"), types.value(slice));
+        if (object.mstComputed())
+            tree = elementsOf(object.mstTrees().at(std::size_t(slice)));
+    }
+    description.insert(QStringLiteral("mst"), QVariant::fromValue(tree));
+    return description;
+}
 
 CircularPlot::CircularPlot(QWidget *parent)
     : QMainWindow(parent), ui(std::make_unique<Ui::CircularPlotWindow>()),
@@ -93,20 +109,8 @@ void CircularPlot::plotSlice(const ConnectivityObject &object, int slice)
     if (position >= matrices.size())
         return;
 
-    const SubjectProtocol protocol = protocolOf(object);
-    const QList<int> types = protocol.volumeEvents.values();
-    QVariantHash description = {{QStringLiteral("slice"), slice}};
-    std::vector<int> tree;
-    int type = 0;
-    if (!types.isEmpty()) {
-        type = types.value(slice);
-        description.insert(QStringLiteral("condition_str"),
-                           nameAt(protocol.volumeNames.values(), slice));
-        description.insert(QStringLiteral("condition_type"), type);
-        if (object.mstComputed())
-            tree = elementsOf(object.mstTrees().at(position));
-    }
-    description.insert(QStringLiteral("mst"), QVariant::fromValue(tree));
+    const QVariantHash description = sliceDescription(object, slice);
+    const int type = description.value(QStringLiteral("condition_type")).toInt();
     widget->plotSlice(matrices[position], type, description);
 }
 

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QMutex>
 #include <QPoint>
+#include <QVariantHash>
 
 #include <memory>
 
@@ -54,3 +55,8 @@ private:
     const std::unique_ptr<Ui::CircularPlotWindow> ui;
     CircularPlotWidget *const widget;
 };
+
+/// What the ring is told of a slice: "slice", its number, and "mst", the elements of its spanning
+/// tree (`std::vector<int>`), with a protocol also "condition_str", its name, and "condition_type",
+/// 0 for a block. Without a protocol there is no tree either.
+QVariantHash sliceDescription(const ConnectivityObject &object, int slice);

@@ -505,6 +505,51 @@ TEST(FirstSlice, fails_hard_when_its_tree_is_missing)
     }
 }
 
+TEST(SliceDescription, holds_number_tree_name_and_type)
+{
+    Eigen::MatrixXf path = Eigen::MatrixXf::Constant(n, n, 0.1f);
+    path(0, 1) = path(1, 0) = path(1, 2) = path(2, 1) = path(2, 3) = path(3, 2) = 0.9f;
+    Result result({flatMatrices(1)[0], path}, {{1, "Rest", 0}, {11, "Cue", 5}});
+    result.object.computeMinimumSpanningTrees();
+    const QVariantHash description = sliceDescription(result.object, 1);
+    const QVariantHash expected = {
+        {"slice", 1},
+        {"condition_str", "Cue"},
+        {"condition_type", 5},
+        {"mst",
+         QVariant::fromValue(std::vector<int>({0, 1, 0, 0, 1, 0, 1, 0, 0, 1, 0, 1, 0, 0, 1, 0}))},
+    };
+    ASSERT_EQ(description.size(), expected.size());
+    for (const char *key : {"slice", "condition_str", "condition_type"})
+        EXPECT_EQ(description.value(key), expected.value(key)) << key;
+    EXPECT_EQ(description.value("slice").userType(), int(QMetaType::Int));
+    EXPECT_EQ(description.value("condition_type").userType(), int(QMetaType::Int));
+    EXPECT_EQ(description.value("condition_str").userType(), int(QMetaType::QString));
+    EXPECT_EQ(description.value("mst").value<std::vector<int>>(),
+              expected.value("mst").value<std::vector<int>>());
+    EXPECT_EQ(sliceDescription(result.object, 0).value("condition_type"), QVariant(0));
+}
+
+TEST(SliceDescription, without_intervals_holds_the_number_and_an_empty_tree)
+{
+    Result result(flatMatrices(2));
+    result.object.computeMinimumSpanningTrees();
+    const QVariantHash description = sliceDescription(result.object, 1);
+    EXPECT_EQ(description.size(), 2);
+    EXPECT_EQ(description.value("slice"), QVariant(1));
+    ASSERT_EQ(description.value("mst").userType(), qMetaTypeId<std::vector<int>>());
+    EXPECT_TRUE(description.value("mst").value<std::vector<int>>().empty());
+}
+
+TEST(SliceDescription, without_trees_holds_an_empty_one)
+{
+    Result result(flatMatrices(2), {{1, "Rest", 0}, {11, "Faces", 0}});
+    const QVariantHash description = sliceDescription(result.object, 0);
+    EXPECT_EQ(description.size(), 4);
+    ASSERT_EQ(description.value("mst").userType(), qMetaTypeId<std::vector<int>>());
+    EXPECT_TRUE(description.value("mst").value<std::vector<int>>().empty());
+}
+
 // What is not there.
 
 TEST(CircularPlotWithout, a_results_dialog_draws_nothing)

@@ -648,6 +648,30 @@ TEST_F(LinePlotConditions, hovering_the_label_of_a_hidden_line_does_nothing)
     EXPECT_FALSE(line(1)->isVisible());
 }
 
+TEST_F(LinePlotConditions, leaving_the_label_of_a_line_hidden_meanwhile_leaves_the_others_faded)
+{
+    show();
+    moveMouseTo(nameLabel(1));
+    checkBox(1)->setChecked(false);
+    moveMouseTo(view());
+    for (int row : {0, 2, 3, 4})
+        EXPECT_EQ(line(row)->pen(), pen(row, "fadein-pen")) << row;
+
+    moveMouseTo(nameLabel(0));
+    moveMouseTo(view());
+    for (int row = 0; row < 5; ++row)
+        EXPECT_EQ(line(row)->pen(), pen(row, "default-pen")) << row;
+}
+
+TEST_F(LinePlotConditions, a_check_box_in_any_state_but_off_shows_its_line)
+{
+    checkBox(0)->setTristate(true);
+    checkBox(0)->setCheckState(Qt::Unchecked);
+    ASSERT_FALSE(line(0)->isVisible());
+    checkBox(0)->setCheckState(Qt::PartiallyChecked);
+    EXPECT_TRUE(line(0)->isVisible());
+}
+
 TEST_F(LinePlotConditions, without_a_protocol_the_controls_are_off_and_the_colors_are_the_themes)
 {
     LinePlot plot((QString()));

@@ -411,9 +411,11 @@ TEST_F(RingInUse, the_multiplier_changes_all_widths)
 
 TEST_F(RingInUse, the_multiplier_is_kept_in_single_precision)
 {
-    ring.setThicknessMultiplier(0.1);
-    EXPECT_EQ(edge(1, 3)->property("pen-width"),
-              QVariant(double(0.1f) * edge(1, 3)->property("value").toReal()));
+    for (const double multiplier : {0.1, 3.14159, 7.25}) {
+        ring.setThicknessMultiplier(multiplier);
+        EXPECT_EQ(edge(1, 3)->property("pen-width"),
+                  QVariant(double(float(multiplier)) * edge(1, 3)->property("value").toReal()));
+    }
 }
 
 TEST_F(RingInUse, without_weights_all_have_the_fixed_thickness)
@@ -488,6 +490,19 @@ TEST_F(RingInUse, a_change_of_thickness_while_an_edge_is_hovered_is_gone_after_i
     EXPECT_EQ(edge(1, 3)->pen().width(), 5);
     emit edge(0, 1)->hovered(QPointF(), false);
     EXPECT_EQ(edge(1, 3)->pen().width(), 2) << "the pen from before the hover";
+}
+
+TEST_F(RingInUse, a_change_of_thickness_before_an_edge_is_hovered_stays_after_it)
+{
+    ring.setThicknessMultiplier(10.0);
+    for (int time = 0; time < 2; ++time) {
+        emit edge(0, 1)->hovered(QPointF(), true);
+        EXPECT_EQ(edge(1, 3)->pen().width(), 5);
+        emit edge(0, 1)->hovered(QPointF(), false);
+        EXPECT_EQ(edge(0, 1)->pen().width(), 1);
+        EXPECT_EQ(edge(1, 3)->pen().width(), 5);
+        EXPECT_EQ(edge(1, 3)->property("original-pen").value<QPen>().width(), 2);
+    }
 }
 
 // Nodes and labels.

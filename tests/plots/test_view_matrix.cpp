@@ -986,6 +986,9 @@ TEST(Conditions, bring_their_matrix_at_a_click)
         EXPECT_EQ(browser.table()->horizontalHeaderItem(3)->text(), QStringLiteral("Node 3"));
         EXPECT_EQ(legendOf(browser).styles, legend.styles);
         EXPECT_EQ(legendOf(browser).texts, legend.texts);
+        EXPECT_EQ(browser.overview()->sceneRect(), QRectF(0, 0, 1160, 1160));
+        EXPECT_EQ(browser.overview()->transform(),
+                  QTransform::fromScale(0.21120689655172414, 0.21120689655172414));
     }
 }
 
