@@ -25,17 +25,20 @@ package_names() {
 
 # install_packages [GROUP...]: nothing when all are there; else apt-get, as root or through sudo.
 install_packages() {
-    local missing=() name as_root=()
+    local missing=() name as_root=(env DEBIAN_FRONTEND=noninteractive)
     for name in $(package_names "$@"); do
         dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' ||
             missing+=("$name")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
-    echo "Installing: ${missing[*]}"
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -q
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -q -y --no-install-recommends "${missing[@]}"
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
+    echo "Installing ${#missing[@]} Debian packages with what they need: ${missing[*]}"
+    if ! { "${as_root[@]}" apt-get update -q &&
+        "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"; }; then
+        echo "They could not be installed. Who looks after this machine can do so, once, by" >&2
+        echo "apt-get install --no-install-recommends ${missing[*]}" >&2
+        return 1
+    fi
 }
 
 # build PRESET [OPTION...] [-- TARGET...]: configures with the options and builds the targets, or all,
