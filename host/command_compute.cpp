@@ -3,6 +3,7 @@
 #include "host/compute.h"
 #include "host/compute_files.h"
 #include "host/compute_pictures.h"
+#include "host/input_error.h"
 #include "host/output_folder.h"
 #include "host/workspace.h"
 #ifdef CORVANE_COMMAND_IMPORT
@@ -52,12 +53,24 @@ QVector<int> seeds(const QString &text)
     return numbers;
 }
 
+/// The file of an option that `Corvane import` makes, and not the image that it makes it from.
+QString importedFile(const QCommandLineParser &parser, const QString &option)
+{
+    const QString path = requiredValue(parser, option);
+    for (const char *ending : {".nii", ".nii.gz"})
+        if (path.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
+            throw UsageError(QStringLiteral("--%1: found %2, expected a .%1 file, which Corvane "
+                                            "import makes from NIfTI files")
+                                 .arg(option, quoted(path)));
+    return path;
+}
+
 ComputeRequest requestOf(const QCommandLineParser &parser)
 {
     ComputeRequest request;
     request.anatomy = requiredValue(parser, QStringLiteral("anatomy"));
-    request.vtc = requiredValue(parser, QStringLiteral("vtc"));
-    request.voi = requiredValue(parser, QStringLiteral("voi"));
+    request.vtc = importedFile(parser, QStringLiteral("vtc"));
+    request.voi = importedFile(parser, QStringLiteral("voi"));
     request.prt = parser.value(QStringLiteral("prt"));
     request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
     request.seeds = seeds(parser.value(QStringLiteral("seeds")));

@@ -11,9 +11,9 @@ int runExample(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Writes the example dataset into a folder and imports it."));
-    parser.addPositionalArgument(QStringLiteral("folder"),
-                                 QStringLiteral("The folder for the files."));
-    if (!parseArguments(parser, arguments, 1))
+    const auto folder = QStringLiteral("DIR");
+    parser.addPositionalArgument(folder, QStringLiteral("The folder for the files."));
+    if (!parseArguments(parser, arguments, {folder}))
         return Done;
 
     printReport(writeExample(parser.positionalArguments().front()));

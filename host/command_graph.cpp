@@ -15,15 +15,16 @@ int runGraph(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Computes the graph measures of a square matrix of connection strengths."));
+    const auto matrix = QStringLiteral("MATRIX.csv");
     parser.addPositionalArgument(
-        QStringLiteral("MATRIX.csv"),
+        matrix,
         QStringLiteral("Comma- or tab-separated numbers, with or without names around them."));
     parser.addOptions({
         {QStringLiteral("mst"), QStringLiteral("Also write the minimum spanning tree.")},
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
          QStringLiteral("folder")},
     });
-    if (!parseArguments(parser, arguments, 1))
+    if (!parseArguments(parser, arguments, {matrix}))
         return Done;
 
     const QString folder = requiredValue(parser, QStringLiteral("out"));

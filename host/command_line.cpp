@@ -10,21 +10,24 @@ namespace corvane
 namespace
 {
 
-/// The parser's own help, with the subcommand in its first line.
+/// The parser's own help, with a first line that tells which options must be given.
 QByteArray helpText(const QCommandLineParser &parser, const QString &command)
 {
     const QString text = parser.helpText();
     const int firstLineEnd = text.indexOf(QLatin1Char('\n'));
-    return QStringLiteral("Usage: Corvane %1 [options]%2")
-        .arg(command, text.mid(firstLineEnd))
+    return QStringLiteral("Usage:\n  %1\n%2")
+        .arg(synopsisOf(command), text.mid(firstLineEnd))
         .toUtf8();
 }
 
 } // namespace
 
-bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, int plainArguments)
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
+                    const QStringList &plainArguments)
 {
-    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Tells all this."));
+    parser.addOption(help);
     if (!parser.parse(arguments))
         throw UsageError(parser.errorText());
     if (parser.isSet(help)) {
@@ -33,12 +36,11 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments, in
         return false;
     }
     const QStringList plain = parser.positionalArguments();
-    if (plain.size() > plainArguments)
-        throw UsageError(QStringLiteral("unexpected argument ") + quoted(plain[plainArguments]));
-    if (plain.size() < plainArguments)
-        throw UsageError(QStringLiteral("found %1 arguments besides options, expected %2")
-                             .arg(plain.size())
-                             .arg(plainArguments));
+    const int wanted = plainArguments.size();
+    if (plain.size() > wanted)
+        throw UsageError(QStringLiteral("unexpected argument ") + quoted(plain[wanted]));
+    if (plain.size() < wanted)
+        throw UsageError(plainArguments[plain.size()] + QStringLiteral(" is missing"));
     return true;
 }
 

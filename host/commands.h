@@ -22,12 +22,15 @@ public:
     explicit UsageError(const QString &text) : std::runtime_error(text.toStdString()) {}
 };
 
-/// Parses the arguments of a subcommand. Adds the help option; returns false when it was given and
-/// the help has been written to standard output. Throws UsageError for unknown options, for options
-/// without their value, and when there are more or fewer than `plainArguments` arguments that are
-/// no options.
+/// How a subcommand is called. It stands beside main(), with the list of them.
+QString synopsisOf(const QString &command);
+
+/// Parses the arguments of a subcommand, those that are no options by their names. Adds the help
+/// option; returns false when it was given and the help has been written to standard output. Throws
+/// UsageError for unknown options, for options without their value, and for arguments that are
+/// missing or more than those.
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
-                    int plainArguments = 0);
+                    const QStringList &plainArguments = {});
 
 /// The value of an option that must be given. Throws UsageError.
 QString requiredValue(const QCommandLineParser &parser, const QString &option);

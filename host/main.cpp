@@ -9,7 +9,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextCodec>
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <new>
@@ -24,7 +23,8 @@ namespace
 struct Command {
     const char *name;
     int (*run)(const QStringList &arguments);
-    const char *usage;
+    const char *synopsis; ///< its further lines indented as in the usage of the program
+    const char *purpose;
 };
 
 /// The commands of this build.
@@ -32,47 +32,45 @@ const std::vector<Command> &commands()
 {
     static const std::vector<Command> all{
 #ifdef CORVANE_COMMAND_EXAMPLE
-        {"example", runExample, R"(  Corvane example DIR
-      Writes the example dataset and imports it.
-)"},
+        {"example", runExample, "Corvane example DIR",
+         "Writes the example dataset and imports it."},
 #endif
 #ifdef CORVANE_COMMAND_IMPORT
         {"import", runImport,
-         R"(  Corvane import --anatomy F --functional F [--atlas F [--labels F]] [--events F]
+         R"(Corvane import --anatomy F --functional F [--atlas F [--labels F]] [--events F]
                  [--resolution N] [--tr SECONDS] [--voi-grid functional|anatomy]
-                 [--name NAME] --out DIR
-      Makes .vmr, .vtc, .voi and .prt files from NIfTI, NRRD and TSV files.
-)"},
+                 [--name NAME] --out DIR)",
+         "Makes .vmr, .vtc, .voi and .prt files from NIfTI, NRRD and TSV files."},
 #endif
 #ifdef CORVANE_COMMAND_COMPUTE
         {"compute", runCompute,
-         R"(  Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
+         R"(Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
                   [--seeds all|0,3,5] [--measure correlation|partial-correlation]
-                  [--values absolute|positive|negative] [--no-mst] [--plots] --out DIR
-      Computes connectivity, spanning trees and graph measures; with --plots, draws them.
-)"},
+                  [--values absolute|positive|negative] [--no-mst] [--plots] --out DIR)",
+         "Computes connectivity, spanning trees and graph measures; with --plots, draws them."},
 #endif
 #ifdef CORVANE_COMMAND_GRAPH
-        {"graph", runGraph, R"(  Corvane graph MATRIX.csv [--mst] --out DIR
-      Computes the graph measures of a matrix.
-)"},
+        {"graph", runGraph, "Corvane graph MATRIX.csv [--mst] --out DIR",
+         "Computes the graph measures of a matrix."},
 #endif
 #ifdef CORVANE_COMMAND_TOUR
-        {"tour", runTour, R"(  Corvane tour --out DIR
-      Plays the whole workflow on the example dataset, with a picture of each step.
-)"},
+        {"tour", runTour, "Corvane tour [--plugins DIR] --out DIR",
+         "Plays the whole workflow on the example dataset, with a picture of each step."},
 #endif
     };
     return all;
 }
 
-#ifdef CORVANE_WORKBENCH
-bool isCommand(const QString &name)
+/// The command of a name, or null.
+const Command *commandOf(const QString &name)
 {
-    return std::any_of(commands().begin(), commands().end(),
-                       [&](const Command &command) { return name == QLatin1String(command.name); });
+    for (const Command &command : commands())
+        if (name == QLatin1String(command.name))
+            return &command;
+    return nullptr;
 }
 
+#ifdef CORVANE_WORKBENCH
 /// Whether the arguments ask for the program with windows: there are none, or they begin with one
 /// of its options or with a file.
 bool asksForWorkbench(const QStringList &arguments)
@@ -80,7 +78,7 @@ bool asksForWorkbench(const QStringList &arguments)
     if (arguments.isEmpty())
         return true;
     const QString &first = arguments.front();
-    if (isCommand(first))
+    if (commandOf(first) != nullptr)
         return false;
     for (const char *option : {"--plugins", "--start"})
         if (first.section(QLatin1Char('='), 0, 0) == QLatin1String(option))
@@ -108,7 +106,7 @@ QByteArray usage()
 )";
 #endif
     for (const Command &command : commands())
-        text += command.usage;
+        text += QByteArray("  ") + command.synopsis + "\n      " + command.purpose + '\n';
     return text + "  Corvane COMMAND --help\n"
                   "      Tells all options of a command.\n"
                   "  Corvane --help | --version\n"
@@ -133,13 +131,11 @@ void printError(const QString &command, const char *message)
 
 int runCommand(const QStringList &arguments)
 {
-    const auto found =
-        std::find_if(commands().begin(), commands().end(), [&](const Command &command) {
-            return arguments.front() == QLatin1String(command.name);
-        });
-    if (found == commands().end())
-        throw UsageError(QStringLiteral("unknown command ") + quoted(arguments.front()) +
-                         QStringLiteral(", see Corvane --help"));
+    const Command *const found = commandOf(arguments.front());
+    if (found == nullptr)
+        throw UsageError(QStringLiteral("unknown command %1, and no file of that name; see "
+                                        "Corvane --help")
+                             .arg(quoted(arguments.front())));
     try {
         return found->run(arguments);
     } catch (const UsageError &error) {
@@ -219,6 +215,12 @@ int guardedRun(int &argc, char **argv)
 }
 
 } // namespace
+
+QString synopsisOf(const QString &command)
+{
+    const Command *const found = commandOf(command);
+    return found != nullptr ? QString::fromUtf8(found->synopsis) : QString();
+}
 
 } // namespace corvane
 

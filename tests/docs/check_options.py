@@ -25,7 +25,11 @@ def options_in(text):
 
 
 def main():
-    of_commands = {command: options_in(help_of(command)) - {"--help", "--help-all"} for command in COMMANDS}
+    of_commands, synopsis_of = {}, {}
+    for command in COMMANDS:
+        synopsis, _, listed = help_of(command).partition("\nOptions:\n")
+        of_commands[command] = options_in(listed) - {"--help"}
+        synopsis_of[command] = options_in(synopsis.split("\n\n")[0])
     known = options_in(help_of()).union(*of_commands.values())
     manual = (ROOT / "packaging" / "Corvane.1").read_text(encoding="utf-8").replace("\\-", "-")
     guide = (ROOT / "docs" / "users-guide.md").read_text(encoding="utf-8")
@@ -35,6 +39,9 @@ def main():
     problems += [f"the manual page has {name}, the program has not"
                  for name in options_in(manual) - known]
     wanted = of_commands["import"] | of_commands["compute"] | of_commands["graph"]
+    problems += [f"the synopsis and the options of {command} differ in {name}"
+                 for command in COMMANDS
+                 for name in of_commands[command] ^ synopsis_of[command]]
     problems += [f"the user's guide lacks {name}" for name in wanted - options_in(guide)]
     for page, text in (("the user's guide", guide), ("the README", readme)):
         own = re.sub(r"cmake -[^`\n]*", "", text)  # whose options are others

@@ -49,7 +49,7 @@ int runGraph(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("out"), QStringLiteral("Where to."), QStringLiteral("DIR")});
-    if (!parseArguments(parser, arguments, 1))
+    if (!parseArguments(parser, arguments, {QStringLiteral("MATRIX.csv")}))
         return Done;
     const QString text = parser.positionalArguments().front() + QStringLiteral(" to ") +
                          requiredValue(parser, QStringLiteral("out"));

@@ -339,6 +339,13 @@ TEST_F(Compute, RefusesWrongUsage)
         EXPECT_EQ(run.status, 2) << more.join(' ').toStdString();
         EXPECT_FALSE(QDir(folder.path("out")).exists());
     }
+    for (const char *made : {"--vtc", "--voi"}) {
+        QStringList images = arguments();
+        images[images.indexOf(QString::fromUtf8(made)) + 1] = QStringLiteral("image.nii.gz");
+        const ProgramRun run = runCorvane(images);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr("which Corvane import makes"));
+    }
     for (const char *needed : {"--anatomy", "--vtc", "--voi", "--out"}) {
         QStringList few = arguments();
         const int at = few.indexOf(QString::fromUtf8(needed));
