@@ -21,13 +21,20 @@ namespace
 constexpr int lookInterval = 50;                // ms
 constexpr int mostLooks = 60000 / lookInterval; // a minute
 
+/// The window itself, or for a menu the one that it belongs to.
+QWidget *windowBehind(QWidget *window)
+{
+    const bool isMenu = window->windowType() == Qt::Popup && window->parentWidget() != nullptr;
+    return isMenu ? window->parentWidget()->window() : window;
+}
+
 /// A window as it is to be seen: a menu with the window that it belongs to.
 QImage pictureOf(QWidget *window)
 {
     const QPixmap picture = window->grab();
-    if (window->windowType() != Qt::Popup || window->parentWidget() == nullptr)
+    QWidget *const behind = windowBehind(window);
+    if (behind == window)
         return picture.toImage();
-    QWidget *const behind = window->parentWidget()->window();
     QPixmap both = behind->grab();
     QPainter(&both).drawPixmap(behind->mapFromGlobal(window->mapToGlobal(QPoint(0, 0))), picture);
     return both.toImage();
@@ -81,6 +88,7 @@ void Tour::look()
     }
     m_seen = nullptr;
     m_looks = 0;
+    Q_EMIT stepped(int(m_next));
     play(step, target);
 }
 
@@ -137,7 +145,7 @@ void Tour::showCaption(const TourStep &step, const QWidget *target)
                            .arg(step.title.toHtmlEscaped(), step.caption.toHtmlEscaped(),
                                 tr("Space goes on, Escape ends the tour.")));
     m_caption->adjustSize();
-    const QRect window = target->window()->frameGeometry();
+    const QRect window = windowBehind(target->window())->frameGeometry();
     m_caption->move(window.center().x() - m_caption->width() / 2,
                     window.bottom() - m_caption->height() - 20);
     m_caption->show();

@@ -44,7 +44,12 @@ public:
 
     void start();
 
+    /// Number of pictures so far.
+    int pictures() const { return m_pictures; }
+
 Q_SIGNALS:
+    /// A step is about to be played, after so many.
+    void stepped(int done);
     /// With what went wrong, empty when nothing did.
     void finished(const QString &fault);
 

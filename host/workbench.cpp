@@ -10,12 +10,14 @@
 #ifdef CORVANE_IMPORT
 #include "host/example_dataset.h"
 #include "host/input_error.h"
+#include "host/progress.h"
 #include "host/resample_anatomy.h"
 #include "host/tour_steps.h"
 
 #include <QDir>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <optional>
 #endif
 
 #include <QStyle>
@@ -129,8 +131,9 @@ int runTour(const QStringList &arguments)
 
     const QDir folder(requiredValue(parser, QStringLiteral("out")));
     if (!QDir().mkpath(folder.path()))
-        throw InputError(folder.path(), QStringLiteral("making the folder"),
-                         QStringLiteral("a failure"), QStringLiteral("a place for a folder"));
+        throw InputError(folder.path(), QStringLiteral("output folder"),
+                         QStringLiteral("a place where none can be made"),
+                         QStringLiteral("a folder that can be written to"));
     // The user's own settings stay out of the pictures, and the tour out of them.
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
@@ -148,8 +151,12 @@ int runTour(const QStringList &arguments)
     writeExample(dataset.path());
     window.resize(MainWindow::usualSize());
     window.show();
-    Tour tour(workflowSteps(window, dataset.path(), exports.path()));
+    std::vector<TourStep> steps = workflowSteps(window, dataset.path(), exports.path());
+    std::optional<Progress> progress(std::in_place, QStringLiteral("playing the tour"),
+                                     qint64(steps.size()));
+    Tour tour(std::move(steps));
     tour.setFolder(folder.path());
+    QObject::connect(&tour, &Tour::stepped, &window, [&](int done) { progress->update(done); });
     QString fault;
     QObject::connect(&tour, &Tour::finished, &window, [&](const QString &text) {
         fault = text;
@@ -157,8 +164,11 @@ int runTour(const QStringList &arguments)
     });
     tour.start();
     QCoreApplication::exec();
+    progress.reset();
     if (!fault.isEmpty())
         throw std::runtime_error(fault.toStdString());
+    std::printf("%s: %d pictures, captions.md\n", folder.path().toUtf8().constData(),
+                tour.pictures());
     return Done;
 }
 #endif

@@ -25,6 +25,7 @@ TEST(Tour, GoesThroughTheWholeWorkflowAndKeepsAPictureOfEachStep)
         QDir(out).entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
     EXPECT_EQ(pictures.size(), 15);
     EXPECT_EQ(captions.count("\n!["), pictures.size());
+    EXPECT_EQ(run.output, out.toUtf8() + ": 15 pictures, captions.md\n");
     for (const QString &picture : pictures) {
         const QImage image(QDir(out).filePath(picture));
         EXPECT_GT(image.width(), 300) << picture.toStdString();

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
@@ -120,6 +121,28 @@ TEST_F(TourPlayer, LeavesTimeForEachCaptionAndGoesOnWithSpace)
     const std::size_t places[] = {0, 1, 3}; // of the steps with a caption
     for (int n = 0; n < 3; ++n)
         EXPECT_TRUE(reader.captions[n].contains(both[places[n]].caption));
+}
+
+TEST_F(TourPlayer, TheCaptionOfAMenuStandsOnItsWindow)
+{
+    window.move(100, 400);
+    QMenu menu(&window);
+    menu.addAction(QStringLiteral("An entry"));
+    menu.popup(window.mapToGlobal(QPoint(0, 0)));
+    Tour tour({{{},
+                QStringLiteral("Menu"),
+                QStringLiteral("A menu."),
+                [&menu] { return &menu; },
+                [](QWidget *widget) { widget->close(); }}});
+    tour.setSpeed(100);
+    int bottom = 0;
+    QObject::connect(&menu, &QMenu::aboutToHide,
+                     [&] { bottom = CaptionReader::caption()->geometry().bottom(); });
+    QSignalSpy finished(&tour, &Tour::finished);
+    tour.start();
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_GT(bottom, menu.geometry().bottom());
+    EXPECT_TRUE(window.frameGeometry().contains(window.frameGeometry().left(), bottom));
 }
 
 TEST_F(TourPlayer, AFolderThatCannotBeWrittenIsTold)
