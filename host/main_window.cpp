@@ -355,6 +355,9 @@ void MainWindow::openFiles(const QStringList &paths)
             }
         }
     }
+    // Where the dialogs of plugins begin, which ask for the same files once more.
+    if (!sorted.isEmpty())
+        QFileDialog().setDirectory(QFileInfo(sorted.front()).absolutePath());
     refresh();
     if (!faults.isEmpty())
         showMessageBox(faults.join(QLatin1Char('\n')));

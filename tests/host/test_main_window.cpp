@@ -8,6 +8,7 @@
 #include "tests/host/host_files.h"
 #include "tests/support/modal_driver.h"
 
+#include <QFileDialog>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -295,6 +296,15 @@ TEST_F(MainWindowTest, TellsInTheLogWhyALibraryIsNoPlugin)
     EXPECT_THAT(logged(),
                 HasSubstr("Plugin & refuses silently did not start: it refuses to run in version "
                           "3.0.0 of this host and does not say why"));
+}
+
+TEST_F(MainWindowTest, FileDialogsOfPluginsBeginWhereTheFilesAre)
+{
+    const QFileDialog before(nullptr, QString(), QString());
+    ASSERT_NE(before.directory().path(), folder.path());
+    window.openFiles({first});
+    const QFileDialog after(nullptr, QString(), QString());
+    EXPECT_EQ(after.directory().path(), folder.path());
 }
 
 TEST_F(MainWindowTest, TakesTheWindowsOfPluginsWithItWhenItCloses)
