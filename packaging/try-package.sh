@@ -43,7 +43,7 @@ works() {
         --out "$home/results" >"$work/log" || fail "compute: $(cat "$work/log")"
     grep -q ' 16 matrices$' "$work/log" || fail "compute says: $(cat "$work/log")"
     held "import and compute of the example: $(sed 's/.*: //' "$work/log")"
-    $run "$program" tour --out "$home/tour" 2>"$work/log" || fail "tour: $(cat "$work/log")"
+    $run "$program" tour --out "$home/tour" >"$work/log" 2>&1 || fail "tour: $(cat "$work/log")"
     held "the windows and the plugin: a tour of $($run sh -c "ls $home/tour/*.png | wc -l") pictures"
 }
 
