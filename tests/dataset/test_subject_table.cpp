@@ -427,6 +427,24 @@ TEST_F(Table, ProtocolThatCannotBeParsedIsMarkedAllTheSame)
     EXPECT_EQ(hostLog(), QStringList{"Plugin> Trouble with PRT file. Please retry."});
 }
 
+/// The host knows its files by the UTF-8 of their paths.
+TEST_F(Table, FilesOfAnyNameReachTheHost)
+{
+    addRow();
+    useProtocol();
+    const QString greek = QString::fromUtf8("\u03b1\u03b2 \u6d77");
+    chooseFile(0, VtcColumn, addVtc(greek + ".vtc"));
+    const QString prt = addProtocol(greek + ".prt", protocol());
+    chooseFile(0, PrtColumn, prt);
+    EXPECT_THAT(host.calls, testing::Contains("zqLoadProtocol(" + hostPath(prt) + ")"));
+    EXPECT_EQ(subject(0).prtFile, greek + ".prt");
+    const QString vois = addVois(greek + ".voi");
+    chooseFile(0, VoiColumn, vois);
+    EXPECT_THAT(host.calls, testing::Contains("zqLoadVOIs(" + hostPath(vois) + ")"));
+    EXPECT_EQ(subject(0).voiFile(), vois);
+    EXPECT_TRUE(subject(0).dataLoaded);
+}
+
 // Readiness
 
 TEST_F(Table, RowIsReadyWithVtcAndVoiInEitherOrder)
