@@ -193,6 +193,22 @@ TEST(ConnectivityWorker, TakesTheFirstIntervalOfConditionWithThatStart)
     EXPECT_EQ(matrices[0], run.middleCols(4, 2));
 }
 
+/// No parser makes such a protocol; a slice stays a slice all the same.
+TEST(ConnectivityWorker, GivesStartWithoutItsIntervalBlockWithoutVolumes)
+{
+    SubjectProtocol protocol = protocolOf({{QStringLiteral("A"), {{1, 4}}}});
+    protocol.volumeConditions[6] = 0; // not an interval of A
+    protocol.volumeConditions[8] = 7; // no condition at all
+    const Subject subject = subjectWith(protocol);
+    const auto matrices = connectivityWorker(&subject, sameBlock, countingRun(2, 10));
+    ASSERT_EQ(matrices.size(), 3u);
+    EXPECT_EQ(matrices[0].cols(), 4);
+    for (const std::size_t slice : {1u, 2u}) {
+        EXPECT_EQ(matrices[slice].rows(), 2);
+        EXPECT_EQ(matrices[slice].cols(), 0);
+    }
+}
+
 TEST(ConnectivityWorker, GivesEventOneColumn)
 {
     const Subject subject = subjectWith(protocolOf({{QStringLiteral("A"), {{5, 5}}}}));
