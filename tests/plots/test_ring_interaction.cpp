@@ -645,6 +645,31 @@ TEST_F(RingInUse, a_resize_replaces_every_second_label_and_adds_a_full_set)
     EXPECT_EQ(labelsOf(ring).size(), 7 / 2 + n) << "of seven the first, third, fifth and last go";
 }
 
+TEST_F(RingInUse, labels_made_by_a_resize_stand_where_the_first_ones_stood)
+{
+    struct Label {
+        QString text;
+        QPointF place;
+        qreal rotation;
+        bool operator==(const Label &other) const
+        {
+            return text == other.text && place == other.place && rotation == other.rotation;
+        }
+    };
+    const auto newest = [this] {
+        std::vector<Label> labels;
+        for (const MyGraphicsSimpleTextItem *item : labelsOf(ring).mid(labelsOf(ring).size() - n))
+            labels.push_back({item->toPlainText(), item->pos(), item->rotation()});
+        return labels;
+    };
+    const std::vector<Label> first = newest();
+    show();
+    for (const QSize &size : {QSize(300, 900), QSize(900, 300)}) {
+        ring.resize(size); // the chart keeps its size, and its centre
+        EXPECT_EQ(newest(), first);
+    }
+}
+
 TEST_F(RingInUse, labels_that_survive_a_resize_stay_as_they_were)
 {
     ring.setLabelsVisible(false);

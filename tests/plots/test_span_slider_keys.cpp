@@ -4,6 +4,8 @@
 
 #include <QKeyEvent>
 
+#include <limits>
+
 namespace
 {
 
@@ -110,6 +112,17 @@ TEST_F(SpanSliderTest, keys_stop_at_the_ends_of_the_range)
     key(Qt::Key_Left);
     key(Qt::Key_Up);
     EXPECT_EQ(takeSignals(), QStringList());
+}
+
+TEST_F(SpanSliderTest, steps_beyond_all_numbers_stop_at_the_ends_of_the_range)
+{
+    constexpr int largest = std::numeric_limits<int>::max();
+    slider.setRange(-largest, largest);
+    slider.setSingleStep(largest);
+    slider.setSpan(-10, 10);
+    logic.triggerAction(QAbstractSlider::SliderSingleStepAdd, false);
+    logic.triggerAction(QAbstractSlider::SliderSingleStepSub, true);
+    EXPECT_EQ(state(), QStringLiteral("%1 %2 | %1 %2").arg(-largest).arg(largest));
 }
 
 TEST_F(SpanSliderTest, other_keys_are_left_to_the_base_class_and_ignored)
