@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPixmap>
+#include <QScreen>
 #include <utility>
 
 namespace corvane
@@ -146,8 +147,12 @@ void Tour::showCaption(const TourStep &step, const QWidget *target)
                                 tr("Space goes on, Escape ends the tour.")));
     m_caption->adjustSize();
     const QRect window = windowBehind(target->window())->frameGeometry();
-    m_caption->move(window.center().x() - m_caption->width() / 2,
-                    window.bottom() - m_caption->height() - 20);
+    // Below the window, or where the screen ends there, on its lower edge.
+    constexpr int gap = 10;
+    int top = window.bottom() + gap;
+    if (top + m_caption->height() > target->screen()->availableGeometry().bottom())
+        top = window.bottom() - m_caption->height() - gap;
+    m_caption->move(window.center().x() - m_caption->width() / 2, top);
     m_caption->show();
     m_caption->raise();
 }

@@ -12,6 +12,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -123,9 +124,9 @@ TEST_F(TourPlayer, LeavesTimeForEachCaptionAndGoesOnWithSpace)
         EXPECT_TRUE(reader.captions[n].contains(both[places[n]].caption));
 }
 
-TEST_F(TourPlayer, TheCaptionOfAMenuStandsOnItsWindow)
+TEST_F(TourPlayer, TheCaptionOfAMenuStandsBelowItsWindow)
 {
-    window.move(100, 400);
+    window.move(100, 100);
     QMenu menu(&window);
     menu.addAction(QStringLiteral("An entry"));
     menu.popup(window.mapToGlobal(QPoint(0, 0)));
@@ -141,8 +142,8 @@ TEST_F(TourPlayer, TheCaptionOfAMenuStandsOnItsWindow)
     QSignalSpy finished(&tour, &Tour::finished);
     tour.start();
     ASSERT_TRUE(finished.wait(10000));
-    EXPECT_GT(bottom, menu.geometry().bottom());
-    EXPECT_TRUE(window.frameGeometry().contains(window.frameGeometry().left(), bottom));
+    EXPECT_GT(bottom, window.frameGeometry().bottom());
+    EXPECT_LE(bottom, window.screen()->availableGeometry().bottom());
 }
 
 TEST_F(TourPlayer, AFolderThatCannotBeWrittenIsTold)
