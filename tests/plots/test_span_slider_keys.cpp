@@ -101,6 +101,19 @@ TEST_F(SpanSliderTest, a_key_commits_without_tracking_too)
     EXPECT_EQ(takeSignals(), QStringList({"lower 201", "span 201 300"}));
 }
 
+TEST_F(SpanSliderTest, a_key_steps_from_the_value_and_not_from_a_waiting_position)
+{
+    slider.setTracking(false);
+    show(200, 300);
+    slider.setLowerPosition(220);
+    slider.setUpperPosition(280);
+    key(Qt::Key_Right);
+    EXPECT_EQ(state(), "201 280 | 201 280"); // what waits is committed with it
+    slider.setUpperPosition(260);
+    key(Qt::Key_Up);
+    EXPECT_EQ(state(), "201 281 | 201 281");
+}
+
 TEST_F(SpanSliderTest, keys_stop_at_the_ends_of_the_range)
 {
     slider.setSingleStep(30);

@@ -344,6 +344,73 @@ TEST_P(EveryLayout, a_release_without_movement_leaves_the_other_handles_position
     EXPECT_EQ(state(), "100 300 | 120 300");
 }
 
+TEST_P(EveryLayout, the_value_of_the_other_handle_is_the_limit_and_not_its_waiting_position)
+{
+    slider.setTracking(false);
+    struct Row {
+        QxtSpanSlider::HandleMovementMode mode;
+        int lowerLimit; // of the lower handle, short of the upper value 300
+        int upperLimit; // of the upper handle, beyond the lower value 100
+    };
+    for (const Row &row :
+         {Row{QxtSpanSlider::NoCrossing, 300, 100}, Row{QxtSpanSlider::NoOverlapping, 299, 101}}) {
+        slider.setHandleMovementMode(row.mode);
+        show(100, 300);
+        slider.setUpperPosition(200);
+        pressAt(100);
+        moveTo(250);
+        EXPECT_EQ(state(), "100 300 | 250 200") << row.mode;
+        moveTo(350);
+        EXPECT_EQ(slider.lowerPosition(), row.lowerLimit) << row.mode;
+        releaseAt(350);
+
+        slider.setSpan(0, 0);
+        slider.setSpan(100, 300);
+        slider.setLowerPosition(200);
+        pressAt(300);
+        moveTo(150);
+        EXPECT_EQ(state(), "100 300 | 200 150") << row.mode;
+        moveTo(50);
+        EXPECT_EQ(slider.upperPosition(), row.upperLimit) << row.mode;
+        releaseAt(50);
+    }
+}
+
+TEST_P(EveryLayout, a_free_handle_crosses_at_the_value_of_the_other_and_not_at_its_waiting_position)
+{
+    slider.setTracking(false);
+    show(100, 300);
+    slider.setUpperPosition(200);
+    pressAt(100);
+    moveTo(250);
+    EXPECT_EQ(state(), "100 300 | 250 200");
+    EXPECT_EQ(logic.lastPressed, lowerHandle);
+    releaseAt(250);
+
+    slider.setSpan(0, 0);
+    slider.setSpan(100, 300);
+    slider.setLowerPosition(200);
+    pressAt(300);
+    moveTo(150);
+    EXPECT_EQ(state(), "100 300 | 200 150");
+    EXPECT_EQ(logic.lastPressed, upperHandle);
+    releaseAt(150);
+}
+
+TEST_P(EveryLayout, handles_coincide_by_their_values_and_not_by_their_waiting_positions)
+{
+    slider.setTracking(false);
+    slider.setHandleMovementMode(QxtSpanSlider::NoCrossing);
+    show(200, 200);
+    slider.setLowerPosition(150);
+    pressAt(200);
+    moveTo(190); // below the common value: the lower handle goes on
+    EXPECT_EQ(state(), "200 200 | 190 200");
+    EXPECT_EQ(logic.lastPressed, lowerHandle);
+    releaseAt(190);
+    EXPECT_EQ(state(), "190 200 | 190 200");
+}
+
 using SpanSliderMouse = SpanSliderTest;
 
 TEST_F(SpanSliderMouse, without_tracking_a_crossing_keeps_lower_below_upper)

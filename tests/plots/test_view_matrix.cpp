@@ -577,6 +577,18 @@ TEST(BrowserTable, numbers_what_has_no_name)
     EXPECT_EQ(browser.table()->verticalHeaderItem(3)->text(), QStringLiteral("3"));
 }
 
+TEST(BrowserTable, names_each_row_and_column_of_an_oblong_matrix)
+{
+    Result result({gradient(2, 4)});
+    result.subject->voiNames = nodeNames(4);
+    Browser browser(result);
+    const ViewMatrixTable *const table = browser.table();
+    ASSERT_NE(table->horizontalHeaderItem(3), nullptr);
+    EXPECT_EQ(table->horizontalHeaderItem(3)->text(), QStringLiteral("Node 3"));
+    EXPECT_EQ(table->verticalHeaderItem(1)->text(), QStringLiteral("Node 1"));
+    EXPECT_EQ(table->verticalHeaderItem(2), nullptr);
+}
+
 TEST(BrowserTable, leaves_out_names_too_many)
 {
     Result result({gradient(2, 2)});
