@@ -119,6 +119,7 @@ TEST_F(ComputedSubject, OffersEverything)
     find<QCheckBox>("chkBox_ShowResults")->setChecked(true);
     computeRow(0, {7, 0, 3, 5});
     const Eigen::MatrixXf matrix = object(0)->matrices().at(0);
+    EXPECT_EQ(shown().parent(), nullptr) << "a window of its own beside the main dialog";
     EXPECT_EQ(shown().findChild<QLabel *>("lbl_VTC_filename")->text(), subject(0).vtcFile());
     EXPECT_EQ(shown().findChild<QLabel *>("lbl_VOI_filename")->text(), subject(0).voiFile());
 
