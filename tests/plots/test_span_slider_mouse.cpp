@@ -326,6 +326,26 @@ TEST_P(EveryLayout, dragged_too_far_a_handle_goes_back_to_where_it_was_pressed)
     slider.setStyle(nullptr);
 }
 
+TEST_P(EveryLayout, dragged_too_far_a_handle_goes_back_to_its_value_and_not_to_a_waiting_position)
+{
+    ShortLeash style;
+    slider.setStyle(&style);
+    slider.setTracking(false);
+    show(100, 300);
+    const QPoint tooFar = pointOf(200, thickness / 2 + 40);
+    slider.setLowerPosition(150);
+    slider.setUpperPosition(250);
+    pressAt(150);
+    move(tooFar);
+    EXPECT_EQ(state(), "100 300 | 100 250");
+    release(tooFar);
+    pressAt(250);
+    move(tooFar);
+    EXPECT_EQ(state(), "100 300 | 100 300");
+    release(tooFar);
+    slider.setStyle(nullptr);
+}
+
 TEST_P(EveryLayout, a_release_without_movement_leaves_the_other_handles_position_waiting)
 {
     slider.setTracking(false);
