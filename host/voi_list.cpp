@@ -135,6 +135,7 @@ void VoiList::showAll(bool shown)
 void VoiList::makeOverlay()
 {
     std::vector<bool> shown;
+    shown.reserve(static_cast<std::size_t>(m_list->count()));
     for (int row = 0; row < m_list->count(); ++row)
         shown.push_back(m_list->item(row)->checkState() == Qt::Checked);
     const bool any = std::find(shown.begin(), shown.end(), true) != shown.end();

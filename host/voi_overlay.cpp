@@ -16,7 +16,8 @@ constexpr int size = Vmr::size;
 
 std::size_t indexOf(int i, int j, int k)
 {
-    return static_cast<std::size_t>(i + size * (j + size * k));
+    const int index = i + size * (j + size * k);
+    return static_cast<std::size_t>(index);
 }
 
 } // namespace

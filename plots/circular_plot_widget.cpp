@@ -28,7 +28,7 @@ constexpr int triggerWithoutLabels = 1; // the event type of a protocol
 constexpr int hoverAlpha = 10;          // of the edges that are not hovered
 constexpr double maximumPenWidth = 32767.0;
 
-constexpr QLatin1String fontFamily("Arial");
+const QLatin1String fontFamily("Arial");
 
 // Dynamic properties of an edge series.
 const char *const valueProperty = "value";

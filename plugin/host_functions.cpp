@@ -20,7 +20,7 @@ HostFunctionTable &hostFunctions()
 
 bool bindHostFunctions()
 {
-    const HostModule module = hostModule();
+    HostModule module = hostModule();
     if (module == nullptr)
         return false;
 

@@ -28,6 +28,7 @@ void *loadAddress(const void *address)
 bool inMainProgram(const void *address)
 {
     // The entry point that the kernel jumped to lies in the main program.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel tells the address as a number.
     const auto *entry = reinterpret_cast<const void *>(getauxval(AT_ENTRY));
     return loadAddress(address) == loadAddress(entry);
 }
