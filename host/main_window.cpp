@@ -68,6 +68,15 @@ bool endsWith(const QString &path, const char *ending)
     return path.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
 }
 
+/// Files that are opened together: a run is linked to the anatomy that comes with it, and takes the
+/// place of the protocol from before.
+int turnOf(const QString &path)
+{
+    if (endsWith(path, ".vtc"))
+        return 1;
+    return endsWith(path, ".voi") || endsWith(path, ".prt") ? 2 : 0;
+}
+
 #ifdef CORVANE_IMPORT
 QStringList exampleFiles(const QDir &folder)
 {
@@ -335,10 +344,9 @@ void MainWindow::open(const QString &path)
 
 void MainWindow::openFiles(const QStringList &paths)
 {
-    // Anatomies first: a .vtc is linked to the one that comes with it.
     QStringList sorted = paths;
-    std::stable_partition(sorted.begin(), sorted.end(), [](const QString &path) {
-        return !endsWith(path, ".vtc") && !endsWith(path, ".voi") && !endsWith(path, ".prt");
+    std::stable_sort(sorted.begin(), sorted.end(), [](const QString &left, const QString &right) {
+        return turnOf(left) < turnOf(right);
     });
     QStringList faults;
     {

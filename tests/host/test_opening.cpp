@@ -84,6 +84,20 @@ TEST_F(Opening, TakesAnatomiesOfEachFormatThatAreDropped)
     EXPECT_EQ(nameOf(1), QStringLiteral("head.vmr"));
 }
 
+TEST_F(Opening, TakesAllKindsOfFilesThatAreDroppedTogether)
+{
+    const VtcInfo info = smallVtcInfo();
+    putBytes(folder.path("run.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+    writeVoiFile(folder.path("areas.voi"), smallVoiSet());
+    writePrtFile(folder.path("blocks.prt"), smallPrt());
+    EXPECT_TRUE(dropOn(&window, {folder.path("blocks.prt"), folder.path("areas.voi"),
+                                 folder.path("run.vtc"), folder.path("head.vmr")}));
+    ASSERT_TRUE(opened(1));
+    EXPECT_NE(workspace.linkedVtc(), nullptr);
+    EXPECT_NE(workspace.vois(), nullptr);
+    EXPECT_NE(workspace.protocol(), nullptr);
+}
+
 TEST_F(Opening, TakesFilesDroppedOnEachPartOfTheWindow)
 {
     window.openFiles({folder.path("head.vmr")});
