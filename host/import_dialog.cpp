@@ -61,10 +61,8 @@ ImportDialog::ImportDialog(QWidget *parent)
     startPreview();
 }
 
-ImportDialog::~ImportDialog()
-{
-    m_preview.waitForFinished();
-}
+// A preview that is still being made ends on its own, and nobody waits for it.
+ImportDialog::~ImportDialog() = default;
 
 // ---- input
 

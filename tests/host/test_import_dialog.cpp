@@ -6,6 +6,7 @@
 #include "host/vtc_file.h"
 #include "tests/host/dropping.h"
 #include "tests/host/host_files.h"
+#include "tests/support/busy_pool.h"
 #include "tests/support/modal_driver.h"
 
 #include <QDialogButtonBox>
@@ -185,6 +186,21 @@ TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
     QTest::mouseClick(importButton(), Qt::LeftButton);
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(bytesOf(folder.path("run.voi")), "mine");
+}
+
+TEST_F(ImportDialogTest, MayGoBeforeItsPreviewIsDone)
+{
+    BusyPool pool;
+    {
+        ImportDialog other;
+        other.setRequest(exampleRequest());
+        const auto *const state = other.findChild<QLabel *>(QStringLiteral("state"));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return state->text() == QStringLiteral("Looking at the files..."); }));
+    }
+    pool.release();
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(30000));
+    QCoreApplication::processEvents();
 }
 
 TEST_F(ImportDialogTest, TheLastInputCountsWhenItChangesDuringAPreview)
