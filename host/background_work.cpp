@@ -32,6 +32,7 @@ WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
 {
     QProgressDialog progress(QProgressDialog::tr("Working..."), QProgressDialog::tr("&Cancel"), 0,
                              100, parent);
+    progress.setMinimumWidth(360);
     progress.setObjectName(QStringLiteral("workProgress"));
     progress.setWindowTitle(title);
     progress.findChild<QProgressBar *>()->setAccessibleName(title);

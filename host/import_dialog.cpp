@@ -210,8 +210,10 @@ void ImportDialog::runImport()
     }
     if (!present.isEmpty() &&
         QMessageBox::question(this, tr("Import"),
-                              tr("Replace what is already in the folder? %1")
-                                  .arg(present.join(QStringLiteral(", ")))) != QMessageBox::Yes)
+                              tr("Replace what is already in the folder?\n\n%1")
+                                  .arg(present.join(QStringLiteral(", "))),
+                              QMessageBox::Yes | QMessageBox::No,
+                              QMessageBox::No) != QMessageBox::Yes)
         return;
 
     ImportReport report;

@@ -153,14 +153,16 @@ QWidget *MainWindow::makeWelcome()
     text->setAlignment(Qt::AlignCenter);
     text->setWordWrap(true);
     auto *const buttons = new QWidget;
+    buttons->setMinimumWidth(280);
     auto *const column = new QVBoxLayout(buttons);
     const auto addButton = [&](const QString &label, const char *name, void (MainWindow::*act)()) {
         auto *const button = new QPushButton(label);
         button->setObjectName(QString::fromLatin1(name));
         connect(button, &QPushButton::clicked, this, act);
         column->addWidget(button);
+        return button;
     };
-    addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
+    m_welcomeOpen = addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
 #ifdef CORVANE_IMPORT
     addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &MainWindow::importFiles);
     addButton(tr("Open the &Example Dataset"), "welcomeExample", &MainWindow::openExample);
@@ -296,12 +298,24 @@ void MainWindow::refresh()
     }
     if (const Vmr *const vmr = m_workspace.currentVmr())
         m_volume->showVolume(current, *vmr);
-    m_pages->setCurrentIndex(isOpen ? 1 : 0);
+    showPage(isOpen ? VolumePage : WelcomePage);
     showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
     setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
                                 .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
                           : QStringLiteral("Corvane"));
+}
+
+/// The keyboard begins with what a page is for.
+void MainWindow::showPage(Page page)
+{
+    if (m_pages->currentIndex() == page && m_pages->focusWidget() != nullptr)
+        return;
+    m_pages->setCurrentIndex(page);
+    if (page == VolumePage)
+        m_volume->focusSlices();
+    else
+        m_welcomeOpen->setFocus();
 }
 
 void MainWindow::showTimeCourse()
@@ -537,12 +551,13 @@ void MainWindow::about()
 {
     QMessageBox::about(
         this, tr("About Corvane"),
-        tr("<h3>Corvane</h3><p>An open host for plugins that analyse functional MRI data.</p>"
-           "<p>Version for plugins %1.%2.%3. Free software under the GNU General Public License, "
-           "version 3 or later.</p>")
+        tr("<h3>Corvane %1.%2.%3</h3><p>An open host for plugins that analyse functional MRI data, "
+           "of Tessera %4.</p><p>Free software under the GNU General Public License, version 3 or "
+           "later.</p>")
             .arg(hostVersion[0])
             .arg(hostVersion[1])
-            .arg(hostVersion[2]));
+            .arg(hostVersion[2])
+            .arg(QStringLiteral(TESSERA_VERSION)));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QTimer>
 
+class QPushButton;
 class QSplitter;
 class QStackedWidget;
 
@@ -65,6 +66,8 @@ private:
     void restore();
 
     void refresh();
+    enum Page { WelcomePage, VolumePage };
+    void showPage(Page page);
     void showTimeCourse();
     void open(const QString &path);
     void chooseFiles();
@@ -84,8 +87,9 @@ private:
     LogPane *m_log;
     VoiList *m_vois;
     DocumentTabs *m_tabs = nullptr;
-    QStackedWidget *m_pages = nullptr; ///< a welcome, and the volume
-    QSplitter *m_parts = nullptr;      ///< of the volume's page
+    QStackedWidget *m_pages = nullptr; ///< one of each Page
+    QPushButton *m_welcomeOpen = nullptr;
+    QSplitter *m_parts = nullptr; ///< of the volume's page
     VolumeView *m_volume = nullptr;
     TimeCourseView *m_timeCourse = nullptr;
     TimeCourseReader *m_reader;

@@ -65,6 +65,11 @@ VolumeView::VolumeView(QWidget *parent)
 
 VolumeView::~VolumeView() = default;
 
+void VolumeView::focusSlices()
+{
+    m_slices.constFirst()->setFocus();
+}
+
 void VolumeView::connectControls()
 {
     const auto moved = QOverload<int>::of(&QSpinBox::valueChanged);

@@ -29,6 +29,7 @@ public:
     /// `names` are those of the VOIs in the order of their labels.
     void setVois(std::shared_ptr<const VoiOverlay> vois, const QStringList &names, double opacity);
 
+    void focusSlices();
     const SliceScene &scene() const { return m_scene; }
     void setCross(const CubeVoxel &voxel);
     void setCrossShown(bool shown);

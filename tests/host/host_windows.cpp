@@ -193,6 +193,7 @@ void about(const LookAtWindow &look)
     Workbench workbench;
     ModalDriver driver;
     driver.expect<QMessageBox>([&look](QMessageBox &box) {
+        EXPECT_TRUE(box.text().contains(QStringLiteral("Corvane 3.0.0")));
         look(box);
         QTest::keyClick(&box, Qt::Key_Return);
     });

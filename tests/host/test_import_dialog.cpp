@@ -181,7 +181,7 @@ TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
     ModalDriver driver;
     driver.expect<QMessageBox>([](QMessageBox &box) {
         EXPECT_TRUE(box.text().contains(QStringLiteral("run.voi")));
-        QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton);
+        QTest::keyClick(&box, Qt::Key_Return);
     });
     QTest::mouseClick(importButton(), Qt::LeftButton);
     EXPECT_TRUE(dialog.isVisible());

@@ -125,6 +125,24 @@ TEST_F(MainWindowTest, GoesThroughTheDocumentsWithTheKeyboard)
     EXPECT_EQ(current(), 0);
 }
 
+TEST_F(MainWindowTest, TheKeyboardBeginsWithWhatAPageIsFor)
+{
+    const auto focus = [this] { return window.focusWidget()->objectName().toStdString(); };
+    showWindow();
+    EXPECT_EQ(focus(), "welcomeOpen");
+    window.openFiles({first});
+    EXPECT_EQ(focus(), "Sagittal slice");
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    const std::string next = focus();
+    EXPECT_NE(next, "Sagittal slice");
+    window.openFiles({second});
+    EXPECT_EQ(focus(), next);
+    QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tabs->count() == 1; }));
+    QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focus() == "welcomeOpen"; }));
+}
+
 TEST_F(MainWindowTest, OpensAnatomiesBeforeWhatBelongsToThem)
 {
     const QString vtc = folder.path("run.vtc");
