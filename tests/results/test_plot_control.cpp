@@ -287,6 +287,8 @@ TEST_F(PlotControl, ThicknessFollowsItsThreeControls)
     EXPECT_EQ(widthsOf(plot), expectedWidths(matrix, 9.35)) << "not in use";
     click("chkBox_CircPlot_ConnWeights");
     EXPECT_EQ(widthsOf(plot), QVector<int>(15, 3));
+    for (const QSplineSeries *const edge : seriesOf<QSplineSeries>(plot))
+        EXPECT_EQ(edge->property("pen-width"), 3.5) << "passed on whole";
     find<QDoubleSpinBox>("dsBox_CircPlot_EdgesThickness")->setValue(7.0);
     EXPECT_EQ(widthsOf(plot), QVector<int>(15, 7));
     click("chkBox_CircPlot_ConnWeights");
