@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 #include <QSignalBlocker>
+#include <QtConcurrent>
 #include <cmath>
 
 namespace corvane
@@ -25,6 +26,18 @@ void setQuietly(QSpinBox *box, double value)
 QString placeText(const CubeVoxel &voxel)
 {
     return QStringLiteral("%1, %2, %3").arg(voxel[0]).arg(voxel[1]).arg(voxel[2]);
+}
+
+/// Reads a volume that is mapped from end to end, in the background: no later move of the
+/// cross-hair waits for the disk.
+void readAhead(const Vmr &vmr)
+{
+    QtConcurrent::run([vmr] {
+        constexpr qint64 page = 4096;
+        const auto *const data = static_cast<const volatile uchar *>(vmr.voxels.get());
+        for (qint64 n = 0; n < vmr.byteCount(); n += page)
+            static_cast<void>(data[n]);
+    });
 }
 
 } // namespace
@@ -98,6 +111,7 @@ void VolumeView::showVolume(int document, const Vmr &vmr)
         m_looks[m_document] = {m_scene.cross, m_scene.window, m_scene.zoom};
     m_document = document;
     m_scene.vmr = vmr;
+    readAhead(vmr);
     const auto known = m_looks.find(document);
     const Look look = known != m_looks.end() ? known->second
                                              : Look{SliceScene().cross, automaticWindow(vmr), 1.0};

@@ -17,6 +17,9 @@
 #include <QWheelEvent>
 #include <QtTest>
 #include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace corvane
 {
@@ -74,6 +77,27 @@ protected:
 };
 
 } // namespace
+
+TEST(VolumeView, ReadsTheWholeVolumeBeforeItsSlicesAreAskedFor)
+{
+    // A mapped file that gets room for a page when that page is looked at.
+    const int file = memfd_create("volume", 0);
+    Vmr vmr;
+    const auto bytes = static_cast<std::size_t>(vmr.byteCount());
+    ASSERT_EQ(ftruncate(file, vmr.byteCount()), 0);
+    vmr.voxels = {mmap(nullptr, bytes, PROT_READ, MAP_SHARED, file, 0),
+                  [bytes](void *data) { munmap(data, bytes); }};
+    const auto bytesRead = [file] {
+        struct stat state = {};
+        fstat(file, &state);
+        return 512 * state.st_blocks;
+    };
+    VolumeView view;
+    EXPECT_EQ(bytesRead(), 0);
+    view.showVolume(0, vmr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return bytesRead() == vmr.byteCount(); }));
+    close(file);
+}
 
 TEST_F(VolumeViewTest, TheMouseMovesTheCrossHairInEachPlane)
 {
