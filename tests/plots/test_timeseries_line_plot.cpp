@@ -212,6 +212,14 @@ TEST_F(TimeseriesLinePlotTest, writes_the_conditions_to_the_log_when_logging_is_
     EXPECT_EQ(messages[0].text, "(\"Rest\", \"Faces\")");
 }
 
+TEST_F(TimeseriesLinePlotTest, writes_nothing_to_the_log_when_logging_is_off)
+{
+    window.setSeries({1, 2}, QString());
+    takeMessages();
+    window.finishPlot({"Rest", "Faces"});
+    EXPECT_TRUE(takeMessages().isEmpty());
+}
+
 TEST_F(TimeseriesLinePlotTest, shows_its_names_whole_and_is_pictured_without_its_empty_legend)
 {
     QStringList conditions;
