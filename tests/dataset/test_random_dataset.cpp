@@ -3,11 +3,14 @@
 // A long session in random order, and results that are looked at after their record has changed.
 // What they prove they prove under the sanitizers: nothing leaks, dangles or reads outside.
 #include "engine/connectivity_object.h"
+#include "plots/my_label.h"
+#include "plots/my_slider.h"
 #include "tests/gui_test.h"
 #include "tests/support/dataset_fixture.h"
 
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QHash>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
@@ -21,6 +24,9 @@
 namespace
 {
 
+constexpr int subjects = 200;
+constexpr int mostDialogs = 10;
+
 /// A session of a user without a plan. It knows what the table and the list should hold.
 class RandomDataset : public DatasetFixture
 {
@@ -33,16 +39,31 @@ protected:
 
     int below(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); }
     int anyRow() { return below(int(rows.size())); }
+    int uncomputed() const
+    {
+        return int(
+            std::count_if(rows.begin(), rows.end(), [](const Row &row) { return !row.computed; }));
+    }
+    bool moreAreWanted() const { return finished.size() + uncomputed() < subjects; }
 
     void add()
     {
-        ++added;
-        const QString name = QStringLiteral("S%1").arg(added);
+        // Its first name may be that of another row.
+        const QString name = QStringLiteral("S%1").arg(++added);
         const int row = addRow();
         rename(row, name);
-        if (below(10) > 0)
-            finishRow(row, vtcs.at(below(int(vtcs.size()))), vois);
-        rows.push_back({name, subject(row).dataLoaded, false});
+        rows.push_back({name});
+        if (below(4) > 0)
+            finish(row);
+    }
+
+    void finish(int row)
+    {
+        chooseFile(row, VtcColumn, vtcs.at(below(int(vtcs.size()))));
+        if (fileButton(row, VoiColumn)->isEnabled())
+            chooseFile(row, VoiColumn, vois);
+        // A run without protocol does not finish a row while one is wanted.
+        rows[std::size_t(row)].ready = subject(row).dataLoaded;
     }
 
     void remove()
@@ -59,12 +80,22 @@ protected:
         return all.mid(0, 2 + below(3));
     }
 
+    /// Often the row whose profile is selected already, though others may have gone since then.
+    int rowToCompute()
+    {
+        const auto *const profiles = find<QComboBox>("cBox_connectivityProfile");
+        return profiles->currentIndex() > 0 && below(3) == 0 ? profiles->currentData().toInt()
+                                                             : anyRow();
+    }
+
     void computeOne()
     {
-        const int row = anyRow();
+        const int row = rowToCompute();
         Row &expected = rows[std::size_t(row)];
-        if (!expected.ready)
+        if (!expected.ready) {
+            finish(row);
             return;
+        }
         selectProfile(row);
         const int setting = below(5);
         const char *const settings[] = {"rbtn_Correlation", "rbtn_PartialCorrelation",
@@ -74,27 +105,48 @@ protected:
         selectSeeds(someVois());
         find<QCheckBox>("cbox_UseProtocol")->setChecked(below(2) == 0);
         // A computed subject was enabled again by its seeds; its repeat is refused.
-        if (expected.computed)
-            modals.expectMessage("Cannot continue...", "Duplicate subject name found. Aborting.");
-        else
-            finished.append(expected.name);
-        expected.computed = true;
+        if (expected.computed) {
+            computeRefused();
+            return;
+        }
+        // So is a name that a result bears, whether its row is still there or not.
+        if (!finished.isEmpty() && below(5) == 0) {
+            rename(row, finished.at(below(finished.size())));
+            computeRefused();
+            rename(row, expected.name);
+        }
         compute();
+        finished.append(expected.name);
+        expected.computed = true;
     }
 
-    void openOne()
+    void computeRefused()
     {
-        if (finished.isEmpty() || resultsDialogs().size() >= 10)
-            return;
-        const int index = below(int(finished.size()));
-        dialog().subjects_OpenSelected(results()->model()->index(index, 0));
+        modals.expectMessage("Cannot continue...", "Duplicate subject name found. Aborting.");
+        compute();
+        ASSERT_EQ(modals.remaining(), 0u);
+        ++refused;
+    }
+
+    /// Opens results until as many are open as there may be.
+    void openSome()
+    {
+        const int wanted = std::min(mostDialogs, finished.size());
+        while (resultsDialogs().size() < wanted) {
+            const int index = below(finished.size());
+            dialog().subjects_OpenSelected(results()->model()->index(index, 0));
+        }
     }
 
     void closeOne()
     {
         const QList<QWidget *> open = resultsDialogs();
-        if (!open.isEmpty())
-            open.at(below(int(open.size())))->close();
+        if (open.isEmpty())
+            return;
+        const QPointer<QWidget> closed = open.at(below(open.size()));
+        closed->close();
+        QCoreApplication::sendPostedEvents(closed, QEvent::DeferredDelete);
+        ASSERT_TRUE(closed.isNull());
     }
 
     void compareSome()
@@ -103,7 +155,7 @@ protected:
             return;
         results()->clearSelection();
         for (int i = 0; i < 3; ++i) {
-            const int index = below(int(finished.size()));
+            const int index = below(finished.size());
             // One without matrices, of an empty protocol, would raise.
             if (!object(index)->matrices().empty())
                 results()->item(index)->setSelected(true);
@@ -114,11 +166,42 @@ protected:
         }
     }
 
+    void doSomething()
+    {
+        switch (below(10)) {
+        case 0:
+        case 1:
+        case 2:
+            if (moreAreWanted())
+                add();
+            break;
+        case 3:
+        case 4:
+        case 5:
+        case 6:
+            if (!rows.empty())
+                computeOne();
+            break;
+        case 7:
+            if (!rows.empty())
+                remove();
+            break;
+        case 8:
+            closeOne();
+            break;
+        default:
+            compareSome();
+        }
+    }
+
     void expectAllInStep()
     {
         ASSERT_EQ(model().rowCount(), int(rows.size()));
         ASSERT_EQ(find<QLabel>("lbl_SubjectsCounter")->text(), QString::number(rows.size()));
         const auto *const profiles = find<QComboBox>("cBox_connectivityProfile");
+        QHash<int, QString> profileOfRow;
+        for (int item = 1; item < profiles->count(); ++item)
+            profileOfRow.insert(profiles->itemData(item).toInt(), profiles->itemText(item));
         int ready = 0;
         for (int row = 0; row < int(rows.size()); ++row) {
             const Row &expected = rows[std::size_t(row)];
@@ -126,18 +209,18 @@ protected:
             ASSERT_EQ(subject(row).computed(), expected.computed);
             for (int column = VmrColumn; column <= PrtColumn; ++column)
                 ASSERT_EQ(cell(row, column)->property("row"), row);
-            const int item = profiles->findData(row);
-            ASSERT_EQ(item > 0, expected.ready);
-            if (item > 0) {
-                ASSERT_EQ(profiles->itemText(item), expected.name);
+            ASSERT_EQ(profileOfRow.contains(row), expected.ready);
+            if (expected.ready) {
+                ASSERT_EQ(profileOfRow.value(row), expected.name);
                 ++ready;
             }
         }
         ASSERT_EQ(profiles->count(), ready + 1);
         ASSERT_EQ(results()->count(), finished.size());
+        const QList<ConnectivityObject *> all = objects();
         for (int index = 0; index < finished.size(); ++index) {
-            ASSERT_EQ(object(index)->name(), finished.at(index));
-            ASSERT_EQ(object(index)->subject()->name(), finished.at(index));
+            ASSERT_EQ(all.at(index)->name(), finished.at(index));
+            ASSERT_EQ(all.at(index)->subject()->name(), finished.at(index));
         }
     }
 
@@ -145,13 +228,13 @@ protected:
     std::vector<Row> rows;
     QStringList finished; ///< names, in order of completion
     int added = 0;
+    int refused = 0;
     QVector<QString> vtcs;
     QString vois;
 };
 
 TEST_F(RandomDataset, TwoHundredSubjects)
 {
-    constexpr int subjects = 200;
     vois = addVois("set.voi");
     fake_host::Protocol protocol;
     protocol.conditions = {{"A", {{1, 15}, {31, 45}}}, {"B", {{16, 30}, {46, 46}}}};
@@ -161,30 +244,15 @@ TEST_F(RandomDataset, TwoHundredSubjects)
     vtcs = {addVtc("plain.vtc", 30), addVtc("linked.vtc", linked)};
     find<QCheckBox>("chkBox_ShowResults")->setChecked(false);
 
-    while (added < subjects || !rows.empty()) {
-        const int action = below(10);
-        if (action < 3 && added < subjects)
-            add();
-        else if (rows.empty())
-            add();
-        else if (action < 6)
-            computeOne();
-        else if (action == 6)
-            openOne();
-        else if (action == 7)
-            closeOne();
-        else if (action == 8 && (added == subjects || below(2) == 0))
-            remove();
-        else
-            compareSome();
+    while (finished.size() < subjects || !rows.empty()) {
+        ASSERT_NO_FATAL_FAILURE(doSomething());
+        ASSERT_NO_FATAL_FAILURE(openSome());
         ASSERT_NO_FATAL_FAILURE(expectAllInStep()) << "after " << added << " subjects";
-        if (added >= subjects && rows.size() == 1)
-            while (resultsDialogs().size() < 10)
-                openOne();
     }
-    EXPECT_GT(finished.size(), 60);
-    EXPECT_EQ(resultsDialogs().size(), 10);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(finished.size(), subjects);
+    EXPECT_GE(added, subjects);
+    EXPECT_GT(refused, 50);
+    EXPECT_EQ(resultsDialogs().size(), mostDialogs);
     closeDialog();
     EXPECT_TRUE(resultsDialogs().isEmpty());
 }
@@ -205,7 +273,8 @@ protected:
         });
     }
 
-    /// Presses every button of the results dialog that can be pressed, and turns every option.
+    /// Presses every button of the results dialog that can be pressed, turns every option, and does
+    /// the same in the windows that come of it.
     void openEverything()
     {
         object(0)->showResults();
@@ -213,24 +282,43 @@ protected:
         auto *const tabs = shown->findChild<QTabWidget *>("tabWidget");
         for (int tab = 0; tab < tabs->count(); ++tab) {
             tabs->setCurrentIndex(tab);
-            for (int round = 0; round < 2; ++round) { // the first makes more buttons
-                for (QAbstractButton *button :
-                     tabs->widget(tab)->findChildren<QAbstractButton *>()) {
-                    if (button->isEnabled() && button->isVisible())
-                        button->click();
-                }
-            }
+            for (int round = 0; round < 2; ++round) // the first makes more buttons
+                pressAll(tabs->widget(tab));
         }
-        for (QDialog *window : shown->findChildren<QDialog *>()) {
+        int plots = 0;
+        for (QWidget *window :
+             shown->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (!window->isWindow())
+                continue;
+            ++plots;
             window->show();
             EXPECT_FALSE(window->grab().isNull());
-            for (QSlider *slider : window->findChildren<QSlider *>()) {
-                for (int value = slider->minimum(); value <= slider->maximum(); ++value)
-                    slider->setValue(value);
-            }
+            for (MySlider *slider : window->findChildren<MySlider *>())
+                goThrough(slider);
+            for (MyLabel *label : window->findChildren<MyLabel *>())
+                QTest::mouseClick(label, Qt::LeftButton);
+            pressAll(window);
             EXPECT_FALSE(window->grab().isNull());
         }
+        EXPECT_GT(plots, 2);
         QTest::qWait(0);
+    }
+
+    static void pressAll(const QWidget *page)
+    {
+        for (QAbstractButton *button : page->findChildren<QAbstractButton *>())
+            if (button->isEnabled() && button->isVisible())
+                button->click();
+    }
+
+    /// Lets the handle go at each value.
+    static void goThrough(QAbstractSlider *slider)
+    {
+        for (int value = slider->minimum(); value <= slider->maximum(); ++value) {
+            slider->setSliderDown(true);
+            slider->setValue(value);
+            slider->setSliderDown(false);
+        }
     }
 
     int exports = 0;
