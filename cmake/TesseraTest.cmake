@@ -54,8 +54,8 @@ endfunction()
 
 # Makes a test of ctest of each test in a program; reads the arguments of tessera_test.
 #
-# The environment is set in a file of its own that ctest reads behind the list of tests: among the
-# PROPERTIES of gtest_discover_tests a list falls apart, and only its first variable is set.
+# Environment and labels are set in a file of its own that ctest reads behind the list of tests:
+# among the PROPERTIES of gtest_discover_tests a list falls apart, and only its first entry is set.
 macro(tessera_discover name prefix environment)
     gtest_discover_tests(${name}
         TEST_PREFIX "${prefix}."
@@ -64,12 +64,13 @@ macro(tessera_discover name prefix environment)
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES
-            TIMEOUT ${arg_TIMEOUT}
-            LABELS "${arg_LABELS}")
-    set(environment_file ${CMAKE_CURRENT_BINARY_DIR}/${prefix}_environment.cmake)
-    file(WRITE ${environment_file}
+            TIMEOUT ${arg_TIMEOUT})
+    set(properties_file ${CMAKE_CURRENT_BINARY_DIR}/${prefix}_properties.cmake)
+    file(WRITE ${properties_file}
         "if(${prefix}_tests)\n"
-        "    set_tests_properties(\${${prefix}_tests} PROPERTIES ENVIRONMENT \"${environment}\")\n"
+        "    set_tests_properties(\${${prefix}_tests} PROPERTIES\n"
+        "        ENVIRONMENT \"${environment}\"\n"
+        "        LABELS \"${arg_LABELS}\")\n"
         "endif()\n")
-    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${environment_file})
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${properties_file})
 endmacro()
