@@ -492,6 +492,17 @@ TEST_F(RingInUse, a_change_of_thickness_while_an_edge_is_hovered_is_gone_after_i
     EXPECT_EQ(edge(1, 3)->pen().width(), 2) << "the pen from before the hover";
 }
 
+TEST_F(RingInUse, colours_turned_off_while_an_edge_is_hovered_come_back_after_it)
+{
+    ring.setColorizeEdges(true);
+    emit edge(0, 1)->hovered(QPointF(), true);
+    ring.setColorizeEdges(false);
+    EXPECT_EQ(colorOf(edge(1, 3)), plainColor);
+    emit edge(0, 1)->hovered(QPointF(), false);
+    EXPECT_EQ(colorOf(edge(1, 3)), valueToColor(edge(1, 3)->property("value").toReal()))
+        << "the pen from before the hover";
+}
+
 TEST_F(RingInUse, a_change_of_thickness_before_an_edge_is_hovered_stays_after_it)
 {
     ring.setThicknessMultiplier(10.0);
