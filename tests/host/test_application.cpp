@@ -71,6 +71,8 @@ TEST_F(ApplicationTest, NamesTheReceiverAlsoWhenItIsGone)
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests)) // without the leaks of the platform
+        return RUN_ALL_TESTS();
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const corvane::Application application(argc, argv);
