@@ -56,7 +56,7 @@ QVector<int> seeds(const QString &text)
 /// The file of an option that `Corvane import` makes, and not the image that it makes it from.
 QString importedFile(const QCommandLineParser &parser, const QString &option)
 {
-    const QString path = requiredValue(parser, option);
+    QString path = requiredValue(parser, option);
     for (const char *ending : {".nii", ".nii.gz"})
         if (path.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
             throw UsageError(QStringLiteral("--%1: found %2, expected a .%1 file, which Corvane "
