@@ -113,8 +113,6 @@ QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWind
         strides[static_cast<std::size_t>(axes.through)] * static_cast<std::size_t>(position);
     const double lowest = window.level - window.width / 2;
     const double scale = 255 / std::max(window.width, 1e-6);
-    // Rounds, with what the cast cuts off.
-    const double black = 0.5 - lowest * scale;
     const int parts = static_cast<int>(std::lround(256 * std::clamp(opacity, 0.0, 1.0)));
 
     QImage image(size, size, QImage::Format_RGB32);
@@ -123,8 +121,9 @@ QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWind
             auto *const pixels = reinterpret_cast<QRgb *>(image.scanLine(row));
             std::size_t index = first + down * static_cast<std::size_t>(row);
             for (int column = 0; column < size; ++column, index += across) {
-                const int grey =
-                    static_cast<int>(std::clamp(samples[index] * scale + black, 0.0, 255.0));
+                // Rounds, with what the cast cuts off.
+                const double shade = (samples[index] - lowest) * scale + 0.5;
+                const int grey = static_cast<int>(std::clamp(shade, 0.0, 255.0));
                 const quint16 label = vois != nullptr ? vois->labelAt(index) : quint16(0);
                 pixels[column] =
                     label == 0 ? qRgb(grey, grey, grey) : tinted(grey, vois->colour(label), parts);
