@@ -52,6 +52,11 @@ QAction *entry(const QList<QAction *> &actions, const QString &text)
     return nullptr;
 }
 
+void enlarge(QWidget *window)
+{
+    window->resize(window->size() * 1.2);
+}
+
 /// Collects the steps; its members are what a user can do.
 class Workflow
 {
@@ -315,11 +320,14 @@ void Workflow::results()
             "When the compute is done the results open: the matrix as a table of colours, the "
             "circular plot, graph measures and the exports.",
             inWindow(dialog, "btn_CircularPlotConnMtx"), pressed);
+    const auto ring = [] { return windowOf("CircularPlot"); };
+    act(ring, enlarge);
     picture("ring", "The circular plot",
             "Nodes stand on a ring, their connections are drawn between them, those of the minimum "
             "spanning tree in red. The slider below goes through the intervals of the protocol; "
-            "the settings in the results dialog choose which strengths are drawn and how.",
-            [] { return windowOf("CircularPlot"); });
+            "the settings in the results dialog choose which strengths are drawn and how. Here the "
+            "window is made larger than it opens, so that long names have room.",
+            ring);
     closeWindow("CircularPlot");
     act(inWindow(dialog, "btn_PlotConnMtx"), pressed);
     picture("browser", "The matrix browser",
