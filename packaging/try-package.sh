@@ -70,9 +70,9 @@ mount -t proc proc "$root/proc"
 in_root useradd --create-home researcher
 held "a fresh Debian $(cat "$root/etc/debian_version") with $(in_root dpkg-query -f '.\n' -W | wc -l) packages"
 
-cp "$package" "$root/tmp/package.deb"
+cp "$package" "$root/package.deb"
 in_root apt-get update -q >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
-in_root apt-get install -q -y --no-install-recommends /tmp/package.deb >"$work/log" 2>&1 ||
+in_root apt-get install -q -y --no-install-recommends ./package.deb >"$work/log" 2>&1 ||
     fail "$(tail -n 5 "$work/log")"
 held "installed with $(grep -c '^Setting up' "$work/log") packages"
 in_root dpkg --verify corvane-tessera || fail "files differ from those of the package"

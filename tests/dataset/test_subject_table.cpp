@@ -36,6 +36,17 @@ protected:
             names.append(profiles()->itemText(item));
         return names;
     }
+    /// The editor of the first row's name, opened by the key for it; null when it does not open.
+    QLineEdit *editNameByKey()
+    {
+        auto *const table = find<QTableView>("tbl_Subjects");
+        dialog().activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog()));
+        table->setFocus();
+        table->setCurrentIndex(model().index(0, NameColumn));
+        QTest::keyClick(table, Qt::Key_F2);
+        return table->viewport()->findChild<QLineEdit *>();
+    }
     QString counter() { return find<QLabel>("lbl_SubjectsCounter")->text(); }
     bool isLocked(int row)
     {
@@ -655,13 +666,7 @@ TEST_F(Table, NameIsEditedInTheTable)
 TEST_F(Table, EmptyNameInTheEditorKeepsTheOldOne)
 {
     addRow();
-    auto *const table = find<QTableView>("tbl_Subjects");
-    dialog().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
-    table->setFocus();
-    table->setCurrentIndex(model().index(0, NameColumn));
-    QTest::keyClick(table, Qt::Key_F2);
-    const QPointer<QLineEdit> editor = table->viewport()->findChild<QLineEdit *>();
+    const QPointer<QLineEdit> editor = editNameByKey();
     ASSERT_FALSE(editor.isNull());
     editor->clear();
     QTest::keyClick(editor, Qt::Key_Return);
@@ -672,13 +677,7 @@ TEST_F(Table, EmptyNameInTheEditorKeepsTheOldOne)
 TEST_F(Table, TabLeadsFromTheNameToTheDocuments)
 {
     addRow();
-    auto *const table = find<QTableView>("tbl_Subjects");
-    dialog().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog()));
-    table->setFocus();
-    table->setCurrentIndex(model().index(0, NameColumn));
-    QTest::keyClick(table, Qt::Key_F2);
-    auto *const editor = table->viewport()->findChild<QLineEdit *>();
+    QLineEdit *const editor = editNameByKey();
     ASSERT_NE(editor, nullptr);
     QTest::keyClicks(editor, "Ann");
     QTest::keyClick(editor, Qt::Key_Tab);

@@ -6,6 +6,7 @@
 #include "tests/host/module_session.h"
 #include "tests/host/program.h"
 #include "tests/support/reference_folder.h"
+#include "tests/support/slider_handle.h"
 
 #include <QGraphicsSimpleTextItem>
 #include <QGraphicsTextItem>
@@ -14,7 +15,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QSlider>
-#include <QStyleOptionSlider>
 #include <QTableView>
 #include <QTableWidget>
 #include <QWindow>
@@ -73,21 +73,6 @@ Eigen::MatrixXf samplesAt(const VtcFile &vtc, const Voi &voi)
             samples(row, t) = float(vtc.shortSamples()[place + t]);
     }
     return samples;
-}
-
-QPoint handleOf(QSlider *slider, int value)
-{
-    QStyleOptionSlider option;
-    option.initFrom(slider);
-    option.minimum = slider->minimum();
-    option.maximum = slider->maximum();
-    option.sliderPosition = option.sliderValue = value;
-    option.orientation = Qt::Horizontal;
-    option.subControls = QStyle::SC_All;
-    option.state |= QStyle::State_Horizontal;
-    const QRect handle = slider->style()->subControlRect(QStyle::CC_Slider, &option,
-                                                         QStyle::SC_SliderHandle, slider);
-    return slider->mapTo(slider->window(), handle.center());
 }
 
 class ModuleResults : public ModuleSession
@@ -185,9 +170,9 @@ void ModuleResults::expectRing()
     for (int slice = slices() - 1; usesProtocol() && slice >= 0; --slice) {
         SCOPED_TRACE(slice);
         QWindow *const window = ring->windowHandle();
-        QTest::mousePress(window, Qt::LeftButton, {}, handleOf(slider, slider->value()));
-        QTest::mouseMove(window, handleOf(slider, slice + 1));
-        QTest::mouseRelease(window, Qt::LeftButton, {}, handleOf(slider, slice + 1));
+        QTest::mousePress(window, Qt::LeftButton, {}, sliderHandle(*slider, slider->value()));
+        QTest::mouseMove(window, sliderHandle(*slider, slice + 1));
+        QTest::mouseRelease(window, Qt::LeftButton, {}, sliderHandle(*slider, slice + 1));
         ASSERT_EQ(slider->value(), slice + 1);
         expectRingShows(ring, slice);
     }

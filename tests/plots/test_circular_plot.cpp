@@ -5,6 +5,7 @@
 #include "tests/gui_test.h"
 #include "tests/plots/plot_fixture.h"
 #include "tests/support/modal_driver.h"
+#include "tests/support/slider_handle.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -15,8 +16,6 @@
 #include <QPointer>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QStyle>
-#include <QStyleOptionSlider>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -314,19 +313,7 @@ TEST(ConditionSlider, is_dragged_with_the_mouse)
     PlotWindow plot(result);
     plot.show();
     MySlider *const slider = plot.slider();
-    const auto handle = [&plot, slider](int value) {
-        QStyleOptionSlider option;
-        option.initFrom(slider);
-        option.minimum = slider->minimum();
-        option.maximum = slider->maximum();
-        option.sliderPosition = option.sliderValue = value;
-        option.orientation = Qt::Horizontal;
-        option.subControls = QStyle::SC_All;
-        option.state |= QStyle::State_Horizontal;
-        const QRect rect = slider->style()->subControlRect(QStyle::CC_Slider, &option,
-                                                           QStyle::SC_SliderHandle, slider);
-        return slider->mapTo(&plot.window, rect.center());
-    };
+    const auto handle = [slider](int value) { return sliderHandle(*slider, value); };
     QWindow *const window = plot.window.windowHandle();
     QTest::mousePress(window, Qt::LeftButton, {}, handle(1));
     QTest::mouseMove(window, handle(3));
