@@ -3,7 +3,7 @@
 #
 # Makes an executable export exactly the host's functions for plugins, as they stand in
 # plugin/host_function_names.inc, and nothing else: names that come in with libraries stay in.
-# The executable links corvane_core, where the functions are. With functions named, only those are
+# The executable links corvane_session, where the functions are. With functions named, only those are
 # exported.
 
 function(corvane_export_host_functions target)

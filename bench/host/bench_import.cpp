@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The pieces of an import, on a run of 60 x 72 x 60 voxels.
-#include "host/functional_grid.h"
-#include "host/gzip_file.h"
-#include "host/nifti_stream.h"
-#include "host/resample_anatomy.h"
-#include "host/sample_conversion.h"
-#include "host/vtc_writer.h"
+#include "host/files/gzip_file.h"
+#include "host/files/nifti_stream.h"
+#include "host/files/sample_conversion.h"
+#include "host/files/vtc_writer.h"
+#include "host/import/functional_grid.h"
+#include "host/import/resample_anatomy.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>

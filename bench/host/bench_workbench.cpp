@@ -3,14 +3,14 @@
 // Opening an anatomy of 256 x 256 x 256 voxels from .nii.gz and showing it (wanted: below 1.5 s),
 // the pieces of that, and moving the cross-hair.
 #include "bench/first_paint.h"
-#include "host/example_dataset.h"
-#include "host/gzip_file.h"
-#include "host/image_reader.h"
-#include "host/main_window.h"
-#include "host/resample_anatomy.h"
-#include "host/voi_overlay.h"
-#include "host/volume_view.h"
-#include "host/workspace.h"
+#include "host/files/gzip_file.h"
+#include "host/files/image_reader.h"
+#include "host/import/example_dataset.h"
+#include "host/import/resample_anatomy.h"
+#include "host/session/workspace.h"
+#include "host/workbench/main_window.h"
+#include "host/workbench/voi_overlay.h"
+#include "host/workbench/volume_view.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -52,7 +52,7 @@ def main():
 
     there = set(PICTURES.glob("*.png"))
     problems += [f"{picture.relative_to(ROOT)}: is in no page" for picture in there - used]
-    steps = (ROOT / "host" / "tour_steps.cpp").read_text(encoding="utf-8")
+    steps = (ROOT / "host" / "tour" / "tour_steps.cpp").read_text(encoding="utf-8")
     of_tour = set(re.findall(r'picture\("([a-z-]+)"', steps))
     if of_tour != {picture.stem for picture in there}:
         problems.append("docs/pictures are not those of the tour: run docs/make-pictures")

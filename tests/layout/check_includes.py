@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Checks that no include runs upward and that no files include each other in a circle.
 
-check_includes.py ROOT: the floors stand in floors.txt beside this file.
+check_includes.py ROOT: the layers stand in layers.txt beside this file.
 """
 import fnmatch
 import pathlib
@@ -10,18 +10,18 @@ import re
 import sys
 
 ROOT = pathlib.Path(sys.argv[1]).resolve()
-ROOMS = ("nodalis", "plugin", "dataset", "engine", "results", "plots", "update", "host")
+MODULES = ("nodalis", "plugin", "dataset", "engine", "results", "plots", "update", "host")
 
 
-def read_floors():
-    lines = (pathlib.Path(__file__).parent / "floors.txt").read_text(encoding="utf-8").splitlines()
+def read_layers():
+    lines = (pathlib.Path(__file__).parent / "layers.txt").read_text(encoding="utf-8").splitlines()
     rows = [line.split() for line in lines if line.strip() and not line.startswith("#")]
-    return [(pattern, int(floor)) for floor, pattern in rows]
+    return [(pattern, int(layer)) for layer, pattern in rows]
 
 
 def sources():
-    for room in ROOMS:
-        for path in sorted((ROOT / room).rglob("*")):
+    for module in MODULES:
+        for path in sorted((ROOT / module).rglob("*")):
             if path.suffix in {".h", ".cpp", ".inc"}:
                 yield path.relative_to(ROOT).as_posix()
 
@@ -49,20 +49,20 @@ def circles(graph):
 
 
 def main():
-    patterns = read_floors()
+    patterns = read_layers()
     names = set(sources())
-    floors, problems = {}, []
+    layers, problems = {}, []
     for name in sorted(names):
-        matching = [floor for pattern, floor in patterns if fnmatch.fnmatch(name, pattern)]
+        matching = [layer for pattern, layer in patterns if fnmatch.fnmatch(name, pattern)]
         if not matching:
-            problems.append(f"{name}: has no floor in tests/layout/floors.txt")
-        floors[name] = matching[0] if matching else 0
+            problems.append(f"{name}: has no layer in tests/layout/layers.txt")
+        layers[name] = matching[0] if matching else 0
     graph = {name: sorted(set(included(name, names)) - {name}) for name in sorted(names)}
     for name, targets in graph.items():
         for target in targets:
-            if floors[target] > floors[name]:
-                problems.append(f"{name} (floor {floors[name]}) includes {target} "
-                                f"(floor {floors[target]})")
+            if layers[target] > layers[name]:
+                problems.append(f"{name} (layer {layers[name]}) includes {target} "
+                                f"(layer {layers[target]})")
     problems.extend(f"{name}: includes itself through others" for name in circles(graph))
     edges = sum(len(targets) for targets in graph.values())
     if len(names) < 50 or edges < 50:

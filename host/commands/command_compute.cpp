@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_line.h"
+#include "host/commands/command_table.h"
+#include "host/commands/commands.h"
+#include "host/compute/compute.h"
+#include "host/compute/compute_files.h"
+#include "host/files/input_error.h"
+#include "host/files/output_folder.h"
+#include "host/pictures/compute_pictures.h"
+#include "host/session/workspace.h"
+#include "host/workbench/application.h"
+#ifdef CORVANE_IMPORT
+#include "host/import/resample_anatomy.h"
+#endif
+
+#include <QCommandLineParser>
+#include <QLoggingCategory>
+
+#include <cstdio>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// Position of an option's value among the values it may take.
+int chosen(const QCommandLineParser &parser, const QString &option, const QStringList &choices)
+{
+    const QString value = parser.value(option);
+    const int position = choices.indexOf(value);
+    if (position < 0) {
+        throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
+                             .arg(option, value, choices.join(QStringLiteral(", "))));
+    }
+    return position;
+}
+
+/// The seeds of "all" or of a list of numbers: empty for all.
+QVector<int> seeds(const QString &text)
+{
+    QVector<int> numbers;
+    if (text == QLatin1String("all"))
+        return numbers;
+    const QStringList parts = text.split(QLatin1Char(','));
+    for (const QString &part : parts) {
+        bool isNumber = false;
+        const int number = part.trimmed().toInt(&isNumber);
+        if (!isNumber || number < 0) {
+            throw UsageError(QStringLiteral("--seeds: found \"%1\", expected all, or VOI numbers "
+                                            "from 0 with commas between them")
+                                 .arg(text));
+        }
+        numbers.append(number);
+    }
+    return numbers;
+}
+
+/// The file of an option that `Corvane import` makes, and not the image that it makes it from.
+QString importedFile(const QCommandLineParser &parser, const QString &option)
+{
+    QString path = requiredValue(parser, option);
+    for (const char *ending : {".nii", ".nii.gz"})
+        if (path.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
+            throw UsageError(QStringLiteral("--%1: found %2, expected a .%1 file, which Corvane "
+                                            "import makes from NIfTI files")
+                                 .arg(option, quoted(path)));
+    return path;
+}
+
+ComputeRequest requestOf(const QCommandLineParser &parser)
+{
+    ComputeRequest request;
+    request.anatomy = requiredValue(parser, QStringLiteral("anatomy"));
+    request.vtc = importedFile(parser, QStringLiteral("vtc"));
+    request.voi = importedFile(parser, QStringLiteral("voi"));
+    request.prt = parser.value(QStringLiteral("prt"));
+    request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
+    request.seeds = seeds(parser.value(QStringLiteral("seeds")));
+    request.measure =
+        1 + chosen(parser, QStringLiteral("measure"),
+                   {QStringLiteral("correlation"), QStringLiteral("partial-correlation")});
+    request.matrixValues = chosen(
+        parser, QStringLiteral("values"),
+        {QStringLiteral("absolute"), QStringLiteral("positive"), QStringLiteral("negative")});
+    request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
+    request.plots = parser.isSet(QStringLiteral("plots"));
+    return request;
+}
+
+int run(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Computes the connectivity of one subject and writes its tables, and with --plots its "
+        "pictures, into a folder."));
+    const auto file = QStringLiteral("file");
+    parser.addOptions({
+        {QStringLiteral("anatomy"), QStringLiteral("The anatomical volume."), file},
+        {QStringLiteral("vtc"), QStringLiteral("The volume time course."), file},
+        {QStringLiteral("voi"), QStringLiteral("The volumes of interest."), file},
+        {QStringLiteral("prt"),
+         QStringLiteral("The protocol, instead of the one that the VTC names."), file},
+        {QStringLiteral("use-protocol"),
+         QStringLiteral("One matrix per protocol interval instead of one for the run.")},
+        {QStringLiteral("seeds"),
+         QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0."),
+         QStringLiteral("all|0,3,5"), QStringLiteral("all")},
+        {QStringLiteral("measure"), QStringLiteral("The connectivity measure."),
+         QStringLiteral("correlation|partial-correlation"), QStringLiteral("correlation")},
+        {QStringLiteral("values"), QStringLiteral("Which signs stay."),
+         QStringLiteral("absolute|positive|negative"), QStringLiteral("absolute")},
+        {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
+        {QStringLiteral("plots"),
+         QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "
+                        "and a line plot per measure.")},
+        {QStringLiteral("out"), QStringLiteral("The folder for the tables and pictures."),
+         QStringLiteral("folder")},
+    });
+    if (!parseArguments(parser, arguments))
+        return Done;
+
+    // The plugin's debug lines are for a log file, not for the command line.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+#ifdef CORVANE_IMPORT
+    workspace().setAnatomyOpener(openForeignAnatomy);
+#endif
+    const ComputeRequest request = requestOf(parser);
+    const QString folder = requiredValue(parser, QStringLiteral("out"));
+    ComputeResult result = compute(request);
+    OutputFolder files(folder);
+    QStringList pictures;
+    if (request.plots) {
+        result.warnings += picturesLeftOut(result);
+        pictures = writeComputePictures(files, request, result);
+    }
+    writeComputeTables(files, request, result, pictures);
+    files.commit();
+    for (const QString &warning : result.warnings)
+        std::fprintf(stderr, "%s\n", warning.toUtf8().constData());
+    std::printf("%s: %d nodes, %d volumes, %d %s\n", folder.toUtf8().constData(),
+                static_cast<int>(result.nodes.size()), static_cast<int>(result.timeseries.cols()),
+                static_cast<int>(result.slices.size()),
+                result.slices.size() == 1 ? "matrix" : "matrices");
+    return Done;
+}
+
+/// Pictures are those of windows.
+std::unique_ptr<QCoreApplication> makeApplication(const QStringList &arguments, int &argc,
+                                                  char **argv)
+{
+    if (!arguments.contains(QStringLiteral("--plots")))
+        return makePlainApplication(arguments, argc, argv);
+    argc = 1; // the arguments are those of a command, none is Qt's
+    return makePictureApplication(argc, argv, false);
+}
+
+} // namespace
+
+Command computeCommand()
+{
+    return {"compute",
+            R"(Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
+                  [--seeds all|0,3,5] [--measure correlation|partial-correlation]
+                  [--values absolute|positive|negative] [--no-mst] [--plots] --out DIR)",
+            "Computes connectivity, spanning trees and graph measures; with --plots, draws them.",
+            run, makeApplication};
+}
+
+} // namespace corvane

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_line.h"
+#include "host/commands/command_table.h"
+#include "host/commands/commands.h"
+#include "host/import/example_dataset.h"
+#include "host/import/import_report.h"
+
+namespace corvane
+{
+
+namespace
+{
+
+int run(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Writes the example dataset into a folder and imports it."));
+    const auto folder = QStringLiteral("DIR");
+    parser.addPositionalArgument(folder, QStringLiteral("The folder for the files."));
+    if (!parseArguments(parser, arguments, {folder}))
+        return Done;
+
+    printReport(writeExample(parser.positionalArguments().front()));
+    return Done;
+}
+
+} // namespace
+
+Command exampleCommand()
+{
+    return {"example", "Corvane example DIR", "Writes the example dataset and imports it.", run};
+}
+
+} // namespace corvane

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+/// @file
+/// What all subcommands do with their arguments.
+
+namespace corvane
+{
+
+/// Parses the arguments of a subcommand, those that are no options by their names. Adds the help
+/// option; returns false when it was given and the help has been written to standard output. Throws
+/// UsageError for unknown options, for options without their value, and for arguments that are
+/// missing or more than those.
+bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
+                    const QStringList &plainArguments = {});
+
+/// The value of an option that must be given. Throws UsageError.
+QString requiredValue(const QCommandLineParser &parser, const QString &option);
+
+} // namespace corvane

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/// @file
+/// One function for each subcommand, in the file of its name.
+
+namespace corvane
+{
+
+struct Command;
+
+Command computeCommand();
+Command exampleCommand();
+Command graphCommand();
+Command importCommand();
+Command tourCommand();
+Command workbenchCommand();
+
+} // namespace corvane

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_line.h"
+#include "host/commands/command_table.h"
+#include "host/commands/commands.h"
+#include "host/files/input_error.h"
+#include "host/files/progress.h"
+#include "host/import/example_dataset.h"
+#include "host/import/resample_anatomy.h"
+#include "host/session/workspace.h"
+#include "host/tour/tour_steps.h"
+#include "host/workbench/application.h"
+#include "host/workbench/main_window.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <optional>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// Plays the whole workflow on the example dataset and writes a picture and a caption of each step.
+int run(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Plays the whole workflow on the example dataset, and writes a picture and "
+                       "a caption of each step."));
+    const QString plugins = QStringLiteral("plugins");
+    parser.addOptions(
+        {{QStringLiteral("out"), QStringLiteral("The folder for the pictures."),
+          QStringLiteral("folder")},
+         {plugins, QStringLiteral("The folder of the plugins."), QStringLiteral("folder")}});
+    if (!parseArguments(parser, arguments))
+        return Done;
+
+    const QDir folder(requiredValue(parser, QStringLiteral("out")));
+    if (!QDir().mkpath(folder.path()))
+        throw InputError(folder.path(), QStringLiteral("output folder"),
+                         QStringLiteral("a place where none can be made"),
+                         QStringLiteral("a folder that can be written to"));
+    // The user's own settings stay out of the pictures, and the tour out of them.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    workspace().setAnatomyOpener(openForeignAnatomy);
+    MainWindow window(workspace());
+    const QString pluginFolder =
+        parser.isSet(plugins) ? parser.value(plugins) : defaultPluginFolder();
+    window.loadPluginFolder(pluginFolder);
+    if (!window.pluginNames().contains(tourPlugin()))
+        throw InputError(pluginFolder, QStringLiteral("plugins"),
+                         quoted(window.pluginNames().join(QStringLiteral(", "))),
+                         quoted(tourPlugin()));
+    const QTemporaryDir dataset;
+    const QTemporaryDir exports;
+    writeExample(dataset.path());
+    window.resize(MainWindow::usualSize());
+    window.show();
+    std::vector<TourStep> steps = workflowSteps(window, dataset.path(), exports.path());
+    std::optional<Progress> progress(std::in_place, QStringLiteral("playing the tour"),
+                                     qint64(steps.size()));
+    Tour tour(std::move(steps));
+    tour.setFolder(folder.path());
+    QObject::connect(&tour, &Tour::stepped, &window, [&](int done) { progress->update(done); });
+    QString fault;
+    QObject::connect(&tour, &Tour::finished, &window, [&](const QString &text) {
+        fault = text;
+        QCoreApplication::quit();
+    });
+    tour.start();
+    QCoreApplication::exec();
+    progress.reset();
+    if (!fault.isEmpty())
+        throw std::runtime_error(fault.toStdString());
+    std::printf("%s: %d pictures, captions.md\n", folder.path().toUtf8().constData(),
+                tour.pictures());
+    return Done;
+}
+
+/// The tour can be watched where the environment names a platform.
+std::unique_ptr<QCoreApplication> makeApplication(const QStringList &, int &argc, char **argv)
+{
+    return makePictureApplication(argc, argv, true);
+}
+
+} // namespace
+
+Command tourCommand()
+{
+    return {"tour", "Corvane tour [--plugins DIR] --out DIR",
+            "Plays the whole workflow on the example dataset, with a picture of each step.", run,
+            makeApplication};
+}
+
+} // namespace corvane

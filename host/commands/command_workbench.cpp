@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_table.h"
+#include "host/commands/commands.h"
+#include "host/session/workspace.h"
+#include "host/workbench/application.h"
+#include "host/workbench/main_window.h"
+#ifdef CORVANE_IMPORT
+#include "host/import/resample_anatomy.h"
+#include "host/tour/guided_tour.h"
+#endif
+
+#include <QCommandLineParser>
+#include <QTimer>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// Opens the main window with the files of the arguments and runs until it is closed.
+int run(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    const QString plugins = QStringLiteral("plugins");
+    const QString start = QStringLiteral("start");
+    parser.addOption(
+        {plugins, QStringLiteral("The folder of the plugins."), QStringLiteral("folder")});
+    parser.addOption({start, QStringLiteral("A plugin to start."), QStringLiteral("name")});
+    if (!parser.parse(QStringList(QStringLiteral("Corvane")) + arguments))
+        throw UsageError(parser.errorText());
+
+#ifdef CORVANE_IMPORT
+    workspace().setAnatomyOpener(openForeignAnatomy);
+#endif
+    MainWindow window(workspace());
+#ifdef CORVANE_IMPORT
+    new GuidedTour(window);
+#endif
+    window.show();
+    // With the event loop running: what goes wrong is told in windows.
+    QTimer::singleShot(0, &window, [&] {
+        window.loadPluginFolder(parser.isSet(plugins) ? parser.value(plugins)
+                                                      : defaultPluginFolder());
+        if (!parser.positionalArguments().isEmpty())
+            window.openFiles(parser.positionalArguments());
+        if (parser.isSet(start))
+            window.startPlugin(parser.value(start));
+    });
+    return QCoreApplication::exec();
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(const QStringList &, int &argc, char **argv)
+{
+    if (!thereIsADisplay())
+        throw UsageError(QStringLiteral("there is no display to open a window on (neither DISPLAY "
+                                        "nor WAYLAND_DISPLAY is set); Corvane --help tells what "
+                                        "works without one"));
+    return std::make_unique<Application>(argc, argv);
+}
+
+} // namespace
+
+Command workbenchCommand()
+{
+    return {nullptr, "Corvane [--plugins DIR] [--start PLUGIN] [FILE...]",
+            "Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt.", run,
+            makeApplication};
+}
+
+} // namespace corvane

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/commands.h"
+#include "host/files/input_error.h"
+#include "host/session/host_version.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTextCodec>
+#include <csignal>
+#include <cstdio>
+#include <new>
+#include <vector>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// The command of a name, or null.
+const Command *commandOf(const QString &name)
+{
+    for (const Command &command : commands())
+        if (name == QLatin1String(command.name))
+            return &command;
+    return nullptr;
+}
+
+/// Whether the arguments ask for what runs without the name of a command: there are none, or they
+/// begin with one of its options or with a file.
+bool asksForNoCommand(const QStringList &arguments)
+{
+    if (commandWithoutName().run == nullptr)
+        return false;
+    if (arguments.isEmpty())
+        return true;
+    const QString &first = arguments.front();
+    if (commandOf(first) != nullptr)
+        return false;
+    for (const char *option : {"--plugins", "--start"})
+        if (first.section(QLatin1Char('='), 0, 0) == QLatin1String(option))
+            return true;
+    for (const char *ending : {".vmr", ".vtc", ".voi", ".prt", ".nii", ".nii.gz", ".nrrd", ".nhdr"})
+        if (first.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
+            return true;
+    return QFileInfo(first).isFile();
+}
+
+QByteArray usageOf(const Command &command)
+{
+    return QByteArray("  ") + command.synopsis + "\n      " + command.purpose + '\n';
+}
+
+QByteArray usage()
+{
+    QByteArray text = "Usage:\n";
+    if (commandWithoutName().run != nullptr)
+        text += usageOf(commandWithoutName());
+    for (const Command &command : commands())
+        text += usageOf(command);
+    return text + "  Corvane COMMAND --help\n"
+                  "      Tells all options of a command.\n"
+                  "  Corvane --help | --version\n"
+                  "\n"
+                  "Exit status: 0 done, 1 the input is bad, 2 wrong usage.\n";
+}
+
+void print(std::FILE *stream, const QByteArray &text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stream);
+}
+
+/// One line on standard error, whatever the message holds.
+void printError(const QString &command, const char *message)
+{
+    constexpr int longest = 8192;
+    const QString prefix = command.isEmpty() ? QString() : QLatin1Char(' ') + command;
+    print(stderr, QStringLiteral("Corvane%1: %2\n")
+                      .arg(prefix, printable(QString::fromUtf8(message), longest))
+                      .toUtf8());
+}
+
+int runCommand(const QStringList &arguments)
+{
+    const Command *const found = commandOf(arguments.front());
+    if (found == nullptr)
+        throw UsageError(QStringLiteral("unknown command %1, and no file of that name; see "
+                                        "Corvane --help")
+                             .arg(quoted(arguments.front())));
+    try {
+        return found->run(arguments);
+    } catch (const UsageError &error) {
+        printError(arguments.front(), error.what());
+        return WrongUsage;
+    }
+}
+
+int run(const QStringList &arguments)
+{
+    if (arguments.isEmpty()) {
+        print(stderr, usage());
+        return WrongUsage;
+    }
+    const QString &first = arguments.front();
+    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+        print(stdout, usage());
+        return Done;
+    }
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        print(stdout, QStringLiteral("Corvane %1.%2.%3 (Tessera %4)\n")
+                          .arg(hostVersion[0])
+                          .arg(hostVersion[1])
+                          .arg(hostVersion[2])
+                          .arg(QStringLiteral(TESSERA_VERSION))
+                          .toUtf8());
+        return Done;
+    }
+    return runCommand(arguments);
+}
+
+/// Makes the application that the arguments ask for, and runs it.
+int runApplication(int &argc, char **argv)
+{
+    QStringList arguments;
+    for (int n = 1; n < argc; ++n)
+        arguments += QString::fromLocal8Bit(argv[n]);
+    const bool hasNoCommand = asksForNoCommand(arguments);
+    const Command *const command = hasNoCommand          ? &commandWithoutName()
+                                   : arguments.isEmpty() ? nullptr
+                                                         : commandOf(arguments.front());
+    const auto application = command != nullptr ? command->makeApplication(arguments, argc, argv)
+                                                : makePlainApplication(arguments, argc, argv);
+    // Without those that Qt took for itself; an application that was shown none has taken none.
+    if (argc > 1)
+        arguments = QCoreApplication::arguments().mid(1);
+    return hasNoCommand ? command->run(arguments) : run(arguments);
+}
+
+/// Whatever goes wrong ends as one line and an exit status.
+int guardedRun(int &argc, char **argv)
+{
+    try {
+        return runApplication(argc, argv);
+    } catch (const UsageError &error) {
+        printError({}, error.what());
+        return WrongUsage;
+    } catch (const std::bad_alloc &) {
+        // Without the help of anything that might ask for memory again.
+        std::fputs("Corvane: there is not enough memory for this\n", stderr);
+    } catch (const std::exception &error) {
+        printError({}, error.what());
+    } catch (...) {
+        printError({}, "an error that does not say what it is");
+    }
+    return BadInput;
+}
+
+} // namespace
+
+std::unique_ptr<QCoreApplication> makePlainApplication(const QStringList &, int &argc, char **argv)
+{
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+QString synopsisOf(const QString &command)
+{
+    const Command *const found = commandOf(command);
+    return found != nullptr ? QString::fromUtf8(found->synopsis) : QString();
+}
+
+} // namespace corvane
+
+int main(int argc, char **argv)
+{
+#ifndef Q_OS_WIN
+    // Paths and arguments are UTF-8, also where the user's locale says otherwise.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+#endif
+#ifdef SIGXFSZ
+    // A file that may not grow is an error of writing, not the end of the process.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+    return corvane::guardedRun(argc, argv);
+}

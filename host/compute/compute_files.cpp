@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/compute/compute_files.h"
+
+#include "host/compute/node_measures.h"
+#include "host/files/csv_text.h"
+#include "host/files/input_error.h"
+#include "host/files/output_file.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <nodalis/nodalis.h>
+
+namespace corvane
+{
+
+namespace
+{
+
+void writeMatrix(const OutputFolder &folder, const QString &name, const Eigen::MatrixXf &matrix)
+{
+    const QString path = folder.path(name);
+    if (!nodalis::to_csv(matrix, path.toStdString())) {
+        throw InputError(folder.finalPath(name), QStringLiteral("writing"),
+                         QStringLiteral("an error"), QStringLiteral("room for the table"));
+    }
+}
+
+QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result)
+{
+    QByteArray table = request.useProtocol ? "slice,condition,event,node,name" : "slice,node,name";
+    for (const NodeMeasure &measure : nodeMeasures())
+        table += QByteArray(",") + measure.name;
+    table += '\n';
+
+    for (std::size_t s = 0; s < result.slices.size(); ++s) {
+        const ComputedSlice &slice = result.slices[s];
+        std::vector<Eigen::ArrayXf> columns;
+        for (const NodeMeasure &measure : nodeMeasures())
+            columns.push_back(measure.compute(slice.connectivity));
+        for (std::size_t n = 0; n < result.nodes.size(); ++n) {
+            table += QByteArray::number(static_cast<qulonglong>(s)) + ',';
+            if (request.useProtocol)
+                table += csvField(slice.condition) + ',' + (slice.event ? "1," : "0,");
+            table += QByteArray::number(result.nodes[n].voi) + ',' + csvField(result.nodes[n].name);
+            for (const Eigen::ArrayXf &column : columns)
+                table += ',' + csvField(column(static_cast<Eigen::Index>(n)));
+            table += '\n';
+        }
+    }
+    return table;
+}
+
+/// SHA-1 of a file: a name for its content that common tools give too, not a protection.
+QString sha1(const QString &path)
+{
+    QFile file(path);
+    const bool opened = file.open(QIODevice::ReadOnly);
+    const uchar *bytes = opened ? file.map(0, file.size()) : nullptr;
+    if (bytes == nullptr) {
+        throw InputError(path, QStringLiteral("reading"), file.errorString(),
+                         QStringLiteral("a readable file"));
+    }
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(reinterpret_cast<const char *>(bytes), static_cast<int>(file.size()));
+    return QString::fromLatin1(hash.result().toHex());
+}
+
+QJsonObject input(const QString &path, const QString &checksumKind, const QString &checksum)
+{
+    return {{QStringLiteral("file"), path}, {checksumKind, checksum}};
+}
+
+QJsonObject inputs(const ComputeRequest &request, const ComputeResult &result)
+{
+    const QString sha1Key = QStringLiteral("sha1");
+    QJsonObject all{
+        {QStringLiteral("anatomy"), input(request.anatomy, sha1Key, sha1(request.anatomy))},
+        {QStringLiteral("vtc"),
+         input(request.vtc, QStringLiteral("samples checksum"), result.vtcChecksum)},
+        {QStringLiteral("voi"), input(request.voi, sha1Key, sha1(request.voi))}};
+    if (!result.protocolFile.isEmpty()) {
+        all.insert(QStringLiteral("protocol"),
+                   input(result.protocolFile, sha1Key, sha1(result.protocolFile)));
+    }
+    return all;
+}
+
+QJsonObject settings(const ComputeRequest &request)
+{
+    static const QStringList values = {QStringLiteral("absolute"), QStringLiteral("positive"),
+                                       QStringLiteral("negative")};
+    return {{QStringLiteral("measure"), request.measure == 2 ? QStringLiteral("partial-correlation")
+                                                             : QStringLiteral("correlation")},
+            {QStringLiteral("values"), values.at(request.matrixValues)},
+            {QStringLiteral("spanning tree"), request.computeMst},
+            {QStringLiteral("use protocol"), request.useProtocol}};
+}
+
+QJsonObject versions()
+{
+    return {{QStringLiteral("Corvane"), QCoreApplication::applicationVersion()},
+            {QStringLiteral("Nodalis"), QString::fromUtf8(nodalis::version())},
+            {QStringLiteral("Qt"), QString::fromLatin1(qVersion())},
+            {QStringLiteral("Eigen"), QStringLiteral("%1.%2.%3")
+                                          .arg(EIGEN_WORLD_VERSION)
+                                          .arg(EIGEN_MAJOR_VERSION)
+                                          .arg(EIGEN_MINOR_VERSION)}};
+}
+
+QJsonArray nodes(const ComputeResult &result)
+{
+    QJsonArray all;
+    for (const ComputedNode &node : result.nodes) {
+        all.append(QJsonObject{{QStringLiteral("voi"), node.voi},
+                               {QStringLiteral("name"), node.name},
+                               {QStringLiteral("voxels"), node.voxels}});
+    }
+    return all;
+}
+
+QString tableName(const QString &kind, const ComputeRequest &request, const ComputeResult &result,
+                  std::size_t slice)
+{
+    return sliceFileName(kind, QStringLiteral("csv"), request, result, slice);
+}
+
+QJsonArray slices(const ComputeRequest &request, const ComputeResult &result)
+{
+    QJsonArray all;
+    for (std::size_t s = 0; s < result.slices.size(); ++s) {
+        const ComputedSlice &slice = result.slices[s];
+        QJsonObject entry{{QStringLiteral("slice"), static_cast<int>(s)},
+                          {QStringLiteral("connectivity"),
+                           tableName(QStringLiteral("connectivity"), request, result, s)}};
+        if (request.useProtocol) {
+            entry.insert(QStringLiteral("condition"), slice.condition);
+            entry.insert(QStringLiteral("event"), slice.event);
+        }
+        if (request.computeMst) {
+            entry.insert(QStringLiteral("spanning tree"),
+                         tableName(QStringLiteral("mst"), request, result, s));
+        }
+        all.append(entry);
+    }
+    return all;
+}
+
+QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
+                   const QStringList &pictures)
+{
+    QJsonObject document{{QStringLiteral("inputs"), inputs(request, result)},
+                         {QStringLiteral("settings"), settings(request)},
+                         {QStringLiteral("volumes"), static_cast<int>(result.timeseries.cols())},
+                         {QStringLiteral("repetition time in seconds"), result.repetitionTime},
+                         {QStringLiteral("nodes"), nodes(result)},
+                         {QStringLiteral("slices"), slices(request, result)},
+                         {QStringLiteral("versions"), versions()},
+                         {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)}};
+    if (request.plots)
+        document.insert(QStringLiteral("pictures"), QJsonArray::fromStringList(pictures));
+    return QJsonDocument(document).toJson();
+}
+
+} // namespace
+
+QString sliceFileName(const QString &kind, const QString &ending, const ComputeRequest &request,
+                      const ComputeResult &result, std::size_t slice)
+{
+    if (!request.useProtocol)
+        return kind + QLatin1Char('.') + ending;
+    constexpr int longest = 100; // a file name has room for 255 bytes on common file systems
+    QString safe = result.slices[slice].condition.left(longest);
+    for (QChar &c : safe) {
+        if (c == QLatin1Char('/') || c.category() == QChar::Other_Control)
+            c = QLatin1Char('_');
+    }
+    return kind + QStringLiteral("_%1_").arg(slice) + safe + QLatin1Char('.') + ending;
+}
+
+void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
+                        const ComputeResult &result, const QStringList &pictures)
+{
+    writeMatrix(folder, QStringLiteral("timeseries.csv"), result.timeseries);
+    for (std::size_t s = 0; s < result.slices.size(); ++s) {
+        const ComputedSlice &slice = result.slices[s];
+        writeMatrix(folder, tableName(QStringLiteral("connectivity"), request, result, s),
+                    slice.connectivity);
+        if (request.computeMst)
+            writeMatrix(folder, tableName(QStringLiteral("mst"), request, result, s), slice.mst);
+    }
+    writeFile(folder.path(QStringLiteral("features.csv")), featureTable(request, result));
+    writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result, pictures));
+}
+
+} // namespace corvane

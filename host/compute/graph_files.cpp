@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/compute/graph_files.h"
+
+#include "host/compute/node_measures.h"
+#include "host/files/csv_text.h"
+#include "host/files/output_file.h"
+#include "host/files/output_folder.h"
+
+#include <cmath>
+#include <nodalis/nodalis.h>
+#include <vector>
+
+namespace corvane
+{
+
+namespace
+{
+
+QByteArray featureTable(const GraphTable &graph)
+{
+    QByteArray table = "node,name";
+    std::vector<Eigen::ArrayXf> columns;
+    for (const NodeMeasure &measure : nodeMeasures()) {
+        table += QByteArray(",") + measure.name;
+        columns.push_back(measure.compute(graph.weights));
+    }
+    table += '\n';
+    for (int node = 0; node < graph.weights.rows(); ++node) {
+        const QByteArray number = QByteArray::number(node);
+        table += number + ',' + (graph.names.isEmpty() ? number : csvField(graph.names[node]));
+        for (const Eigen::ArrayXf &column : columns)
+            table += ',' + csvField(column(node));
+        table += '\n';
+    }
+    return table;
+}
+
+/// A matrix with names, if there are any, in a header and an index.
+QByteArray matrixTable(const Eigen::MatrixXf &matrix, const QStringList &names)
+{
+    QByteArray table;
+    for (const QString &name : names)
+        table += ',' + csvField(name);
+    table += names.isEmpty() ? "" : "\n";
+    for (int row = 0; row < matrix.rows(); ++row) {
+        if (!names.isEmpty())
+            table += csvField(names[row]) + ',';
+        for (int column = 0; column < matrix.cols(); ++column)
+            table += (column > 0 ? "," : "") + csvField(matrix(row, column));
+        table += '\n';
+    }
+    return table;
+}
+
+} // namespace
+
+void writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
+{
+    OutputFolder folder(path);
+    writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph));
+    if (withTree) {
+        const Eigen::MatrixXf tree =
+            std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
+        writeFile(folder.path(QStringLiteral("mst.csv")), matrixTable(tree, graph.names));
+    }
+    folder.commit();
+}
+
+QStringList graphNotes(const Eigen::MatrixXf &weights)
+{
+    qint64 infinite = 0;
+    qint64 unequal = 0;
+    qint64 negative = 0;
+    for (Eigen::Index j = 0; j < weights.cols(); ++j) {
+        for (Eigen::Index i = 0; i < j; ++i) {
+            const float upper = weights(i, j);
+            const float lower = weights(j, i);
+            const bool bothFinite = std::isfinite(upper) && std::isfinite(lower);
+            infinite += bothFinite ? 0 : 1;
+            unequal += bothFinite && upper != lower ? 1 : 0;
+            negative += upper < 0 || lower < 0 ? 1 : 0;
+        }
+    }
+    QStringList notes;
+    if (infinite > 0)
+        notes +=
+            QStringLiteral("%1 pairs of nodes have a weight that is not finite; it counts as 0")
+                .arg(infinite);
+    if (unequal > 0)
+        notes += QStringLiteral("%1 pairs of nodes have two different weights; their mean is taken")
+                     .arg(unequal);
+    if (negative > 0)
+        notes += QStringLiteral("%1 pairs of nodes have a negative weight; only degree, strength "
+                                "and eigenvector centrality take it into account")
+                     .arg(negative);
+    return notes;
+}
+
+} // namespace corvane

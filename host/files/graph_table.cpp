@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/files/graph_table.h"
+
+#include "host/files/input_error.h"
+#include "host/files/input_file.h"
+#include "host/files/text_check.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <vector>
+
+namespace corvane
+{
+
+namespace
+{
+
+constexpr qint64 largestFile = qint64(1) << 30;
+
+/// A cell without its quotation marks and the blanks around it; a view of the file's bytes.
+using Cell = std::string_view;
+
+struct Row {
+    int line; ///< in the file, from 1
+    std::vector<Cell> cells;
+};
+
+QByteArray bytesOf(Cell cell)
+{
+    return {cell.data(), static_cast<int>(cell.size())};
+}
+
+QString place(const Row &row, std::size_t column)
+{
+    return QStringLiteral("row %1, column %2").arg(row.line).arg(column + 1);
+}
+
+// ---- from bytes to cells
+
+class Reader
+{
+public:
+    Reader(const QByteArray &bytes, const QString &path)
+        : m_path(path), m_next(bytes.constData()), m_end(bytes.constData() + bytes.size())
+    {
+        constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+        if (bytes.startsWith(byteOrderMark.data()))
+            m_next += byteOrderMark.size();
+        const char *const lineEnd = std::find(m_next, m_end, '\n');
+        m_separator = std::find(m_next, lineEnd, '\t') != lineEnd ? '\t' : ',';
+    }
+
+    std::vector<Row> rows()
+    {
+        std::vector<Row> rows;
+        while (m_next != m_end) {
+            Row row = nextRow();
+            if (row.cells.size() > 1 || !row.cells.front().empty())
+                rows.push_back(std::move(row));
+        }
+        return rows;
+    }
+
+private:
+    bool isBlank(char c) const
+    {
+        return c == '\r' || c == ' ' || (c == '\t' && m_separator == ',');
+    }
+    bool atCellEnd() const { return m_next == m_end || *m_next == m_separator || *m_next == '\n'; }
+
+    Row nextRow()
+    {
+        Row row{m_line, {}};
+        do {
+            row.cells.push_back(nextCell(row));
+        } while (m_next != m_end && *m_next++ == m_separator);
+        m_line += 1;
+        return row;
+    }
+
+    Cell nextCell(const Row &row)
+    {
+        while (!atCellEnd() && isBlank(*m_next))
+            ++m_next;
+        const bool quotes = m_next != m_end && *m_next == '"';
+        const Cell cell = quotes ? quotedCell(row) : plainCell();
+        while (!atCellEnd() && isBlank(*m_next))
+            ++m_next;
+        if (!atCellEnd())
+            throw InputError(m_path, place(row, row.cells.size()),
+                             QStringLiteral("more behind the closing quotation mark"),
+                             QStringLiteral("the end of the cell"));
+        return cell;
+    }
+
+    Cell plainCell()
+    {
+        const char *const start = m_next;
+        while (!atCellEnd())
+            ++m_next;
+        const char *stop = m_next;
+        while (stop != start && isBlank(stop[-1]))
+            --stop;
+        return {start, static_cast<std::size_t>(stop - start)};
+    }
+
+    /// Doubled quotation marks inside stay doubled.
+    Cell quotedCell(const Row &row)
+    {
+        const char *const start = ++m_next;
+        for (; m_next != m_end; ++m_next) {
+            m_line += *m_next == '\n' ? 1 : 0;
+            if (*m_next != '"')
+                continue;
+            if (m_next + 1 == m_end || m_next[1] != '"')
+                return {start, static_cast<std::size_t>(m_next++ - start)};
+            ++m_next;
+        }
+        throw InputError(m_path, place(row, row.cells.size()),
+                         QStringLiteral("the end of the file"),
+                         QStringLiteral("a closing quotation mark"));
+    }
+
+    QString m_path;
+    const char *m_next;
+    const char *m_end;
+    char m_separator;
+    int m_line = 1;
+};
+
+// ---- what cells hold
+
+/// A number of single precision, or "nan", "inf" and "-inf" in any case of letters.
+std::optional<float> numberOf(Cell cell)
+{
+    // By way of double: numbers below the smallest float are 0, not out of range.
+    double value = 0.0;
+    const char *const end = cell.data() + cell.size();
+    const auto result = std::from_chars(cell.data(), end, value);
+    const bool isNumber = result.ec == std::errc() && result.ptr == end;
+    const bool fits = std::isinf(value) || !(std::abs(value) > std::numeric_limits<float>::max());
+    return isNumber && fits ? std::optional(static_cast<float>(value)) : std::nullopt;
+}
+
+bool isText(Cell cell)
+{
+    return !cell.empty() && !numberOf(cell);
+}
+
+bool areTexts(const std::vector<Cell> &cells)
+{
+    return !cells.empty() && std::all_of(cells.begin(), cells.end(), isText);
+}
+
+/// Numbers that name things: whole and all different.
+bool areCounters(const std::vector<Cell> &cells)
+{
+    const auto isCounter = [](Cell cell) {
+        return !cell.empty() &&
+               std::all_of(cell.begin(), cell.end(), [](char c) { return c >= '0' && c <= '9'; });
+    };
+    return std::all_of(cells.begin(), cells.end(), isCounter) &&
+           std::set<Cell>(cells.begin(), cells.end()).size() == cells.size();
+}
+
+QString nameOf(Cell cell, const QString &path, const QString &where)
+{
+    QByteArray bytes = bytesOf(cell);
+    bytes.replace("\"\"", "\"");
+    const std::optional<QString> name = fromStrictUtf8(bytes);
+    if (!name)
+        throw InputError(path, where, quoted(bytes), QStringLiteral("text in UTF-8"));
+    const std::optional<QString> fault = nameFault(*name);
+    if (fault)
+        throw InputError(path, where, *fault, QStringLiteral("a name without it"));
+    return *name;
+}
+
+// ---- from cells to a matrix
+
+/// A table of which it is known where its names stand.
+class Table
+{
+public:
+    Table(std::vector<Row> rows, const QString &path) : m_path(path), m_rows(std::move(rows))
+    {
+        if (m_rows.empty())
+            throw InputError(m_path, QStringLiteral("row 1, column 1"),
+                             QStringLiteral("an empty file"), QStringLiteral("a square matrix"));
+        m_width = m_rows.back().cells.size();
+        requireEqualRows();
+        findNames();
+        requireSquare();
+    }
+
+    GraphTable graph() const { return {names(), weights()}; }
+
+private:
+    /// A header above an index may lack the corner.
+    bool lacksCorner() const { return m_rows.front().cells.size() + 1 == m_width; }
+    std::size_t size() const { return m_rows.size() - m_firstRow; }
+
+    void requireEqualRows() const
+    {
+        const bool headerMayBeShort = lacksCorner() && areTexts(m_rows.front().cells);
+        for (std::size_t r = headerMayBeShort ? 1 : 0; r < m_rows.size(); ++r) {
+            const std::size_t found = m_rows[r].cells.size();
+            if (found != m_width)
+                throw InputError(
+                    m_path, place(m_rows[r], std::min(found, m_width)),
+                    QStringLiteral("%1 cells in this row").arg(found),
+                    QStringLiteral("%1 as in row %2").arg(m_width).arg(m_rows.back().line));
+        }
+    }
+
+    void findNames()
+    {
+        const std::vector<Cell> &first = m_rows.front().cells;
+        if (lacksCorner()) {
+            m_firstRow = 1;
+            m_firstColumn = 1;
+            return;
+        }
+        const std::vector<Cell> others(first.begin() + 1, first.end());
+        const bool isNumbered = first.front().empty() && areCounters(others);
+        const bool isNamed = !numberOf(first.front()) && (others.empty() || areTexts(others));
+        const bool mayBeHeader = m_rows.size() > 1 && (isNamed || isNumbered);
+        m_firstRow = mayBeHeader ? 1 : 0;
+
+        std::vector<Cell> column;
+        for (std::size_t r = m_firstRow; r < m_rows.size(); ++r)
+            column.push_back(m_rows[r].cells.front());
+        const bool isIndex =
+            areTexts(column) || (m_firstRow == 1 && m_width == size() + 1 && areCounters(column));
+        m_firstColumn = isIndex && m_width > 1 ? 1 : 0;
+    }
+
+    void requireSquare() const
+    {
+        const std::size_t columns = m_width - m_firstColumn;
+        if (columns != size())
+            throw InputError(m_path, place(m_rows.back(), m_width - 1),
+                             QStringLiteral("the end of a matrix of %1 rows and %2 columns")
+                                 .arg(size())
+                                 .arg(columns),
+                             QStringLiteral("as many rows as columns"));
+    }
+
+    QStringList names() const
+    {
+        QStringList header;
+        if (m_firstRow == 1) {
+            const Row &row = m_rows.front();
+            for (std::size_t c = lacksCorner() ? 0 : m_firstColumn; c < row.cells.size(); ++c)
+                header.append(nameOf(row.cells[c], m_path, place(row, c)));
+        }
+        QStringList index;
+        for (std::size_t r = m_firstRow; m_firstColumn == 1 && r < m_rows.size(); ++r)
+            index.append(nameOf(m_rows[r].cells.front(), m_path, place(m_rows[r], 0)));
+        if (!header.isEmpty() && !index.isEmpty())
+            requireAgreement(header, index);
+        return header.isEmpty() ? index : header;
+    }
+
+    /// An index that only counts beside a header of names says nothing about the order.
+    void requireAgreement(const QStringList &header, const QStringList &index) const
+    {
+        for (int n = 0; n < header.size(); ++n) {
+            const Row &row = m_rows[m_firstRow + static_cast<std::size_t>(n)];
+            if (header[n] != index[n] && isText(row.cells.front()))
+                throw InputError(m_path, place(row, 0), quoted(index[n]),
+                                 QStringLiteral("%1 as in the header").arg(quoted(header[n])));
+        }
+    }
+
+    Eigen::MatrixXf weights() const
+    {
+        const auto n = static_cast<Eigen::Index>(size());
+        Eigen::MatrixXf matrix(n, n);
+        for (Eigen::Index i = 0; i < n; ++i) {
+            const Row &row = m_rows[m_firstRow + static_cast<std::size_t>(i)];
+            for (Eigen::Index j = 0; j < n; ++j) {
+                const std::size_t column = m_firstColumn + static_cast<std::size_t>(j);
+                const std::optional<float> number = numberOf(row.cells[column]);
+                if (!number)
+                    throw InputError(m_path, place(row, column), found(row.cells[column]),
+                                     QStringLiteral("a number of single precision"));
+                matrix(i, j) = *number;
+            }
+        }
+        return matrix;
+    }
+
+    static QString found(Cell cell)
+    {
+        return cell.empty() ? QStringLiteral("an empty cell") : quoted(bytesOf(cell));
+    }
+
+    QString m_path;
+    std::vector<Row> m_rows;
+    std::size_t m_width = 0;
+    std::size_t m_firstRow = 0;    ///< of the matrix: 1 below a header
+    std::size_t m_firstColumn = 0; ///< 1 beside an index
+};
+
+} // namespace
+
+GraphTable parseGraphTable(const QByteArray &bytes, const QString &path)
+{
+    return Table(Reader(bytes, path).rows(), path).graph();
+}
+
+GraphTable readGraphTable(const QString &path)
+{
+    const InputFile file(path);
+    if (file.size() > largestFile)
+        throw InputError(path, QStringLiteral("content"),
+                         QStringLiteral("%1 bytes").arg(file.size()),
+                         QStringLiteral("%1 or less").arg(largestFile));
+    return parseGraphTable(file.head(file.size()), path);
+}
+
+} // namespace corvane

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/files/progress.h"
+
+#include <cstdio>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace corvane
+{
+
+namespace
+{
+
+constexpr qint64 millisecondsBetween = 100;
+
+bool standardErrorIsTerminal()
+{
+#ifdef _WIN32
+    return _isatty(_fileno(stderr)) != 0;
+#else
+    return isatty(STDERR_FILENO) == 1;
+#endif
+}
+
+} // namespace
+
+Progress::Progress(const QString &what, qint64 total)
+    : m_what(what), m_total(total), m_onTerminal(standardErrorIsTerminal())
+{
+}
+
+Progress::~Progress()
+{
+    if (m_shown)
+        std::fputs("\r\x1b[K", stderr);
+}
+
+void Progress::update(qint64 done)
+{
+    if (!m_onTerminal || (m_shown && m_sinceShown.elapsed() < millisecondsBetween))
+        return;
+    const qint64 percent = m_total > 0 ? 100 * done / m_total : 100;
+    std::fprintf(stderr, "\r\x1b[K%s %d %%", m_what.toUtf8().constData(),
+                 static_cast<int>(percent));
+    std::fflush(stderr);
+    m_shown = true;
+    m_sinceShown.start();
+}
+
+} // namespace corvane

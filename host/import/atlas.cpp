@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/import/atlas.h"
+
+#include "host/files/input_error.h"
+
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// An image with more labels than this is something else than an atlas.
+constexpr std::size_t mostLabels = 20000;
+
+/// Keeps voxels that stand on the border between two from falling on either side by chance.
+constexpr double borderSlack = 1e-6;
+
+struct Region : LabelCount {
+    Voi voi;
+};
+
+using Regions = std::map<qint32, Region>;
+
+/// Colours that differ from their neighbours: the hue goes on by the golden angle.
+Colour nthColour(int n)
+{
+    const double hue = std::fmod(n * 0.6180339887498949, 1.0) * 6;
+    const auto channel = [&](double offset) {
+        const double place = std::fmod(hue + offset, 6.0);
+        const double value = std::min(std::max(std::abs(place - 3) - 1, 0.0), 1.0);
+        return static_cast<int>(std::lround(55 + 200 * value));
+    };
+    return {channel(0), channel(4), channel(2)};
+}
+
+/// Whether a cube coordinate belongs to a lattice point, as a load of the VOI will find it.
+bool belongsToLattice(const FunctionalGrid &grid, const Eigen::Vector3d &cubeVoxel)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        const double index =
+            std::floor((cubeVoxel[axis] - grid.start[axis]) / grid.resolution + 0.5 + borderSlack);
+        if (!(index >= 0 && index < grid.size[axis]))
+            return false;
+    }
+    return true;
+}
+
+void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCube,
+                 const FunctionalGrid &grid, const QString &path, Regions &regions)
+{
+    // Neighbours mostly have the same label: remember the last one found.
+    qint32 lastLabel = 0;
+    Region *region = nullptr;
+    const qint32 *label = atlas.voxels.data();
+    for (qint64 k = 0; k < atlas.size[2]; ++k)
+        for (qint64 j = 0; j < atlas.size[1]; ++j)
+            for (qint64 i = 0; i < atlas.size[0]; ++i, ++label) {
+                if (*label == 0)
+                    continue;
+                if (*label != lastLabel) {
+                    lastLabel = *label;
+                    region = &regions[lastLabel];
+                    if (regions.size() > mostLabels)
+                        throw InputError(path, QStringLiteral("voxels"),
+                                         QStringLiteral("more than %1 labels").arg(mostLabels),
+                                         QStringLiteral("an image of labels"));
+                }
+                ++region->inAtlas;
+                const Eigen::Vector3d voxel(static_cast<double>(i), static_cast<double>(j),
+                                            static_cast<double>(k));
+                if (belongsToLattice(grid, atlasToCube * voxel))
+                    ++region->insideRun;
+            }
+}
+
+/// The label at a place of the atlas by nearest neighbour, 0 outside.
+qint32 labelAt(const Image3d<qint32> &atlas, const Eigen::Vector3d &place)
+{
+    qint64 index[3];
+    for (int axis = 0; axis < 3; ++axis) {
+        const double nearest = std::floor(place[axis] + 0.5 + borderSlack);
+        if (!(nearest >= 0 && nearest < static_cast<double>(atlas.size[axis])))
+            return 0;
+        index[axis] = static_cast<qint64>(nearest);
+    }
+    return atlas.at(index[0], index[1], index[2]);
+}
+
+/// Cube voxels, all or those `step` apart, from `first` to `last` on each axis.
+struct VoxelRange {
+    std::array<int, 3> first;
+    std::array<int, 3> last;
+    int step;
+};
+
+VoxelRange voxelRange(const FunctionalGrid &grid, VoiGrid voiGrid)
+{
+    VoxelRange range{grid.start, grid.start, 1};
+    for (int axis = 0; axis < 3; ++axis)
+        range.last[axis] += grid.resolution * (grid.size[axis] - 1);
+    if (voiGrid == VoiGrid::Functional) {
+        range.step = grid.resolution;
+        return range;
+    }
+    // A lattice point reaches half way to its neighbours; halves round upward.
+    for (int axis = 0; axis < 3; ++axis) {
+        range.first[axis] = std::max(0, range.first[axis] - grid.resolution / 2);
+        range.last[axis] = std::min(cubeSize - 1, range.last[axis] + (grid.resolution - 1) / 2);
+    }
+    return range;
+}
+
+void collectVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &cubeToAtlas,
+                   const VoxelRange &range, Regions &regions)
+{
+    for (int k = range.first[2]; k <= range.last[2]; k += range.step)
+        for (int j = range.first[1]; j <= range.last[1]; j += range.step)
+            for (int i = range.first[0]; i <= range.last[0]; i += range.step) {
+                const qint32 label = labelAt(atlas, cubeToAtlas * Eigen::Vector3d(i, j, k));
+                if (label != 0)
+                    regions[label].voi.voxels.push_back({i, j, k});
+            }
+}
+
+/// "7 \"Insula\""
+QString labelText(qint32 label, const Region &region)
+{
+    return QStringLiteral("%1 %2").arg(QString::number(label), quoted(region.voi.name));
+}
+
+void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
+{
+    QStringList missing;
+    for (const auto &[label, region] : regions) {
+        if (region.inAtlas == 0) {
+            missing += labelText(label, region);
+            continue;
+        }
+        if (region.insideRun == region.inAtlas && !region.voi.voxels.empty())
+            continue;
+        QString note = QStringLiteral("VOI %1: %2 voxels in the atlas, %3 of them inside the run")
+                           .arg(labelText(label, region), QString::number(region.inAtlas),
+                                QString::number(region.insideRun));
+        if (region.voi.voxels.empty())
+            note += QStringLiteral(": no functional voxel has this label, the VOI is empty");
+        notes += note;
+    }
+    if (!missing.isEmpty())
+        notes +=
+            QStringLiteral("%1: %2 labels of the table have no voxel, their VOIs are empty: %3")
+                .arg(printable(path, 4096), QString::number(missing.size()),
+                     missing.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
+                   const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
+                   const QString &path, QStringList &notes, std::vector<LabelCount> *counts)
+{
+    Regions regions;
+    const Eigen::Affine3d cubeToAtlas = atlas.toWorld.inverse() * cubeToWorld;
+    countVoxels(atlas, cubeToAtlas.inverse(), grid, path, regions);
+    if (!table.empty())
+        for (const auto &[label, region] : regions)
+            if (table.count(label) == 0)
+                notes += QStringLiteral("%1: label %2 has no name in the table: its VOI is named "
+                                        "\"%2\"")
+                             .arg(printable(path, 4096))
+                             .arg(label);
+    for (const auto &entry : table)
+        regions[entry.first];
+    collectVoxels(atlas, cubeToAtlas, voxelRange(grid, voiGrid), regions);
+
+    VoiSet set;
+    for (auto &[label, region] : regions) {
+        const auto entry = table.find(label);
+        const bool isNamed = entry != table.end();
+        region.voi.name = isNamed ? entry->second.name : QString::number(label);
+        const Colour colour = isNamed && entry->second.colour
+                                  ? *entry->second.colour
+                                  : nthColour(static_cast<int>(set.vois.size()));
+        region.voi.r = colour.r;
+        region.voi.g = colour.g;
+        region.voi.b = colour.b;
+        set.vois.push_back(region.voi);
+        if (counts != nullptr)
+            counts->push_back(region);
+    }
+    noteLosses(regions, path, notes);
+    return set;
+}
+
+} // namespace corvane

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/session/workspace.h"
+
+#include "host/files/input_error.h"
+#include "host/session/log.h"
+
+#include <QFileInfo>
+
+namespace corvane
+{
+
+namespace
+{
+
+Vmr openAnatomy(const QString &path, const AnatomyOpener &opener)
+{
+    if (QFileInfo(path).suffix().compare(QLatin1String("vmr"), Qt::CaseInsensitive) == 0)
+        return readVmr(path);
+    if (opener)
+        return opener(path);
+    throw InputError(path, QStringLiteral("opening"),
+                     QStringLiteral("a file that does not end in \".vmr\""),
+                     QStringLiteral("a .vmr (this program was built without other formats)"));
+}
+
+} // namespace
+
+Workspace::Notice::~Notice()
+{
+    if (workspace->m_observer)
+        workspace->m_observer();
+}
+
+int Workspace::openVmr(const QString &path)
+{
+    const Notice notice{this};
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    Document document{VmrDocument, absolute, openAnatomy(path, m_anatomyOpener),
+                      vmrHeader(absolute)};
+    m_documents.push_back(std::move(document));
+    m_current = documentCount() - 1;
+    return m_current;
+}
+
+void Workspace::closeDocument(int position)
+{
+    if (!exists(position))
+        return;
+    const Notice notice{this};
+    m_documents[static_cast<std::size_t>(position)] = Document();
+    if (m_vtcDocument == position)
+        unlinkVtc();
+    if (m_current == position)
+        m_current = -1;
+}
+
+DocumentType Workspace::documentType(int position) const
+{
+    return exists(position) ? m_documents[static_cast<std::size_t>(position)].type : ClosedDocument;
+}
+
+QString Workspace::documentPath(int position) const
+{
+    return exists(position) ? m_documents[static_cast<std::size_t>(position)].path : QString();
+}
+
+void Workspace::setCurrentDocument(int position)
+{
+    const Notice notice{this};
+    m_current = exists(position) ? position : -1;
+}
+
+const Workspace::Document *Workspace::currentVmrDocument() const
+{
+    return documentType(m_current) == VmrDocument
+               ? &m_documents[static_cast<std::size_t>(m_current)]
+               : nullptr;
+}
+
+const Vmr *Workspace::currentVmr() const
+{
+    const Document *document = currentVmrDocument();
+    return document != nullptr ? &document->vmr : nullptr;
+}
+
+const VMRHeader *Workspace::currentVmrHeader() const
+{
+    const Document *document = currentVmrDocument();
+    return document != nullptr ? &document->header : nullptr;
+}
+
+void Workspace::unlinkVtc()
+{
+    m_vtc.reset();
+    m_vtcDocument = -1;
+}
+
+void Workspace::linkVtc(const QString &path)
+{
+    const Notice notice{this};
+    m_protocol.reset();
+    unlinkVtc();
+    if (currentVmr() == nullptr)
+        throw InputError(path, QStringLiteral("linking"), QStringLiteral("no current VMR"),
+                         QStringLiteral("an open VMR that is the current document"));
+    m_vtc.emplace(VtcFile(path));
+    m_vtcDocument = m_current;
+
+    const QString protocolPath = m_vtc->file.info().linkedProtocol;
+    if (protocolPath.isEmpty())
+        return;
+    try {
+        loadProtocol(protocolPath);
+    } catch (const InputError &error) {
+        logText(QStringLiteral("The protocol that %1 names is not loaded. %2")
+                    .arg(path, QString::fromUtf8(error.what())));
+    }
+}
+
+const LinkedVtc *Workspace::linkedVtc() const
+{
+    return m_vtc && m_vtcDocument == m_current ? &*m_vtc : nullptr;
+}
+
+void Workspace::loadVois(const QString &path)
+{
+    const Notice notice{this};
+    m_vois.reset();
+    ++m_voiLoads;
+    m_vois.emplace(readVoiFile(path));
+}
+
+void Workspace::loadProtocol(const QString &path)
+{
+    const Notice notice{this};
+    m_protocol.reset();
+    m_protocol.emplace(readPrtFile(path));
+}
+
+Workspace &workspace()
+{
+    static Workspace theWorkspace;
+    return theWorkspace;
+}
+
+} // namespace corvane

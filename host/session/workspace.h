@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/files/vmr_file.h"
+#include "host/session/loaded_records.h"
+
+#include <QString>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace corvane
+{
+
+/// Kinds of documents, with the numbers that plugins see.
+enum DocumentType { ClosedDocument = 0, VmrDocument = 3 };
+
+/// Opens an anatomy that is no `.vmr` and brings it onto the cube. Throws InputError.
+using AnatomyOpener = std::function<Vmr(const QString &path)>;
+
+/// The one state of the host: its documents by position from 0, one of them current, one linked
+/// VTC, one loaded VOI set and one loaded protocol. A load replaces what was loaded before; one
+/// that fails leaves nothing loaded, so that no data are taken for those of another file.
+/// Everything handed out stays valid until the next load of its kind.
+class Workspace
+{
+public:
+    /// What opens anatomies that are no `.vmr`. Without one they are refused.
+    void setAnatomyOpener(AnatomyOpener opener) { m_anatomyOpener = std::move(opener); }
+
+    /// Called after everything that may have changed what the workspace holds, also after a load
+    /// that failed. It may not throw.
+    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+
+    /// Opens an anatomy as a new document, makes it current and returns its position.
+    /// Throws InputError.
+    int openVmr(const QString &path);
+
+    /// Closes a document. Its position stays and becomes a ClosedDocument, so that no other
+    /// document changes its number. A VTC linked to it is unlinked.
+    void closeDocument(int position);
+
+    int documentCount() const { return static_cast<int>(m_documents.size()); }
+    /// ClosedDocument also for a position that never was.
+    DocumentType documentType(int position) const;
+    QString documentPath(int position) const;
+
+    /// Position of the current document, -1 without one.
+    int currentDocument() const { return m_current; }
+    /// A position that never was leaves no document current.
+    void setCurrentDocument(int position);
+
+    /// The current document as a VMR, null when it is none.
+    const Vmr *currentVmr() const;
+    const VMRHeader *currentVmrHeader() const;
+
+    /// Links a VTC to the current VMR: clears the loaded protocol, then loads the one that the VTC
+    /// names; one that cannot be read is said in the log. Throws InputError.
+    void linkVtc(const QString &path);
+    /// The VTC that is linked to the current VMR, null without one.
+    const LinkedVtc *linkedVtc() const;
+
+    void loadVois(const QString &path); ///< Throws InputError.
+    const LoadedVois *vois() const { return m_vois ? &*m_vois : nullptr; }
+    /// How often VOIs were loaded, or failed to load, so far: whether vois() is what it was.
+    int voiLoads() const { return m_voiLoads; }
+
+    void loadProtocol(const QString &path); ///< Throws InputError.
+    const LoadedProtocol *protocol() const { return m_protocol ? &*m_protocol : nullptr; }
+
+private:
+    struct Document {
+        DocumentType type = ClosedDocument;
+        QString path;
+        Vmr vmr;
+        VMRHeader header;
+    };
+
+    /// Tells the observer at the end of the member that it stands in.
+    struct Notice {
+        const Workspace *workspace;
+        ~Notice();
+    };
+
+    const Document *currentVmrDocument() const;
+    void unlinkVtc();
+    bool exists(int position) const { return position >= 0 && position < documentCount(); }
+
+    AnatomyOpener m_anatomyOpener;
+    std::function<void()> m_observer;
+    std::vector<Document> m_documents;
+    int m_current = -1;
+    std::optional<LinkedVtc> m_vtc;
+    int m_vtcDocument = -1; ///< position of the VMR that m_vtc is linked to
+    std::optional<LoadedVois> m_vois;
+    int m_voiLoads = 0;
+    std::optional<LoadedProtocol> m_protocol;
+};
+
+/// The host's workspace, on which the functions for plugins work.
+Workspace &workspace();
+
+} // namespace corvane

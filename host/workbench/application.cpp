@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/application.h"
+
+#include "host/session/log.h"
+
+#include <QFont>
+#include <QStyle>
+
+#include <cstdio>
+#include <exception>
+
+namespace corvane
+{
+
+namespace
+{
+
+void report(const char *receiver, const QString &what)
+{
+    logText(QStringLiteral("An error was caught in %1: %2. What it was doing is not finished; "
+                           "everything else goes on.")
+                .arg(QString::fromLatin1(receiver), what));
+}
+
+/// What Qt warns of in windows that nobody sees is not for the command line.
+void printErrorsOnly(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toUtf8().constData());
+}
+
+} // namespace
+
+Application::Application(int &argc, char **argv) : QApplication(argc, argv)
+{
+    setOrganizationName(QStringLiteral("Corvane"));
+    setApplicationName(QStringLiteral("Corvane"));
+    setAttribute(Qt::AA_UseHighDpiPixmaps);
+}
+
+bool Application::notify(QObject *receiver, QEvent *event)
+{
+    // Asked before: the receiver may be gone when the exception arrives.
+    const char *const name = receiver->metaObject()->className();
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::exception &error) {
+        report(name, QString::fromUtf8(error.what()));
+    } catch (...) {
+        report(name, QStringLiteral("an error that does not say what it is"));
+    }
+    return false;
+}
+
+bool thereIsADisplay()
+{
+#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
+    return true;
+#else
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+#endif
+}
+
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv, bool canBeWatched)
+{
+    qInstallMessageHandler(printErrorsOnly);
+    if (!canBeWatched || !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qSetGlobalQHashSeed(0);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    auto application = std::make_unique<Application>(argc, argv);
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
+    return application;
+}
+
+} // namespace corvane

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QApplication>
+#include <memory>
+
+namespace corvane
+{
+
+/// The application of the workbench. An exception out of a slot, be it the host's or a plugin's,
+/// does not end the session: it is caught where its event was dispatched, said in the log, and the
+/// session goes on.
+class Application : public QApplication
+{
+public:
+    Application(int &argc, char **argv);
+
+    bool notify(QObject *receiver, QEvent *event) override;
+};
+
+/// Whether windows can be opened: the environment names a display.
+bool thereIsADisplay();
+
+/// The application for pictures of windows, with one look on each machine. It draws off any screen,
+/// whatever the environment names; with `canBeWatched` only where it names no platform.
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv, bool canBeWatched);
+
+} // namespace corvane

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/background_work.h"
+
+#include <QEventLoop>
+#include <QFutureWatcher>
+#include <QProgressBar>
+#include <QProgressDialog>
+#include <QTimer>
+#include <QtConcurrent>
+#include <atomic>
+#include <new>
+
+namespace corvane
+{
+
+QString faultOf(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (const std::bad_alloc &) {
+        return QProgressDialog::tr("There is not enough memory for this.");
+    } catch (const std::exception &error) {
+        return QString::fromUtf8(error.what());
+    } catch (...) {
+        return QProgressDialog::tr("An error that does not say what it is.");
+    }
+    return {};
+}
+
+WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
+                              const std::function<void(const WorkWatch &)> &work)
+{
+    QProgressDialog progress(QProgressDialog::tr("Working..."), QProgressDialog::tr("&Cancel"), 0,
+                             100, parent);
+    progress.setMinimumWidth(360);
+    progress.setObjectName(QStringLiteral("workProgress"));
+    progress.setWindowTitle(title);
+    progress.findChild<QProgressBar *>()->setAccessibleName(title);
+    progress.setWindowModality(Qt::ApplicationModal);
+    progress.setMinimumDuration(0);
+    progress.setAutoReset(false);
+    progress.setAutoClose(false);
+
+    std::atomic<bool> stop{false};
+    std::atomic<int> percent{0};
+    QFutureWatcher<QString> watcher;
+    QEventLoop loop;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, &progress, [&] {
+        if (!stop)
+            progress.setValue(percent);
+    });
+    QObject::connect(&progress, &QProgressDialog::canceled, &progress, [&] {
+        stop = true;
+        progress.setLabelText(QProgressDialog::tr("Stopping..."));
+    });
+    QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
+    const WorkWatch watch = [&](qint64 done, qint64 total) {
+        percent = static_cast<int>(100 * done / std::max<qint64>(total, 1));
+        return !stop;
+    };
+    watcher.setFuture(QtConcurrent::run([&] { return faultOf([&] { work(watch); }); }));
+    progress.setValue(0);
+    tick.start(50);
+    loop.exec();
+    const QString fault = watcher.result();
+    return {fault, stop && !fault.isEmpty()};
+}
+
+} // namespace corvane

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/example_files.h"
+
+#include "host/import/example_dataset.h"
+#include "host/session/log.h"
+#include "host/workbench/background_work.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace corvane
+{
+
+QString exampleFolder(QWidget *parent)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
+                           QStringLiteral("/example");
+    const QStringList files = exampleFiles(folder);
+    if (std::all_of(files.begin(), files.end(),
+                    [](const QString &file) { return QFileInfo::exists(file); }))
+        return folder;
+    const WorkOutcome outcome =
+        runBehindProgress(parent, QObject::tr("Example Dataset"),
+                          [&](const WorkWatch &watch) { writeExample(folder, watch); });
+    if (!outcome.fault.isEmpty() && !outcome.stopped)
+        showMessage(outcome.fault);
+    return outcome.fault.isEmpty() ? folder : QString();
+}
+
+QStringList exampleFiles(const QString &folder)
+{
+    QStringList files;
+    for (const char *ending : {"vmr", "vtc", "voi"})
+        files += QDir(folder).filePath(QStringLiteral("example.") + QLatin1String(ending));
+    return files;
+}
+
+} // namespace corvane

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/import_dialog.h"
+
+#include "host/files/text_check.h"
+#include "host/session/log.h"
+#include "host/workbench/background_work.h"
+#include "ui_import_dialog.h"
+
+#include <QDir>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QtConcurrent>
+
+namespace corvane
+{
+
+namespace
+{
+
+QTableWidgetItem *numberItem(qint64 number)
+{
+    auto *const item = new QTableWidgetItem(QString::number(number));
+    item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return item;
+}
+
+} // namespace
+
+ImportDialog::ImportDialog(QWidget *parent)
+    : QDialog(parent), m_ui(std::make_unique<Ui::ImportDialog>())
+{
+    m_ui->setupUi(this);
+    m_import = m_ui->buttons->addButton(tr("&Import"), QDialogButtonBox::AcceptRole);
+    m_import->setDefault(true);
+    // Not beyond a small screen, or the buttons are out of reach.
+    resize(QSize(900, 760).boundedTo(screen()->availableSize()));
+    m_ui->vois->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_ui->vois->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+
+    for (FileField *field :
+         {m_ui->anatomy, m_ui->functional, m_ui->atlas, m_ui->labels, m_ui->events, m_ui->folder})
+        connect(field, &FileField::changed, this, &ImportDialog::inputChanged);
+    connect(m_ui->name, &QLineEdit::textChanged, this, &ImportDialog::inputChanged);
+    connect(m_ui->repetitionTime, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
+            &ImportDialog::inputChanged);
+    connect(m_ui->resolution, QOverload<int>::of(&QSpinBox::valueChanged), this,
+            &ImportDialog::inputChanged);
+    connect(m_ui->voiGrid, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &ImportDialog::inputChanged);
+    connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &ImportDialog::runImport);
+    connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    // Not at every letter of a path.
+    m_previewSoon.setSingleShot(true);
+    m_previewSoon.setInterval(300);
+    connect(&m_previewSoon, &QTimer::timeout, this, &ImportDialog::startPreview);
+    connect(&m_preview, &QFutureWatcherBase::finished, this, &ImportDialog::showPreview);
+    inputChanged();
+    startPreview();
+}
+
+// A preview that is still being made ends on its own, and nobody waits for it.
+ImportDialog::~ImportDialog() = default;
+
+// ---- input
+
+ImportRequest ImportDialog::request() const
+{
+    ImportRequest request;
+    request.anatomy = m_ui->anatomy->path();
+    request.functional = m_ui->functional->path();
+    request.atlas = m_ui->atlas->path();
+    request.labels = request.atlas.isEmpty() ? QString() : m_ui->labels->path();
+    request.events = m_ui->events->path();
+    if (m_ui->resolution->value() > 0)
+        request.resolution = m_ui->resolution->value();
+    if (m_ui->repetitionTime->value() > 0)
+        request.repetitionTime = m_ui->repetitionTime->value();
+    request.voiGrid = m_ui->voiGrid->currentIndex() == 0 ? VoiGrid::Functional : VoiGrid::Anatomy;
+    request.name = m_ui->name->text();
+    request.folder = m_ui->folder->path();
+    return request;
+}
+
+void ImportDialog::setRequest(const ImportRequest &request)
+{
+    m_ui->anatomy->setPath(request.anatomy);
+    m_ui->functional->setPath(request.functional);
+    m_ui->atlas->setPath(request.atlas);
+    m_ui->labels->setPath(request.labels);
+    m_ui->events->setPath(request.events);
+    m_ui->resolution->setValue(request.resolution.value_or(0));
+    m_ui->repetitionTime->setValue(request.repetitionTime.value_or(0));
+    m_ui->voiGrid->setCurrentIndex(request.voiGrid == VoiGrid::Functional ? 0 : 1);
+    m_ui->folder->setPath(request.folder);
+    if (!request.name.isEmpty())
+        m_ui->name->setText(request.name);
+}
+
+void ImportDialog::inputChanged()
+{
+    // The name follows the run until the user gives another.
+    const QString suggestion = defaultImportName(m_ui->functional->path());
+    if (m_ui->name->text() == m_suggestedName && suggestion != m_suggestedName) {
+        m_suggestedName = suggestion;
+        m_ui->name->setText(suggestion); // comes here again
+        return;
+    }
+    m_suggestedName = suggestion;
+    m_import->setEnabled(false);
+    m_previewIsOld = true;
+    m_previewSoon.start();
+}
+
+// ---- preview
+
+void ImportDialog::startPreview()
+{
+    if (m_preview.isRunning())
+        return; // showPreview comes back here
+    m_previewIsOld = false;
+    const ImportRequest asked = request();
+    if (asked.anatomy.isEmpty() || asked.functional.isEmpty()) {
+        clearPreview(tr("Choose an anatomy and a functional run to see what goes where."));
+        return;
+    }
+    clearPreview(tr("Looking at the files..."));
+    m_preview.setFuture(QtConcurrent::run([asked] {
+        PreviewOutcome outcome;
+        outcome.fault = faultOf(
+            [&] { outcome.preview = std::make_shared<const ImportPreview>(previewImport(asked)); });
+        return outcome;
+    }));
+}
+
+void ImportDialog::clearPreview(const QString &state)
+{
+    m_ui->state->setText(state);
+    m_ui->grids->clear();
+    m_ui->vois->setRowCount(0);
+    m_ui->conditions->show(Prt(), 0);
+    m_ui->notes->clear();
+}
+
+void ImportDialog::showPreview()
+{
+    if (m_previewIsOld) {
+        startPreview();
+        return;
+    }
+    const PreviewOutcome outcome = m_preview.result();
+    if (outcome.preview == nullptr) {
+        clearPreview(outcome.fault);
+        return;
+    }
+    const ImportPreview &preview = *outcome.preview;
+    const FunctionalGrid &grid = preview.grid;
+    m_ui->state->setText(tr("%1 x %2 x %3 samples, %4 mm apart, %5; %6 volumes, one each %7 s")
+                             .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
+                                  QString::number(grid.size[2]), QString::number(grid.resolution),
+                                  grid.copied ? tr("copied as they are") : tr("interpolated"),
+                                  QString::number(preview.volumes),
+                                  QString::number(preview.repetitionTime)));
+    m_ui->grids->show(preview);
+    showVois(preview);
+    m_ui->conditions->show(preview.protocol, preview.volumes);
+    m_ui->notes->setPlainText(preview.notes.isEmpty() ? tr("Nothing to note.")
+                                                      : preview.notes.join(QLatin1Char('\n')));
+    const QString name = m_ui->name->text();
+    const bool isName = !name.isEmpty() && !name.contains(QLatin1Char('/')) && !nameFault(name);
+    m_import->setEnabled(isName && !m_ui->folder->path().isEmpty());
+    if (!isName)
+        m_ui->state->setText(tr("The file name is missing, or it is none."));
+    else if (m_ui->folder->path().isEmpty())
+        m_ui->state->setText(m_ui->state->text() + tr(". Choose a folder to import into."));
+}
+
+void ImportDialog::showVois(const ImportPreview &preview)
+{
+    const auto &vois = preview.vois.vois;
+    m_ui->vois->setRowCount(static_cast<int>(vois.size()));
+    for (std::size_t n = 0; n < vois.size(); ++n) {
+        const int row = static_cast<int>(n);
+        const LabelCount &count = preview.labelCounts[n];
+        auto *const name = new QTableWidgetItem(vois[n].name);
+        QPixmap square(16, 16);
+        square.fill(QColor(vois[n].r, vois[n].g, vois[n].b));
+        name->setIcon(QIcon(square));
+        m_ui->vois->setItem(row, 0, name);
+        m_ui->vois->setItem(row, 1, numberItem(count.insideRun));
+        m_ui->vois->setItem(row, 2, numberItem(count.inAtlas - count.insideRun));
+        m_ui->vois->setItem(row, 3, numberItem(static_cast<qint64>(vois[n].voxels.size())));
+    }
+}
+
+// ---- import
+
+void ImportDialog::runImport()
+{
+    if (!m_import->isEnabled())
+        return;
+    const ImportRequest asked = request();
+    QStringList present;
+    for (const char *ending : {"vmr", "vtc", "voi", "prt"}) {
+        const QString file = asked.name + QLatin1Char('.') + QLatin1String(ending);
+        if (QFileInfo::exists(QDir(asked.folder).filePath(file)))
+            present += file;
+    }
+    if (!present.isEmpty() &&
+        QMessageBox::question(this, tr("Import"),
+                              tr("Replace what is already in the folder?\n\n%1")
+                                  .arg(present.join(QStringLiteral(", "))),
+                              QMessageBox::Yes | QMessageBox::No,
+                              QMessageBox::No) != QMessageBox::Yes)
+        return;
+
+    ImportReport report;
+    const WorkOutcome outcome = runBehindProgress(
+        this, tr("Import"), [&](const WorkWatch &watch) { report = importDataset(asked, watch); });
+    if (outcome.stopped) {
+        logText(tr("The import was cancelled; nothing was written."));
+        return;
+    }
+    if (!outcome.fault.isEmpty()) {
+        QMessageBox::warning(this, tr("Import"), outcome.fault);
+        return;
+    }
+    for (const QString &line : report.notes + report.summary)
+        logText(line);
+    for (const char *ending : {"vmr", "vtc", "voi"}) {
+        const QString path =
+            QDir(asked.folder).filePath(asked.name + QLatin1Char('.') + QLatin1String(ending));
+        const bool made = qstrcmp(ending, "voi") != 0 || !asked.atlas.isEmpty();
+        if (made)
+            m_importedFiles += path;
+    }
+    accept();
+}
+
+} // namespace corvane

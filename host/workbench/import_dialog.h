@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/import/import_dataset.h"
+
+#include <QDialog>
+#include <QFutureWatcher>
+#include <QTimer>
+#include <memory>
+
+class QPushButton;
+
+namespace Ui
+{
+class ImportDialog;
+}
+
+namespace corvane
+{
+
+/// The import of one subject: asks for its files, shows what goes where, and imports them with a
+/// progress that can be cancelled. Nothing is written before all of it is done.
+class ImportDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ImportDialog(QWidget *parent = nullptr);
+    ~ImportDialog() override;
+
+    /// What the dialog asks for now.
+    ImportRequest request() const;
+    void setRequest(const ImportRequest &request);
+
+    /// The files that were made; empty before the import.
+    const QStringList &importedFiles() const { return m_importedFiles; }
+
+private:
+    struct PreviewOutcome {
+        std::shared_ptr<const ImportPreview> preview; ///< null when there is none
+        QString fault;
+    };
+
+    void inputChanged();
+    void startPreview();
+    void showPreview();
+    void showVois(const ImportPreview &preview);
+    void clearPreview(const QString &state);
+    void runImport();
+
+    std::unique_ptr<Ui::ImportDialog> m_ui;
+    QPushButton *m_import;
+    QString m_suggestedName;
+    QTimer m_previewSoon;
+    QFutureWatcher<PreviewOutcome> m_preview;
+    bool m_previewIsOld = false; ///< the input has changed since the running preview began
+    QStringList m_importedFiles;
+};
+
+} // namespace corvane

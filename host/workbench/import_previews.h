@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/import/import_dataset.h"
+
+#include <QImage>
+#include <QWidget>
+
+/// @file
+/// The pictures of the import dialog.
+
+namespace corvane
+{
+
+/// Three slices of the anatomy through the middle of the run, with the lattice of the run and the
+/// VOIs drawn over them.
+class GridPreview : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit GridPreview(QWidget *parent = nullptr);
+
+    void show(const ImportPreview &preview);
+    void clear();
+    using QWidget::show;
+
+    QSize sizeHint() const override { return {540, 190}; }
+    QSize minimumSizeHint() const override { return {300, 110}; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QList<QImage> m_slices;
+    FunctionalGrid m_grid;
+};
+
+/// The conditions of a protocol, one row each, over the volumes of the run.
+class ConditionTimeline : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ConditionTimeline(QWidget *parent = nullptr);
+
+    void show(const Prt &protocol, int volumes);
+    using QWidget::show;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    Prt m_protocol;
+    int m_volumes = 0;
+};
+
+} // namespace corvane

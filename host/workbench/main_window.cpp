@@ -1,0 +1,519 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/main_window.h"
+
+#include "host/files/input_error.h"
+#include "host/session/host_version.h"
+#include "host/session/log.h"
+#include "host/session/workspace.h"
+#include "host/workbench/document_tabs.h"
+#include "host/workbench/dropped_files.h"
+#include "host/workbench/log_pane.h"
+#include "host/workbench/recent_files.h"
+#include "host/workbench/time_course_reader.h"
+#include "host/workbench/time_course_view.h"
+#include "host/workbench/voi_list.h"
+#include "host/workbench/volume_view.h"
+#ifdef CORVANE_IMPORT
+#include "host/workbench/example_files.h"
+#include "host/workbench/import_dialog.h"
+#endif
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QSettings>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTextDocumentFragment>
+#include <QVBoxLayout>
+
+namespace corvane
+{
+
+namespace
+{
+
+const QString geometryKey = QStringLiteral("window/geometry");
+const QString stateKey = QStringLiteral("window/state");
+const QString partsKey = QStringLiteral("window/parts");
+const QString folderKey = QStringLiteral("folder");
+
+/// The cursor of a program at work, while it lives.
+class BusyCursor
+{
+public:
+    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
+    BusyCursor(const BusyCursor &) = delete;
+    BusyCursor &operator=(const BusyCursor &) = delete;
+};
+
+bool endsWith(const QString &path, const char *ending)
+{
+    return path.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
+}
+
+/// Files that are opened together: a run is linked to the anatomy that comes with it, and takes the
+/// place of the protocol from before.
+int turnOf(const QString &path)
+{
+    if (endsWith(path, ".vtc"))
+        return 1;
+    return endsWith(path, ".voi") || endsWith(path, ".prt") ? 2 : 0;
+}
+
+QString menuText(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
+    : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this)),
+      m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setAcceptDrops(true);
+    addDockWidget(Qt::BottomDockWidgetArea, m_log);
+    addDockWidget(Qt::RightDockWidgetArea, m_vois);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    makeCentre();
+    makeFileMenu();
+    makeViewMenu();
+    makePluginsMenu();
+    makeHelpMenu();
+    statusBar();
+    restore();
+
+    // Plugins change the workspace many times in a row: the window follows once, when they are
+    // done.
+    m_refreshSoon.setSingleShot(true);
+    connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
+    m_workspace.setObserver([this] { m_refreshSoon.start(0); });
+    setMessageSink([this](const QString &text) { showMessageBox(text); });
+    refresh();
+}
+
+MainWindow::~MainWindow()
+{
+    m_workspace.setObserver({});
+    setMessageSink({});
+}
+
+// ---- what there is
+
+void MainWindow::makeCentre()
+{
+    auto *const centre = new QWidget(this);
+    auto *const layout = new QVBoxLayout(centre);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_tabs = new DocumentTabs(m_workspace, centre);
+    m_pages = new QStackedWidget(centre);
+    m_pages->addWidget(makeWelcome());
+    m_pages->addWidget(makeVolumePage());
+    layout->addWidget(m_tabs);
+    layout->addWidget(m_pages, 1);
+    setCentralWidget(centre);
+}
+
+QWidget *MainWindow::makeWelcome()
+{
+    auto *const page = new QWidget;
+    auto *const layout = new QVBoxLayout(page);
+    auto *const text =
+        new QLabel(tr("<h2>No anatomy is open</h2>"
+                      "<p>Open one (.vmr, NIfTI or NRRD), or drop files on this window.</p>"));
+    text->setAlignment(Qt::AlignCenter);
+    text->setWordWrap(true);
+    auto *const buttons = new QWidget;
+    buttons->setMinimumWidth(280);
+    auto *const column = new QVBoxLayout(buttons);
+    const auto addButton = [&](const QString &label, const char *name, void (MainWindow::*act)()) {
+        auto *const button = new QPushButton(label);
+        button->setObjectName(QString::fromLatin1(name));
+        connect(button, &QPushButton::clicked, this, act);
+        column->addWidget(button);
+        return button;
+    };
+    m_welcomeOpen = addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
+#ifdef CORVANE_IMPORT
+    addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &MainWindow::importFiles);
+    addButton(tr("Open the &Example Dataset"), "welcomeExample", &MainWindow::openExample);
+#endif
+    layout->addStretch();
+    layout->addWidget(text);
+    layout->addWidget(buttons, 0, Qt::AlignCenter);
+    layout->addStretch();
+    return page;
+}
+
+QWidget *MainWindow::makeVolumePage()
+{
+    m_parts = new QSplitter(Qt::Vertical);
+    m_parts->setObjectName(QStringLiteral("volumeSplitter"));
+    m_volume = new VolumeView;
+    m_timeCourse = new TimeCourseView;
+    m_parts->addWidget(m_volume);
+    m_parts->addWidget(m_timeCourse);
+    m_parts->setStretchFactor(0, 1);
+    m_parts->setChildrenCollapsible(false);
+    connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showTimeCourse);
+    connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
+    connect(m_vois, &VoiList::overlayChanged, this,
+            [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
+    return m_parts;
+}
+
+void MainWindow::makeFileMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&File"));
+    QAction *const open = menu->addAction(tr("&Open..."), this, &MainWindow::chooseFiles);
+    open->setShortcut(QKeySequence::Open);
+    m_recent = new RecentFilesMenu(this);
+    connect(m_recent, &RecentFilesMenu::chosen, this,
+            [this](const QString &path) { openFiles({path}); });
+    menu->addMenu(m_recent);
+    menu->addSeparator();
+#ifdef CORVANE_IMPORT
+    QAction *const import = menu->addAction(tr("&Import..."), this, &MainWindow::importFiles);
+    import->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
+    menu->addSeparator();
+#endif
+    QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
+    // Not the platform's standard alone: some have another or none.
+    close->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
+    m_documentActions += close;
+    QAction *const quit = menu->addAction(tr("&Quit"), this, &QWidget::close);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainWindow::makeViewMenu()
+{
+    QMenu *const menu = menuBar()->addMenu(tr("&View"));
+    QAction *const next = menu->addAction(tr("&Next Document"), this, [this] { showDocument(1); });
+    next->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageDown));
+    QAction *const previous =
+        menu->addAction(tr("&Previous Document"), this, [this] { showDocument(-1); });
+    previous->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageUp));
+    menu->addSeparator();
+    QAction *const in = menu->addAction(tr("Zoom &In"), this, [this] { m_volume->zoomBy(1.25); });
+    in->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+    QAction *const out =
+        menu->addAction(tr("Zoom &Out"), this, [this] { m_volume->zoomBy(1 / 1.25); });
+    out->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Minus));
+    QAction *const whole =
+        menu->addAction(tr("&Whole Slices"), this, [this] { m_volume->setZoom(1); });
+    whole->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_0));
+    QAction *const automatic = menu->addAction(tr("&Automatic Window and Level"), m_volume,
+                                               &VolumeView::setAutomaticWindow);
+    automatic->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_A));
+    QAction *const cross = menu->addAction(tr("&Cross-hair"));
+    cross->setCheckable(true);
+    cross->setChecked(true);
+    cross->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
+    connect(cross, &QAction::toggled, m_volume, &VolumeView::setCrossShown);
+    m_documentActions += {next, previous, in, out, whole, automatic, cross};
+    menu->addSeparator();
+    QAction *const vois = m_vois->toggleViewAction();
+    vois->setText(tr("&Volumes of Interest"));
+    menu->addAction(vois);
+    QAction *const log = m_log->toggleViewAction();
+    log->setText(tr("&Log"));
+    menu->addAction(log);
+}
+
+void MainWindow::makePluginsMenu()
+{
+    m_pluginsMenu = menuBar()->addMenu(tr("&Plugins"));
+    m_pluginsMenu->setObjectName(QStringLiteral("pluginsMenu"));
+    m_pluginsMenu->setToolTipsVisible(true);
+    m_pluginsMenu->addAction(tr("No plugins"))->setEnabled(false);
+}
+
+void MainWindow::makeHelpMenu()
+{
+    m_helpMenu = menuBar()->addMenu(tr("&Help"));
+    QAction *const action = m_helpMenu->addAction(tr("&About Corvane"), this, &MainWindow::about);
+    action->setMenuRole(QAction::AboutRole);
+}
+
+void MainWindow::restore()
+{
+    const QSettings settings;
+    resize(usualSize().boundedTo(screen()->availableSize()));
+    resizeDocks({m_log}, {110}, Qt::Vertical);
+    resizeDocks({m_vois}, {240}, Qt::Horizontal);
+    restoreGeometry(settings.value(geometryKey).toByteArray());
+    restoreState(settings.value(stateKey).toByteArray());
+    m_parts->restoreState(settings.value(partsKey).toByteArray());
+}
+
+// ---- what is open
+
+void MainWindow::refresh()
+{
+    m_tabs->refresh();
+    const int current = m_workspace.currentDocument();
+    const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
+    for (QAction *action : qAsConst(m_documentActions))
+        action->setEnabled(isOpen);
+    if (m_shownVoiLoads != m_workspace.voiLoads()) {
+        m_shownVoiLoads = m_workspace.voiLoads();
+        const LoadedVois *const vois = m_workspace.vois();
+        m_vois->setVois(vois != nullptr ? &vois->set : nullptr);
+    }
+    if (const Vmr *const vmr = m_workspace.currentVmr())
+        m_volume->showVolume(current, *vmr);
+    showPage(isOpen ? VolumePage : WelcomePage);
+    showTimeCourse();
+    setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
+    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
+                                .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
+                          : QStringLiteral("Corvane"));
+}
+
+/// The keyboard begins with what a page is for.
+void MainWindow::showPage(Page page)
+{
+    if (m_pages->currentIndex() == page && m_pages->focusWidget() != nullptr)
+        return;
+    m_pages->setCurrentIndex(page);
+    if (page == VolumePage)
+        m_volume->focusSlices();
+    else
+        m_welcomeOpen->setFocus();
+}
+
+void MainWindow::showTimeCourse()
+{
+    TimeCourseScene scene;
+    // Intervals in another unit than volumes have no place on this axis.
+    const LoadedProtocol *const protocol = m_workspace.protocol();
+    if (protocol != nullptr && protocol->prt.timeUnit == 1)
+        scene.conditions = protocol->prt.conditions;
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    if (vtc == nullptr) {
+        m_reader->forget();
+        scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
+                        "time course at the cross-hair.");
+        m_timeCourse->show(std::move(scene));
+        return;
+    }
+    scene.repetitionTime = vtc->file.info().repetitionTime;
+    scene.hint = tr("The cross-hair lies outside the functional run.");
+    // What is shown stays until the samples are there.
+    m_reader->ask(vtc->file, m_volume->scene().cross,
+                  [this, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
+                      TimeCourseScene complete = scene;
+                      complete.samples = samples;
+                      m_timeCourse->show(std::move(complete));
+                  });
+}
+
+void MainWindow::open(const QString &path)
+{
+    if (endsWith(path, ".vtc"))
+        m_workspace.linkVtc(path);
+    else if (endsWith(path, ".voi"))
+        m_workspace.loadVois(path);
+    else if (endsWith(path, ".prt"))
+        m_workspace.loadProtocol(path);
+    else
+        m_workspace.openVmr(path);
+}
+
+void MainWindow::openFiles(const QStringList &paths)
+{
+    QStringList sorted = paths;
+    std::stable_sort(sorted.begin(), sorted.end(), [](const QString &left, const QString &right) {
+        return turnOf(left) < turnOf(right);
+    });
+    QStringList faults;
+    {
+        const BusyCursor busy;
+        for (const QString &path : qAsConst(sorted)) {
+            try {
+                open(path);
+                m_recent->add(path);
+                logText(tr("Opened %1.").arg(QFileInfo(path).fileName()));
+            } catch (const InputError &error) {
+                faults += QString::fromUtf8(error.what());
+            } catch (const std::bad_alloc &) {
+                faults += tr("%1: there is not enough memory to open it").arg(path);
+            }
+        }
+    }
+    // Where the dialogs of plugins begin, which ask for the same files once more.
+    if (!sorted.isEmpty())
+        QFileDialog().setDirectory(QFileInfo(sorted.front()).absolutePath());
+    refresh();
+    if (!faults.isEmpty())
+        showMessageBox(faults.join(QLatin1Char('\n')));
+}
+
+void MainWindow::chooseFiles()
+{
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        this, tr("Open"), QSettings().value(folderKey).toString(),
+        tr("All files of this program (*.vmr *.vtc *.voi *.prt *.nii *.nii.gz *.nrrd *.nhdr);;"
+           "Anatomies (*.vmr *.nii *.nii.gz *.nrrd *.nhdr);;Time courses (*.vtc);;"
+           "Volumes of interest (*.voi);;Protocols (*.prt);;All files (*)"));
+    if (paths.isEmpty())
+        return;
+    QSettings().setValue(folderKey, QFileInfo(paths.front()).absolutePath());
+    openFiles(paths);
+}
+
+#ifdef CORVANE_IMPORT
+void MainWindow::importFiles()
+{
+    // On the heap and guarded: the window may go while the dialog runs.
+    const QPointer<ImportDialog> dialog = new ImportDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose, false);
+    if (dialog->exec() == QDialog::Accepted && dialog)
+        openFiles(dialog->importedFiles());
+    delete dialog;
+}
+
+void MainWindow::openExample()
+{
+    const QString folder = exampleFolder(this);
+    if (!folder.isEmpty())
+        openFiles(exampleFiles(folder));
+}
+#endif
+
+void MainWindow::closeDocument()
+{
+    Q_EMIT m_tabs->tabCloseRequested(m_tabs->currentIndex());
+}
+
+void MainWindow::showDocument(int step)
+{
+    if (m_tabs->count() > 0)
+        m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + m_tabs->count()) %
+                                m_tabs->count());
+}
+
+// ---- plugins
+
+void MainWindow::loadPluginFolder(const QString &folder)
+{
+    m_plugins = loadPlugins(folder);
+    if (m_plugins.empty())
+        return;
+    m_pluginsMenu->clear();
+    for (const std::unique_ptr<Plugin> &plugin : m_plugins) {
+        const QString author = QTextDocumentFragment::fromHtml(plugin->author()).toPlainText();
+        const QString label = author.isEmpty()
+                                  ? plugin->name()
+                                  : tr("%1 (by %2)", "plugin, author").arg(plugin->name(), author);
+        QAction *const action = m_pluginsMenu->addAction(menuText(label));
+        action->setData(plugin->name());
+        action->setToolTip(plugin->path());
+        connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
+    }
+}
+
+QStringList MainWindow::pluginNames() const
+{
+    QStringList names;
+    for (const std::unique_ptr<Plugin> &plugin : m_plugins)
+        names += plugin->name();
+    return names;
+}
+
+bool MainWindow::startPlugin(const QString &name)
+{
+    for (QAction *action : m_pluginsMenu->actions()) {
+        if (action->data().toString() == name) {
+            action->trigger();
+            return true;
+        }
+    }
+    logText(tr("There is no plugin of the name \"%1\".").arg(name));
+    return false;
+}
+
+void MainWindow::start(Plugin &plugin)
+{
+    try {
+        plugin.start();
+    } catch (const PluginError &error) {
+        logText(tr("%1 did not start: %2", "plugin, reason")
+                    .arg(plugin.name(), QString::fromUtf8(error.what())));
+    }
+}
+
+// ---- the window
+
+void MainWindow::showMessageBox(const QString &text)
+{
+    logText(text);
+    QWidget *const active = QApplication::activeWindow();
+    // On the heap: the window of a plugin may end while the box stands over it, and take it along.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Information, QStringLiteral("Corvane"), text, QMessageBox::Ok,
+                        active != nullptr ? active : this);
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
+    delete box;
+}
+
+void MainWindow::about()
+{
+    QMessageBox::about(
+        this, tr("About Corvane"),
+        tr("<h3>Corvane %1.%2.%3</h3><p>An open host for plugins that analyse functional MRI data, "
+           "of Tessera %4.</p><p>Free software under the GNU General Public License, version 3 or "
+           "later.</p>")
+            .arg(hostVersion[0])
+            .arg(hostVersion[1])
+            .arg(hostVersion[2])
+            .arg(QStringLiteral(TESSERA_VERSION)));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // The session ends with this window. A window of a plugin that wants to stay keeps it.
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window != this && window->isVisible() && !window->close()) {
+            event->ignore();
+            return;
+        }
+    }
+    QSettings settings;
+    settings.setValue(geometryKey, saveGeometry());
+    settings.setValue(stateKey, saveState());
+    settings.setValue(partsKey, m_parts->saveState());
+    QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!droppedFiles(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QStringList paths = droppedFiles(event->mimeData());
+    event->acceptProposedAction();
+    // The window that the files come from waits until the drop is done.
+    QTimer::singleShot(0, this, [this, paths] { openFiles(paths); });
+}
+
+} // namespace corvane

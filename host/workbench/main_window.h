@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/session/plugin_loader.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+class QPushButton;
+class QSplitter;
+class QStackedWidget;
+
+namespace corvane
+{
+
+class DocumentTabs;
+class LogPane;
+class RecentFilesMenu;
+class TimeCourseReader;
+class TimeCourseView;
+class VoiList;
+class VolumeView;
+class Workspace;
+
+/// The workbench's one main window: a view of the workspace, which plugins change behind its back.
+/// It never keeps a pointer into the workspace: whenever that has changed it takes over anew.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(Workspace &workspace, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
+    /// one, a .voi or .prt is loaded. What cannot be opened is told in one message.
+    void openFiles(const QStringList &paths);
+
+    /// Loads the plugins of a folder and lists them in the Plugins menu.
+    void loadPluginFolder(const QString &folder);
+    QStringList pluginNames() const;
+    /// Starts the plugin of that name. One that does not start is told in the log; false then, and
+    /// when there is none.
+    bool startPlugin(const QString &name);
+
+    /// The size of the first start, where the screen has room for it.
+    static QSize usualSize() { return {1100, 850}; }
+
+    const LogPane &log() const { return *m_log; }
+
+    /// The Help menu, for what the program adds to it.
+    QMenu &helpMenu() { return *m_helpMenu; }
+
+    /// Says something in a box over the active window, and in the log.
+    void showMessageBox(const QString &text);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void makeCentre();
+    QWidget *makeWelcome();
+    QWidget *makeVolumePage();
+    void makeFileMenu();
+    void makeViewMenu();
+    void makePluginsMenu();
+    void makeHelpMenu();
+    void restore();
+
+    void refresh();
+    enum Page { WelcomePage, VolumePage };
+    void showPage(Page page);
+    void showTimeCourse();
+    void open(const QString &path);
+    void chooseFiles();
+    void importFiles();
+    void openExample();
+    void closeDocument();
+    void showDocument(int step);
+    void start(Plugin &plugin);
+    void about();
+
+    Workspace &m_workspace;
+    std::vector<std::unique_ptr<Plugin>> m_plugins;
+    QTimer m_refreshSoon;
+    LogPane *m_log;
+    VoiList *m_vois;
+    DocumentTabs *m_tabs = nullptr;
+    QStackedWidget *m_pages = nullptr; ///< one of each Page
+    QPushButton *m_welcomeOpen = nullptr;
+    QSplitter *m_parts = nullptr; ///< of the volume's page
+    VolumeView *m_volume = nullptr;
+    TimeCourseView *m_timeCourse = nullptr;
+    TimeCourseReader *m_reader;
+    int m_shownVoiLoads = -1;
+    RecentFilesMenu *m_recent = nullptr;
+    QMenu *m_pluginsMenu = nullptr;
+    QMenu *m_helpMenu = nullptr;
+    QList<QAction *> m_documentActions; ///< of use only while a document is open
+};
+
+} // namespace corvane

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/files/cube_voxel.h"
+#include "host/files/vtc_file.h"
+
+#include <vector>
+
+namespace corvane
+{
+
+/// The samples of a run at the lattice point nearest to a voxel of the cube, one for each volume.
+/// Empty when the voxel lies outside the run.
+std::vector<double> timeCourseAt(const VtcFile &vtc, const CubeVoxel &voxel);
+
+} // namespace corvane

@@ -1,0 +1,317 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/time_course_view.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace corvane
+{
+
+/// Where the plot lies in the widget, and the values at its edges.
+struct TimeCourseView::Frame {
+    QRectF plot;
+    int volumes;
+    double low;
+    double high;
+
+    /// Middle of a volume, counted from 1.
+    double x(double volume) const { return plot.left() + (volume - 0.5) / volumes * plot.width(); }
+    double y(double value) const
+    {
+        return plot.bottom() - (value - low) / (high - low) * plot.height();
+    }
+};
+
+namespace
+{
+
+/// A round number near a fifth of a span.
+double tickStep(double span)
+{
+    const double raw = span / 5;
+    const double power = std::pow(10, std::floor(std::log10(raw)));
+    for (double factor : {1.0, 2.0, 5.0})
+        if (raw <= factor * power)
+            return factor * power;
+    return 10 * power;
+}
+
+} // namespace
+
+QColor conditionColour(std::size_t index)
+{
+    // Told apart also by those who see fewer colours (Okabe and Ito).
+    static const QColor colours[] = {{0, 114, 178},   {230, 159, 0},  {0, 158, 115},
+                                     {204, 121, 167}, {86, 180, 233}, {213, 94, 0},
+                                     {240, 228, 66},  {128, 128, 128}};
+    return colours[index % std::size(colours)];
+}
+
+TimeCourseView::TimeCourseView(QWidget *parent) : QWidget(parent)
+{
+    setObjectName(QStringLiteral("timeCourse"));
+    setAccessibleName(tr("Time course at the cross-hair"));
+    setStatusTip(tr("Point at a volume, or use the arrow keys, to read its value."));
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+}
+
+QSize TimeCourseView::sizeHint() const
+{
+    return {600, 10 * fontMetrics().height()};
+}
+
+QSize TimeCourseView::minimumSizeHint() const
+{
+    return {200, 6 * fontMetrics().height()};
+}
+
+void TimeCourseView::show(TimeCourseScene scene)
+{
+    m_scene = std::move(scene);
+    m_marked = std::min(m_marked, volumes());
+    setAccessibleDescription(m_scene.samples.empty() ? m_scene.hint : markedText());
+    update();
+}
+
+void TimeCourseView::mark(int volume)
+{
+    m_marked = std::clamp(volume, 0, volumes());
+    setAccessibleDescription(markedText());
+    update();
+}
+
+QString TimeCourseView::conditionsAt(int volume) const
+{
+    QStringList names;
+    for (const PrtCondition &condition : m_scene.conditions)
+        for (const auto &interval : condition.intervals)
+            if (volume >= interval.first && volume <= interval.second &&
+                !names.contains(condition.name))
+                names += condition.name;
+    return names.join(QStringLiteral(", "));
+}
+
+QString TimeCourseView::markedText() const
+{
+    if (m_marked == 0)
+        return {};
+    const double seconds = (m_marked - 1) * m_scene.repetitionTime;
+    QString text =
+        tr("Volume %1 (%2 s): %3")
+            .arg(QString::number(m_marked), QString::number(seconds, 'g', 6),
+                 QString::number(m_scene.samples[static_cast<std::size_t>(m_marked - 1)], 'g', 6));
+    const QString conditions = conditionsAt(m_marked);
+    if (!conditions.isEmpty())
+        text += QStringLiteral(", ") + conditions;
+    return text;
+}
+
+// ---- painting
+
+TimeCourseView::Frame TimeCourseView::frame() const
+{
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (double sample : m_scene.samples) {
+        if (std::isfinite(sample)) {
+            low = std::min(low, sample);
+            high = std::max(high, sample);
+        }
+    }
+    if (!(low < high)) {
+        const double middle = std::isfinite(low) ? low : 0;
+        // Of a size that still counts beside the value.
+        const double half = std::max(1.0, 1e-6 * std::abs(middle));
+        low = middle - half;
+        high = middle + half;
+    }
+    const double margin = 0.05 * (high - low);
+    const int line = fontMetrics().height();
+    const double left = fontMetrics().horizontalAdvance(QStringLiteral("-00000.0")) + 8;
+    return {QRectF(rect()).adjusted(left, line + 8, -12, -2 * line - 4), volumes(), low - margin,
+            high + margin};
+}
+
+void TimeCourseView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().base());
+    if (m_scene.samples.empty()) {
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(rect().adjusted(8, 0, -8, 0), Qt::AlignCenter | Qt::TextWordWrap,
+                         m_scene.hint);
+    } else if (const Frame where = frame(); where.plot.width() > 0 && where.plot.height() > 0) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        paintBands(painter, where);
+        paintAxes(painter, where);
+        paintSamples(painter, where);
+        paintLegend(painter, where);
+        paintMarker(painter, where);
+    }
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    }
+}
+
+void TimeCourseView::paintBands(QPainter &painter, const Frame &frame) const
+{
+    for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
+        QColor colour = conditionColour(n);
+        colour.setAlpha(80);
+        for (const auto &interval : m_scene.conditions[n].intervals) {
+            const double from = frame.x(std::min(interval.first, frame.volumes + 1) - 0.5);
+            const double to = frame.x(std::min(interval.second, frame.volumes) + 0.5);
+            if (to > from)
+                painter.fillRect(
+                    QRectF(QPointF(from, frame.plot.top()), QPointF(to, frame.plot.bottom())),
+                    colour);
+        }
+    }
+}
+
+void TimeCourseView::paintAxes(QPainter &painter, const Frame &frame) const
+{
+    const int line = fontMetrics().height();
+    QColor faint = palette().color(QPalette::Text);
+    faint.setAlpha(60);
+
+    // Values to the left; fewer where there is little room.
+    double step = tickStep(frame.high - frame.low);
+    while (frame.plot.height() * step / (frame.high - frame.low) < 1.3 * line)
+        step *= 2;
+    const double first = std::ceil(frame.low / step);
+    const int ticks = static_cast<int>(std::floor(frame.high / step) - first) + 1;
+    for (int tick = 0; tick < ticks; ++tick) {
+        const double value = (first + tick) * step;
+        const double y = frame.y(value);
+        painter.setPen(faint);
+        painter.drawLine(QPointF(frame.plot.left(), y), QPointF(frame.plot.right(), y));
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(QRectF(0, y - line / 2.0, frame.plot.left() - 6, line),
+                         Qt::AlignRight | Qt::AlignVCenter, QString::number(value, 'g', 5));
+    }
+
+    const int volumeStep =
+        std::max(1, static_cast<int>(std::lround(tickStep(std::max(frame.volumes, 5)))));
+    for (int volume = volumeStep; volume <= frame.volumes; volume += volumeStep) {
+        const double x = frame.x(volume);
+        painter.setPen(faint);
+        painter.drawLine(QPointF(x, frame.plot.bottom()), QPointF(x, frame.plot.bottom() + 4));
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(QRectF(x - 40, frame.plot.bottom() + 3, 80, line), Qt::AlignCenter,
+                         QString::number(volume));
+    }
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(
+        QRectF(frame.plot.left(), frame.plot.bottom() + 3 + line, frame.plot.width(), line),
+        Qt::AlignCenter, tr("Volume (one each %1 s)").arg(m_scene.repetitionTime));
+}
+
+void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame) const
+{
+    // Single lines: one long path is many times slower to draw. A sample between two that are no
+    // numbers is a dot.
+    QVector<QLineF> lines;
+    QPointF last;
+    bool isGap = true;
+    for (int volume = 1; volume <= frame.volumes; ++volume) {
+        const double sample = m_scene.samples[static_cast<std::size_t>(volume - 1)];
+        if (!std::isfinite(sample)) {
+            isGap = true;
+            continue;
+        }
+        const QPointF point(frame.x(volume), frame.y(sample));
+        lines.append(QLineF(isGap ? point : last, point));
+        last = point;
+        isGap = false;
+    }
+    painter.setPen(QPen(palette().color(QPalette::Text), 1.3, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLines(lines);
+}
+
+void TimeCourseView::paintLegend(QPainter &painter, const Frame &frame) const
+{
+    const int line = fontMetrics().height();
+    double x = frame.plot.left();
+    for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
+        const QString &name = m_scene.conditions[n].name;
+        const double width = fontMetrics().horizontalAdvance(name);
+        if (x + line + width > frame.plot.right())
+            break;
+        painter.fillRect(QRectF(x, 4 + line * 0.2, line * 0.7, line * 0.7), conditionColour(n));
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(QRectF(x + line, 4, width + 2, line), Qt::AlignVCenter, name);
+        x += line + width + 2 * line;
+    }
+}
+
+void TimeCourseView::paintMarker(QPainter &painter, const Frame &frame) const
+{
+    if (m_marked == 0)
+        return;
+    const double x = frame.x(m_marked);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
+    painter.drawLine(QPointF(x, frame.plot.top()), QPointF(x, frame.plot.bottom()));
+
+    const QString text = markedText();
+    const double width = fontMetrics().horizontalAdvance(text) + 10;
+    QRectF box(0, frame.plot.top(), width, fontMetrics().height() + 4);
+    box.moveLeft(std::clamp(x - width / 2, frame.plot.left(),
+                            std::max(frame.plot.left(), frame.plot.right() - width)));
+    painter.fillRect(box, palette().color(QPalette::ToolTipBase));
+    painter.setPen(palette().color(QPalette::ToolTipText));
+    painter.drawText(box, Qt::AlignCenter, text);
+}
+
+// ---- mouse and keys
+
+void TimeCourseView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (volumes() == 0)
+        return;
+    const Frame where = frame();
+    const double part = (event->localPos().x() - where.plot.left()) / where.plot.width();
+    mark(part >= 0 && part < 1 ? 1 + static_cast<int>(part * volumes()) : 0);
+}
+
+void TimeCourseView::leaveEvent(QEvent *)
+{
+    mark(0);
+}
+
+void TimeCourseView::keyPressEvent(QKeyEvent *event)
+{
+    const int step = event->modifiers() & Qt::ShiftModifier ? 10 : 1;
+    switch (volumes() > 0 ? event->key() : 0) {
+    case Qt::Key_Left:
+        return mark(std::max(m_marked - step, 1));
+    case Qt::Key_Right:
+        return mark(m_marked + step);
+    case Qt::Key_Home:
+        return mark(1);
+    case Qt::Key_End:
+        return mark(volumes());
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void TimeCourseView::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    update();
+}
+
+void TimeCourseView::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    mark(0);
+}
+
+} // namespace corvane

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/files/prt_file.h"
+
+#include <QColor>
+#include <QWidget>
+#include <vector>
+
+namespace corvane
+{
+
+/// What a time course view shows.
+struct TimeCourseScene {
+    std::vector<double> samples; ///< one per volume; empty: `hint` is shown instead
+    double repetitionTime = 0;   ///< seconds
+    std::vector<PrtCondition> conditions;
+    QString hint;
+};
+
+/// The colour of a condition, the same wherever conditions are drawn.
+QColor conditionColour(std::size_t index);
+
+/// The samples of one voxel over the volumes, with the intervals of the protocol as bands behind
+/// them. The mouse or the arrow keys read single volumes.
+class TimeCourseView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit TimeCourseView(QWidget *parent = nullptr);
+
+    void show(TimeCourseScene scene);
+    using QWidget::show;
+
+    const TimeCourseScene &scene() const { return m_scene; }
+    /// What the marker tells of its volume; empty without one.
+    QString markedText() const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    struct Frame;
+
+    int volumes() const { return static_cast<int>(m_scene.samples.size()); }
+    Frame frame() const;
+    void mark(int volume);
+    QString conditionsAt(int volume) const;
+    void paintBands(QPainter &painter, const Frame &frame) const;
+    void paintAxes(QPainter &painter, const Frame &frame) const;
+    void paintSamples(QPainter &painter, const Frame &frame) const;
+    void paintLegend(QPainter &painter, const Frame &frame) const;
+    void paintMarker(QPainter &painter, const Frame &frame) const;
+
+    TimeCourseScene m_scene;
+    int m_marked = 0; ///< volume from 1, 0 for none
+};
+
+} // namespace corvane

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/volume_slices.h"
+
+#include "host/workbench/voi_overlay.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace corvane
+{
+
+namespace
+{
+
+constexpr int size = Vmr::size;
+
+/// Steps between neighbours along each axis of the cube.
+constexpr std::array<std::size_t, 3> strides{1, size, std::size_t(size) * size};
+
+template <typename Action>
+auto withSamples(const Vmr &vmr, Action action)
+{
+    if (vmr.type == Vmr::UChar)
+        return action(static_cast<const quint8 *>(vmr.voxels.get()));
+    return action(static_cast<const quint16 *>(vmr.voxels.get()));
+}
+
+int mixed(int grey, int colour, int parts)
+{
+    return (grey * (256 - parts) + colour * parts) / 256;
+}
+
+QRgb tinted(int grey, QRgb colour, int parts)
+{
+    return qRgb(mixed(grey, qRed(colour), parts), mixed(grey, qGreen(colour), parts),
+                mixed(grey, qBlue(colour), parts));
+}
+
+/// Counts of the intensities in every fourth row of every fourth slice, without 0.
+std::vector<int> histogram(const Vmr &vmr)
+{
+    constexpr std::size_t step = 4;
+    std::vector<int> counts(vmr.type == Vmr::UChar ? 256 : 65536);
+    withSamples(vmr, [&](const auto *samples) {
+        for (std::size_t k = 0; k < size; k += step)
+            for (std::size_t j = 0; j < size; j += step) {
+                const auto *row = samples + j * strides[1] + k * strides[2];
+                for (int i = 0; i < size; ++i)
+                    ++counts[row[i]];
+            }
+    });
+    counts[0] = 0;
+    return counts;
+}
+
+} // namespace
+
+PlaneAxes axesOf(SlicePlane plane)
+{
+    switch (plane) {
+    case SlicePlane::Sagittal:
+        return {0, 1, 2};
+    case SlicePlane::Coronal:
+        return {2, 1, 0};
+    case SlicePlane::Axial:
+        break;
+    }
+    return {2, 0, 1};
+}
+
+GreyWindow automaticWindow(const Vmr &vmr)
+{
+    const std::vector<int> counts = histogram(vmr);
+    qint64 total = 0;
+    for (int count : counts)
+        total += count;
+    if (total == 0)
+        return {};
+    const auto percentile = [&](double part) {
+        qint64 left = static_cast<qint64>(std::ceil(part * static_cast<double>(total)));
+        int intensity = 0;
+        while ((left -= counts[static_cast<std::size_t>(intensity)]) > 0)
+            ++intensity;
+        return intensity;
+    };
+    const int low = percentile(0.01);
+    const int high = std::max(percentile(0.995), low + 1);
+    return {(low + high) / 2.0, static_cast<double>(high - low)};
+}
+
+bool isInCube(const CubeVoxel &voxel)
+{
+    return std::all_of(voxel.begin(), voxel.end(),
+                       [](int coordinate) { return coordinate >= 0 && coordinate < size; });
+}
+
+int intensityAt(const Vmr &vmr, const CubeVoxel &voxel)
+{
+    std::size_t index = 0;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        index += strides[axis] * static_cast<std::size_t>(voxel[axis]);
+    return withSamples(vmr, [&](const auto *samples) { return static_cast<int>(samples[index]); });
+}
+
+QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWindow &window,
+                  const VoiOverlay *vois, double opacity)
+{
+    const PlaneAxes axes = axesOf(plane);
+    const std::size_t across = strides[static_cast<std::size_t>(axes.across)];
+    const std::size_t down = strides[static_cast<std::size_t>(axes.down)];
+    const std::size_t first =
+        strides[static_cast<std::size_t>(axes.through)] * static_cast<std::size_t>(position);
+    const double lowest = window.level - window.width / 2;
+    const double scale = 255 / std::max(window.width, 1e-6);
+    const int parts = static_cast<int>(std::lround(256 * std::clamp(opacity, 0.0, 1.0)));
+
+    QImage image(size, size, QImage::Format_RGB32);
+    withSamples(vmr, [&](const auto *samples) {
+        for (int row = 0; row < size; ++row) {
+            auto *const pixels = reinterpret_cast<QRgb *>(image.scanLine(row));
+            std::size_t index = first + down * static_cast<std::size_t>(row);
+            for (int column = 0; column < size; ++column, index += across) {
+                // Rounds, with what the cast cuts off.
+                const double shade = (samples[index] - lowest) * scale + 0.5;
+                const int grey = static_cast<int>(std::clamp(shade, 0.0, 255.0));
+                const quint16 label = vois != nullptr ? vois->labelAt(index) : quint16(0);
+                pixels[column] =
+                    label == 0 ? qRgb(grey, grey, grey) : tinted(grey, vois->colour(label), parts);
+            }
+        }
+    });
+    return image;
+}
+
+AxisEnds axisEnds(const Vmr &vmr, int axis)
+{
+    if (!vmr.space)
+        return {};
+    const auto &direction = vmr.space->directions[static_cast<std::size_t>(axis)];
+    const auto largest =
+        std::max_element(direction.begin(), direction.end(), [](double left, double right) {
+            return std::abs(left) < std::abs(right);
+        });
+    static const AxisEnds letters[] = {{QStringLiteral("L"), QStringLiteral("R")},
+                                       {QStringLiteral("P"), QStringLiteral("A")},
+                                       {QStringLiteral("I"), QStringLiteral("S")}};
+    const AxisEnds &ends = letters[largest - direction.begin()];
+    return *largest > 0 ? ends : AxisEnds{ends.high, ends.low};
+}
+
+std::array<double, 3> worldPosition(const Vmr &vmr, const CubeVoxel &voxel)
+{
+    std::array<double, 3> world = vmr.space->origin;
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        for (std::size_t n = 0; n < 3; ++n)
+            world[n] += vmr.space->directions[axis][n] * voxel[axis];
+    return world;
+}
+
+} // namespace corvane

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/files/cube_voxel.h"
+#include "host/files/vmr_file.h"
+
+#include <QImage>
+#include <array>
+
+/// @file
+/// From an anatomy to pictures of its slices. The axes of the cube run to the back, down and to the
+/// left, so that the patient's right is on the left of a picture, unless the file says otherwise.
+
+namespace corvane
+{
+
+class VoiOverlay;
+
+enum class SlicePlane { Sagittal, Coronal, Axial };
+
+/// Axes of the cube that run across and down a picture, and the one through it.
+struct PlaneAxes {
+    int across;
+    int down;
+    int through;
+};
+
+PlaneAxes axesOf(SlicePlane plane);
+
+/// The intensities between black and white: level is the one in the middle, width from one to the
+/// other.
+struct GreyWindow {
+    double level = 128;
+    double width = 256;
+
+    bool operator==(const GreyWindow &other) const
+    {
+        return level == other.level && width == other.width;
+    }
+};
+
+/// A window from the 1st to the 99.5th percentile of what is not 0, for the first look.
+GreyWindow automaticWindow(const Vmr &vmr);
+
+bool isInCube(const CubeVoxel &voxel);
+
+/// The intensity at a voxel of the cube.
+int intensityAt(const Vmr &vmr, const CubeVoxel &voxel);
+
+/// The picture of one slice: 256 x 256 pixels, one for each voxel. VOIs, if any, shine through with
+/// their colours at `opacity`, 0 to 1.
+QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWindow &window,
+                  const VoiOverlay *vois = nullptr, double opacity = 0.5);
+
+/// Letters for the two ends of an axis of the cube: R and L, A and P, S and I. None when the file
+/// does not say where the cube lies.
+struct AxisEnds {
+    QString low;
+    QString high;
+};
+AxisEnds axisEnds(const Vmr &vmr, int axis);
+
+/// Millimetres to the right, to the front and up. `vmr.space` must be set.
+std::array<double, 3> worldPosition(const Vmr &vmr, const CubeVoxel &voxel);
+
+} // namespace corvane

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/workbench/slice_view.h"
+
+#include <map>
+#include <memory>
+
+namespace Ui
+{
+class SliceControls;
+}
+
+namespace corvane
+{
+
+/// The current volume: three slices through its cross-hair, and the controls for what they show.
+/// Each document has a cross-hair, a window and a zoom of its own.
+class VolumeView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit VolumeView(QWidget *parent = nullptr);
+    ~VolumeView() override;
+
+    /// Shows a document of the workspace; its position there tells it from the others.
+    void showVolume(int document, const Vmr &vmr);
+    /// `names` are those of the VOIs in the order of their labels.
+    void setVois(std::shared_ptr<const VoiOverlay> vois, const QStringList &names, double opacity);
+
+    void focusSlices();
+    const SliceScene &scene() const { return m_scene; }
+    void setCross(const CubeVoxel &voxel);
+    void setCrossShown(bool shown);
+    void setWindow(const GreyWindow &window);
+    void setAutomaticWindow();
+    void setZoom(double zoom); ///< 1 shows whole slices, 16 is the most
+    void zoomBy(double factor) { setZoom(m_scene.zoom * factor); }
+
+Q_SIGNALS:
+    void crossMoved();
+
+private:
+    struct Look {
+        CubeVoxel cross;
+        GreyWindow window;
+        double zoom;
+    };
+
+    void connectControls();
+    void follow();
+    void tellCross();
+    void tellMouse(const CubeVoxel &voxel);
+    QString describe(const CubeVoxel &voxel) const;
+
+    std::unique_ptr<Ui::SliceControls> m_ui;
+    SliceScene m_scene;
+    QList<SliceView *> m_slices;
+    int m_document = -1;
+    std::map<int, Look> m_looks; ///< of the documents that are not shown now
+    QStringList m_voiNames;
+};
+
+} // namespace corvane

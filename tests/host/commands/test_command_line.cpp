@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The program from outside: exit status, what goes where, and errors as one line. The subcommands
+// of the test program (test_commands.cpp) fail in every way there is.
+#include "host/session/host_version.h"
+#include "tests/host/support/host_files.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <gmock/gmock.h>
+#include <set>
+
+namespace corvane
+{
+
+namespace
+{
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+Outcome
+runProgram(const QString &program, const QStringList &arguments,
+           const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+            process.readAllStandardError().toStdString()};
+}
+
+Outcome corvane(const QStringList &arguments)
+{
+    return runProgram(QStringLiteral(CORVANE_PROGRAM), arguments);
+}
+
+/// The program with the commands of the tests.
+Outcome testCommand(const QStringList &arguments)
+{
+    return runProgram(QStringLiteral(TEST_COMMANDS_PROGRAM), arguments);
+}
+
+void expectOneLine(const std::string &text)
+{
+    EXPECT_FALSE(text.empty());
+    EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
+}
+
+} // namespace
+
+TEST(CommandLine, WithoutWindowsAndWithoutACommandTellsTheUsage)
+{
+    const Outcome run = testCommand({});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, StartsWith("Usage:\n"));
+}
+
+TEST(CommandLine, SaysInOneLineThatThereIsNoDisplay)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(variable));
+    for (const QStringList &arguments :
+         {QStringList(), QStringList(QStringLiteral("head.nii.gz")),
+          QStringList({QStringLiteral("--plugins"), QStringLiteral("/nowhere")})}) {
+        const Outcome run = runProgram(QStringLiteral(CORVANE_PROGRAM), arguments, environment);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith("Corvane: there is no display"));
+        expectOneLine(run.err);
+    }
+}
+
+TEST(CommandLine, RefusesUnknownOptionsOfTheWorkbench)
+{
+    const Outcome run = corvane({QStringLiteral("head.vmr"), QStringLiteral("--frobnicate")});
+    EXPECT_EQ(run.status, 2);
+    // Windows may have something of their own to say before.
+    EXPECT_THAT(run.err, EndsWith("Corvane: Unknown option 'frobnicate'.\n"));
+}
+
+TEST(CommandLine, HelpIsNoError)
+{
+    for (const char *option : {"--help", "-h"}) {
+        const Outcome run = corvane({QString::fromLatin1(option)});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.err, "");
+        EXPECT_THAT(run.out, StartsWith("Usage:\n"));
+        EXPECT_THAT(run.out, HasSubstr("Exit status: 0 done, 1 the input is bad, 2 wrong usage."));
+    }
+}
+
+TEST(CommandLine, TellsItsVersion)
+{
+    const Outcome run = corvane({QStringLiteral("--version")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "Corvane " + std::to_string(hostVersion[0]) + "." +
+                           std::to_string(hostVersion[1]) + "." + std::to_string(hostVersion[2]) +
+                           " (Tessera " TESSERA_VERSION ")\n");
+}
+
+TEST(CommandLine, RefusesWhatIsNoCommand)
+{
+    for (const char *command : {"frobnicate", "--frobnicate", "", "a\nb"}) {
+        const Outcome run = corvane({QString::fromLatin1(command)});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith("Corvane: unknown command \""));
+        expectOneLine(run.err);
+    }
+}
+
+TEST(CommandLine, HelpsWithACommand)
+{
+    const Outcome run = testCommand({QStringLiteral("graph"), QStringLiteral("--help")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, StartsWith("Usage:\n  Corvane graph MATRIX.csv [--mst] --out DIR\n\n"));
+    EXPECT_THAT(run.out, HasSubstr("--out <DIR>"));
+    EXPECT_THAT(run.out, testing::Not(HasSubstr("--help-all")));
+    EXPECT_EQ(run.err, "");
+}
+
+TEST(CommandLine, RefusesWrongUsageOfACommand)
+{
+    const QString graph = QStringLiteral("graph");
+    const QString out = QStringLiteral("--out");
+    const struct {
+        QStringList arguments;
+        std::string says;
+    } rows[] = {
+        {{graph}, "Corvane graph: MATRIX.csv is missing\n"},
+        {{graph, QStringLiteral("m"), QStringLiteral("n")},
+         "Corvane graph: unexpected argument \"n\"\n"},
+        {{graph, QStringLiteral("m")}, "Corvane graph: --out is missing\n"},
+        {{graph, QStringLiteral("m"), out, QString()}, "Corvane graph: --out is missing\n"},
+        {{graph, QStringLiteral("m"), out, QStringLiteral("a"), out, QStringLiteral("b")},
+         "Corvane graph: --out is given twice\n"},
+        {{graph, QStringLiteral("m"), QStringLiteral("--what")},
+         "Corvane graph: Unknown option 'what'.\n"},
+        {{graph, QStringLiteral("m"), out}, "Corvane graph: Missing value after '--out'.\n"},
+    };
+    for (const auto &row : rows) {
+        const Outcome run = testCommand(row.arguments);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, row.says);
+    }
+    const Outcome good = testCommand({graph, QStringLiteral("m"), out, QStringLiteral("a")});
+    EXPECT_EQ(good.status, 0);
+    EXPECT_EQ(good.out, "m to a\n");
+}
+
+TEST(CommandLine, EndsWithOneLineWhateverIsThrown)
+{
+    const struct {
+        const char *way;
+        std::string says;
+    } rows[] = {
+        {"input error", "Corvane: a%1\\nb.vtc: line 3: found \"x\", expected \"y\"\n"},
+        {"bad_alloc", "Corvane: there is not enough memory for this\n"},
+        {"lines", "Corvane: first\\nsecond\n"},
+        {"number", "Corvane: an error that does not say what it is\n"},
+        {"long", "Corvane: " + std::string(8192, 'x') + "...\n"},
+    };
+    for (const auto &row : rows) {
+        const Outcome run = testCommand({QStringLiteral("example"), QString::fromLatin1(row.way)});
+        EXPECT_EQ(run.status, 1) << row.way;
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, row.says);
+    }
+}
+
+TEST(CommandLine, TakesPathsAsUtf8InEveryLocale)
+{
+    const TemporaryFolder folder;
+    const QString path = folder.path("L\xc3\xa4ufe \xe6\xb5\xb7.prt");
+    writePrtFile(path, smallPrt());
+    for (const char *locale : {"C", "POSIX", "C.UTF-8", "none.ISO-8859-1"}) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(locale));
+        const Outcome run = runProgram(QStringLiteral(TEST_COMMANDS_PROGRAM),
+                                       {QStringLiteral("compute"), path}, environment);
+        EXPECT_EQ(run.status, 0) << locale << run.err;
+        EXPECT_EQ(run.out, "Bl\xc3\xb6"
+                           "cke\n");
+
+        const Outcome missing =
+            runProgram(QStringLiteral(TEST_COMMANDS_PROGRAM),
+                       {QStringLiteral("compute"), path + QStringLiteral("\xe4")}, environment);
+        EXPECT_EQ(missing.status, 1);
+        EXPECT_THAT(missing.err, StartsWith("Corvane: " + path.toStdString()));
+        EXPECT_THAT(missing.err, HasSubstr("found No such file or directory"));
+        expectOneLine(missing.err);
+    }
+}
+
+TEST(CommandLine, SaysThatTheDiskIsFull)
+{
+    const TemporaryFolder folder;
+    // The signal that a file beyond its limit raises must not end the program.
+    const Outcome run = runProgram(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("ulimit -f 8; exec \"$@\""), QStringLiteral("sh"),
+         QStringLiteral(TEST_COMMANDS_PROGRAM), QStringLiteral("import"), folder.path("a.vmr")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, StartsWith("Corvane: " + folder.path("a.vmr").toStdString() +
+                                    ": writing: found File too large, expected room for "));
+    expectOneLine(run.err);
+    EXPECT_TRUE(folder.entries().isEmpty());
+}
+
+TEST(CommandLine, ShowsNoProgressWithoutATerminal)
+{
+    const TemporaryFolder folder;
+    const Outcome run = testCommand({QStringLiteral("import"), folder.path("a.vmr")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("a.vmr")});
+}
+
+TEST(CommandLine, ShowsProgressOnATerminal)
+{
+    const TemporaryFolder folder;
+    const QString command = QStringLiteral("'%1' import '%2'")
+                                .arg(QStringLiteral(TEST_COMMANDS_PROGRAM), folder.path("a.vmr"));
+    // script gives the program a terminal and passes on what it writes there.
+    const Outcome run = runProgram(QStringLiteral("script"),
+                                   {QStringLiteral("-qec"), command, QStringLiteral("/dev/null")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("\r\x1b[Kwriting 50 %"));
+    EXPECT_TRUE(QString::fromStdString(run.out).endsWith(QStringLiteral("\r\x1b[K"))) << run.out;
+}
+
+TEST(Exports, AreExactlyTheFunctionsForPlugins)
+{
+    std::set<std::string> wanted;
+#define HOST_CALL(result, name, arguments) wanted.insert(#name);
+#define HOST_NAME(name)
+#include "plugin/host_function_names.inc"
+#undef HOST_CALL
+#undef HOST_NAME
+    EXPECT_EQ(wanted.size(), 21U);
+
+    const Outcome run =
+        runProgram(QStringLiteral(NM_PROGRAM),
+                   {QStringLiteral("-D"), QStringLiteral("--extern-only"),
+                    QStringLiteral("--defined-only"), QStringLiteral(CORVANE_PROGRAM)});
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::set<std::string> exported;
+    for (const QString &line :
+         QString::fromStdString(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        const QStringList words = line.simplified().split(QLatin1Char(' '));
+        EXPECT_EQ(words.value(1), QStringLiteral("T")) << line.toStdString();
+        exported.insert(words.last().toStdString());
+    }
+    EXPECT_EQ(exported, wanted);
+}
+
+} // namespace corvane

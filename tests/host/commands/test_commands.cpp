@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Subcommands that succeed and fail as the tests of the command line ask.
+#include "host/commands/command_line.h"
+#include "host/commands/commands.h"
+#include "host/files/input_error.h"
+#include "host/files/progress.h"
+#include "tests/host/support/host_files.h"
+
+#include <cstdio>
+#include <new>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// Throws what its argument says.
+int runExample(const QStringList &arguments)
+{
+    const QString way = arguments.value(1);
+    if (way == QLatin1String("input error"))
+        throw InputError(QStringLiteral("a%1\nb.vtc"), QStringLiteral("line 3"),
+                         QStringLiteral("\"x\""), QStringLiteral("\"y\""));
+    if (way == QLatin1String("bad_alloc"))
+        throw std::bad_alloc();
+    if (way == QLatin1String("lines"))
+        throw std::runtime_error("first\nsecond");
+    if (way == QLatin1String("long"))
+        throw std::runtime_error(std::string(100000, 'x'));
+    throw 7;
+}
+
+/// Writes a volume.
+int runImport(const QStringList &arguments)
+{
+    Progress progress(QStringLiteral("writing"), 2);
+    progress.update(1);
+    writeVmr(arguments.value(1), zeroVmr());
+    return Done;
+}
+
+/// Prints the name of a protocol.
+int runCompute(const QStringList &arguments)
+{
+    std::puts(readPrtFile(arguments.value(1)).name.toUtf8().constData());
+    return Done;
+}
+
+/// Takes one argument and an option.
+int runGraph(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.addOption({QStringLiteral("out"), QStringLiteral("Where to."), QStringLiteral("DIR")});
+    if (!parseArguments(parser, arguments, {QStringLiteral("MATRIX.csv")}))
+        return Done;
+    const QString text = parser.positionalArguments().front() + QStringLiteral(" to ") +
+                         requiredValue(parser, QStringLiteral("out"));
+    std::puts(text.toUtf8().constData());
+    return Done;
+}
+
+} // namespace
+
+const std::vector<Command> &commands()
+{
+    static const std::vector<Command> all{
+        {"example", "Corvane example WAY", "Throws.", runExample},
+        {"import", "Corvane import FILE", "Writes.", runImport},
+        {"compute", "Corvane compute FILE", "Prints.", runCompute},
+        {"graph", "Corvane graph MATRIX.csv --out DIR", "Parses.", runGraph}};
+    return all;
+}
+
+const Command &commandWithoutName()
+{
+    static const Command none{};
+    return none;
+}
+
+} // namespace corvane

@@ -1,0 +1,380 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// The command "compute" from files to tables, as a user runs it.
+#include "tests/host/compute/compute_fixture.h"
+
+#include <Eigen/LU>
+#include <QJsonArray>
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+class Compute : public ComputeCommand
+{
+};
+
+void expectConnectivity(const Eigen::MatrixXf &actual, const Eigen::MatrixXd &series,
+                        Eigen::Index first, Eigen::Index count, double tolerance)
+{
+    ASSERT_EQ(actual.rows(), series.rows());
+    ASSERT_EQ(actual.cols(), series.rows());
+    for (Eigen::Index a = 0; a < actual.rows(); ++a) {
+        EXPECT_EQ(actual(a, a), 0.0f);
+        for (Eigen::Index b = 0; b < actual.cols(); ++b) {
+            if (a != b) {
+                EXPECT_NEAR(actual(a, b), std::abs(pearson(series, a, b, first, count)), tolerance)
+                    << a << "," << b;
+            }
+        }
+    }
+}
+
+TEST_F(Compute, WritesTheTablesOfTheWholeRun)
+{
+    const ProgramRun run =
+        runCorvane(arguments({QStringLiteral("--seeds"), QStringLiteral("2,0,1")}));
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    EXPECT_EQ(outputs(), (QStringList{"connectivity.csv", "features.csv", "mst.csv", "summary.json",
+                                      "timeseries.csv"}));
+    const Eigen::MatrixXd expected = nodes({2, 0, 1});
+    const Eigen::MatrixXf series = table("timeseries.csv");
+    ASSERT_EQ(series.rows(), 3);
+    ASSERT_EQ(series.cols(), volumes);
+    EXPECT_LT((series.cast<double>() - expected).cwiseAbs().maxCoeff(), 1e-3);
+    expectConnectivity(table("connectivity.csv"), expected, 0, volumes, 1e-5);
+}
+
+TEST_F(Compute, KeepsTheStrongestLinksInTheTree)
+{
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--seeds"), QStringLiteral("0,1,2")})).status,
+              0);
+    const Eigen::MatrixXf weights = table("connectivity.csv");
+    const Eigen::MatrixXf tree = table("mst.csv");
+    float weakest = std::min({weights(0, 1), weights(0, 2), weights(1, 2)});
+    for (int a = 0; a < 3; ++a) {
+        for (int b = 0; b < 3; ++b)
+            EXPECT_EQ(tree(a, b), weights(a, b) == weakest ? 0.0f : weights(a, b));
+    }
+}
+
+TEST_F(Compute, TakesAllVoisAndTreatsTheEmptyOnesNaN)
+{
+    const ProgramRun run = runCorvane(arguments());
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    const Eigen::MatrixXf connectivity = table("connectivity.csv");
+    ASSERT_EQ(connectivity.rows(), 4);
+    EXPECT_TRUE(connectivity.row(3).isZero()); // the clean-up takes NaN for no connection
+    EXPECT_TRUE(table("timeseries.csv").row(3).isZero());
+    const QJsonArray nodeList = summary().value("nodes").toArray();
+    ASSERT_EQ(nodeList.size(), 4);
+    EXPECT_EQ(nodeList.at(0).toObject().value("name").toString(), "V, one");
+    EXPECT_EQ(nodeList.at(0).toObject().value("voxels").toInt(), 2);
+    EXPECT_EQ(nodeList.at(3).toObject().value("name").toString(), "none (empty)");
+    EXPECT_EQ(nodeList.at(3).toObject().value("voxels").toInt(), 0);
+}
+
+TEST_F(Compute, WritesOneMatrixPerIntervalWithTheProtocolOfTheVtc)
+{
+    const ProgramRun run = runCorvane(arguments(
+        {QStringLiteral("--use-protocol"), QStringLiteral("--seeds"), QStringLiteral("0,1,2")},
+        "linked.vtc"));
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    EXPECT_THAT(outputs(),
+                testing::UnorderedElementsAre(
+                    "connectivity_0_left_right.csv", "connectivity_1_rest, eyes \"open\".csv",
+                    "connectivity_2_left_right.csv", "connectivity_3_cue.csv",
+                    "mst_0_left_right.csv", "mst_1_rest, eyes \"open\".csv", "mst_2_left_right.csv",
+                    "mst_3_cue.csv", "timeseries.csv", "features.csv", "summary.json"));
+    const Eigen::MatrixXd series = nodes({0, 1, 2});
+    expectConnectivity(table("connectivity_0_left_right.csv"), series, 0, 10, 1e-4);
+    expectConnectivity(table("connectivity_1_rest, eyes \"open\".csv"), series, 10, 10, 1e-4);
+    expectConnectivity(table("connectivity_2_left_right.csv"), series, 20, 10, 1e-4);
+    EXPECT_TRUE(table("connectivity_3_cue.csv").isZero()); // one volume: nothing to correlate
+    const QJsonArray slices = summary().value("slices").toArray();
+    ASSERT_EQ(slices.size(), 4);
+    EXPECT_EQ(slices.at(1).toObject().value("condition").toString(), "rest, eyes \"open\"");
+    EXPECT_FALSE(slices.at(1).toObject().value("event").toBool());
+    EXPECT_TRUE(slices.at(3).toObject().value("event").toBool());
+    EXPECT_EQ(slices.at(0).toObject().value("connectivity").toString(),
+              "connectivity_0_left_right.csv");
+}
+
+TEST_F(Compute, TakesTheProtocolThatIsNamed)
+{
+    Prt other;
+    other.conditions = {{QStringLiteral("only"), {{5, 30}}}};
+    writePrtFile(folder.path("other.prt"), other);
+    const ProgramRun run =
+        runCorvane(arguments({QStringLiteral("--use-protocol"), QStringLiteral("--prt"),
+                              folder.path("other.prt"), QStringLiteral("--no-mst")},
+                             "linked.vtc"));
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    EXPECT_THAT(outputs(), testing::UnorderedElementsAre("connectivity_0_only.csv", "features.csv",
+                                                         "summary.json", "timeseries.csv"));
+    EXPECT_EQ(summary().value("inputs").toObject().value("protocol").toObject().value("file"),
+              folder.path("other.prt"));
+}
+
+TEST_F(Compute, TreatsTheSignsAsAsked)
+{
+    // A run and its mirror image go against each other.
+    VtcInfo vtc = info();
+    std::vector<short> all = samples();
+    const auto second = static_cast<std::size_t>(volumes); // lattice point (1, 0, 0)
+    for (std::size_t t = 0; t < volumes; ++t)
+        all[second + t] = static_cast<short>(3000 - all[t]);
+    putBytes(folder.path("run.vtc"), vtcBytes(vtc, all));
+    VoiSet set;
+    set.vois = {{QStringLiteral("a"), 1, 1, 1, {{{60, 70, 80}}}},
+                {QStringLiteral("b"), 2, 2, 2, {{{63, 70, 80}}}}};
+    writeVoiFile(folder.path("set.voi"), set);
+    const auto entry = [&](const char *values) {
+        EXPECT_EQ(
+            runCorvane(arguments({QStringLiteral("--values"), QString::fromUtf8(values)})).status,
+            0);
+        return table("connectivity.csv")(0, 1);
+    };
+    EXPECT_NEAR(entry("absolute"), 1.0f, 1e-5f);
+    EXPECT_EQ(entry("positive"), 0.0f);
+    EXPECT_NEAR(entry("negative"), 1.0f, 1e-5f);
+}
+
+TEST_F(Compute, ComputesThePartialMeasure)
+{
+    ASSERT_EQ(
+        runCorvane(arguments({QStringLiteral("--measure"), QStringLiteral("partial-correlation"),
+                              QStringLiteral("--seeds"), QStringLiteral("0,1,2")}))
+            .status,
+        0);
+    const Eigen::MatrixXd series = nodes({0, 1, 2});
+    Eigen::MatrixXd c(3, 3);
+    for (int a = 0; a < 3; ++a) {
+        for (int b = 0; b < 3; ++b)
+            c(a, b) = pearson(series, a, b, 0, volumes);
+    }
+    const Eigen::MatrixXd p = c.inverse();
+    const Eigen::MatrixXf actual = table("connectivity.csv");
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            const auto entry = [&](int a, int b) {
+                return std::abs(p(a, b) / std::sqrt(p(a, a) * c(b, b)));
+            };
+            // The clean-up takes the mean of both triangles and clears the diagonal.
+            const double expected = i == j ? 0.0 : (entry(i, j) + entry(j, i)) / 2.0;
+            EXPECT_NEAR(actual(i, j), expected, 1e-4 * std::max(1.0, expected));
+        }
+    }
+}
+
+TEST_F(Compute, WritesTheMeasuresOfEveryNode)
+{
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--seeds"), QStringLiteral("0,1,2")})).status,
+              0);
+    const QList<QByteArray> lines = bytesOf(folder.path("out/features.csv")).trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines.at(0), "slice,node,name,clustering_coeff,local_efficiency,degree,"
+                           "eigenvector_centrality,strength,nodal_global_efficiency,"
+                           "global_efficiency");
+    EXPECT_TRUE(lines.at(1).startsWith("0,0,\"V, one\","));
+    const Eigen::MatrixXf weights = table("connectivity.csv");
+    const QList<QByteArray> second = lines.at(2).split(',');
+    ASSERT_EQ(second.size(), 10);
+    EXPECT_EQ(second.at(2), "two");
+    EXPECT_EQ(second.at(5).toFloat(), 2.0f);
+    EXPECT_NEAR(second.at(7).toFloat(), weights.row(1).sum(), 1e-6f);
+}
+
+TEST_F(Compute, WritesTheMeasuresOfEverySliceWithItsCondition)
+{
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--use-protocol")}, "linked.vtc")).status, 0);
+    const QList<QByteArray> lines = bytesOf(folder.path("out/features.csv")).trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 1 + 4 * 4);
+    EXPECT_TRUE(lines.at(0).startsWith("slice,condition,event,node,name,clustering_coeff,"));
+    EXPECT_TRUE(lines.at(1).startsWith("0,left/right,0,0,\"V, one\","));
+    EXPECT_TRUE(lines.at(5).startsWith("1,\"rest, eyes \"\"open\"\"\",0,0,"));
+    EXPECT_TRUE(lines.at(16).startsWith("3,cue,1,3,none (empty),"));
+}
+
+TEST_F(Compute, NamesItsInputsAndSettingsInTheSummary)
+{
+    ASSERT_EQ(runCorvane(arguments({}, "linked.vtc")).status, 0);
+    const QJsonObject inputs = summary().value("inputs").toObject();
+    EXPECT_EQ(inputs.value("anatomy").toObject().value("file"), folder.path("a.vmr"));
+    EXPECT_EQ(inputs.value("anatomy").toObject().value("sha1").toString().size(), 40);
+    EXPECT_EQ(inputs.value("vtc").toObject().value("samples checksum").toString(),
+              VtcFile(folder.path("run.vtc")).info().checksum);
+    EXPECT_EQ(inputs.value("protocol").toObject().value("file"), folder.path("task.prt"));
+    const QJsonObject settings = summary().value("settings").toObject();
+    EXPECT_EQ(settings.value("measure"), "correlation");
+    EXPECT_EQ(settings.value("values"), "absolute");
+    EXPECT_EQ(settings.value("spanning tree"), true);
+    EXPECT_EQ(settings.value("use protocol"), false);
+    EXPECT_EQ(summary().value("volumes"), volumes);
+    EXPECT_EQ(summary().value("repetition time in seconds"), 2);
+    EXPECT_FALSE(summary().value("versions").toObject().value("Nodalis").toString().isEmpty());
+}
+
+TEST_F(Compute, GivesTheSameBytesEachTime)
+{
+    ASSERT_EQ(runCorvane(arguments({}, "linked.vtc")).status, 0);
+    std::vector<QByteArray> before;
+    for (const QString &name : outputs())
+        before.push_back(bytesOf(folder.path("out/" + name)));
+    ASSERT_EQ(runCorvane(arguments({}, "linked.vtc")).status, 0);
+    std::vector<QByteArray> after;
+    for (const QString &name : outputs())
+        after.push_back(bytesOf(folder.path("out/" + name)));
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(Compute, SaysWhichVoxelsLieOutsideTheRun)
+{
+    VoiSet set = vois();
+    set.vois[1].voxels.push_back({{200, 200, 200}});
+    writeVoiFile(folder.path("set.voi"), set);
+    const ProgramRun run = runCorvane(arguments());
+    ASSERT_EQ(run.status, 0);
+    const char *line = "Plugin> 1 of 2 voxels lie outside the VTC and count as 0 in VOI two";
+    EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr(line));
+    EXPECT_TRUE(summary().value("warnings").toArray().contains(QString::fromUtf8(line)));
+}
+
+TEST_F(Compute, CutsAnIntervalBeyondTheRun)
+{
+    Prt prt;
+    prt.conditions = {{QStringLiteral("late"), {{31, 400}}}, {QStringLiteral("never"), {{90, 99}}}};
+    writePrtFile(folder.path("task.prt"), prt);
+    const ProgramRun run = runCorvane(arguments(
+        {QStringLiteral("--use-protocol"), QStringLiteral("--seeds"), QStringLiteral("0,1,2")},
+        "linked.vtc"));
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    expectConnectivity(table("connectivity_0_late.csv"), nodes({0, 1, 2}), 30, 10, 1e-4);
+    EXPECT_TRUE(table("connectivity_1_never.csv").isZero());
+}
+
+// What can go wrong
+
+TEST_F(Compute, RefusesInputThatIsBadInOneLine)
+{
+    putBytes(folder.path("cut.vtc"), runFile(QString()).chopped(1));
+    putBytes(folder.path("bad.voi"), "{");
+    putBytes(folder.path("bad.vmr"), "NRRD");
+    putBytes(folder.path("bad.prt"), "x");
+    VoiSet coarse = vois();
+    coarse.resolution[1] = 2;
+    writeVoiFile(folder.path("coarse.voi"), coarse);
+
+    struct Case {
+        const char *option;
+        QString value;
+        const char *says;
+    };
+    const std::vector<Case> cases = {
+        {"--anatomy", folder.path("missing.vmr"), "missing.vmr"},
+        {"--anatomy", folder.path("bad.vmr"), "bad.vmr"},
+        {"--vtc", folder.path("missing.vtc"), "missing.vtc"},
+        {"--vtc", folder.path("cut.vtc"), "cut.vtc"},
+        {"--voi", folder.path("missing.voi"), "missing.voi"},
+        {"--voi", folder.path("bad.voi"), "bad.voi"},
+        {"--voi", folder.path("coarse.voi"), "1 x 2 x 1 mm"},
+        {"--prt", folder.path("missing.prt"), "missing.prt"},
+        {"--prt", folder.path("bad.prt"), "bad.prt"},
+        {"--seeds", QStringLiteral("0,4"), "seed 4: found 4 VOIs, expected a number from 0 to 3"},
+        {"--out", folder.path("run.vtc/out"), "run.vtc/out"},
+        {"--out", folder.path("run.vtc"), "run.vtc"},
+    };
+    for (const Case &c : cases) {
+        QStringList changed = arguments();
+        const int at = changed.indexOf(QString::fromUtf8(c.option));
+        if (at >= 0)
+            changed[at + 1] = c.value;
+        else
+            changed += {QString::fromUtf8(c.option), c.value};
+        const ProgramRun run = runCorvane(changed);
+        EXPECT_EQ(run.status, 1) << c.says;
+        EXPECT_EQ(run.errorLines(), 1) << run.errors.constData();
+        EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr(c.says));
+        EXPECT_TRUE(run.output.isEmpty()) << run.output.constData();
+        EXPECT_FALSE(QDir(folder.path("out")).exists()) << c.says;
+    }
+}
+
+TEST_F(Compute, WantsProtocolWhereOneIsAskedFor)
+{
+    const ProgramRun run = runCorvane(arguments({QStringLiteral("--use-protocol")}));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errorLines(), 1);
+    EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr("linked protocol: found none"));
+    EXPECT_FALSE(QDir(folder.path("out")).exists());
+}
+
+TEST_F(Compute, SaysThatTheLinkedProtocolIsMissing)
+{
+    QFile::remove(folder.path("task.prt"));
+    const ProgramRun run = runCorvane(arguments({}, "linked.vtc"));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr("task.prt"));
+    EXPECT_EQ(runCorvane(arguments({QStringLiteral("--use-protocol")}, "linked.vtc")).status, 1);
+}
+
+TEST_F(Compute, RefusesWrongUsage)
+{
+    const std::vector<QStringList> wrong = {
+        {QStringLiteral("--seeds"), QStringLiteral("1,x")},
+        {QStringLiteral("--seeds"), QStringLiteral("-1")},
+        {QStringLiteral("--seeds"), QString()},
+        {QStringLiteral("--measure"), QStringLiteral("tangent")},
+        {QStringLiteral("--values"), QStringLiteral("both")},
+        {QStringLiteral("--no-such-option")},
+        {QStringLiteral("stray")},
+    };
+    for (const QStringList &more : wrong) {
+        const ProgramRun run = runCorvane(arguments(more));
+        EXPECT_EQ(run.status, 2) << more.join(' ').toStdString();
+        EXPECT_FALSE(QDir(folder.path("out")).exists());
+    }
+    for (const char *made : {"--vtc", "--voi"}) {
+        QStringList images = arguments();
+        images[images.indexOf(QString::fromUtf8(made)) + 1] = QStringLiteral("image.nii.gz");
+        const ProgramRun run = runCorvane(images);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr("which Corvane import makes"));
+    }
+    for (const char *needed : {"--anatomy", "--vtc", "--voi", "--out"}) {
+        QStringList few = arguments();
+        const int at = few.indexOf(QString::fromUtf8(needed));
+        few.erase(few.begin() + at, few.begin() + at + 2);
+        EXPECT_EQ(runCorvane(few).status, 2) << needed;
+    }
+}
+
+TEST_F(Compute, KeepsOlderTablesWhenItFails)
+{
+    ASSERT_EQ(runCorvane(arguments()).status, 0);
+    const QStringList before = outputs();
+    putBytes(folder.path("set.voi"), "{");
+    EXPECT_EQ(runCorvane(arguments()).status, 1);
+    EXPECT_EQ(outputs(), before);
+}
+
+TEST_F(Compute, LeavesNothingWhenTheDiskIsFull)
+{
+    const ProgramRun run = runProgram(
+        QStringLiteral("/bin/bash"),
+        QStringList{QStringLiteral("-c"), QStringLiteral("trap '' XFSZ; ulimit -f 1; exec \"$@\""),
+                    QStringLiteral("bash"), QStringLiteral(CORVANE_PROGRAM)} +
+            arguments());
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errorLines(), 1) << run.errors.constData();
+    EXPECT_FALSE(QDir(folder.path("out")).exists());
+}
+
+} // namespace
+
+} // namespace corvane

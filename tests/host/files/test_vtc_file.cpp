@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/host/support/host_files.h"
+
+#include <cmath>
+#include <limits>
+
+namespace corvane
+{
+
+namespace
+{
+
+QByteArray altered(const QByteArray &piece, const QByteArray &by)
+{
+    return replaced(smallVtcBytes(), piece, by);
+}
+
+std::string checksumText()
+{
+    const auto samples = numberedSamples<short>(smallVtcInfo());
+    VtcChecksum checksum;
+    checksum.add(samples.data(), static_cast<qint64>(samples.size()), 0);
+    return checksum.text().toStdString();
+}
+
+} // namespace
+
+TEST(VtcFile, GivesBackWhatItsHeaderSays)
+{
+    const TemporaryFolder folder;
+    VtcInfo written = smallVtcInfo();
+    written.linkedProtocol = QString::fromUtf8("Läufe/block.prt");
+    const auto samples = numberedSamples<short>(written);
+    putBytes(folder.path("run.vtc"), vtcBytes(written, samples));
+
+    const VtcFile file(folder.path("run.vtc"));
+    const VtcInfo &info = file.info();
+    EXPECT_EQ(file.path(), folder.path("run.vtc"));
+    EXPECT_EQ(info.xStart, 57);
+    EXPECT_EQ(info.xEnd, 66);
+    EXPECT_EQ(info.yStart, 52);
+    EXPECT_EQ(info.yEnd, 58);
+    EXPECT_EQ(info.zStart, 59);
+    EXPECT_EQ(info.zEnd, 65);
+    EXPECT_EQ(info.resolution, 3);
+    EXPECT_EQ(info.nrOfVolumes, 4);
+    EXPECT_EQ(info.dimX(), 3);
+    EXPECT_EQ(info.dimY(), 2);
+    EXPECT_EQ(info.dimZ(), 2);
+    EXPECT_EQ(info.type, VtcInfo::Short);
+    EXPECT_EQ(info.repetitionTime, 0.72);
+    EXPECT_EQ(info.linkedProtocol, folder.path(QString::fromUtf8("Läufe/block.prt")));
+    EXPECT_EQ(file.floatSamples(), nullptr);
+    ASSERT_NE(file.shortSamples(), nullptr);
+    EXPECT_EQ(std::vector<short>(file.shortSamples(), file.shortSamples() + info.sampleCount()),
+              samples);
+    EXPECT_TRUE(verifyVtcChecksum(file));
+}
+
+TEST(VtcFile, HoldsFloatsAsTheyAre)
+{
+    const TemporaryFolder folder;
+    VtcInfo written = smallVtcInfo(VtcInfo::Float);
+    auto samples = numberedSamples<float>(written);
+    samples[7] = -1.25e-38F;
+    samples[8] = std::numeric_limits<float>::infinity();
+    putBytes(folder.path("run.vtc"), vtcBytes(written, samples));
+
+    const VtcFile file(folder.path("run.vtc"));
+    EXPECT_EQ(file.shortSamples(), nullptr);
+    ASSERT_NE(file.floatSamples(), nullptr);
+    EXPECT_EQ(
+        std::vector<float>(file.floatSamples(), file.floatSamples() + file.info().sampleCount()),
+        samples);
+    EXPECT_TRUE(verifyVtcChecksum(file));
+    EXPECT_TRUE(file.info().linkedProtocol.isEmpty());
+}
+
+TEST(VtcFile, StaysUsableWhenMoved)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("run.vtc"), smallVtcBytes());
+    VtcFile first(folder.path("run.vtc"));
+    const short *samples = first.shortSamples();
+    const VtcFile second(std::move(first));
+    EXPECT_EQ(second.shortSamples(), samples);
+    EXPECT_EQ(second.shortSamples()[23], 3);
+}
+
+TEST(VtcFile, ChecksumTellsADamagedSample)
+{
+    const TemporaryFolder folder;
+    QByteArray bytes = smallVtcBytes();
+    bytes[bytes.size() - 1] = static_cast<char>(bytes[bytes.size() - 1] ^ 1);
+    putBytes(folder.path("run.vtc"), bytes);
+    EXPECT_FALSE(verifyVtcChecksum(VtcFile(folder.path("run.vtc"))));
+}
+
+TEST(VtcFile, WritingThroughThePointerLeavesTheFile)
+{
+    const TemporaryFolder folder;
+    const QByteArray bytes = smallVtcBytes();
+    putBytes(folder.path("run.vtc"), bytes);
+    {
+        const VtcFile file(folder.path("run.vtc"));
+        const_cast<short *>(file.shortSamples())[0] = 1234;
+        EXPECT_EQ(file.shortSamples()[0], 1234);
+    }
+    EXPECT_EQ(bytesOf(folder.path("run.vtc")), bytes);
+}
+
+TEST(VtcHeader, HasTheSameLengthWithAndWithoutItsChecksum)
+{
+    VtcInfo info = smallVtcInfo();
+    const QByteArray empty = vtcFileHeader(info);
+    info.checksum = QStringLiteral("0123456789abcdef");
+    const QByteArray full = vtcFileHeader(info);
+    EXPECT_EQ(empty.size(), full.size());
+    EXPECT_EQ(empty.size() % 64, 0);
+    EXPECT_NE(empty, full);
+}
+
+TEST(VtcHeader, IsAlignedForEveryLengthOfItsTexts)
+{
+    const TemporaryFolder folder;
+    VtcInfo info = smallVtcInfo(VtcInfo::Float);
+    for (int length = 1; length <= 130; ++length) {
+        info.linkedProtocol = QString(length, QLatin1Char('p'));
+        const QByteArray bytes = vtcBytes(info, numberedSamples<float>(info));
+        EXPECT_EQ(vtcFileHeader(info).size() % 64, 0);
+        putBytes(folder.path("run.vtc"), bytes);
+        EXPECT_EQ(VtcFile(folder.path("run.vtc")).info().linkedProtocol,
+                  folder.path(info.linkedProtocol));
+    }
+}
+
+TEST(VtcHeader, KeepsEveryRepetitionTimeExactly)
+{
+    const TemporaryFolder folder;
+    VtcInfo info = smallVtcInfo();
+    for (double seconds : {0.72, 0.8, 1.35, 1.6, 2.2, 2.0, 1e-3, 0.1 + 0.2, 1.0 / 3.0, 1e9}) {
+        info.repetitionTime = seconds;
+        putBytes(folder.path("run.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+        EXPECT_EQ(VtcFile(folder.path("run.vtc")).info().repetitionTime, seconds);
+    }
+}
+
+TEST(VtcHeader, KeepsOddPathsOfProtocols)
+{
+    const TemporaryFolder folder;
+    for (const char *path : {"/a\\b.prt", "/back\\n.prt", "/line\nfeed.prt", "/a:=b: c.prt",
+                             "/ blanks .prt", "/\xc3\xa9\xf0\x9f\xa7\xa0.prt", "/#.prt"}) {
+        const QString protocol = QString::fromUtf8(path);
+        putBytes(folder.path("run.vtc"), smallVtcBytes(protocol));
+        EXPECT_EQ(VtcFile(folder.path("run.vtc")).info().linkedProtocol, protocol) << path;
+    }
+}
+
+TEST(VtcHeader, RefusesWhatTheReaderWouldRefuse)
+{
+    const auto error = [](auto change) {
+        VtcInfo info = smallVtcInfo();
+        change(info);
+        return errorOf([&] { vtcFileHeader(info); });
+    };
+    EXPECT_EQ(error([](VtcInfo &) {}), "no error");
+    EXPECT_EQ(error([](VtcInfo &info) { info.nrOfVolumes = 0; }),
+              ".vtc: sizes: found 0 volumes, expected 1 or more");
+    EXPECT_EQ(error([](VtcInfo &info) { info.resolution = 0; }),
+              ".vtc: spacings: found a resolution of 0, expected 1 to 256 VMR voxels");
+    EXPECT_EQ(error([](VtcInfo &info) { info.xEnd = info.xStart; }),
+              ".vtc: sizes: found a box from 57 to 57, expected a whole number of samples, "
+              "1 or more");
+    EXPECT_EQ(error([](VtcInfo &info) { info.yEnd += 1; }),
+              ".vtc: sizes: found a box from 52 to 59, expected a whole number of samples, "
+              "1 or more");
+    EXPECT_EQ(error([](VtcInfo &info) { info.zEnd = info.zStart - 3; }),
+              ".vtc: sizes: found a box from 59 to 56, expected a whole number of samples, "
+              "1 or more");
+    EXPECT_EQ(error([](VtcInfo &info) { info.xStart = -1; }),
+              ".vtc: box start: found -1, expected 0 to 255");
+    EXPECT_EQ(error([](VtcInfo &info) { info.xEnd = 57 + 3 * 68; }),
+              ".vtc: sizes: found a last sample at VMR voxel 258, expected all samples at 0 to "
+              "255");
+    EXPECT_EQ(error([](VtcInfo &info) { info.xEnd = 57 + 3 * 67; }), "no error");
+    EXPECT_EQ(error([](VtcInfo &info) { info.repetitionTime = 0; }),
+              ".vtc: spacings: found a repetition time of 0, expected seconds above 0");
+    EXPECT_EQ(error([](VtcInfo &info) { info.repetitionTime = std::nan(""); }),
+              ".vtc: spacings: found a repetition time of nan, expected seconds above 0");
+    EXPECT_EQ(error([](VtcInfo &info) { info.checksum = QStringLiteral("12"); }),
+              ".vtc: samples checksum: found \"12\", expected 16 lower-case hexadecimal digits");
+}
+
+TEST(LinkedProtocolText, IsRelativeInAndBelowTheFolderOfTheVtc)
+{
+    const auto text = [](const char *vtc, const char *prt) {
+        return linkedProtocolText(QString::fromUtf8(vtc), QString::fromUtf8(prt)).toStdString();
+    };
+    EXPECT_EQ(text("/data/run.vtc", "/data/block.prt"), "block.prt");
+    EXPECT_EQ(text("/data/run.vtc", "/data/sub/block.prt"), "sub/block.prt");
+    EXPECT_EQ(text("/data/run.vtc", "/data/sub/../block.prt"), "block.prt");
+    EXPECT_EQ(text("/data/run.vtc", "/other/block.prt"), "/other/block.prt");
+    EXPECT_EQ(text("/data/run.vtc", "/database/block.prt"), "/database/block.prt");
+    EXPECT_EQ(text("run.vtc", "block.prt"), "block.prt");
+    EXPECT_EQ(text("/data/run.vtc", "/data/..block.prt"), "..block.prt");
+    EXPECT_EQ(text("/data/run.vtc", ""), "");
+}
+
+class BadVtc : public testing::TestWithParam<BadFile>
+{
+};
+
+TEST_P(BadVtc, IsRefusedInOneLine)
+{
+    const TemporaryFolder folder;
+    const QString path = folder.path("bad.vtc");
+    putBytes(path, GetParam().bytes);
+    EXPECT_EQ(errorOf([&] { VtcFile file(path); }), path.toStdString() + ": " + GetParam().says);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, BadVtc,
+    testing::Values(
+        BadFile{"Empty", "", "header: found an empty file, expected \"NRRD0004\""},
+        BadFile{"WrongMagic", "GIF89a\n",
+                "line 1: found \"GIF89a\", expected \"NRRD0004\" or \"NRRD0005\""},
+        BadFile{"MagicOfNoText", QByteArray("\x89PNG\0\xff", 6),
+                "line 1: found \"\\x89PNG\\x00\\xff\", expected \"NRRD0004\" or \"NRRD0005\""},
+        BadFile{"OldVersion", altered("NRRD0004", "NRRD0003"),
+                "line 1: found \"NRRD0003\", expected \"NRRD0004\" or \"NRRD0005\""},
+        BadFile{"HeaderCutShort", smallVtcBytes().left(100),
+                "line 6: found the end of the file, expected the empty line that ends the header"},
+        BadFile{"NoEndOfHeader", "NRRD0004\n" + QByteArray(70000, '#'),
+                "line 2: found a header of more than 65536 bytes, expected the empty line that "
+                "ends the header"},
+        BadFile{"DataCutShort", smallVtcBytes().chopped(1),
+                "data: found 95 bytes, expected 96 bytes (4 x 3 x 2 x 2 samples of 2 bytes)"},
+        BadFile{"NoData", smallVtcBytes().chopped(96),
+                "data: found 0 bytes, expected 96 bytes (4 x 3 x 2 x 2 samples of 2 bytes)"},
+        BadFile{"TrailingBytes", smallVtcBytes() + "x",
+                "data: found 97 bytes, expected 96 bytes (4 x 3 x 2 x 2 samples of 2 bytes)"},
+        BadFile{"UnknownField", altered("endian: little", "endian: little\nthickness: 2"),
+                "line 9: found the field \"thickness\", expected one of type, dimension, sizes, "
+                "kinds, spacings, units, endian, encoding, content"},
+        BadFile{"UnknownKey", altered("vtc version:=1", "vtc version:=1\nsubject:=3"),
+                "line 11: found the key \"subject\", expected one of vtc version, box start, "
+                "linked protocol, samples checksum"},
+        BadFile{"FieldTwice", altered("endian: little", "endian: little\ntype: float"),
+                "line 9: found \"type\" again, expected it once, as in line 2"},
+        BadFile{"NoField", altered("encoding: raw\n", ""),
+                "header: found no \"encoding\", expected it once"},
+        BadFile{"NoKey", altered("box start:=57 52 59\n", ""),
+                "header: found no \"box start\", expected it once"},
+        BadFile{"LineWithoutColon", altered("endian: little", "endian little"),
+                "line 8: found \"endian little\", expected \"field: value\" or \"key:=value\""},
+        BadFile{"WindowsLineEnds", smallVtcBytes().replace("\n", "\r\n"),
+                "line 1: found \"NRRD0004\\r\", expected \"NRRD0004\" or \"NRRD0005\""},
+        BadFile{"UnknownVersion", altered("vtc version:=1", "vtc version:=2"),
+                "line 10 (vtc version): found \"2\", expected \"1\""},
+        BadFile{"ThreeAxes", altered("dimension: 4", "dimension: 3"),
+                "line 3 (dimension): found \"3\", expected \"4\""},
+        BadFile{"OtherType", altered("type: short", "type: double"),
+                "line 2 (type): found \"double\", expected \"short\" or \"float\""},
+        BadFile{"TypeOfAnotherSize", altered("type: short", "type: float"),
+                "data: found 96 bytes, expected 192 bytes (4 x 3 x 2 x 2 samples of 4 bytes)"},
+        BadFile{"BigEndian", altered("endian: little", "endian: big"),
+                "line 8 (endian): found \"big\", expected \"little\""},
+        BadFile{"Compressed", altered("encoding: raw", "encoding: gzip"),
+                "line 9 (encoding): found \"gzip\", expected \"raw\""},
+        BadFile{"OtherUnits", altered("units: \"s\"", "units: \"ms\""),
+                "line 7 (units): found \"\"ms\" \"mm\" \"mm\" \"mm\"\", expected \"\"s\" \"mm\" "
+                "\"mm\" \"mm\"\""},
+        BadFile{"TimeNotFirst", altered("time domain domain domain", "domain domain domain time"),
+                "line 5 (kinds): found \"domain domain domain time\", expected \"time domain "
+                "domain domain\""},
+        BadFile{"NegativeSize", altered("sizes: 4 3 2 2", "sizes: 4 3 -2 2"),
+                "line 4 (sizes): found \"-2\", expected a whole number from 1 to 2147483647"},
+        BadFile{"ZeroVolumes", altered("sizes: 4 3 2 2", "sizes: 0 3 2 2"),
+                "line 4 (sizes): found \"0\", expected a whole number from 1 to 2147483647"},
+        BadFile{"ThreeSizes", altered("sizes: 4 3 2 2", "sizes: 4 3 2"),
+                "line 4 (sizes): found \"4 3 2\", expected 4 values"},
+        BadFile{"SizeNoNumber", altered("sizes: 4 3 2 2", "sizes: 4 3 2 2x"),
+                "line 4 (sizes): found \"2x\", expected a whole number from 1 to 2147483647"},
+        BadFile{"SizeWithPoint", altered("sizes: 4 3 2 2", "sizes: 4.0 3 2 2"),
+                "line 4 (sizes): found \"4.0\", expected a whole number from 1 to 2147483647"},
+        BadFile{"HugeVolumes", altered("sizes: 4 3 2 2", "sizes: 2147483647 3 2 2"),
+                "data: found 96 bytes, expected 51539607528 bytes (2147483647 x 3 x 2 x 2 samples "
+                "of 2 bytes)"},
+        BadFile{"SizeBeyondInt", altered("sizes: 4 3 2 2", "sizes: 4294967296 3 2 2"),
+                "line 4 (sizes): found \"4294967296\", expected a whole number from 1 to "
+                "2147483647"},
+        BadFile{"SizeBeyond64Bits", altered("sizes: 4 3 2 2", "sizes: 99999999999999999999 3 2 2"),
+                "line 4 (sizes): found \"99999999999999999999\", expected a whole number from 1 "
+                "to 2147483647"},
+        BadFile{"BoxTooLarge", altered("sizes: 4 3 2 2", "sizes: 4 257 2 2"),
+                "line 4 (sizes): found 257, expected 1 to 256 samples on each axis of the box"},
+        BadFile{"HugeProduct",
+                altered("sizes: 4 3 2 2", "sizes: 2147483647 2147483647 2147483647 2147483647"),
+                "line 4 (sizes): found 2147483647, expected 1 to 256 samples on each axis of the "
+                "box"},
+        BadFile{"SamplesOutsideTheCube", altered("box start:=57 52 59", "box start:=250 52 59"),
+                "line 4 (sizes): found a last sample at VMR voxel 256, expected all samples at 0 "
+                "to 255"},
+        BadFile{"NegativeStart", altered("box start:=57 52 59", "box start:=57 -52 59"),
+                "line 11 (box start): found \"-52\", expected a whole number from 0 to 255"},
+        BadFile{"StartBeyondTheCube", altered("box start:=57 52 59", "box start:=57 52 256"),
+                "line 11 (box start): found \"256\", expected a whole number from 0 to 255"},
+        BadFile{"TwoStarts", altered("box start:=57 52 59", "box start:=57 52"),
+                "line 11 (box start): found \"57 52\", expected 3 values"},
+        BadFile{"NotANumberForRepetitionTime",
+                altered("spacings: 0.72 3 3 3", "spacings: nan 3 3 3"),
+                "line 6 (spacings): found \"nan\", expected seconds above 0"},
+        BadFile{"InfiniteRepetitionTime", altered("spacings: 0.72 3 3 3", "spacings: inf 3 3 3"),
+                "line 6 (spacings): found \"inf\", expected seconds above 0"},
+        BadFile{"OverflowingRepetitionTime",
+                altered("spacings: 0.72 3 3 3", "spacings: 1e999 3 3 3"),
+                "line 6 (spacings): found \"1e999\", expected seconds above 0"},
+        BadFile{"ZeroRepetitionTime", altered("spacings: 0.72 3 3 3", "spacings: 0 3 3 3"),
+                "line 6 (spacings): found a repetition time of 0, expected seconds above 0"},
+        BadFile{"NegativeRepetitionTime", altered("spacings: 0.72 3 3 3", "spacings: -2 3 3 3"),
+                "line 6 (spacings): found a repetition time of -2, expected seconds above 0"},
+        BadFile{"ZeroResolution", altered("spacings: 0.72 3 3 3", "spacings: 2 0 0 0"),
+                "line 6 (spacings): found \"0\", expected a whole number from 1 to 256"},
+        BadFile{"NegativeResolution", altered("spacings: 0.72 3 3 3", "spacings: 2 -3 -3 -3"),
+                "line 6 (spacings): found \"-3\", expected a whole number from 1 to 256"},
+        BadFile{"UnequalResolutions", altered("spacings: 0.72 3 3 3", "spacings: 2 3 3 4"),
+                "line 6 (spacings): found \"2 3 3 4\", expected one resolution for all three "
+                "axes"},
+        BadFile{"NotANumberForResolution",
+                altered("spacings: 0.72 3 3 3", "spacings: 2 nan nan nan"),
+                "line 6 (spacings): found \"nan\", expected a whole number from 1 to 256"},
+        BadFile{"LongChecksum", altered("samples checksum:=", "samples checksum:=0"),
+                "line 12 (samples checksum): found \"0" + checksumText() +
+                    "\", expected 16 lower-case hexadecimal digits"},
+        BadFile{"EmptyChecksum", altered(checksumText().c_str(), ""),
+                "line 12 (samples checksum): found \"\", expected 16 lower-case hexadecimal "
+                "digits"},
+        BadFile{"ProtocolNotUtf8",
+                replaced(smallVtcBytes(QStringLiteral("block.prt")), "block", "bl\366ck"),
+                "line 12: found \"linked protocol:=bl\\xf6ck.prt\", expected UTF-8"},
+        BadFile{"EmptyProtocol",
+                replaced(smallVtcBytes(QStringLiteral("block.prt")), "block.prt", ""),
+                "line 12 (linked protocol): found \"\", expected a path"},
+        BadFile{"Misaligned", altered("#", "#x"),
+                "data: found a header of 257 bytes, expected a multiple of 2"}),
+    nameOf);
+
+} // namespace corvane

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A folder of libraries, most of which are no plugins or do not work. This program exports the
+// host's functions, as the host does.
+#include "host/session/host_functions.h"
+#include "host/session/log.h"
+#include "host/session/plugin_loader.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLibrary>
+#include <gmock/gmock.h>
+
+namespace corvane
+{
+
+namespace
+{
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class PluginLoader : public testing::Test
+{
+protected:
+    PluginLoader()
+    {
+        setLogSink([this](const QString &text) { log.push_back(text.toStdString()); });
+        setMessageSink([this](const QString &text) { messages.push_back(text.toStdString()); });
+    }
+    ~PluginLoader() override
+    {
+        setLogSink({});
+        setMessageSink({});
+    }
+
+    std::string faultOf(const QString &name)
+    {
+        try {
+            Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/") + name);
+            plugin.start();
+        } catch (const PluginError &error) {
+            return error.what();
+        }
+        return "none";
+    }
+
+    std::vector<std::string> log;
+    std::vector<std::string> messages;
+};
+
+} // namespace
+
+TEST_F(PluginLoader, ListsThePluginsOfAFolderAndSaysWhyTheOthersAreNone)
+{
+    const auto plugins = loadPlugins(QStringLiteral(PLUGIN_FOLDER));
+    QStringList names;
+    for (const auto &plugin : plugins) {
+        names += plugin->name();
+        EXPECT_EQ(plugin->author(), QStringLiteral("<i>The Testers</i>"));
+        EXPECT_TRUE(QFileInfo(plugin->path()).isAbsolute());
+    }
+    EXPECT_EQ(names.join(QLatin1String(", ")).toStdString(),
+              "Plugin & create gives none, Plugin & create throws, Plugin & execute fails, "
+              "Plugin & execute throws, Plugin & none, Plugin & init throws, "
+              "Plugin & init throws a number, Plugin & refuses, Plugin & refuses silently");
+    EXPECT_THAT(
+        log, ElementsAre(HasSubstr("empty_name.so is no plugin: its name is empty."),
+                         HasSubstr("name_throws.so getPluginName failed: what name."),
+                         HasSubstr("no_author.so is no plugin: it does not export getAuthor."),
+                         HasSubstr("no_exports.so is no plugin: it does not export createPlugin."),
+                         HasSubstr("no_library.so cannot be loaded: "),
+                         HasSubstr("no_name.so is no plugin: getPluginName gives no text."),
+                         HasSubstr("other_host.so was built for another version of the host: it "
+                                   "needs zqNeverThere, which version 3.0.0 does not have.")));
+    EXPECT_THAT(messages, IsEmpty());
+}
+
+TEST_F(PluginLoader, SaysThatThereIsNoFolder)
+{
+    EXPECT_THAT(loadPlugins(QStringLiteral("/nowhere/plugins")), IsEmpty());
+    EXPECT_THAT(log, ElementsAre("There is no plugin folder /nowhere/plugins."));
+}
+
+TEST_F(PluginLoader, InitialisesOnceAndExecutesAtEveryStart)
+{
+    {
+        Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/good.so"));
+        EXPECT_THAT(log, IsEmpty());
+        plugin.start();
+        EXPECT_THAT(log, ElementsAre("initPlugin", "execute"));
+        plugin.start();
+        EXPECT_THAT(log, ElementsAre("initPlugin", "execute", "execute"));
+    }
+    EXPECT_THAT(log, ElementsAre("initPlugin", "execute", "execute", "deleted"));
+    // A second handle that may unload, and does not: the library stays.
+    QLibrary library(QStringLiteral(PLUGIN_FOLDER "/good.so"));
+    EXPECT_TRUE(library.load());
+}
+
+TEST_F(PluginLoader, BeginsAnewAfterARefusal)
+{
+    Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/refuses.so"));
+    for (int n = 1; n <= 2; ++n) {
+        EXPECT_THROW(plugin.start(), PluginError);
+        EXPECT_EQ(log.size(), static_cast<std::size_t>(2 * n));
+        EXPECT_EQ(log.back(), "deleted");
+    }
+}
+
+TEST_F(PluginLoader, ShowsWhatARefusingPluginSaysAndRepeatsIt)
+{
+    EXPECT_EQ(faultOf(QStringLiteral("refuses.so")), "it refuses: Not without an anatomy.");
+    EXPECT_THAT(messages, ElementsAre("Not without\nan anatomy."));
+    // The sink is the one from before.
+    showMessage(QStringLiteral("afterwards"));
+    EXPECT_THAT(messages, ElementsAre("Not without\nan anatomy.", "afterwards"));
+}
+
+TEST_F(PluginLoader, SaysWhatWentWrongInAPlugin)
+{
+    EXPECT_EQ(faultOf(QStringLiteral("create_throws.so")),
+              "createPlugin failed: no plugin\\ntoday");
+    EXPECT_EQ(faultOf(QStringLiteral("create_gives_none.so")), "createPlugin gives no plugin");
+    EXPECT_EQ(faultOf(QStringLiteral("init_throws.so")), "initPlugin failed: not ready");
+    EXPECT_EQ(faultOf(QStringLiteral("init_throws_number.so")),
+              "initPlugin failed with an error that does not say what it is");
+    EXPECT_EQ(faultOf(QStringLiteral("refuses_silently.so")),
+              "it refuses to run in version 3.0.0 of this host and does not say why");
+    EXPECT_EQ(faultOf(QStringLiteral("execute_throws.so")), "execute failed: beyond");
+    EXPECT_EQ(faultOf(QStringLiteral("execute_fails.so")), "execute reports a failure");
+    EXPECT_EQ(faultOf(QStringLiteral("good.so")), "none");
+}
+
+TEST_F(PluginLoader, TakesTheFolderOfTheEnvironmentOrTheOneBesideTheProgram)
+{
+    qputenv("CORVANE_PLUGINS", "/some/where");
+    EXPECT_EQ(defaultPluginFolder(), QStringLiteral("/some/where"));
+    qunsetenv("CORVANE_PLUGINS");
+    const QString parent = QFileInfo(QCoreApplication::applicationDirPath()).path();
+    EXPECT_EQ(defaultPluginFolder(), parent + QStringLiteral("/lib/corvane/plugins"));
+}
+
+} // namespace corvane

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/host/workbench/host_windows.h"
+
+#include "host/import/example_dataset.h"
+#include "host/session/log.h"
+#include "host/session/workspace.h"
+#include "host/tour/tour.h"
+#include "host/workbench/background_work.h"
+#include "host/workbench/import_dialog.h"
+#include "host/workbench/main_window.h"
+#include "host/workbench/time_course_view.h"
+#include "tests/host/support/host_files.h"
+#include "tests/support/modal_driver.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QSemaphore>
+#include <QSettings>
+#include <QtTest>
+
+namespace corvane
+{
+
+namespace
+{
+
+/// The main window, shown.
+struct Workbench {
+    Workbench()
+    {
+        QSettings().clear();
+        window.show();
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    Workspace workspace;
+    MainWindow window{workspace};
+};
+
+void emptyWorkbench(const LookAtWindow &look)
+{
+    Workbench workbench;
+    look(workbench.window);
+}
+
+/// A ball of tissue that gets brighter outward.
+Vmr headVmr()
+{
+    const auto voxels =
+        std::make_shared<std::vector<uchar>>(static_cast<std::size_t>(Vmr::voxelCount));
+    const auto square = [](std::size_t coordinate) {
+        return (double(coordinate) - 128) * (double(coordinate) - 128);
+    };
+    for (std::size_t n = 0; n < voxels->size(); ++n) {
+        const double r = square(n & 255) + square(n >> 8 & 255) + square(n >> 16);
+        (*voxels)[n] = r < 90 * 90 ? static_cast<uchar>(60 + 0.015 * r + double(n % 31)) : uchar(0);
+    }
+    Vmr vmr;
+    vmr.voxels = std::shared_ptr<const void>(voxels, voxels->data());
+    vmr.space = VmrSpace();
+    vmr.space->directions = {{{0, -1, 0}, {0, 0, -1}, {-1, 0, 0}}};
+    vmr.space->origin = {128, 128, 128};
+    return vmr;
+}
+
+/// All kinds of files, with the cross-hair in a VOI and in the run.
+void fullWorkbench(const LookAtWindow &look)
+{
+    const TemporaryFolder folder;
+    writeVmr(folder.path("head.vmr"), headVmr());
+    VoiSet set;
+    set.vois = {{QStringLiteral("left hippocampus"), 220, 60, 60, {{{128, 128, 128}}}},
+                {QStringLiteral("right hippocampus"), 60, 60, 220, {{{131, 128, 110}}}},
+                {QStringLiteral("nothing left of it"), 60, 160, 60, {}}};
+    writeVoiFile(folder.path("areas.voi"), set);
+    Prt prt;
+    prt.conditions = {{QStringLiteral("rest"), {{1, 15}, {31, 45}}},
+                      {QStringLiteral("movement"), {{16, 30}, {46, 60}}}};
+    writePrtFile(folder.path("blocks.prt"), prt);
+    VtcInfo info = smallVtcInfo();
+    info.xStart = info.yStart = info.zStart = 125;
+    info.xEnd = info.yEnd = info.zEnd = 134;
+    info.nrOfVolumes = 60;
+    info.repetitionTime = 2;
+    std::vector<short> samples(static_cast<std::size_t>(info.sampleCount()));
+    for (std::size_t n = 0; n < samples.size(); ++n)
+        samples[n] = static_cast<short>(900 + n * 7919 % 53);
+    putBytes(folder.path("run.vtc"), vtcBytes(info, samples));
+
+    Workbench workbench;
+    workbench.window.openFiles({folder.path("head.vmr"), folder.path("areas.voi"),
+                                folder.path("run.vtc"), folder.path("blocks.prt")});
+    const auto *const course =
+        workbench.window.findChild<TimeCourseView *>(QStringLiteral("timeCourse"));
+    ASSERT_TRUE(QTest::qWaitFor([course] { return !course->scene().samples.empty(); }));
+    look(workbench.window);
+}
+
+void importDialog(const LookAtWindow &look)
+{
+    ImportDialog dialog;
+    dialog.show();
+    look(dialog);
+}
+
+QPushButton *importButton(const ImportDialog &dialog)
+{
+    for (QAbstractButton *button : dialog.findChild<QDialogButtonBox *>()->buttons())
+        if (button->text() == QStringLiteral("&Import"))
+            return qobject_cast<QPushButton *>(button);
+    return nullptr;
+}
+
+ImportRequest exampleRequest(const TemporaryFolder &folder)
+{
+    writeExample(folder.path());
+    ImportRequest request;
+    request.anatomy = folder.path("sub-01_T1w.nii.gz");
+    request.functional = folder.path("sub-01_task-movement_bold.nii.gz");
+    request.atlas = folder.path("sub-01_dseg.nii.gz");
+    request.labels = folder.path("sub-01_dseg.tsv");
+    request.events = folder.path("sub-01_task-movement_events.tsv");
+    request.folder = folder.path();
+    request.name = QStringLiteral("example");
+    return request;
+}
+
+/// The dialog with its previews, before an import that would replace files.
+void withFilledDialog(const std::function<void(ImportDialog &)> &action)
+{
+    const TemporaryFolder folder;
+    ImportDialog dialog;
+    dialog.setRequest(exampleRequest(folder));
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitFor([&dialog] { return importButton(dialog)->isEnabled(); }, 30000));
+    action(dialog);
+}
+
+void filledImportDialog(const LookAtWindow &look)
+{
+    withFilledDialog([&look](ImportDialog &dialog) { look(dialog); });
+}
+
+void replaceQuestion(const LookAtWindow &look)
+{
+    withFilledDialog([&look](ImportDialog &dialog) {
+        ModalDriver driver;
+        driver.expect<QMessageBox>([&look](QMessageBox &box) {
+            look(box);
+            QTest::mouseClick(box.button(QMessageBox::No), Qt::LeftButton);
+        });
+        QTest::mouseClick(importButton(dialog), Qt::LeftButton);
+    });
+}
+
+void progress(const LookAtWindow &look)
+{
+    Workbench workbench;
+    QSemaphore seen;
+    ModalDriver driver;
+    driver.expect<QProgressDialog>([&](QProgressDialog &dialog) {
+        look(dialog);
+        seen.release();
+    });
+    runBehindProgress(&workbench.window, QStringLiteral("Example Dataset"),
+                      [&seen](const WorkWatch &watch) {
+                          watch(30, 100);
+                          seen.acquire();
+                      });
+}
+
+void message(const LookAtWindow &look)
+{
+    Workbench workbench;
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&look](QMessageBox &box) {
+        look(box);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    showMessage(
+        QStringLiteral("/data/sub-01/sub-01_task-rest.vtc: data: found 1200 bytes, expected "
+                       "2400 bytes (100 x 2 x 2 x 3 samples of 2 bytes)"));
+}
+
+void about(const LookAtWindow &look)
+{
+    Workbench workbench;
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&look](QMessageBox &box) {
+        EXPECT_TRUE(box.text().contains(QStringLiteral("Corvane 3.0.0")));
+        look(box);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    for (QAction *action : workbench.window.menuBar()->actions().constLast()->menu()->actions())
+        if (action->menuRole() == QAction::AboutRole)
+            action->trigger();
+}
+
+void tourCaption(const LookAtWindow &look)
+{
+    constexpr int longTime = 1000000; // ms
+    Workbench workbench;
+    Tour tour({{QString(),
+                QStringLiteral("Start the plugin"),
+                QStringLiteral("The Plugins menu lists every plugin with its author. Choosing one "
+                               "starts it; if it cannot run, the log says why."),
+                [&workbench] { return &workbench.window; },
+                {}}});
+    tour.setSpeed(longTime);
+    tour.start();
+    const auto caption = []() -> QWidget * {
+        for (QWidget *top : QApplication::topLevelWidgets())
+            if (qobject_cast<QLabel *>(top) && top->isVisible())
+                return top;
+        return nullptr;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&caption] { return caption() != nullptr; }));
+    look(*caption());
+}
+
+} // namespace
+
+const std::vector<HostWindow> &hostWindows()
+{
+    static const std::vector<HostWindow> all{{"EmptyWorkbench", emptyWorkbench},
+                                             {"FullWorkbench", fullWorkbench},
+                                             {"ImportDialog", importDialog},
+                                             {"FilledImportDialog", filledImportDialog},
+                                             {"ReplaceQuestion", replaceQuestion},
+                                             {"Progress", progress},
+                                             {"Message", message},
+                                             {"About", about},
+                                             {"TourCaption", tourCaption}};
+    return all;
+}
+
+} // namespace corvane

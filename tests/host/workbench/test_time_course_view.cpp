@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/workbench/time_course_view.h"
+
+#include <QImage>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace corvane
+{
+
+namespace
+{
+
+QImage picture(const std::vector<double> &samples, const QSize &size)
+{
+    TimeCourseView view;
+    view.resize(size);
+    TimeCourseScene scene;
+    scene.samples = samples;
+    scene.repetitionTime = 2;
+    view.show(std::move(scene));
+    QImage image(size, QImage::Format_RGB32);
+    view.render(&image);
+    return image;
+}
+
+/// The line of the samples in the middle column, which is darker than the grid.
+bool hasLine(const QImage &image)
+{
+    for (int y = 0; y < image.height() * 3 / 4; ++y)
+        if (qGray(image.pixel(image.width() / 2, y)) < 100)
+            return true;
+    return false;
+}
+
+// One value throughout, however large, stands in the middle of a range of its own.
+TEST(TimeCourseViewTest, DrawsVoxelsThatNeverChange)
+{
+    for (double value : {0.0, 100.0, -3.0e4, 1e30, -std::numeric_limits<double>::max() / 4})
+        EXPECT_TRUE(hasLine(picture(std::vector<double>(20, value), {400, 200}))) << value;
+}
+
+TEST(TimeCourseViewTest, DrawsNothingWhereThereIsNoRoom)
+{
+    const std::vector<double> samples = {1, 2, 3};
+    for (const QSize &size : {QSize(300, 10), QSize(300, 40), QSize(20, 200), QSize(1, 1)})
+        EXPECT_FALSE(picture(samples, size).isNull());
+}
+
+} // namespace
+
+} // namespace corvane

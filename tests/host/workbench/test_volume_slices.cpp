@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Slices, VOIs over them and time courses, without widgets.
+#include "host/workbench/time_course.h"
+#include "host/workbench/voi_overlay.h"
+#include "host/workbench/volume_slices.h"
+#include "tests/host/support/host_files.h"
+
+#include <gmock/gmock.h>
+
+namespace corvane
+{
+
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A volume that is 0 but for single voxels.
+template <typename Sample>
+Vmr volumeWith(const std::vector<std::pair<CubeVoxel, int>> &voxels)
+{
+    auto samples = std::make_shared<std::vector<Sample>>(static_cast<std::size_t>(Vmr::voxelCount));
+    for (const auto &[voxel, value] : voxels)
+        (*samples)[static_cast<std::size_t>(voxel[0] + 256 * (voxel[1] + 256 * voxel[2]))] =
+            static_cast<Sample>(value);
+    Vmr vmr;
+    vmr.type = sizeof(Sample) == 1 ? Vmr::UChar : Vmr::UShort;
+    vmr.voxels = std::shared_ptr<const void>(samples, samples->data());
+    return vmr;
+}
+
+VoiSet setOf(const std::vector<std::vector<std::array<int, 3>>> &vois)
+{
+    VoiSet set;
+    for (const auto &voxels : vois) {
+        Voi voi;
+        voi.name = QStringLiteral("area %1").arg(set.vois.size() + 1);
+        voi.r = 255;
+        voi.g = 0;
+        voi.b = 0;
+        voi.voxels = voxels;
+        set.vois.push_back(voi);
+    }
+    return set;
+}
+
+int grey(const QImage &image, int x, int y)
+{
+    const QRgb pixel = image.pixel(x, y);
+    EXPECT_EQ(qRed(pixel), qGreen(pixel));
+    EXPECT_EQ(qRed(pixel), qBlue(pixel));
+    return qRed(pixel);
+}
+
+} // namespace
+
+TEST(VolumeSlices, ShowOneVoxelAtItsPlaceInEachPlane)
+{
+    const Vmr vmr = volumeWith<quint16>({{{10, 20, 30}, 1000}});
+    const GreyWindow window{500, 1000};
+    EXPECT_EQ(intensityAt(vmr, {10, 20, 30}), 1000);
+    EXPECT_EQ(intensityAt(vmr, {30, 20, 10}), 0);
+    const struct {
+        SlicePlane plane;
+        int position;
+        QPoint place;
+    } rows[] = {{SlicePlane::Sagittal, 30, {10, 20}},
+                {SlicePlane::Coronal, 10, {30, 20}},
+                {SlicePlane::Axial, 20, {30, 10}}};
+    for (const auto &row : rows) {
+        const QImage image = sliceImage(vmr, row.plane, row.position, window);
+        EXPECT_EQ(image.size(), QSize(256, 256));
+        EXPECT_EQ(grey(image, row.place.x(), row.place.y()), 255);
+        EXPECT_EQ(grey(image, row.place.y(), row.place.x()), 0);
+        const QImage next = sliceImage(vmr, row.plane, row.position + 1, window);
+        EXPECT_EQ(grey(next, row.place.x(), row.place.y()), 0);
+    }
+}
+
+TEST(VolumeSlices, GreysRunFromTheLowerToTheUpperEndOfTheWindow)
+{
+    const Vmr vmr = volumeWith<quint8>(
+        {{{0, 0, 0}, 99}, {{1, 0, 0}, 100}, {{2, 0, 0}, 125}, {{3, 0, 0}, 150}, {{4, 0, 0}, 151}});
+    const QImage image = sliceImage(vmr, SlicePlane::Sagittal, 0, {125, 50});
+    EXPECT_EQ(grey(image, 0, 0), 0);
+    EXPECT_EQ(grey(image, 1, 0), 0);
+    EXPECT_NEAR(grey(image, 2, 0), 127.5, 0.5);
+    EXPECT_EQ(grey(image, 3, 0), 255);
+    EXPECT_EQ(grey(image, 4, 0), 255);
+}
+
+TEST(VolumeSlices, TheFirstWindowLeavesOutBackgroundAndExtremes)
+{
+    // In rows that are looked at: 200 voxels from 100 to 299 and one far above.
+    std::vector<std::pair<CubeVoxel, int>> voxels{{{255, 0, 0}, 60000}};
+    for (int n = 0; n < 200; ++n)
+        voxels.push_back({{n, 4, 8}, 100 + n});
+    const GreyWindow window = automaticWindow(volumeWith<quint16>(voxels));
+    EXPECT_DOUBLE_EQ(window.level - window.width / 2, 102);
+    EXPECT_DOUBLE_EQ(window.level + window.width / 2, 299);
+    EXPECT_EQ(automaticWindow(zeroVmr()), GreyWindow());
+    EXPECT_EQ(automaticWindow(volumeWith<quint8>({{{0, 0, 0}, 7}})).width, 1);
+}
+
+TEST(VolumeSlices, TellTheEndsOfAxesAndPositionsByTheFilesOwnSpace)
+{
+    Vmr vmr = zeroVmr();
+    EXPECT_EQ(axisEnds(vmr, 0).low, QString());
+    vmr.space = VmrSpace{{{{0, -1, 0}, {0, 0, -1}, {-1, 0, 0}}}, {128, 120, 110}};
+    EXPECT_EQ(axisEnds(vmr, 0).low + axisEnds(vmr, 0).high, QStringLiteral("AP"));
+    EXPECT_EQ(axisEnds(vmr, 1).low + axisEnds(vmr, 1).high, QStringLiteral("SI"));
+    EXPECT_EQ(axisEnds(vmr, 2).low + axisEnds(vmr, 2).high, QStringLiteral("RL"));
+    EXPECT_THAT(worldPosition(vmr, {1, 2, 3}), ElementsAre(125, 119, 108));
+}
+
+TEST(VoiOverlay, ColoursShownVoisAndTheLastOneOnTop)
+{
+    const VoiSet set = setOf({{{10, 20, 30}, {11, 20, 30}}, {{11, 20, 30}}});
+    const VoiOverlay all(set, {true, true});
+    EXPECT_EQ(all.labelAt(CubeVoxel{10, 20, 30}), 1);
+    EXPECT_EQ(all.labelAt(CubeVoxel{11, 20, 30}), 2);
+    EXPECT_EQ(all.labelAt(CubeVoxel{12, 20, 30}), 0);
+    const VoiOverlay first(set, {true, false});
+    EXPECT_EQ(first.labelAt(CubeVoxel{11, 20, 30}), 1);
+
+    const QImage image = sliceImage(volumeWith<quint8>({{{10, 20, 30}, 100}}), SlicePlane::Sagittal,
+                                    30, {127.5, 255}, &all, 0.5);
+    EXPECT_EQ(image.pixel(10, 20), qRgb(177, 50, 50));
+    EXPECT_EQ(image.pixel(9, 20), qRgb(0, 0, 0));
+}
+
+TEST(VoiOverlay, FillsTheBlocksOfAWideGridUpToTheEdgeOfTheCube)
+{
+    const VoiSet set = setOf({{{0, 3, 6}, {3, 3, 6}}, {{255, 0, 0}}, {}});
+    EXPECT_EQ(voxelSpacing(set), 3);
+    const VoiOverlay overlay(set, {true, true, true});
+    EXPECT_EQ(overlay.labelAt(CubeVoxel{1, 2, 5}), 1);
+    EXPECT_EQ(overlay.labelAt(CubeVoxel{4, 4, 7}), 1);
+    EXPECT_EQ(overlay.labelAt(CubeVoxel{5, 3, 6}), 0);
+    EXPECT_EQ(overlay.labelAt(CubeVoxel{254, 1, 1}), 2);
+    EXPECT_EQ(overlay.labelAt(CubeVoxel{253, 0, 0}), 0);
+    EXPECT_EQ(voxelSpacing(setOf({{{5, 5, 5}}})), 1);
+    EXPECT_EQ(voxelSpacing(setOf({})), 1);
+}
+
+TEST(VoiOverlay, TurnsCoordinatesOfOtherReferenceSpaces)
+{
+    VoiSet set = setOf({{{1, 2, 3}}});
+    EXPECT_THAT(cubeVoxel(set, {1, 2, 3}), ElementsAre(1, 2, 3));
+    set.referenceSpace = 3;
+    EXPECT_THAT(cubeVoxel(set, {1, 2, 3}), ElementsAre(126, 125, 127));
+    EXPECT_EQ(VoiOverlay(set, {true}).labelAt(CubeVoxel{126, 125, 127}), 1);
+}
+
+TEST(VoiOverlay, TheCentreIsAVoxelOfTheVoi)
+{
+    // A half ring: its mean is none of its voxels.
+    const VoiSet set = setOf({{{0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {4, 5, 0}, {0, 4, 0}}, {}});
+    EXPECT_EQ(centreOf(set, 0), (CubeVoxel{4, 4, 0}));
+    EXPECT_EQ(centreOf(set, 1), std::nullopt);
+}
+
+TEST(TimeCourse, IsThatOfTheNearestSampleInsideTheRun)
+{
+    const TemporaryFolder folder;
+    const VtcInfo info = smallVtcInfo();
+    putBytes(folder.path("a.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+    const VtcFile vtc(folder.path("a.vtc"));
+    // Sample (1, 0, 1) stands at (60, 52, 62); place 4 * (1 + 3 * (0 + 2 * 1)) = 28, less 20.
+    EXPECT_THAT(timeCourseAt(vtc, {60, 52, 62}), ElementsAre(8, 9, 10, 11));
+    EXPECT_THAT(timeCourseAt(vtc, {61, 53, 61}), ElementsAre(8, 9, 10, 11));
+    EXPECT_THAT(timeCourseAt(vtc, {56, 52, 59}), ElementsAre(-20, -19, -18, -17));
+    EXPECT_THAT(timeCourseAt(vtc, {55, 52, 59}), IsEmpty());
+    EXPECT_THAT(timeCourseAt(vtc, {65, 52, 59}), IsEmpty());
+    EXPECT_THAT(timeCourseAt(vtc, {57, 52, 0}), IsEmpty());
+}
+
+TEST(TimeCourse, ReadsFloatsAsTheyAre)
+{
+    const TemporaryFolder folder;
+    const VtcInfo info = smallVtcInfo(VtcInfo::Float);
+    std::vector<float> samples = numberedSamples<float>(info);
+    samples[1] = 0.5F;
+    putBytes(folder.path("a.vtc"), vtcBytes(info, samples));
+    EXPECT_THAT(timeCourseAt(VtcFile(folder.path("a.vtc")), {57, 52, 59}),
+                ElementsAre(-20, 0.5, -18, -17));
+}
+
+} // namespace corvane
