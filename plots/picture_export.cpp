@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/picture_export.h"
 
+#include "dataset/scoped_dialog.h"
 #include "plots/save_dialog.h"
 
 #include <QFileDialog>
@@ -9,9 +10,8 @@
 
 void exportPicture(QWidget *window, QWidget *source)
 {
-    // On the heap: the window may go, and its dialogs with it, while this one is open.
     const QPointer<QWidget> shown(source);
-    QPointer<QFileDialog> dialog = new QFileDialog(window, QStringLiteral("Save as..."));
+    const ScopedDialog dialog(new QFileDialog(window, QStringLiteral("Save as...")));
     dialog->setStyleSheet(neutralStyleSheet());
     dialog->setNameFilter(QStringLiteral("PNG (*.png)"));
     dialog->setFileMode(QFileDialog::AnyFile);
@@ -19,7 +19,6 @@ void exportPicture(QWidget *window, QWidget *source)
     QString path;
     if (dialog->exec() != 0 && dialog)
         path = dialog->selectedFiles().value(0);
-    delete dialog;
     if (!path.isEmpty() && shown)
         savePicture(shown->grab(), path);
 }

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/save_dialog.h"
 
+#include "dataset/scoped_dialog.h"
+
 #include <QBuffer>
 #include <QFileDialog>
 #include <QPixmap>
-#include <QPointer>
 #include <QSaveFile>
 
 QString askForTarget(QWidget *window, const QString &filter, const QString &suffix)
 {
-    // On the heap: the window may go, and its dialogs with it, while this one is open.
-    QPointer<QFileDialog> dialog = new QFileDialog(window, QStringLiteral("Save as..."));
+    const ScopedDialog dialog(new QFileDialog(window, QStringLiteral("Save as...")));
     dialog->setNameFilter(filter);
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
@@ -18,7 +18,6 @@ QString askForTarget(QWidget *window, const QString &filter, const QString &suff
     QString path;
     if (dialog->exec() == QDialog::Accepted && dialog)
         path = dialog->selectedFiles().value(0);
-    delete dialog;
     return path;
 }
 

@@ -7,7 +7,7 @@
 #include "host/files/image_reader.h"
 #include "host/import/example_dataset.h"
 #include "host/import/resample_anatomy.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
@@ -95,9 +95,8 @@ void openAndShow(benchmark::State &state)
     const QString path = packedHead();
     for (auto _ : state) {
         state.PauseTiming();
-        Workspace workspace;
-        workspace.setAnatomyOpener(openForeignAnatomy);
-        MainWindow window(workspace);
+        Session session(openForeignAnatomy);
+        MainWindow window(session);
         window.show();
         QCoreApplication::processEvents();
         FirstPaint paint(window.findChild<QWidget *>(QStringLiteral("Axial slice")));
@@ -159,8 +158,9 @@ void moveTheCrossHair(benchmark::State &state)
             close(descriptor);
         }
 
-    Workspace workspace;
-    MainWindow window(workspace);
+    Session session;
+    Workspace &workspace = session.workspace();
+    MainWindow window(session);
     window.show();
     window.openFiles({file("vmr"), file("vtc"), file("voi")});
     auto *const volume = window.findChild<VolumeView *>();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/anatomy_opener.h"
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
@@ -7,11 +8,8 @@
 #include "host/files/input_error.h"
 #include "host/files/output_folder.h"
 #include "host/pictures/compute_pictures.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/application.h"
-#ifdef CORVANE_IMPORT
-#include "host/import/resample_anatomy.h"
-#endif
 
 #include <QCommandLineParser>
 #include <QLoggingCategory>
@@ -122,12 +120,10 @@ int run(const QStringList &arguments)
 
     // The plugin's debug lines are for a log file, not for the command line.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-#ifdef CORVANE_IMPORT
-    workspace().setAnatomyOpener(openForeignAnatomy);
-#endif
     const ComputeRequest request = requestOf(parser);
     const QString folder = requiredValue(parser, QStringLiteral("out"));
-    ComputeResult result = compute(request);
+    Session session(anatomyOpener());
+    ComputeResult result = compute(session, request);
     OutputFolder files(folder);
     QStringList pictures;
     if (request.plots) {

@@ -6,7 +6,7 @@
 #include "host/files/progress.h"
 #include "host/import/example_dataset.h"
 #include "host/import/resample_anatomy.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/tour/tour_steps.h"
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
@@ -47,8 +47,8 @@ int run(const QStringList &arguments)
     // The user's own settings stay out of the pictures, and the tour out of them.
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-    workspace().setAnatomyOpener(openForeignAnatomy);
-    MainWindow window(workspace());
+    Session session(openForeignAnatomy);
+    MainWindow window(session);
     const QString pluginFolder =
         parser.isSet(plugins) ? parser.value(plugins) : defaultPluginFolder();
     window.loadPluginFolder(pluginFolder);

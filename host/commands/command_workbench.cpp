@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/anatomy_opener.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
 #ifdef CORVANE_IMPORT
-#include "host/import/resample_anatomy.h"
 #include "host/tour/guided_tour.h"
 #endif
 
@@ -30,10 +30,8 @@ int run(const QStringList &arguments)
     if (!parser.parse(QStringList(QStringLiteral("Corvane")) + arguments))
         throw UsageError(parser.errorText());
 
-#ifdef CORVANE_IMPORT
-    workspace().setAnatomyOpener(openForeignAnatomy);
-#endif
-    MainWindow window(workspace());
+    Session session(anatomyOpener());
+    MainWindow window(session);
 #ifdef CORVANE_IMPORT
     new GuidedTour(window);
 #endif

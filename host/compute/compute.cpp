@@ -6,7 +6,6 @@
 #include "engine/sign_treatment.h"
 #include "engine/spanning_trees.h"
 #include "host/files/input_error.h"
-#include "host/session/log.h"
 #include "host/session/workspace.h"
 #include "plugin/host_data.h"
 #include "plugin/host_functions.h"
@@ -23,22 +22,15 @@ namespace corvane
 namespace
 {
 
-/// Keeps the host's texts for as long as it lives, instead of showing them.
+/// Keeps the texts of a session for as long as it lives.
 class LogKeeper
 {
 public:
-    LogKeeper()
-        : m_log(setLogSink([this](const QString &text) { add(text); })),
-          m_messages(setMessageSink([this](const QString &text) { add(text); }))
+    explicit LogKeeper(Session &session)
     {
+        QObject::connect(&session, &Session::logged, &m_listener,
+                         [this](const QString &text) { add(text); });
     }
-    ~LogKeeper()
-    {
-        setLogSink(std::move(m_log));
-        setMessageSink(std::move(m_messages));
-    }
-    LogKeeper(const LogKeeper &) = delete;
-    LogKeeper &operator=(const LogKeeper &) = delete;
 
     /// What was said, without the lines that only tell what goes on.
     QStringList said() const { return m_said; }
@@ -63,8 +55,26 @@ private:
     }
 
     QStringList m_said;
-    TextSink m_log;
-    TextSink m_messages;
+    QObject m_listener;
+};
+
+/// A document that is open for as long as it lives.
+class OpenDocument
+{
+public:
+    OpenDocument(Workspace &workspace, const QString &path)
+        : m_workspace(workspace), m_position(workspace.openVmr(path))
+    {
+    }
+    ~OpenDocument() { m_workspace.closeDocument(m_position); }
+    OpenDocument(const OpenDocument &) = delete;
+    OpenDocument &operator=(const OpenDocument &) = delete;
+
+    int position() const { return m_position; }
+
+private:
+    Workspace &m_workspace;
+    int m_position;
 };
 
 /// A host function has failed; the host said why in one line.
@@ -74,18 +84,18 @@ public:
     explicit HostFailure(const LogKeeper &log) : std::runtime_error(log.reason()) {}
 };
 
-void chooseFiles(Subject &subject, const ComputeRequest &request, const LogKeeper &log)
+void chooseFiles(Subject &subject, const ComputeRequest &request, const Workspace &workspace,
+                 const LogKeeper &log)
 {
     subject.setName(QFileInfo(request.vtc).completeBaseName());
-    subject.setDocumentId(workspace().openVmr(request.anatomy));
     subject.setVtcFile(request.vtc);
     subject.linkProtocol();
-    if (workspace().linkedVtc() == nullptr)
+    if (workspace.linkedVtc() == nullptr)
         throw HostFailure(log);
     if (!host_data::voiFileIsOneMillimetre(request.voi.toUtf8().constData())) {
-        if (workspace().vois() == nullptr)
+        if (workspace.vois() == nullptr)
             throw HostFailure(log);
-        const VOIsHeader &header = workspace().vois()->header;
+        const VOIsHeader &header = workspace.vois()->header;
         throw InputError(request.voi, QStringLiteral("resolution"),
                          QStringLiteral("%1 x %2 x %3 mm")
                              .arg(static_cast<double>(header.resolutionX))
@@ -124,14 +134,13 @@ void chooseNodes(Subject &subject, const ComputeRequest &request)
     subject.setScheme(scheme);
 }
 
-std::vector<ComputedNode> describeNodes(const Subject &subject)
+std::vector<ComputedNode> describeNodes(const Subject &subject, const LoadedVois &vois)
 {
     const QStringList labels = subject.voiLabels(false);
     const QVector<int> seeds = subject.scheme().seedVois;
     std::vector<ComputedNode> nodes;
     for (int k = 0; k < seeds.size(); ++k) {
-        const VOIRecord &record =
-            workspace().vois()->records.at(static_cast<std::size_t>(seeds.at(k)));
+        const VOIRecord &record = vois.records.at(static_cast<std::size_t>(seeds.at(k)));
         nodes.push_back({seeds.at(k), labels.at(k), record.voxelCount});
     }
     return nodes;
@@ -168,19 +177,22 @@ std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::Ma
 
 } // namespace
 
-ComputeResult compute(const ComputeRequest &request)
+ComputeResult compute(Session &session, const ComputeRequest &request)
 {
     if (!bindHostFunctions())
         throw std::runtime_error("this program must be named Corvane: it offers its functions "
                                  "under that name only");
-    const LogKeeper log;
+    const LogKeeper log(session);
+    const Workspace &workspace = session.workspace();
+    const OpenDocument document(session.workspace(), request.anatomy);
     const auto record = QSharedPointer<Subject>::create();
     Subject &subject = *record;
     subject.setMeasure(request.measure);
     subject.setMatrixValues(request.matrixValues);
     subject.setComputeMst(request.computeMst);
     subject.setUseProtocol(request.useProtocol);
-    chooseFiles(subject, request, log);
+    subject.setDocumentId(document.position());
+    chooseFiles(subject, request, workspace, log);
     if (!subject.load())
         throw HostFailure(log);
     chooseNodes(subject, request);
@@ -188,11 +200,11 @@ ComputeResult compute(const ComputeRequest &request)
     const QVector<int> seeds = subject.scheme().seedVois;
     ComputeResult result;
     result.subject = record;
-    result.nodes = describeNodes(subject);
+    result.nodes = describeNodes(subject, *workspace.vois());
     result.timeseries = subject.averagedTimeseries({seeds.begin(), seeds.end()});
     result.slices = computeSlices(subject, result.timeseries);
-    result.repetitionTime = workspace().linkedVtc()->file.info().repetitionTime;
-    result.vtcChecksum = workspace().linkedVtc()->file.info().checksum;
+    result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
+    result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
     result.protocolFile = subject.prtFile;
     result.warnings = log.said();
     return result;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dataset/subject.h"
+#include "host/session/session.h"
 
 #include <Eigen/Core>
 #include <QSharedPointer>
@@ -57,8 +58,9 @@ struct ComputeResult {
     QStringList warnings;      ///< what the host and the plugin said while it went on
 };
 
-/// Loads and computes. Throws InputError when a file cannot be used, a seed does not exist, or a
+/// Loads and computes in a session, which must be the current one; the document that it opens there
+/// is closed again. Throws InputError when a file cannot be used, a seed does not exist, or a
 /// protocol is wanted where there is none.
-ComputeResult compute(const ComputeRequest &request);
+ComputeResult compute(Session &session, const ComputeRequest &request);
 
 } // namespace corvane

@@ -3,7 +3,7 @@
 
 #include "host/session/host_version.h"
 #include "host/session/log.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 
 #include <exception>
 #include <type_traits>
@@ -68,7 +68,10 @@ void zqGetVersionOfCorvaneZQ(int *major, int *minor, int *third)
 
 void zqShowLogPane()
 {
-    guarded([] { corvane::showLogPane(); });
+    guarded([] {
+        if (corvane::Session::current() != nullptr)
+            corvane::Session::current()->showLogPane();
+    });
 }
 
 void zqLogText(const char *text)

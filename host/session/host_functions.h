@@ -5,7 +5,7 @@
 
 /// @file
 /// The functions that the host offers its plugins, found by name in its executable. They work on
-/// corvane::workspace(), run on the main thread, and let no exception out: one that fails says why
+/// the current session, run on the main thread, and let no exception out: one that fails says why
 /// in the log and returns 0 or null. Numbers and ids of documents are their positions from 0.
 /// Paths and logged texts are UTF-8. A record that has nothing to tell is filled with zeros.
 ///

@@ -4,6 +4,7 @@
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
 #include "host/session/log.h"
+#include "host/session/session.h"
 #include "plugin/plugin_interface.h"
 
 #include <QCoreApplication>
@@ -76,29 +77,22 @@ QString textOf(QLibrary &library, const char *name)
     return QString::fromUtf8(text);
 }
 
-/// Collects the messages that are shown while it lives, and shows them all the same.
+/// Collects the messages that the plugins' session shows while it lives.
 class Overheard
 {
 public:
     Overheard()
     {
-        m_before = setMessageSink([this](const QString &text) {
-            m_texts += text.simplified();
-            if (m_before)
-                m_before(text);
-            else
-                logText(text);
-        });
+        if (Session *const session = Session::current())
+            QObject::connect(session, &Session::messageShown, &m_listener,
+                             [this](const QString &text) { m_texts += text.simplified(); });
     }
-    ~Overheard() { setMessageSink(m_before); }
-    Overheard(const Overheard &) = delete;
-    Overheard &operator=(const Overheard &) = delete;
 
     const QStringList &texts() const { return m_texts; }
 
 private:
-    TextSink m_before;
     QStringList m_texts;
+    QObject m_listener;
 };
 
 } // namespace
@@ -146,15 +140,16 @@ CALLS_PLUGIN void Plugin::initialise()
 
 CALLS_PLUGIN void Plugin::start()
 {
+    bool done = false;
     try {
         if (m_object == nullptr)
             initialise();
+        done = guarded(QStringLiteral("execute"),
+                       [this]() CALLS_PLUGIN { return m_object->execute(); });
     } catch (...) {
         discard();
         throw;
     }
-    const bool done =
-        guarded(QStringLiteral("execute"), [this]() CALLS_PLUGIN { return m_object->execute(); });
     if (!done)
         throw PluginError(QStringLiteral("execute reports a failure"));
 }

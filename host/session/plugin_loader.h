@@ -37,8 +37,8 @@ public:
     const QString &author() const { return m_author; } ///< may hold HTML
 
     /// Makes the plugin's object and initialises it, unless an earlier start has done that, and
-    /// executes it. Throws PluginError when the plugin refuses or throws; the next start then
-    /// begins anew.
+    /// executes it. Throws PluginError when the plugin refuses or throws; its object is then
+    /// deleted and the next start begins anew. One whose execution only reports a failure stays.
     void start();
 
 private:

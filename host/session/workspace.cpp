@@ -6,6 +6,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace corvane
 {
 
@@ -25,18 +27,13 @@ Vmr openAnatomy(const QString &path, const AnatomyOpener &opener)
 
 } // namespace
 
-Workspace::Notice::~Notice()
-{
-    if (workspace->m_observer)
-        workspace->m_observer();
-}
+Workspace::Workspace(AnatomyOpener openAnatomy) : m_openAnatomy(std::move(openAnatomy)) {}
 
 int Workspace::openVmr(const QString &path)
 {
     const Notice notice{this};
     const QString absolute = QFileInfo(path).absoluteFilePath();
-    Document document{VmrDocument, absolute, openAnatomy(path, m_anatomyOpener),
-                      vmrHeader(absolute)};
+    Document document{VmrDocument, absolute, openAnatomy(path, m_openAnatomy), vmrHeader(absolute)};
     m_documents.push_back(std::move(document));
     m_current = documentCount() - 1;
     return m_current;
@@ -135,12 +132,6 @@ void Workspace::loadProtocol(const QString &path)
     const Notice notice{this};
     m_protocol.reset();
     m_protocol.emplace(readPrtFile(path));
-}
-
-Workspace &workspace()
-{
-    static Workspace theWorkspace;
-    return theWorkspace;
 }
 
 } // namespace corvane

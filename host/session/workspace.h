@@ -4,6 +4,7 @@
 #include "host/files/vmr_file.h"
 #include "host/session/loaded_records.h"
 
+#include <QObject>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -18,19 +19,16 @@ enum DocumentType { ClosedDocument = 0, VmrDocument = 3 };
 /// Opens an anatomy that is no `.vmr` and brings it onto the cube. Throws InputError.
 using AnatomyOpener = std::function<Vmr(const QString &path)>;
 
-/// The one state of the host: its documents by position from 0, one of them current, one linked
+/// What is open in a session: its documents by position from 0, one of them current, one linked
 /// VTC, one loaded VOI set and one loaded protocol. A load replaces what was loaded before; one
 /// that fails leaves nothing loaded, so that no data are taken for those of another file.
 /// Everything handed out stays valid until the next load of its kind.
-class Workspace
+class Workspace : public QObject
 {
-public:
-    /// What opens anatomies that are no `.vmr`. Without one they are refused.
-    void setAnatomyOpener(AnatomyOpener opener) { m_anatomyOpener = std::move(opener); }
+    Q_OBJECT
 
-    /// Called after everything that may have changed what the workspace holds, also after a load
-    /// that failed. It may not throw.
-    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+public:
+    explicit Workspace(AnatomyOpener openAnatomy = {});
 
     /// Opens an anatomy as a new document, makes it current and returns its position.
     /// Throws InputError.
@@ -68,6 +66,11 @@ public:
     void loadProtocol(const QString &path); ///< Throws InputError.
     const LoadedProtocol *protocol() const { return m_protocol ? &*m_protocol : nullptr; }
 
+Q_SIGNALS:
+    /// After everything that may have changed what the workspace holds, also after a load that
+    /// failed. Who listens may not throw.
+    void changed();
+
 private:
     struct Document {
         DocumentType type = ClosedDocument;
@@ -76,18 +79,17 @@ private:
         VMRHeader header;
     };
 
-    /// Tells the observer at the end of the member that it stands in.
+    /// Tells of the change at the end of the member that it stands in.
     struct Notice {
-        const Workspace *workspace;
-        ~Notice();
+        Workspace *workspace;
+        ~Notice() { Q_EMIT workspace->changed(); }
     };
 
     const Document *currentVmrDocument() const;
     void unlinkVtc();
     bool exists(int position) const { return position >= 0 && position < documentCount(); }
 
-    AnatomyOpener m_anatomyOpener;
-    std::function<void()> m_observer;
+    AnatomyOpener m_openAnatomy;
     std::vector<Document> m_documents;
     int m_current = -1;
     std::optional<LinkedVtc> m_vtc;
@@ -96,8 +98,5 @@ private:
     int m_voiLoads = 0;
     std::optional<LoadedProtocol> m_protocol;
 };
-
-/// The host's workspace, on which the functions for plugins work.
-Workspace &workspace();
 
 } // namespace corvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/log_pane.h"
 
-#include "host/session/log.h"
+#include "host/session/session.h"
 
 #include <QPlainTextEdit>
 #include <QScrollBar>
@@ -9,7 +9,7 @@
 namespace corvane
 {
 
-LogPane::LogPane(QWidget *parent)
+LogPane::LogPane(Session &session, QWidget *parent)
     : QDockWidget(tr("Log"), parent), m_lines(new QPlainTextEdit(this))
 {
     constexpr int longestLog = 10000; // lines
@@ -23,14 +23,8 @@ LogPane::LogPane(QWidget *parent)
     m_lines->setMaximumBlockCount(longestLog);
     setWidget(m_lines);
 
-    setLogSink([this](const QString &text) { append(text); });
-    setLogPaneAction([this] { bringToFront(); });
-}
-
-LogPane::~LogPane()
-{
-    setLogSink({});
-    setLogPaneAction({});
+    connect(&session, &Session::logged, this, &LogPane::append);
+    connect(&session, &Session::logPaneAsked, this, &LogPane::bringToFront);
 }
 
 QString LogPane::text() const

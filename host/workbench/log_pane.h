@@ -8,14 +8,15 @@ class QPlainTextEdit;
 namespace corvane
 {
 
-/// The host's log as a pane of the main window. While it lives, all logged texts go here.
+class Session;
+
+/// The log of a session as a pane of the main window.
 class LogPane : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    explicit LogPane(QWidget *parent = nullptr);
-    ~LogPane() override;
+    explicit LogPane(Session &session, QWidget *parent = nullptr);
 
     QString text() const;
 

@@ -16,20 +16,21 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class Session;
 class TimeCourseReader;
 class TimeCourseView;
 class VoiList;
 class VolumeView;
 class Workspace;
 
-/// The workbench's one main window: a view of the workspace, which plugins change behind its back.
+/// The workbench's one main window: a view of a session, which plugins change behind its back.
 /// It never keeps a pointer into the workspace: whenever that has changed it takes over anew.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    explicit MainWindow(Workspace &workspace, QWidget *parent = nullptr);
+    explicit MainWindow(Session &session, QWidget *parent = nullptr);
     ~MainWindow() override;
 
     /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
@@ -81,6 +82,7 @@ private:
     void showDocument(int step);
     void start(Plugin &plugin);
     void about();
+    void showBox(const QString &text);
 
     Workspace &m_workspace;
     std::vector<std::unique_ptr<Plugin>> m_plugins;

@@ -2,7 +2,7 @@
 #include "tests/host/module/module_session.h"
 
 #include "engine/connectivity_object.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/log_pane.h"
 
 #include <QApplication>
@@ -74,15 +74,13 @@ ModuleSession::~ModuleSession()
     if (workbench != nullptr)
         closeWorkbench();
     EXPECT_EQ(moduleWindows(), QStringList()) << "windows that outlive the workbench";
-    for (int document = 0; document < workspace().documentCount(); ++document)
-        workspace().closeDocument(document);
 }
 
 // ---- the workbench
 
 void ModuleSession::openWorkbench(const QStringList &anatomies)
 {
-    workbench = std::make_unique<MainWindow>(workspace());
+    workbench = std::make_unique<MainWindow>(session);
     workbench->loadPluginFolder(QStringLiteral(MODULE_FOLDER));
     workbench->openFiles(anatomies);
     workbench->show();

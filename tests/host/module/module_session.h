@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/session/session.h"
 #include "host/workbench/main_window.h"
 #include "tests/host/module/module_subjects.h"
 #include "tests/host/support/host_files.h"
@@ -49,6 +50,7 @@ protected:
     void closeWorkbench();                            ///< as a user does; it is gone then
     void startPlugin();                               ///< from its menu
     std::string logged() const;
+    Session session;
     std::unique_ptr<MainWindow> workbench;
 
     /// From the next main dialog on, each compute writes its steps into a folder of its own.

@@ -3,7 +3,7 @@
 // The results dialog, the main dialog or the workbench close at any moment, with any windows of the
 // plugin's module open, in any order. Run with the sanitizers these tests show that nothing leaks
 // or dangles.
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "tests/gui_test.h"
 #include "tests/host/module/module_session.h"
 #include "tests/support/busy_pool.h"

@@ -2,11 +2,10 @@
 //
 // The plugin's module in a program named as the host: its exports, and the way from files to the
 // comparison of two subjects. What it computes is what the command line writes, byte for byte.
-#include "host/session/log.h"
-#include "host/session/workspace.h"
 #include "plugin/plugin_interface.h"
 #include "tests/gui_test.h"
 #include "tests/host/module/module_session.h"
+#include "tests/host/support/listened_session.h"
 #include "tests/host/support/program.h"
 #include "tests/support/reference_folder.h"
 
@@ -242,23 +241,20 @@ TEST(ModuleExports, HaveTheTextsOfThePlugin)
 
 TEST(ModuleExports, StartThePluginWhereAnAnatomyIsOpen)
 {
-    std::vector<std::string> said;
-    std::vector<std::string> messages;
-    const TextSink log =
-        setLogSink([&](const QString &text) { said.push_back(text.toStdString()); });
-    const TextSink box =
-        setMessageSink([&](const QString &text) { messages.push_back(text.toStdString()); });
+    ListenedSession host;
+    std::vector<std::string> &said = host.log;
+    const std::vector<std::string> &messages = host.messages;
 
     CVZQPluginInterface *const plugin = exported<CVZQPluginInterface *(*)()>("createPlugin")();
     EXPECT_FALSE(initPlugin(plugin));
     EXPECT_THAT(messages,
                 ElementsAre("This plugin requires a VMR to operate. Make sure that a VMR is open "
                             "and that its window is selected."));
-    EXPECT_THAT(said, ElementsAre());
+    EXPECT_EQ(said, messages);
 
     const TemporaryFolder folder;
     const SubjectFiles files = writeSmallSubject(folder);
-    const int document = workspace().openVmr(files.vmr);
+    host.session.workspace().openVmr(files.vmr);
     said.clear();
     EXPECT_TRUE(initPlugin(plugin));
     EXPECT_EQ(messages.size(), 1u);
@@ -277,9 +273,6 @@ TEST(ModuleExports, StartThePluginWhereAnAnatomyIsOpen)
     dialog->close();
     EXPECT_TRUE(QTest::qWaitFor([&dialog] { return dialog.isNull(); }));
     discard(plugin);
-    workspace().closeDocument(document);
-    setLogSink(log);
-    setMessageSink(box);
 }
 
 } // namespace corvane

@@ -3,9 +3,9 @@
 // The functions for plugins and the workspace behind them, driven through files on disk.
 #include "host/session/host_functions.h"
 #include "host/session/host_version.h"
-#include "host/session/log.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/listened_session.h"
 
 #include <cstring>
 #include <gmock/gmock.h>
@@ -40,14 +40,11 @@ bool isZero(const Record &record)
 } // namespace
 
 /// A dataset in a folder, an empty workspace, and a log that is kept.
-class HostFunctions : public testing::Test
+class HostFunctions : public testing::Test, protected ListenedSession
 {
 protected:
     HostFunctions()
     {
-        workspace() = Workspace();
-        setLogSink([this](const QString &text) { log.push_back(text.toStdString()); });
-        setMessageSink([this](const QString &text) { messages.push_back(text.toStdString()); });
         writeVmr(folder.path("one.vmr"), zeroVmr());
         putBytes(folder.path("run.vtc"), smallVtcBytes());
         putBytes(folder.path("float.vtc"), floatVtc());
@@ -56,14 +53,6 @@ protected:
         writeVoiFile(folder.path("rois.voi"), smallVoiSet());
         writePrtFile(folder.path("block.prt"), smallPrt());
         putBytes(folder.path("bad"), "bad");
-    }
-
-    ~HostFunctions() override
-    {
-        setLogSink({});
-        setMessageSink({});
-        setLogPaneAction({});
-        workspace() = Workspace();
     }
 
     static QByteArray floatVtc()
@@ -76,8 +65,6 @@ protected:
     void openVmr() { workspace().openVmr(folder.path("one.vmr")); }
 
     TemporaryFolder folder;
-    std::vector<std::string> log;
-    std::vector<std::string> messages;
 };
 
 TEST_F(HostFunctions, TellTheVersionOfTheHost)
@@ -97,41 +84,89 @@ TEST_F(HostFunctions, TellTheVersionOfTheHost)
 TEST_F(HostFunctions, PassTextsOn)
 {
     int shown = 0;
-    setLogPaneAction([&shown] { ++shown; });
+    QObject::connect(&session, &Session::logPaneAsked, [&shown] { ++shown; });
     zqLogText("\n Starting gr\xc3\xbc\xc3\x9f"
               "e");
     zqMessageBox("%1 needs a VMR");
     zqShowLogPane();
     EXPECT_THAT(log, ElementsAre("\n Starting gr\xc3\xbc\xc3\x9f"
-                                 "e"));
+                                 "e",
+                                 "%1 needs a VMR"));
     EXPECT_THAT(messages, ElementsAre("%1 needs a VMR"));
     EXPECT_EQ(shown, 1);
     zqLogText(nullptr);
     zqMessageBox(nullptr);
-    setMessageSink({});
-    zqMessageBox("without windows");
-    EXPECT_EQ(log.back(), "without windows");
 }
 
-TEST_F(HostFunctions, WriteToStandardErrorWithoutASink)
+TEST_F(HostFunctions, WriteToStandardErrorWhenNobodyListens)
 {
-    setLogSink({});
-    setMessageSink({});
-    setLogPaneAction({});
+    const Session unheard;
     testing::internal::CaptureStderr();
     zqLogText("one");
     zqMessageBox("two");
     zqShowLogPane();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\ntwo\n");
+    EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(HostFunctions, LetNoExceptionOut)
 {
-    setLogSink([](const QString &) { throw std::runtime_error("no room for this line"); });
-    setMessageSink([](const QString &) { throw 7; });
+    QObject::connect(&session, &Session::logged,
+                     [](const QString &) { throw std::runtime_error("no room for this line"); });
+    QObject::connect(&session, &Session::messageShown, [](const QString &) { throw 7; });
     zqLogText("text");
     zqMessageBox("text");
     EXPECT_EQ(zqLoadVOIs(file("bad")), 0);
+}
+
+TEST_F(HostFunctions, WorkOnTheYoungestSessionOnly)
+{
+    openVmr();
+    {
+        ListenedSession inner;
+        EXPECT_EQ(zqGetNumberOfDocsInWorkspace(), 0);
+        inner.session.workspace().openVmr(folder.path("one.vmr"));
+        inner.session.workspace().openVmr(folder.path("one.vmr"));
+        EXPECT_EQ(zqGetNumberOfDocsInWorkspace(), 2);
+        zqLogText("inside");
+        EXPECT_THAT(inner.log, ElementsAre("inside"));
+    }
+    EXPECT_EQ(zqGetNumberOfDocsInWorkspace(), 1);
+    zqLogText("outside");
+    EXPECT_THAT(log, ElementsAre("outside"));
+}
+
+TEST_F(HostFunctions, FollowSessionsThatEndInAnyOrder)
+{
+    auto second = std::make_unique<Session>();
+    const Session third;
+    second.reset();
+    EXPECT_EQ(Session::current(), &third);
+}
+
+TEST_F(HostFunctions, TellEveryListenerOfTheWorkspace)
+{
+    int first = 0;
+    int second = 0;
+    QObject::connect(&session.workspace(), &Workspace::changed, [&first] { ++first; });
+    QObject::connect(&session.workspace(), &Workspace::changed, [&second] { ++second; });
+    openVmr();
+    EXPECT_EQ(zqLoadVOIs(file("bad")), 0);
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 2);
+}
+
+/// Without windows and commands, as in another program's process.
+TEST(WithoutASession, TheHostHasNothing)
+{
+    ASSERT_EQ(Session::current(), nullptr);
+    EXPECT_EQ(zqGetNumberOfDocsInWorkspace(), 0);
+    EXPECT_EQ(zqGetIDOfCurrentDocument(), -1);
+    testing::internal::CaptureStderr();
+    zqShowLogPane();
+    zqMessageBox("said");
+    EXPECT_EQ(zqLoadVOIs("/nowhere.voi"), 0);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("said\n/nowhere.voi"));
 }
 
 TEST_F(HostFunctions, StartWithoutDocuments)
@@ -576,7 +611,7 @@ TEST_F(HostFunctions, OpenAnatomiesOfOtherFormatsThroughTheOpener)
     EXPECT_EQ(workspace().documentCount(), 0);
 
     std::vector<QString> opened;
-    workspace().setAnatomyOpener([&opened](const QString &path) {
+    const ListenedSession withOpener([&opened](const QString &path) {
         opened.push_back(path);
         return zeroVmr(Vmr::UShort);
     });

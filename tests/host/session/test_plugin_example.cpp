@@ -2,10 +2,9 @@
 //
 // The plugin of docs/plugin-example, loaded and run as the page on writing plugins tells. This
 // program is named as the host and exports what the host exports.
-#include "host/session/log.h"
 #include "host/session/plugin_loader.h"
-#include "host/session/workspace.h"
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/listened_session.h"
 
 #include <gmock/gmock.h>
 
@@ -18,21 +17,13 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class PluginExample : public testing::Test
+class PluginExample : public testing::Test, protected ListenedSession
 {
 protected:
     PluginExample()
     {
-        setLogSink([this](const QString &text) { log.push_back(text.toStdString()); });
-        setMessageSink([this](const QString &text) { messages.push_back(text.toStdString()); });
         writeVmr(folder.path("brain.vmr"), zeroVmr());
         workspace().openVmr(folder.path("brain.vmr"));
-    }
-    ~PluginExample() override
-    {
-        setLogSink({});
-        setMessageSink({});
-        workspace() = Workspace();
     }
 
     void link(const QByteArray &run)
@@ -48,8 +39,6 @@ protected:
 
     const TemporaryFolder folder;
     Plugin plugin{QStringLiteral(PLUGIN)};
-    std::vector<std::string> log;
-    std::vector<std::string> messages;
 };
 
 } // namespace
@@ -97,7 +86,7 @@ TEST_F(PluginExample, SaysWhatItNeeds)
                 ElementsAre("Open an anatomy, a functional run and volumes of interest first.",
                             "Open an anatomy, a functional run and volumes of interest first.",
                             "These volumes of interest are not in the voxels of the anatomy."));
-    EXPECT_THAT(log, IsEmpty());
+    EXPECT_EQ(log, messages);
 }
 
 } // namespace corvane

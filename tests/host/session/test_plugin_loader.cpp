@@ -5,6 +5,7 @@
 #include "host/session/host_functions.h"
 #include "host/session/log.h"
 #include "host/session/plugin_loader.h"
+#include "tests/host/support/listened_session.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -23,20 +24,9 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class PluginLoader : public testing::Test
+class PluginLoader : public testing::Test, protected ListenedSession
 {
 protected:
-    PluginLoader()
-    {
-        setLogSink([this](const QString &text) { log.push_back(text.toStdString()); });
-        setMessageSink([this](const QString &text) { messages.push_back(text.toStdString()); });
-    }
-    ~PluginLoader() override
-    {
-        setLogSink({});
-        setMessageSink({});
-    }
-
     std::string faultOf(const QString &name)
     {
         try {
@@ -47,9 +37,6 @@ protected:
         }
         return "none";
     }
-
-    std::vector<std::string> log;
-    std::vector<std::string> messages;
 };
 
 } // namespace
@@ -106,18 +93,38 @@ TEST_F(PluginLoader, BeginsAnewAfterARefusal)
     Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/refuses.so"));
     for (int n = 1; n <= 2; ++n) {
         EXPECT_THROW(plugin.start(), PluginError);
-        EXPECT_EQ(log.size(), static_cast<std::size_t>(2 * n));
+        EXPECT_EQ(log.size(), static_cast<std::size_t>(3 * n));
         EXPECT_EQ(log.back(), "deleted");
     }
+}
+
+TEST_F(PluginLoader, BeginsAnewAfterAnExecutionThatThrew)
+{
+    Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/execute_throws.so"));
+    for (int n = 1; n <= 2; ++n) {
+        log.clear();
+        EXPECT_THROW(plugin.start(), PluginError);
+        EXPECT_THAT(log, ElementsAre("initPlugin", "execute", "deleted"));
+    }
+}
+
+TEST_F(PluginLoader, KeepsAPluginWhoseExecutionOnlyFails)
+{
+    Plugin plugin(QStringLiteral(PLUGIN_FOLDER "/execute_fails.so"));
+    EXPECT_THROW(plugin.start(), PluginError);
+    EXPECT_THROW(plugin.start(), PluginError);
+    EXPECT_THAT(log, ElementsAre("initPlugin", "execute", "execute"));
 }
 
 TEST_F(PluginLoader, ShowsWhatARefusingPluginSaysAndRepeatsIt)
 {
     EXPECT_EQ(faultOf(QStringLiteral("refuses.so")), "it refuses: Not without an anatomy.");
     EXPECT_THAT(messages, ElementsAre("Not without\nan anatomy."));
-    // The sink is the one from before.
+    // Later messages are no reason of a plugin's.
     showMessage(QStringLiteral("afterwards"));
     EXPECT_THAT(messages, ElementsAre("Not without\nan anatomy.", "afterwards"));
+    EXPECT_EQ(faultOf(QStringLiteral("refuses_silently.so")),
+              "it refuses to run in version 3.0.0 of this host and does not say why");
 }
 
 TEST_F(PluginLoader, SaysWhatWentWrongInAPlugin)

@@ -3,7 +3,7 @@
 // Help > Guided Tour with the real plugin, as a reader goes through it. This program is named as
 // the host and exports what the host exports.
 #include "host/import/resample_anatomy.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/tour/guided_tour.h"
 #include "host/tour/tour_steps.h"
 #include "host/workbench/log_pane.h"
@@ -34,13 +34,11 @@ protected:
     {
         QSettings().clear();
         qputenv("XDG_DATA_HOME", folder.path().toUtf8());
-        workspace().setAnatomyOpener(openForeignAnatomy);
         new GuidedTour(window);
         window.show();
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
-    ~TourFromTheMenu() override { workspace() = Workspace(); }
 
     void loadPlugin() { window.loadPluginFolder(QStringLiteral(TESSERA_PLUGIN_FOLDER)); }
 
@@ -61,8 +59,8 @@ protected:
     }
 
     const TemporaryFolder folder;
-    MainWindow window{workspace()};
-
+    Session session{openForeignAnatomy};
+    MainWindow window{session};
 };
 
 /// The program's own function of a name, as a plugin looks it up; null for one of a library.

@@ -3,7 +3,7 @@
 
 #include "host/import/example_dataset.h"
 #include "host/session/log.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/tour/tour.h"
 #include "host/workbench/background_work.h"
 #include "host/workbench/import_dialog.h"
@@ -39,8 +39,8 @@ struct Workbench {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    Workspace workspace;
-    MainWindow window{workspace};
+    Session session;
+    MainWindow window{session};
 };
 
 void emptyWorkbench(const LookAtWindow &look)

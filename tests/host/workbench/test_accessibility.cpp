@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Every window of the host: each control has a name for screen readers and is reached with Tab.
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/main_window.h"
 #include "tests/host/support/control_names.h"
 #include "tests/host/workbench/host_windows.h"
@@ -79,8 +79,8 @@ INSTANTIATE_TEST_SUITE_P(Host, Accessibility, testing::ValuesIn(hostWindows()),
 
 TEST(AccessibilityOfTheWorkbench, EveryEntryOfTheMenusHasAText)
 {
-    Workspace workspace;
-    const MainWindow window(workspace);
+    Session session;
+    const MainWindow window(session);
     int entries = 0;
     for (const QMenu *menu : window.findChildren<QMenu *>())
         for (const QAction *action : menu->actions())

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Exceptions from slots, in the application that the workbench runs in.
-#include "host/session/log.h"
 #include "host/workbench/application.h"
+#include "tests/host/support/listened_session.h"
 
 #include <QEvent>
 #include <QTimer>
@@ -19,16 +19,8 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class ApplicationTest : public testing::Test
+class ApplicationTest : public testing::Test, protected ListenedSession
 {
-protected:
-    ApplicationTest()
-    {
-        setLogSink([this](const QString &text) { log.push_back(text.toStdString()); });
-    }
-    ~ApplicationTest() override { setLogSink({}); }
-
-    std::vector<std::string> log;
 };
 
 /// Deletes itself at its first event, and throws.

@@ -2,7 +2,7 @@
 //
 // The ways into the main window: the dialog, dropped files, the example dataset.
 #include "host/import/resample_anatomy.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/slice_view.h"
@@ -37,7 +37,6 @@ protected:
     {
         QSettings().clear();
         qputenv("XDG_DATA_HOME", folder.path("data").toUtf8());
-        workspace.setAnatomyOpener(openForeignAnatomy);
         writeVmr(folder.path("head.vmr"), zeroVmr());
         NiftiParts parts;
         parts.setSize({3, 3, 3});
@@ -67,8 +66,9 @@ protected:
     }
 
     const TemporaryFolder folder;
-    Workspace workspace;
-    MainWindow window{workspace};
+    Session session{openForeignAnatomy};
+    Workspace &workspace = session.workspace();
+    MainWindow window{session};
 };
 
 } // namespace

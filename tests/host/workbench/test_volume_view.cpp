@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The volume, its VOIs and its time course in the main window, by mouse and keys.
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/slice_view.h"
 #include "host/workbench/time_course_view.h"
@@ -67,8 +67,9 @@ protected:
 
     const TemporaryFolder folder;
     const QString anatomy = folder.path("head.vmr");
-    Workspace workspace;
-    MainWindow window{workspace};
+    Session session;
+    Workspace &workspace = session.workspace();
+    MainWindow window{session};
     VolumeView *view = window.findChild<VolumeView *>();
     SliceView *sagittal = child<SliceView>("Sagittal slice");
     SliceView *coronal = child<SliceView>("Coronal slice");

@@ -3,7 +3,7 @@
 // The plugin's side of the boundary in the host's process: this program is named as the host and
 // exports what the host exports.
 #include "host/session/host_functions.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "plugin/host_functions.h"
 #include "tests/host/support/host_files.h"
 
@@ -36,11 +36,12 @@ TEST(BoundaryInTheHost, BindsEveryFunctionThatTheHostOffersAndNoOther)
 TEST(BoundaryInTheHost, BringsDataThroughTheTable)
 {
     const corvane::TemporaryFolder folder;
+    corvane::Session session;
     corvane::writeVmr(folder.path("brain.vmr"), corvane::zeroVmr());
     corvane::putBytes(folder.path("run.vtc"), corvane::smallVtcBytes(QStringLiteral("block.prt")));
     corvane::writeVoiFile(folder.path("rois.voi"), corvane::smallVoiSet());
     corvane::writePrtFile(folder.path("block.prt"), corvane::smallPrt());
-    corvane::workspace().openVmr(folder.path("brain.vmr"));
+    session.workspace().openVmr(folder.path("brain.vmr"));
 
     ASSERT_TRUE(bindHostFunctions());
     const HostFunctionTable &host = hostFunctions();
@@ -70,5 +71,4 @@ TEST(BoundaryInTheHost, BringsDataThroughTheTable)
     ProtocolHeader protocol;
     ASSERT_EQ(host.zqGetProtocol(&protocol), 1);
     EXPECT_EQ(protocol.conditionCount, 3);
-    corvane::workspace() = corvane::Workspace();
 }
