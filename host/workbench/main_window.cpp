@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/main_window.h"
 
+#include "dataset/scoped_dialog.h"
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
 #include "host/session/log.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
 #include "host/workbench/log_pane.h"
@@ -25,7 +26,6 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QSettings>
@@ -34,6 +34,8 @@
 #include <QStatusBar>
 #include <QTextDocumentFragment>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace corvane
 {
@@ -75,10 +77,20 @@ QString menuText(QString text)
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
+/// A window of this program that keeps above all others, null without one.
+QWidget *windowOnTop()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto found = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
+        return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    });
+    return found != windows.end() ? *found : nullptr;
+}
+
 } // namespace
 
-MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
-    : QMainWindow(parent), m_workspace(workspace), m_log(new LogPane(this)),
+MainWindow::MainWindow(Session &session, QWidget *parent)
+    : QMainWindow(parent), m_workspace(session.workspace()), m_log(new LogPane(session, this)),
       m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -98,16 +110,12 @@ MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
     // done.
     m_refreshSoon.setSingleShot(true);
     connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
-    m_workspace.setObserver([this] { m_refreshSoon.start(0); });
-    setMessageSink([this](const QString &text) { showMessageBox(text); });
+    connect(&m_workspace, &Workspace::changed, &m_refreshSoon, [this] { m_refreshSoon.start(0); });
+    connect(&session, &Session::messageShown, this, &MainWindow::showBox);
     refresh();
 }
 
-MainWindow::~MainWindow()
-{
-    m_workspace.setObserver({});
-    setMessageSink({});
-}
+MainWindow::~MainWindow() = default;
 
 // ---- what there is
 
@@ -380,12 +388,10 @@ void MainWindow::chooseFiles()
 #ifdef CORVANE_IMPORT
 void MainWindow::importFiles()
 {
-    // On the heap and guarded: the window may go while the dialog runs.
-    const QPointer<ImportDialog> dialog = new ImportDialog(this);
+    const ScopedDialog dialog(new ImportDialog(this));
     dialog->setAttribute(Qt::WA_DeleteOnClose, false);
     if (dialog->exec() == QDialog::Accepted && dialog)
         openFiles(dialog->importedFiles());
-    delete dialog;
 }
 
 void MainWindow::openExample()
@@ -463,14 +469,24 @@ void MainWindow::start(Plugin &plugin)
 void MainWindow::showMessageBox(const QString &text)
 {
     logText(text);
-    QWidget *const active = QApplication::activeWindow();
-    // On the heap: the window of a plugin may end while the box stands over it, and take it along.
-    const QPointer<QMessageBox> box =
-        new QMessageBox(QMessageBox::Information, QStringLiteral("Corvane"), text, QMessageBox::Ok,
-                        active != nullptr ? active : this);
+    showBox(text);
+}
+
+void MainWindow::showBox(const QString &text)
+{
+    QWidget *const onTop = windowOnTop();
+    // Right after a dialog has closed no window is active.
+    QWidget *parent = QApplication::activeWindow();
+    if (parent == nullptr)
+        parent = onTop != nullptr ? onTop : this;
+    // The window of a plugin may end while the box stands over it, and take it along.
+    const ScopedDialog box(new QMessageBox(QMessageBox::Information, QStringLiteral("Corvane"),
+                                           text, QMessageBox::Ok, parent));
     box->setTextFormat(Qt::PlainText);
+    // Behind such a window nobody would see that the program waits.
+    if (onTop != nullptr)
+        box->setWindowFlag(Qt::WindowStaysOnTopHint);
     box->exec();
-    delete box;
 }
 
 void MainWindow::about()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/session/log.h"
-#include "host/session/workspace.h"
+#include "host/session/session.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/main_window.h"
@@ -59,8 +59,9 @@ protected:
     const TemporaryFolder folder;
     const QString first = folder.path("first & best.vmr");
     const QString second = folder.path("second.vmr");
-    Workspace workspace;
-    MainWindow window{workspace};
+    Session session;
+    Workspace &workspace = session.workspace();
+    MainWindow window{session};
     DocumentTabs *tabs = window.findChild<DocumentTabs *>();
 };
 
@@ -197,6 +198,33 @@ TEST_F(MainWindowTest, ShowsThePluginsMessagesOverTheActiveWindow)
     EXPECT_EQ(driver.remaining(), 0U);
 }
 
+TEST_F(MainWindowTest, ShowsMessagesAboveAWindowThatKeepsOnTopAlsoWhenNoneIsActive)
+{
+    showWindow();
+    QWidget other(nullptr, Qt::WindowStaysOnTopHint);
+    other.show();
+    // As it is right after a file dialog has closed.
+    QApplication::setActiveWindow(nullptr);
+    ASSERT_EQ(QApplication::activeWindow(), nullptr);
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&](QMessageBox &box) {
+        EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        EXPECT_EQ(box.parentWidget(), &other);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    showMessage(QStringLiteral("No VMR"));
+
+    other.hide();
+    QApplication::setActiveWindow(nullptr);
+    driver.expect<QMessageBox>([&](QMessageBox &box) {
+        EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        EXPECT_EQ(box.parentWidget(), &window);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    showMessage(QStringLiteral("No VMR"));
+    EXPECT_EQ(driver.remaining(), 0U);
+}
+
 TEST_F(MainWindowTest, TakesFilesThatAreDroppedOnIt)
 {
     QMimeData data;
@@ -227,7 +255,7 @@ TEST_F(MainWindowTest, RemembersRecentFilesNewestFirst)
     menu->actions()[1]->trigger();
     EXPECT_EQ(workspace.documentPath(current()), second);
 
-    Workspace other;
+    Session other;
     const MainWindow later(other);
     auto *const laterMenu = later.findChild<QMenu *>(QStringLiteral("recentFiles"));
     EXPECT_EQ(laterMenu->actions()[0]->text(), QStringLiteral("second.vmr"));
@@ -249,7 +277,7 @@ TEST_F(MainWindowTest, RemembersItsPlaceAndPanes)
     ASSERT_EQ(parts->sizes().at(1), height);
     window.close();
 
-    Workspace other;
+    Session other;
     MainWindow later(other);
     later.show();
     later.openFiles({first});
@@ -268,7 +296,7 @@ TEST_F(MainWindowTest, ShowsTheLogAndBringsItToTheFront)
     EXPECT_THAT(logged(), HasSubstr("\n a line with %1 and "));
     auto *const log = window.findChild<LogPane *>();
     log->hide();
-    showLogPane();
+    session.showLogPane();
     EXPECT_TRUE(log->isVisible());
 }
 
