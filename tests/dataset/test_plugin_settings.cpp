@@ -12,8 +12,21 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace
 {
+
+bool messageAtTheVeryEnd = false;
+
+/// Runs when every static object is gone: what is registered first comes last.
+__attribute__((constructor(101))) void registerLastMessage()
+{
+    std::atexit([] {
+        if (messageAtTheVeryEnd)
+            qInfo("the last");
+    });
+}
 
 /// A home folder of its own, and the process's message handler back at the end.
 class Settings : public testing::Test
@@ -180,6 +193,18 @@ TEST_F(Settings, HandlerStaysInstalledWhenVerboseLoggingEnds)
     EXPECT_TRUE(handlerIsInstalled());
     qDebug("of the host"); // every message of the process goes there
     EXPECT_EQ(contents(wantedLog()), "of the host \t\t\t (:0, )\n");
+}
+
+TEST_F(Settings, HandlerStaysUsableWhileTheProcessEnds)
+{
+    const auto endWithMessage = [this] {
+        logFilePath = home.filePath("log.txt");
+        qInstallMessageHandler(writeMessageToLogFile);
+        messageAtTheVeryEnd = true;
+        std::exit(0);
+    };
+    EXPECT_EXIT(endWithMessage(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(contents(home.filePath("log.txt")), "Info: the last (:0, )\n");
 }
 
 TEST_F(Settings, DumpFolderThatExistsTurnsDumpingOff)
