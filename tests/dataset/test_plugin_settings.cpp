@@ -141,6 +141,34 @@ TEST_F(Settings, FolderThatMayNotBeWrittenTurnsItsDiagnosticOff)
     EXPECT_FALSE(QFileInfo::exists(wantedDump()));
 }
 
+/// As the user's guide tells; each wrong way leads to another folder, or to none.
+TEST_F(Settings, PathsAreWrittenWithSlashesInQuotesAndLatin1)
+{
+    const std::pair<const char *, QString> paths[] = {
+        {"/home/me/logs", "/home/me/logs"},
+        {"C:/logs", "C:/logs"},
+        {"C:/my logs", "C:/my logs"},
+        {"\"C:/logs, old\"", "C:/logs, old"},
+        {"C:/logs, old", ""},
+        {"C:\\logs", "C:ogs"},
+        {"C:\\new", "C:\new"},
+        {"C:\\\\logs", "C:\\logs"},
+        {"C:/Gr\xf6\xdf"
+         "e",
+         QString::fromUtf8("C:/Größe")},
+        {"C:/Größe", QString::fromLatin1("C:/Größe")},
+        {"\"C:/a;b\"", "C:/a;b"},
+        {"C:/a;b", "C:/a"},
+    };
+    for (const auto &[written, read] : paths) {
+        writeIni(QByteArray("[plugin]\nlog_dir=") + written +
+                 "\n[nodalis]\ndump_output_dir=" + written + "\n");
+        settings().read();
+        EXPECT_EQ(settings().logDir.toStdString(), read.toStdString()) << written;
+        EXPECT_EQ(settings().dumpOutputDir.toStdString(), read.toStdString()) << written;
+    }
+}
+
 TEST_F(Settings, VerboseLoggingWithoutFolderIsOff)
 {
     for (const char *folder : {"", "log_dir=\n", "log_dir=/no/such/folder\n"}) {
