@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -161,8 +162,9 @@ TEST_F(Settings, PathsAreWrittenWithSlashesInQuotesAndLatin1)
         {"C:/a;b", "C:/a"},
     };
     for (const auto &[written, read] : paths) {
-        writeIni(QByteArray("[plugin]\nlog_dir=") + written +
-                 "\n[nodalis]\ndump_output_dir=" + written + "\n");
+        const QTemporaryDir ownHome; // a file written again within a second may not be read again
+        writeIni(ownHome, QByteArray("[plugin]\nlog_dir=") + written +
+                              "\n[nodalis]\ndump_output_dir=" + written + "\n");
         settings().read();
         EXPECT_EQ(settings().logDir.toStdString(), read.toStdString()) << written;
         EXPECT_EQ(settings().dumpOutputDir.toStdString(), read.toStdString()) << written;
@@ -266,6 +268,28 @@ TEST_F(Settings, StampIsDateAndTime)
 {
     EXPECT_EQ(loadStamp.size(), 15);
     EXPECT_TRUE(QDateTime::fromString(loadStamp, "ddMMyyyy_hhmmss").isValid());
+}
+
+TEST_F(Settings, StampIsTheTimeOfLoadingInTheTimeZoneOfTheComputer)
+{
+    // Time zones without daylight saving: names of them, and how far they are ahead of UTC.
+    const std::pair<const char *, int> zones[] = {
+        {"UTC0", 0}, {"EAST-7:45", 7 * 3600 + 45 * 60}, {"WEST3:30", -(3 * 3600 + 30 * 60)}};
+    for (const auto &[name, ahead] : zones) {
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("TZ", name);
+        program.setProcessEnvironment(environment);
+        const qint64 earliest = QDateTime::currentSecsSinceEpoch();
+        program.start(LOAD_STAMP_PROBE, QStringList());
+        ASSERT_TRUE(program.waitForFinished());
+        const qint64 latest = QDateTime::currentSecsSinceEpoch();
+        QDateTime stamp =
+            QDateTime::fromString(program.readAllStandardOutput().trimmed(), "ddMMyyyy_hhmmss");
+        stamp.setOffsetFromUtc(ahead);
+        EXPECT_GE(stamp.toSecsSinceEpoch(), earliest) << name;
+        EXPECT_LE(stamp.toSecsSinceEpoch(), latest) << name;
+    }
 }
 
 TEST_F(Settings, HandlerWithoutWritableFileWritesNothing)
