@@ -8,7 +8,8 @@
 #
 # One test program with GoogleTest. Each of its tests becomes a test of ctest; one that calls
 # GTEST_SKIP is reported as skipped. Tests run on Qt's offscreen platform with a home folder of
-# their own, so that no test sees or changes a user's settings.
+# their own, so that no test sees or changes a user's settings. Matrices of different sizes do not
+# count as equal in them, see tests/support/eigen_checks.h.
 
 include(GoogleTest)
 find_package(GTest REQUIRED)
@@ -18,6 +19,8 @@ function(tessera_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS;AT_SCALE")
     add_executable(${name} ${arg_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_compile_options(${name} PRIVATE
+        -include ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
     if(arg_GUI_MAIN)
         find_package(Qt5 REQUIRED COMPONENTS Test)

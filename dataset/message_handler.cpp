@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QTextStream>
 
-QString logFilePath;
+QString &logFilePath = *new QString;
 
 namespace
 {

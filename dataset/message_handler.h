@@ -4,8 +4,9 @@
 #include <QString>
 #include <QtGlobal>
 
-/// Full path of the log file, empty until verbose logging starts.
-extern QString logFilePath;
+/// Full path of the log file, empty until verbose logging starts. Never destroyed: the handler stays
+/// installed while the process ends.
+extern QString &logFilePath;
 
 /// Message handler that appends each message to the log file as one line: debug and info messages
 /// with their text, any other type as an empty line. The file is opened and closed for each line,

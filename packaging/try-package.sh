@@ -30,6 +30,8 @@ fail() {
 in_root() {
     chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive "$@"
 }
+# apt_get ARGUMENT...: that of the fresh machine.
+apt_get() { in_root apt-get -q -o DPkg::Lock::Timeout=600 "$@"; }
 as_user() { in_root setpriv --reuid=researcher --regid=researcher --init-groups \
     env HOME=/home/researcher "$@"; }
 
@@ -71,8 +73,8 @@ in_root useradd --create-home researcher
 held "a fresh Debian $(cat "$root/etc/debian_version") with $(in_root dpkg-query -f '.\n' -W | wc -l) packages"
 
 cp "$package" "$root/package.deb"
-in_root apt-get update -q >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
-in_root apt-get install -q -y --no-install-recommends ./package.deb >"$work/log" 2>&1 ||
+apt_get update >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
+apt_get install -y --no-install-recommends ./package.deb >"$work/log" 2>&1 ||
     fail "$(tail -n 5 "$work/log")"
 held "installed with $(grep -c '^Setting up' "$work/log") packages"
 in_root dpkg --verify corvane-tessera || fail "files differ from those of the package"
@@ -96,7 +98,7 @@ cmake --build "$work/plugin" >"$work/log" || fail "$(cat "$work/log")"
 held "the example plugin builds from the installed documents"
 
 in_root dpkg -L corvane-tessera >"$work/files"
-in_root apt-get purge -q -y corvane-tessera >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
+apt_get purge -y corvane-tessera >"$work/log" 2>&1 || fail "$(tail -n 5 "$work/log")"
 in_root dpkg-query -W corvane-tessera >/dev/null 2>&1 && fail "the package is still known"
 left=$(grep -E 'corvane|Corvane|nodalis|tessera' "$work/files" |
     while read -r file; do [ -e "$root$file" ] && echo "$file"; done || true)

@@ -24,13 +24,12 @@ bool bindHostFunctions()
     if (module == nullptr)
         return false;
 
+    // The version function heads the list: without it nothing else is looked up.
     HostFunctionTable &table = hostFunctions();
-    bind(table.zqGetVersionOfCorvaneZQ, module, "zqGetVersionOfCorvaneZQ");
-    if (table.zqGetVersionOfCorvaneZQ == nullptr)
+#define HOST_CALL(result, name, arguments)                                                         \
+    bind(table.name, module, #name);                                                               \
+    if (table.zqGetVersionOfCorvaneZQ == nullptr)                                                  \
         return false;
-
-        // The version function heads the list and is looked up once more with the others.
-#define HOST_CALL(result, name, arguments) bind(table.name, module, #name);
 #define HOST_NAME(name) bind(table.name, module, #name);
 #include "plugin/host_function_names.inc"
 #undef HOST_CALL

@@ -1,21 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/host_module.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <dlfcn.h>
 #include <string>
 #include <sys/auxv.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
 
+constexpr const char *executable = "/proc/self/exe";
+
+bool isFileOfThisProcess(const std::string &path)
+{
+    struct stat named = {};
+    struct stat running = {};
+    return stat(path.c_str(), &named) == 0 && stat(executable, &running) == 0 &&
+           named.st_dev == running.st_dev && named.st_ino == running.st_ino;
+}
+
+/// The path under which the executable was loaded. The file that is there by now may be another
+/// one, or none: the kernel marks such a path at its end.
 std::string executablePath()
 {
-    char path[PATH_MAX];
-    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
-    return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+    char buffer[PATH_MAX];
+    const ssize_t length = readlink(executable, buffer, sizeof buffer);
+    std::string path(buffer, length > 0 ? static_cast<std::size_t>(length) : 0);
+    const std::string mark = " (deleted)";
+    const std::size_t end = path.size() - std::min(path.size(), mark.size());
+    if (path.compare(end, mark.size(), mark) == 0 && !isFileOfThisProcess(path))
+        path.resize(end);
+    return path;
 }
 
 /// Load address of the object that holds `address`, null when none does.

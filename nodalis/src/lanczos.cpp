@@ -71,12 +71,23 @@ Eigen::VectorXd upper_vector(const Tridiagonal &t, double value, double smallest
     return vector.normalized();
 }
 
+/// Eigenvalues, ascending.
+Eigen::VectorXd spectrum(const Tridiagonal &t)
+{
+    // The solver compares entries with the square root of others: bring them near 1, by a power of
+    // two, which rounds nothing.
+    const double largest =
+        std::max(t.diagonal.lpNorm<Eigen::Infinity>(), t.beside.lpNorm<Eigen::Infinity>());
+    const double unit = largest > 0.0 ? std::ldexp(1.0, std::ilogb(largest)) : 1.0;
+    Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> solver;
+    solver.computeFromTridiagonal(t.diagonal / unit, t.beside / unit, Eigen::EigenvaluesOnly);
+    return solver.eigenvalues() * unit;
+}
+
 UpperEnd upper_end(const Tridiagonal &t)
 {
     const Eigen::Index k = t.diagonal.size();
-    Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> solver;
-    solver.computeFromTridiagonal(t.diagonal, t.beside, Eigen::EigenvaluesOnly);
-    const Eigen::VectorXd &values = solver.eigenvalues();
+    const Eigen::VectorXd values = spectrum(t);
     const double extent = std::max(-values[0], values[k - 1]);
     const double smallest_pivot =
         std::max(epsilon * epsilon * extent, std::numeric_limits<double>::min());

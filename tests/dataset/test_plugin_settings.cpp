@@ -8,12 +8,26 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace
 {
+
+bool messageAtTheVeryEnd = false;
+
+/// Runs when every static object is gone: what is registered first comes last.
+__attribute__((constructor(101))) void registerLastMessage()
+{
+    std::atexit([] {
+        if (messageAtTheVeryEnd)
+            qInfo("the last");
+    });
+}
 
 /// A home folder of its own, and the process's message handler back at the end.
 class Settings : public testing::Test
@@ -128,6 +142,35 @@ TEST_F(Settings, FolderThatMayNotBeWrittenTurnsItsDiagnosticOff)
     EXPECT_FALSE(QFileInfo::exists(wantedDump()));
 }
 
+/// As the user's guide tells; each wrong way leads to another folder, or to none.
+TEST_F(Settings, PathsAreWrittenWithSlashesInQuotesAndLatin1)
+{
+    const std::pair<const char *, QString> paths[] = {
+        {"/home/me/logs", "/home/me/logs"},
+        {"C:/logs", "C:/logs"},
+        {"C:/my logs", "C:/my logs"},
+        {"\"C:/logs, old\"", "C:/logs, old"},
+        {"C:/logs, old", ""},
+        {"C:\\logs", "C:ogs"},
+        {"C:\\new", "C:\new"},
+        {"C:\\\\logs", "C:\\logs"},
+        {"C:/Gr\xf6\xdf"
+         "e",
+         QString::fromUtf8("C:/Größe")},
+        {"C:/Größe", QString::fromLatin1("C:/Größe")},
+        {"\"C:/a;b\"", "C:/a;b"},
+        {"C:/a;b", "C:/a"},
+    };
+    for (const auto &[written, read] : paths) {
+        const QTemporaryDir ownHome; // a file written again within a second may not be read again
+        writeIni(ownHome, QByteArray("[plugin]\nlog_dir=") + written +
+                              "\n[nodalis]\ndump_output_dir=" + written + "\n");
+        settings().read();
+        EXPECT_EQ(settings().logDir.toStdString(), read.toStdString()) << written;
+        EXPECT_EQ(settings().dumpOutputDir.toStdString(), read.toStdString()) << written;
+    }
+}
+
 TEST_F(Settings, VerboseLoggingWithoutFolderIsOff)
 {
     for (const char *folder : {"", "log_dir=\n", "log_dir=/no/such/folder\n"}) {
@@ -182,6 +225,18 @@ TEST_F(Settings, HandlerStaysInstalledWhenVerboseLoggingEnds)
     EXPECT_EQ(contents(wantedLog()), "of the host \t\t\t (:0, )\n");
 }
 
+TEST_F(Settings, HandlerStaysUsableWhileTheProcessEnds)
+{
+    const auto endWithMessage = [this] {
+        logFilePath = home.filePath("log.txt");
+        qInstallMessageHandler(writeMessageToLogFile);
+        messageAtTheVeryEnd = true;
+        std::exit(0);
+    };
+    EXPECT_EXIT(endWithMessage(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(contents(home.filePath("log.txt")), "Info: the last (:0, )\n");
+}
+
 TEST_F(Settings, DumpFolderThatExistsTurnsDumpingOff)
 {
     ASSERT_TRUE(QDir().mkdir(wantedDump()));
@@ -213,6 +268,28 @@ TEST_F(Settings, StampIsDateAndTime)
 {
     EXPECT_EQ(loadStamp.size(), 15);
     EXPECT_TRUE(QDateTime::fromString(loadStamp, "ddMMyyyy_hhmmss").isValid());
+}
+
+TEST_F(Settings, StampIsTheTimeOfLoadingInTheTimeZoneOfTheComputer)
+{
+    // Time zones without daylight saving: names of them, and how far they are ahead of UTC.
+    const std::pair<const char *, int> zones[] = {
+        {"UTC0", 0}, {"EAST-7:45", 7 * 3600 + 45 * 60}, {"WEST3:30", -(3 * 3600 + 30 * 60)}};
+    for (const auto &[name, ahead] : zones) {
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("TZ", name);
+        program.setProcessEnvironment(environment);
+        const qint64 earliest = QDateTime::currentSecsSinceEpoch();
+        program.start(LOAD_STAMP_PROBE, QStringList());
+        ASSERT_TRUE(program.waitForFinished());
+        const qint64 latest = QDateTime::currentSecsSinceEpoch();
+        QDateTime stamp =
+            QDateTime::fromString(program.readAllStandardOutput().trimmed(), "ddMMyyyy_hhmmss");
+        stamp.setOffsetFromUtc(ahead);
+        EXPECT_GE(stamp.toSecsSinceEpoch(), earliest) << name;
+        EXPECT_LE(stamp.toSecsSinceEpoch(), latest) << name;
+    }
 }
 
 TEST_F(Settings, HandlerWithoutWritableFileWritesNothing)

@@ -88,6 +88,28 @@ TEST(AveragedTimeseries, IsTheMeanOverVoxels)
     EXPECT_EQ(subject.averagedTimeseries({0, 1}), expected);
 }
 
+TEST(AveragedTimeseries, AddsUpInSinglePrecision)
+{
+    constexpr int volumes = 60;
+    for (const int voxels : {3, 5, 8, 33, 200}) {
+        Eigen::MatrixXf series(voxels, volumes);
+        for (int v = 0; v < voxels; ++v) {
+            for (int t = 0; t < volumes; ++t)
+                series(v, t) = 900.0f + 100.0f * std::sin(static_cast<float>(7 * v + 3 * t * t));
+        }
+        Subject subject;
+        subject.appendTimeseries(series);
+        const Eigen::MatrixXf nodes = subject.averagedTimeseries({0});
+        int otherThanInDouble = 0;
+        for (int t = 0; t < volumes; ++t) {
+            EXPECT_EQ(nodes(0, t), series.col(t).sum() / static_cast<float>(voxels));
+            const double exact = series.col(t).cast<double>().sum() / voxels;
+            otherThanInDouble += nodes(0, t) != static_cast<float>(exact) ? 1 : 0;
+        }
+        EXPECT_GT(otherThanInDouble, 0) << voxels;
+    }
+}
+
 TEST(AveragedTimeseries, KeepsTheOrderOfTheSelection)
 {
     Subject subject;

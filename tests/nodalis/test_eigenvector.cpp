@@ -88,6 +88,24 @@ TEST(EigenvectorCentrality, OfASharedSpaceAtRightAnglesIsTheLengthInIt)
     }
 }
 
+TEST(EigenvectorCentrality, IsTheSameAtEveryScale)
+{
+    graphs::Random random(13);
+    const Eigen::MatrixXf positive = graphs::random(60, 0.5, graphs::Weights::uniform, random);
+    const Eigen::MatrixXf mixed = graphs::random(60, 0.5, graphs::Weights::signs, random);
+    const Eigen::MatrixXf opposed = graphs::complete(60, -1.0F);
+    for (const float factor : {0x1p-120F, 1e-30F, 1e-20F, 1e-10F, 1e10F, 1e20F, 1e38F}) {
+        SCOPED_TRACE(factor);
+        for (const Eigen::MatrixXf &graph : {positive, mixed}) {
+            EXPECT_TRUE(near(nodalis::eigenvector_centrality(factor * graph),
+                             plain::eigenvector_centrality(graph),
+                             1e-6 / plain::relative_gap(graph)));
+        }
+        EXPECT_TRUE(near(nodalis::eigenvector_centrality(factor * opposed),
+                         all(60, 1.0 / std::sqrt(60.0))));
+    }
+}
+
 TEST(EigenvectorCentrality, OfSmallGapsIsAsAccurateAsTheyAllow)
 {
     graphs::Random random(12);

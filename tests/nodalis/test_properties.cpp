@@ -122,6 +122,66 @@ TEST(AnyGraph, ScalesAsTheDefinitionsSay)
     });
 }
 
+/// Weights as small and as large as single precision knows them.
+TEST(AnyGraph, ScalesAtEveryMagnitude)
+{
+    graphs::Random random(9);
+    for (int exponent = -147; exponent <= 120 && !testing::Test::HasFailure(); exponent += 3) {
+        SCOPED_TRACE("2 to the " + std::to_string(exponent));
+        // Quarters to wholes, which such a factor leaves exact.
+        const Eigen::MatrixXf graph = graphs::random(24, 0.5, graphs::Weights::tied, random);
+        Eigen::MatrixXf other = graphs::random(12, 0.9, graphs::Weights::tied, random);
+        const double factor = std::ldexp(1.0, exponent);
+        Eigen::MatrixXf scaled = (factor * graph.cast<double>()).cast<float>();
+        Eigen::MatrixXf other_scaled = (factor * other.cast<double>()).cast<float>();
+        const double rounding = std::ldexp(1.0, -150) / factor;
+        const auto expect_times_factor = [&](const Eigen::ArrayXf &values,
+                                             const Eigen::ArrayXd &wanted) {
+            const Eigen::ArrayXd error = (values.cast<double>() / factor - wanted).abs();
+            EXPECT_LE(error.maxCoeff(), 1e-6 * wanted.maxCoeff() + rounding);
+        };
+        expect_times_factor(nodalis::strength(scaled), plain::strength(graph));
+        expect_times_factor(nodalis::clustering_coeff(scaled), plain::clustering_coeff(graph));
+        expect_times_factor(nodalis::local_efficiency(scaled), plain::local_efficiency(graph));
+        const Eigen::ArrayXd nodal = plain::nodal_global_efficiency(graph);
+        expect_times_factor(nodalis::nodal_global_efficiency(scaled), nodal);
+        expect_times_factor(Eigen::ArrayXf::Constant(1, nodalis::global_efficiency(scaled)),
+                            Eigen::ArrayXd::Constant(1, nodal.mean()));
+        Eigen::MatrixXf same = graph;
+        expect_times_factor(
+            Eigen::ArrayXf::Constant(
+                1, nodalis::distances::spectral_euclidean(scaled, other_scaled, 30)),
+            Eigen::ArrayXd::Constant(1, nodalis::distances::spectral_euclidean(same, other, 30)));
+        EXPECT_TRUE(near(nodalis::degree(scaled), nodalis::degree(graph).cast<double>(), 0.0));
+        EXPECT_TRUE(near(nodalis::eigenvector_centrality(scaled),
+                         plain::eigenvector_centrality(graph), tolerance_of_eigenvector(graph)));
+        for (const bool lengths : {false, true}) {
+            EXPECT_EQ(std::get<1>(nodalis::mst::minimum_spanning_tree(scaled, lengths, true)),
+                      std::get<1>(nodalis::mst::minimum_spanning_tree(graph, lengths, true)));
+        }
+    }
+}
+
+TEST(AnyGraph, MayHaveWeightsOfEveryMagnitudeAtOnce)
+{
+    graphs::Random random(10);
+    for (int round = 0; round < 200 && !testing::Test::HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        Eigen::MatrixXf graph = graphs::random(24, 0.6, graphs::Weights::uniform, random);
+        // 1e-44 to 1e36: the sum over a node is still a float.
+        graph = graph.unaryExpr([](float w) {
+            return w == 0.0F ? 0.0F : static_cast<float>(std::pow(10.0, 80.0 * double{w} - 44.0));
+        });
+        EXPECT_TRUE(near(nodalis::strength(graph), plain::strength(graph)));
+        EXPECT_TRUE(near(nodalis::clustering_coeff(graph), plain::clustering_coeff(graph)));
+        EXPECT_TRUE(near(nodalis::local_efficiency(graph), plain::local_efficiency(graph)));
+        EXPECT_TRUE(
+            near(nodalis::nodal_global_efficiency(graph), plain::nodal_global_efficiency(graph)));
+        EXPECT_TRUE(near(nodalis::eigenvector_centrality(graph),
+                         plain::eigenvector_centrality(graph), tolerance_of_eigenvector(graph)));
+    }
+}
+
 TEST(AnyGraph, KeepsWithinItsBounds)
 {
     for_graphs(3000, 24, [](const Eigen::MatrixXf &graph, graphs::Random &) {

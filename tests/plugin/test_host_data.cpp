@@ -116,6 +116,18 @@ TEST_F(HostData, LoadCopiesEachVoxelsSeriesInTheFilesOrder)
     EXPECT_THAT(host.messages, IsEmpty());
 }
 
+TEST_F(HostData, LoadCountsWholeVtcVoxelsInABoxThatEndsWithinOne)
+{
+    // 14, 11 and 8 voxels of the VMR: 4 x 3 x 2 whole ones, and two thirds of one on each axis.
+    vtc() = fake_host::makeVtc({{{57, 71}, {52, 63}, {59, 67}}}, 3, 5, 2, place);
+    vois() = {{"inside", {{57, 52, 59}, {66, 58, 62}, {60, 55, 62}, {63, 52, 62}}},
+              {"beyond", {{69, 52, 59}, {57, 61, 59}, {57, 52, 65}}}};
+    ASSERT_TRUE(subject.load());
+    const std::vector<Eigen::MatrixXf> series = subject.timeseries();
+    EXPECT_EQ(series.at(0).col(4), (Eigen::Vector4f(4, 1234, 1114, 1024)));
+    EXPECT_EQ(series.at(1), Eigen::MatrixXf::Zero(3, 5));
+}
+
 TEST_F(HostData, LoadAsksTheHostInThisOrder)
 {
     subject.load();
