@@ -21,16 +21,6 @@ std::pair<int, int> intervalStartingAt(const ProtocolCondition &condition, int s
     return {-1, -1};
 }
 
-/// The volumes of an interval, counted from 1 with both ends included, as far as the run has them.
-Eigen::MatrixXf blockOfInterval(const Eigen::MatrixXf &timeseries, std::pair<int, int> interval)
-{
-    const Eigen::Index volumes = timeseries.cols();
-    const Eigen::Index first =
-        std::clamp<Eigen::Index>(Eigen::Index{interval.first} - 1, 0, volumes);
-    const Eigen::Index end = std::clamp<Eigen::Index>(interval.second, first, volumes);
-    return timeseries.middleCols(first, end - first);
-}
-
 } // namespace
 
 Eigen::MatrixXf matrixFromRows(const float *const *rows, unsigned rowCount, unsigned columnCount)
@@ -64,18 +54,32 @@ Eigen::MatrixXf Subject::averagedTimeseries(std::vector<int> selection) const
     return result;
 }
 
+std::vector<std::pair<int, int>> sliceIntervals(const SubjectProtocol &protocol)
+{
+    std::map<int, ProtocolCondition> conditions = protocol.conditions;
+    std::vector<std::pair<int, int>> intervals;
+    for (const auto &[start, conditionIndex] : protocol.volumeConditions)
+        intervals.push_back(intervalStartingAt(conditions[conditionIndex], start));
+    return intervals;
+}
+
+Eigen::MatrixXf blockOfInterval(const Eigen::MatrixXf &timeseries, std::pair<int, int> interval)
+{
+    const Eigen::Index volumes = timeseries.cols();
+    const Eigen::Index first =
+        std::clamp<Eigen::Index>(Eigen::Index{interval.first} - 1, 0, volumes);
+    const Eigen::Index end = std::clamp<Eigen::Index>(interval.second, first, volumes);
+    return timeseries.middleCols(first, end - first);
+}
+
 std::vector<Eigen::MatrixXf> connectivityWorker(const Subject *subject, MeasureFunction measure,
                                                 Eigen::MatrixXf timeseries)
 {
     if (!subject->useProtocol())
         return {measure(timeseries)};
 
-    const SubjectProtocol protocol = subject->protocol();
-    std::map<int, ProtocolCondition> conditions = protocol.conditions;
     std::vector<Eigen::MatrixXf> matrices;
-    for (const auto &[start, conditionIndex] : protocol.volumeConditions) {
-        const std::pair<int, int> interval = intervalStartingAt(conditions[conditionIndex], start);
+    for (const auto &interval : sliceIntervals(subject->protocol()))
         matrices.push_back(measure(blockOfInterval(timeseries, interval)));
-    }
     return matrices;
 }

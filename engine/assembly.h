@@ -5,9 +5,11 @@
 
 #include <Eigen/Core>
 
+#include <utility>
 #include <vector>
 
 class Subject;
+struct SubjectProtocol;
 
 /// @file
 /// From per-voxel series to connectivity matrices. The first step, from voxels to one mean course
@@ -17,10 +19,16 @@ class Subject;
 /// caller keeps the rows.
 Eigen::MatrixXf matrixFromRows(const float *const *rows, unsigned rowCount, unsigned columnCount);
 
-/// One connectivity matrix per slice of `timeseries` (nodes x volumes): without protocol the whole
-/// run, with `useProtocol` one block of volumes per distinct interval start, in ascending order.
-/// Intervals count volumes from 1 and include both ends; what lies beyond the run is cut off, and
-/// when nothing is left the measure gets a block without columns.
+/// The interval of each slice of a compute with protocol: one per distinct start, in ascending
+/// order. Volumes count from 1, both ends are included.
+std::vector<std::pair<int, int>> sliceIntervals(const SubjectProtocol &protocol);
+
+/// The volumes of such an interval. What lies beyond the run is cut off; when nothing is left the
+/// block has no columns.
+Eigen::MatrixXf blockOfInterval(const Eigen::MatrixXf &timeseries, std::pair<int, int> interval);
+
+/// One connectivity matrix per slice of `timeseries` (nodes x volumes): without protocol of the
+/// whole run, with `useProtocol` of the block of each of `sliceIntervals`.
 ///
 /// Runs on a pool thread and does not look at cancellation.
 std::vector<Eigen::MatrixXf> connectivityWorker(const Subject *subject, MeasureFunction measure,
