@@ -5,6 +5,7 @@
 #include "host/commands/commands.h"
 #include "host/compute/compute.h"
 #include "host/compute/compute_files.h"
+#include "host/files/file_kind.h"
 #include "host/files/input_error.h"
 #include "host/files/output_folder.h"
 #include "host/pictures/compute_pictures.h"
@@ -58,11 +59,10 @@ QVector<int> seeds(const QString &text)
 QString importedFile(const QCommandLineParser &parser, const QString &option)
 {
     QString path = requiredValue(parser, option);
-    for (const char *ending : {".nii", ".nii.gz"})
-        if (path.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
-            throw UsageError(QStringLiteral("--%1: found %2, expected a .%1 file, which Corvane "
-                                            "import makes from NIfTI files")
-                                 .arg(option, quoted(path)));
+    if (fileKind(path) == FileKind::Nifti)
+        throw UsageError(QStringLiteral("--%1: found %2, expected a .%1 file, which Corvane "
+                                        "import makes from NIfTI files")
+                             .arg(option, quoted(path)));
     return path;
 }
 
@@ -128,7 +128,8 @@ int run(const QStringList &arguments)
     QStringList pictures;
     if (request.plots) {
         result.warnings += picturesLeftOut(result);
-        pictures = writeComputePictures(files, request, result);
+        TerminalProgress progress(QStringLiteral("drawing"));
+        pictures = writeComputePictures(files, request, result, progress.watch());
     }
     writeComputeTables(files, request, result, pictures);
     files.commit();

@@ -3,7 +3,6 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/import/example_dataset.h"
-#include "host/import/import_report.h"
 
 namespace corvane
 {
@@ -21,7 +20,12 @@ int run(const QStringList &arguments)
     if (!parseArguments(parser, arguments, {folder}))
         return Done;
 
-    printReport(writeExample(parser.positionalArguments().front()));
+    ImportReport report;
+    {
+        TerminalProgress progress(QStringLiteral("writing the example"));
+        report = writeExample(parser.positionalArguments().front(), progress.watch());
+    }
+    printReport(report);
     return Done;
 }
 

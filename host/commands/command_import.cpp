@@ -4,7 +4,8 @@
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
 #include "host/files/text_check.h"
-#include "host/import/import_dataset.h"
+#include "host/import/import_name.h"
+#include "host/import/write_import.h"
 
 namespace corvane
 {
@@ -52,7 +53,7 @@ QString importName(const QCommandLineParser &parser, const QString &functional)
 {
     const QString option = QStringLiteral("name");
     QString name = parser.isSet(option) ? parser.value(option) : defaultImportName(functional);
-    if (name.isEmpty() || name.contains(QLatin1Char('/')) || nameFault(name))
+    if (!isImportName(name))
         throw UsageError(QStringLiteral("--name: found %1, expected the name of a file without "
                                         "its ending")
                              .arg(quoted(name)));
@@ -116,7 +117,12 @@ int run(const QStringList &arguments)
     if (!parseArguments(parser, arguments))
         return Done;
 
-    printReport(importDataset(requestOf(parser)));
+    ImportReport report;
+    {
+        TerminalProgress progress(QStringLiteral("importing the run"));
+        report = writeImport(planImport(requestOf(parser)), progress.watch());
+    }
+    printReport(report);
     return Done;
 }
 

@@ -58,15 +58,16 @@ int run(const QStringList &arguments)
                          quoted(tourPlugin()));
     const QTemporaryDir dataset;
     const QTemporaryDir exports;
-    writeExample(dataset.path());
+    writeExample(dataset.path(), TerminalProgress(QStringLiteral("writing the example")).watch());
     window.resize(MainWindow::usualSize());
     window.show();
     std::vector<TourStep> steps = workflowSteps(window, dataset.path(), exports.path());
-    std::optional<Progress> progress(std::in_place, QStringLiteral("playing the tour"),
-                                     qint64(steps.size()));
+    const auto stepCount = static_cast<qint64>(steps.size());
+    std::optional<TerminalProgress> progress(std::in_place, QStringLiteral("playing the tour"));
     Tour tour(std::move(steps));
     tour.setFolder(folder.path());
-    QObject::connect(&tour, &Tour::stepped, &window, [&](int done) { progress->update(done); });
+    QObject::connect(&tour, &Tour::stepped, &window,
+                     [&](int done) { progress->show(done, stepCount); });
     QString fault;
     QObject::connect(&tour, &Tour::finished, &window, [&](const QString &text) {
         fault = text;

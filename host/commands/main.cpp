@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/commands/commands.h"
+#include "host/files/file_kind.h"
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
 
@@ -40,10 +41,7 @@ bool asksForNoCommand(const QStringList &arguments)
     for (const char *option : {"--plugins", "--start"})
         if (first.section(QLatin1Char('='), 0, 0) == QLatin1String(option))
             return true;
-    for (const char *ending : {".vmr", ".vtc", ".voi", ".prt", ".nii", ".nii.gz", ".nrrd", ".nhdr"})
-        if (first.endsWith(QLatin1String(ending), Qt::CaseInsensitive))
-            return true;
-    return QFileInfo(first).isFile();
+    return fileKind(first) != FileKind::Other || QFileInfo(first).isFile();
 }
 
 QByteArray usageOf(const Command &command)

@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/text_check.h"
 
 #include <algorithm>
@@ -19,8 +20,6 @@ namespace corvane
 
 namespace
 {
-
-constexpr qint64 largestFile = qint64(1) << 30;
 
 /// A cell without its quotation marks and the blanks around it; a view of the file's bytes.
 using Cell = std::string_view;
@@ -318,11 +317,7 @@ GraphTable parseGraphTable(const QByteArray &bytes, const QString &path)
 GraphTable readGraphTable(const QString &path)
 {
     const InputFile file(path);
-    if (file.size() > largestFile)
-        throw InputError(path, QStringLiteral("content"),
-                         QStringLiteral("%1 bytes").arg(file.size()),
-                         QStringLiteral("%1 or less").arg(largestFile));
-    return parseGraphTable(file.head(file.size()), path);
+    return parseGraphTable(file.all(largestText), path);
 }
 
 } // namespace corvane

@@ -2,6 +2,7 @@
 #include "host/files/input_file.h"
 
 #include "host/files/input_error.h"
+#include "host/files/limits.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -44,6 +45,12 @@ QByteArray InputFile::head(qint64 length) const
     const qint64 available = std::min(length, m_size);
     return QByteArray::fromRawData(reinterpret_cast<const char *>(m_data),
                                    static_cast<int>(available));
+}
+
+QByteArray InputFile::all(qint64 most) const
+{
+    requireAtMost(m_size, most, QStringLiteral("bytes"), path(), QStringLiteral("content"));
+    return head(m_size);
 }
 
 } // namespace corvane

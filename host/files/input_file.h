@@ -31,6 +31,10 @@ public:
     /// object.
     QByteArray head(qint64 length) const;
 
+    /// All bytes of a file that is read as a whole, likewise without a copy. Throws InputError when
+    /// there are more than `most`.
+    QByteArray all(qint64 most) const;
+
 private:
     QFile m_file;
     qint64 m_size = 0;

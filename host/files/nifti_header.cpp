@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <nifti/nifti2_io.h>
+#include <tuple>
 
 namespace corvane
 {
@@ -336,6 +337,15 @@ double shortestDecimal(Number stored)
 }
 
 } // namespace
+
+bool operator==(const NiftiHeader &a, const NiftiHeader &b)
+{
+    const auto samples = [](const NiftiHeader &header) {
+        return std::tie(header.dim, header.kind, header.swapped, header.scaled, header.slope,
+                        header.intercept, header.dataOffset);
+    };
+    return samples(a) == samples(b) && a.toWorld.matrix() == b.toWorld.matrix();
+}
 
 int niftiHeaderLength(const QByteArray &firstBytes)
 {

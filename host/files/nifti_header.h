@@ -53,6 +53,9 @@ struct NiftiHeader {
     qint64 bytesPerVolume() const { return voxelsPerVolume() * sampleSize; }
 };
 
+/// Whether two headers describe the same samples at the same place.
+bool operator==(const NiftiHeader &a, const NiftiHeader &b);
+
 /// How many bytes of a file its header takes, to be read before parseNiftiHeader. The argument is
 /// the first four bytes. 0 when this is no NIfTI header.
 int niftiHeaderLength(const QByteArray &firstBytes);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/nrrd_header.h"
 
+#include "host/files/limits.h"
 #include "host/files/text_check.h"
 
 namespace corvane
@@ -125,12 +126,12 @@ QStringList NrrdHeader::words(const QString &name, int count) const
 std::vector<int> NrrdHeader::wholeNumbers(const QString &name, int count, int lowest,
                                           int highest) const
 {
+    const WholeRange range{lowest, highest};
     std::vector<int> numbers;
     for (const QString &word : words(name, count)) {
         const std::optional<qint64> number = corvane::wholeNumber(word);
-        if (!number || *number < lowest || *number > highest)
-            fail(name, quoted(word),
-                 QStringLiteral("a whole number from %1 to %2").arg(lowest).arg(highest));
+        if (!number || !range.holds(static_cast<double>(*number)))
+            fail(name, quoted(word), range.text());
         numbers.push_back(static_cast<int>(*number));
     }
     return numbers;

@@ -3,13 +3,13 @@
 
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 
 #include <QByteArrayList>
 #include <QHash>
 #include <QStringList>
-#include <limits>
 
 namespace corvane
 {
@@ -22,8 +22,6 @@ constexpr auto namePrefix = "# name:";
 constexpr auto timeUnitPrefix = "# time unit:";
 constexpr auto columns = "condition\tfrom\tto";
 constexpr auto lastLine = "# end";
-constexpr int largestFile = 1 << 30;
-constexpr int largestInt = std::numeric_limits<int>::max();
 
 QString text(const char *latin1)
 {
@@ -98,11 +96,10 @@ QString valueBehind(LineReader &lines, const char *prefix)
 
 int boundedNumber(const LineReader &lines, const QString &word, const QString &what, int lowest)
 {
+    const WholeRange range{lowest, largestCount};
     const std::optional<qint64> number = wholeNumber(word);
-    if (!number || *number < lowest || *number > largestInt)
-        lines.fail(quoted(word),
-                   QStringLiteral("%1 as a whole number from %2 to %3")
-                       .arg(what, QString::number(lowest), QString::number(largestInt)));
+    if (!number || !range.holds(static_cast<double>(*number)))
+        lines.fail(quoted(word), QStringLiteral("%1 as %2").arg(what, range.text()));
     return static_cast<int>(*number);
 }
 
@@ -184,12 +181,7 @@ Prt readPrtFile(const QString &path)
     if (file.size() == 0)
         throw InputError(path, QStringLiteral("line 1"), QStringLiteral("an empty file"),
                          quoted(text(magic)));
-    if (file.size() > largestFile)
-        throw InputError(path, QStringLiteral("content"),
-                         QStringLiteral("%1 bytes").arg(file.size()),
-                         QStringLiteral("%1 or less").arg(largestFile));
-
-    LineReader lines(path, file.head(file.size()));
+    LineReader lines(path, file.all(largestText));
     requireLine(lines, magic);
     Prt prt;
     prt.name = valueBehind(lines, namePrefix);

@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/text_check.h"
 
 #include <optional>
@@ -12,8 +13,6 @@ namespace corvane
 
 namespace
 {
-
-constexpr qint64 largestFile = qint64(1) << 28;
 
 QStringList cells(const QString &line)
 {
@@ -28,11 +27,7 @@ QStringList cells(const QString &line)
 TsvTable::TsvTable(const QString &path) : m_path(path)
 {
     const InputFile file(path);
-    if (file.size() > largestFile)
-        throw InputError(path, QStringLiteral("content"),
-                         QStringLiteral("%1 bytes").arg(file.size()),
-                         QStringLiteral("%1 or less").arg(largestFile));
-    QByteArray bytes = file.head(file.size());
+    QByteArray bytes = file.all(largestTable);
     if (bytes.startsWith("\xef\xbb\xbf"))
         bytes = bytes.mid(3);
     int number = 0;

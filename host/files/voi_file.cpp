@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 
@@ -24,27 +25,14 @@ namespace
 
 const QString formatName = QStringLiteral("Corvane VOI");
 constexpr int formatVersion = 1;
-constexpr int largestFile = 1 << 30;
-constexpr int largestInt = std::numeric_limits<int>::max();
 constexpr int firstConvertedSpace = 3;
 
-struct Range {
-    int lowest;
-    int highest;
-
-    bool holds(double number) const { return number >= lowest && number <= highest; }
-    QString text() const
-    {
-        return QStringLiteral("a whole number from %1 to %2").arg(lowest).arg(highest);
-    }
-};
-
-constexpr Range colourRange{0, 255};
+constexpr WholeRange colourRange{0, 255};
 
 /// From reference space 3 on, 128 - coordinate is the VMR voxel.
-Range voxelRange(int referenceSpace)
+WholeRange voxelRange(int referenceSpace)
 {
-    return referenceSpace < firstConvertedSpace ? Range{0, 255} : Range{-127, 128};
+    return referenceSpace < firstConvertedSpace ? WholeRange{0, 255} : WholeRange{-127, 128};
 }
 
 QString voiPlace(std::size_t index, const QString &name)
@@ -154,7 +142,7 @@ public:
 
         VoiSet set;
         set.referenceSpace = number(object[QStringLiteral("referenceSpace")],
-                                    QStringLiteral("referenceSpace"), Range{0, largestInt});
+                                    QStringLiteral("referenceSpace"), WholeRange{0, largestCount});
         readResolution(object[QStringLiteral("resolution")], set);
         const QJsonArray vois = array(object[QStringLiteral("vois")], QStringLiteral("vois"));
         set.vois.reserve(static_cast<std::size_t>(vois.size()));
@@ -176,11 +164,7 @@ private:
         if (file.size() == 0)
             throw InputError(m_path, QStringLiteral("content"), QStringLiteral("an empty file"),
                              QStringLiteral("JSON"));
-        if (file.size() > largestFile)
-            throw InputError(m_path, QStringLiteral("content"),
-                             QStringLiteral("%1 bytes").arg(file.size()),
-                             QStringLiteral("%1 or less").arg(largestFile));
-        const QByteArray bytes = file.head(file.size());
+        const QByteArray bytes = file.all(largestText);
         if (const auto fault = keyFault(bytes))
             throw InputError(m_path, placeOf(bytes, fault->offset), fault->found, fault->expected);
         QJsonParseError error;
@@ -215,10 +199,10 @@ private:
         }
     }
 
-    int number(const QJsonValue &value, const QString &place, Range range) const
+    int number(const QJsonValue &value, const QString &place, WholeRange range) const
     {
         const double found = value.toDouble(std::numeric_limits<double>::quiet_NaN());
-        if (!range.holds(found) || found != std::floor(found))
+        if (!range.holds(found))
             fail(place, value, range.text());
         return static_cast<int>(found);
     }
@@ -250,7 +234,7 @@ private:
         }
     }
 
-    Voi readVoi(const QJsonValue &value, std::size_t index, Range range) const
+    Voi readVoi(const QJsonValue &value, std::size_t index, WholeRange range) const
     {
         if (!value.isObject())
             fail(voiPlace(index, QString()), value, QStringLiteral("a JSON object"));
@@ -272,7 +256,7 @@ private:
         return voi;
     }
 
-    void readVoxels(const QJsonValue &value, const QString &place, Range range, Voi &voi) const
+    void readVoxels(const QJsonValue &value, const QString &place, WholeRange range, Voi &voi) const
     {
         const QString voxelsPlace = place + QStringLiteral(", voxels");
         const QJsonArray numbers = array(value, voxelsPlace);
@@ -284,7 +268,7 @@ private:
             for (std::size_t axis = 0; axis < 3; ++axis) {
                 const QJsonValue coordinate = numbers[static_cast<int>(3 * v + axis)];
                 const double found = coordinate.toDouble(std::numeric_limits<double>::quiet_NaN());
-                if (!range.holds(found) || found != std::floor(found))
+                if (!range.holds(found))
                     fail(voxelPlace(place, v), coordinate, range.text());
                 voi.voxels[v][axis] = static_cast<int>(found);
             }
@@ -305,7 +289,7 @@ void checkVoiSet(const QString &path, const VoiSet &set)
             throw InputError(path, QStringLiteral("resolution"), QString::number(size),
                              resolutionText());
     }
-    const Range range = voxelRange(set.referenceSpace);
+    const WholeRange range = voxelRange(set.referenceSpace);
     for (std::size_t index = 0; index < set.vois.size(); ++index) {
         const Voi &voi = set.vois[index];
         const QString place = voiPlace(index, voi.name);
@@ -346,7 +330,7 @@ QByteArray voxelText(const std::vector<std::array<int, 3>> &voxels)
     constexpr std::size_t lineLength = 32;
     QByteArray text;
     text.reserve(static_cast<int>(
-        std::min(lineLength * voxels.size(), static_cast<std::size_t>(largestFile))));
+        std::min(lineLength * voxels.size(), static_cast<std::size_t>(largestText))));
     for (const auto &voxel : voxels) {
         text += text.isEmpty() ? "\n                " : ",\n                ";
         text += QByteArray::number(voxel[0]);

@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/nrrd_header.h"
 #include "host/files/text_check.h"
 #include "host/files/vmr_file.h"
@@ -13,7 +14,6 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "samples are used where they lie in the file");
@@ -31,7 +31,7 @@ constexpr auto protocolKey = "linked protocol";
 constexpr auto checksumKey = "samples checksum";
 constexpr auto units = R"("s" "mm" "mm" "mm")";
 constexpr auto kinds = "time domain domain domain";
-constexpr int largestInt = std::numeric_limits<int>::max();
+constexpr WholeRange resolutionRange{1, Vmr::size};
 
 QString name(const char *text)
 {
@@ -67,7 +67,7 @@ std::optional<BrokenRule> brokenRule(const VtcInfo &info)
     if (info.nrOfVolumes < 1)
         return BrokenRule{sizesField, QStringLiteral("%1 volumes").arg(info.nrOfVolumes),
                           QStringLiteral("1 or more")};
-    if (info.resolution < 1 || info.resolution > Vmr::size)
+    if (!resolutionRange.holds(info.resolution))
         return BrokenRule{spacingsField, QStringLiteral("a resolution of %1").arg(info.resolution),
                           QStringLiteral("1 to 256 VMR voxels")};
     if (!std::isfinite(info.repetitionTime) || info.repetitionTime <= 0)
@@ -109,8 +109,8 @@ void readSpacings(const NrrdHeader &header, VtcInfo &info)
     info.repetitionTime = *seconds;
 
     const std::optional<qint64> resolution = wholeNumber(words[1]);
-    if (!resolution || *resolution < 1 || *resolution > Vmr::size)
-        header.fail(field, quoted(words[1]), QStringLiteral("a whole number from 1 to 256"));
+    if (!resolution || !resolutionRange.holds(static_cast<double>(*resolution)))
+        header.fail(field, quoted(words[1]), resolutionRange.text());
     if (words[2] != words[1] || words[3] != words[1])
         header.fail(field, QStringLiteral("one resolution for all three axes"));
     info.resolution = static_cast<int>(*resolution);
@@ -129,7 +129,7 @@ VtcInfo readHeader(const NrrdHeader &header, const QString &path)
     info.type = sampleType(header);
     readSpacings(header, info);
 
-    const std::vector<int> sizes = header.wholeNumbers(name(sizesField), 4, 1, largestInt);
+    const std::vector<int> sizes = header.wholeNumbers(name(sizesField), 4, 1, largestCount);
     for (std::size_t axis = 1; axis < 4; ++axis) {
         if (sizes[axis] > Vmr::size)
             header.fail(name(sizesField), QString::number(sizes[axis]),

@@ -3,7 +3,6 @@
 
 #include "host/files/gzip_file.h"
 #include "host/files/output_folder.h"
-#include "host/files/progress.h"
 #include "host/files/text_check.h"
 #include "host/import/example_signals.h"
 
@@ -230,7 +229,7 @@ VoxelModel voxelModel(double x, double y, double z)
     return model;
 }
 
-void writeRun(const QString &path, const ImportWatch &watch)
+void writeRun(const QString &path, const ProgressWatch &watch)
 {
     const std::vector<quint8> regionOf = labels();
     const std::array<Series, regionCount> series = regionSeries();
@@ -242,7 +241,6 @@ void writeRun(const QString &path, const ImportWatch &watch)
 
     GzipFile file(path);
     writeHeader(file, niftiHeader(runGrid, volumeCount, NIFTI_TYPE_INT16, 16));
-    Progress progress(QStringLiteral("writing the run"), volumeCount);
     std::vector<qint16> volume(models.size());
     for (int t = 0; t < volumeCount; ++t) {
         std::array<float, regionCount + 1> signal{};
@@ -264,10 +262,8 @@ void writeRun(const QString &path, const ImportWatch &watch)
             volume[v] = static_cast<qint16>(std::lround(std::max(value, 0.0f)));
         }
         file.write(volume.data(), static_cast<qint64>(volume.size()) * qint64{sizeof(qint16)});
-        progress.update(t + 1);
         // The import of the run takes about as long again.
-        if (watch && !watch(t + 1, 2 * qint64(volumeCount)))
-            throw ImportStopped();
+        tellProgress(watch, t + 1, 2 * qint64(volumeCount));
     }
     file.commit();
 }
@@ -299,7 +295,7 @@ QString name(const char *text)
 
 } // namespace
 
-ImportReport writeExample(const QString &folder, const ImportWatch &watch)
+ImportReport writeExample(const QString &folder, const ProgressWatch &watch)
 {
     OutputFolder output(folder);
     writeAnatomy(output.path(name(anatomyFile)));
@@ -318,13 +314,13 @@ ImportReport writeExample(const QString &folder, const ImportWatch &watch)
     request.events = output.path(name(eventsFile));
     request.name = name(importName);
     request.folder = QFileInfo(request.anatomy).path();
-    ImportReport report = importDataset(request, [&](qint64 done, qint64 total) {
+    ImportReport report = writeImport(planImport(request), [&](qint64 done, qint64 total) {
         return !watch || watch(total + done, 2 * total);
     });
     output.commit();
     // Say where the files are now, not where they were made.
     const QString made = request.folder + QLatin1Char('/');
-    for (QStringList *lines : {&report.notes, &report.summary})
+    for (QStringList *lines : {&report.notes, &report.summary, &report.files})
         lines->replaceInStrings(made, output.finalPath(QString()));
     return report;
 }

@@ -5,7 +5,6 @@
 #include "host/compute/node_measures.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
-#include "host/files/progress.h"
 #include "host/pictures/result_pictures.h"
 
 #include <QBuffer>
@@ -99,14 +98,13 @@ QStringList picturesLeftOut(const ComputeResult &result)
 }
 
 QStringList writeComputePictures(const OutputFolder &folder, const ComputeRequest &request,
-                                 const ComputeResult &result)
+                                 const ComputeResult &result, const ProgressWatch &watch)
 {
     ResultPictures windows(result);
     const std::vector<Picture> pictures = picturesOf(windows, request, result);
-    Progress progress(QStringLiteral("drawing"), static_cast<qint64>(pictures.size()));
     QStringList names;
     for (const Picture &picture : pictures) {
-        progress.update(names.size());
+        tellProgress(watch, names.size(), static_cast<qint64>(pictures.size()));
         writePicture(folder, picture.name, picture.draw());
         names += picture.name;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/session/workspace.h"
 
+#include "host/files/file_kind.h"
 #include "host/files/input_error.h"
 #include "host/session/log.h"
 
@@ -16,7 +17,7 @@ namespace
 
 Vmr openAnatomy(const QString &path, const AnatomyOpener &opener)
 {
-    if (QFileInfo(path).suffix().compare(QLatin1String("vmr"), Qt::CaseInsensitive) == 0)
+    if (fileKind(path) == FileKind::Vmr)
         return readVmr(path);
     if (opener)
         return opener(path);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/tour/tour_steps.h"
 
+#include "host/files/file_kind.h"
 #include "host/tour/user_input.h"
+#include "host/workbench/example_files.h"
 #include "host/workbench/main_window.h"
 
 #include <QApplication>
@@ -181,9 +183,8 @@ void Workflow::openFiles()
             [] { return static_cast<QWidget *>(openedMenu()); });
     chooseEntry("Open...");
     QStringList files;
-    for (const char *ending : {"vmr", "vtc", "voi"})
-        files += QStringLiteral("\"%1\"").arg(
-            QDir(m_dataset).filePath(QStringLiteral("example.") + QLatin1String(ending)));
+    for (const QString &file : exampleFiles(m_dataset))
+        files += QStringLiteral("\"%1\"").arg(file);
     chooseFile(files.join(QLatin1Char(' ')));
     act(inWindow("corvane::MainWindow", "voiList"),
         [](QWidget *list) { doubleClickItem(qobject_cast<QListWidget *>(list), 4); });
@@ -230,8 +231,10 @@ void Workflow::addSubject(int row, const QString &name)
         QWidget *const table = part("Tessera", "tbl_Subjects");
         return table != nullptr ? table->findChild<QLineEdit *>() : nullptr;
     };
-    const auto file = [this](const char *ending) {
-        return QDir(m_dataset).filePath(QStringLiteral("example.") + QLatin1String(ending));
+    const QStringList files = exampleFiles(m_dataset);
+    const auto file = [&files](FileKind kind) {
+        return *std::find_if(files.begin(), files.end(),
+                             [kind](const QString &path) { return fileKind(path) == kind; });
     };
 
     act(inWindow("Tessera", "btn_AddSubject"), pressed);
@@ -249,9 +252,9 @@ void Workflow::addSubject(int row, const QString &name)
                 "then press \"select\" for the run (VTC) and for the volumes of interest (VOI).",
                 inWindow("Tessera", "tbl_Subjects"));
     act(cell("QPushButton", 0), pressed);
-    chooseFile(file("vtc"));
+    chooseFile(file(FileKind::Vtc));
     act(cell("QPushButton", 1), pressed);
-    chooseFile(file("voi"));
+    chooseFile(file(FileKind::Voi));
     if (row == 1)
         picture("two-subjects", "A dataset of two subjects",
                 "As soon as a row has its files it is loaded and locked. The protocol came with "

@@ -28,7 +28,7 @@ QString faultOf(const std::function<void()> &action)
 }
 
 WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
-                              const std::function<void(const WorkWatch &)> &work)
+                              const std::function<void(const ProgressWatch &)> &work)
 {
     QProgressDialog progress(QProgressDialog::tr("Working..."), QProgressDialog::tr("&Cancel"), 0,
                              100, parent);
@@ -55,7 +55,7 @@ WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
         progress.setLabelText(QProgressDialog::tr("Stopping..."));
     });
     QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
-    const WorkWatch watch = [&](qint64 done, qint64 total) {
+    const ProgressWatch watch = [&](qint64 done, qint64 total) {
         percent = static_cast<int>(100 * done / std::max<qint64>(total, 1));
         return !stop;
     };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/progress.h"
+
 #include <QString>
 #include <functional>
 
@@ -8,9 +10,6 @@ class QWidget;
 
 namespace corvane
 {
-
-/// Tells how far a work has come; false means that it shall stop, by an exception.
-using WorkWatch = std::function<bool(qint64 done, qint64 total)>;
 
 struct WorkOutcome {
     QString fault;        ///< the text of the exception that ended the work, empty when it is done
@@ -23,6 +22,6 @@ QString faultOf(const std::function<void()> &action);
 /// Runs a work on another thread behind a modal progress dialog with a Cancel button, and returns
 /// when it has ended. A work that cannot stop is asked all the same and may ignore it.
 WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
-                              const std::function<void(const WorkWatch &)> &work);
+                              const std::function<void(const ProgressWatch &)> &work);
 
 } // namespace corvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/example_files.h"
 
+#include "host/files/file_kind.h"
 #include "host/import/example_dataset.h"
 #include "host/session/log.h"
 #include "host/workbench/background_work.h"
@@ -24,7 +25,7 @@ QString exampleFolder(QWidget *parent)
         return folder;
     const WorkOutcome outcome =
         runBehindProgress(parent, QObject::tr("Example Dataset"),
-                          [&](const WorkWatch &watch) { writeExample(folder, watch); });
+                          [&](const ProgressWatch &watch) { writeExample(folder, watch); });
     if (!outcome.fault.isEmpty() && !outcome.stopped)
         showMessage(outcome.fault);
     return outcome.fault.isEmpty() ? folder : QString();
@@ -33,8 +34,8 @@ QString exampleFolder(QWidget *parent)
 QStringList exampleFiles(const QString &folder)
 {
     QStringList files;
-    for (const char *ending : {"vmr", "vtc", "voi"})
-        files += QDir(folder).filePath(QStringLiteral("example.") + QLatin1String(ending));
+    for (const FileKind kind : {FileKind::Vmr, FileKind::Vtc, FileKind::Voi})
+        files += QDir(folder).filePath(fileName(QStringLiteral("example"), kind));
     return files;
 }
 

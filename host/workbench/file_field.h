@@ -15,7 +15,7 @@ class FileField : public QWidget
     Q_OBJECT
     Q_PROPERTY(QString name READ name WRITE setName)
     Q_PROPERTY(QString hint READ hint WRITE setHint)
-    Q_PROPERTY(QString filter MEMBER m_filter)
+    Q_PROPERTY(QString filter MEMBER m_filter WRITE setFilter)
     Q_PROPERTY(bool folder MEMBER m_isFolder)
 
 public:
@@ -28,6 +28,9 @@ public:
     /// What the field takes; it stands there while the field is empty.
     QString hint() const;
     void setHint(const QString &hint);
+
+    /// Which files the dialog shows.
+    void setFilter(const QString &filter) { m_filter = filter; }
 
     QString path() const;
     void setPath(const QString &path);

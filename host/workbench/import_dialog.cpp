@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/import_dialog.h"
 
-#include "host/files/text_check.h"
+#include "host/files/file_kind.h"
+#include "host/import/import_name.h"
+#include "host/import/write_import.h"
 #include "host/session/log.h"
 #include "host/workbench/background_work.h"
 #include "ui_import_dialog.h"
@@ -36,6 +38,11 @@ ImportDialog::ImportDialog(QWidget *parent)
     m_import->setDefault(true);
     // Not beyond a small screen, or the buttons are out of reach.
     resize(QSize(900, 760).boundedTo(screen()->availableSize()));
+    const QString orAll = tr(";;All files (*)");
+    const QString images = fileFilter(tr("Images"), {FileKind::Nifti, FileKind::Nrrd}) + orAll;
+    m_ui->anatomy->setFilter(images);
+    m_ui->atlas->setFilter(images);
+    m_ui->functional->setFilter(fileFilter(tr("Runs"), {FileKind::Nifti}) + orAll);
     m_ui->vois->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_ui->vois->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
 
@@ -53,15 +60,15 @@ ImportDialog::ImportDialog(QWidget *parent)
     connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     // Not at every letter of a path.
-    m_previewSoon.setSingleShot(true);
-    m_previewSoon.setInterval(300);
-    connect(&m_previewSoon, &QTimer::timeout, this, &ImportDialog::startPreview);
-    connect(&m_preview, &QFutureWatcherBase::finished, this, &ImportDialog::showPreview);
+    m_planSoon.setSingleShot(true);
+    m_planSoon.setInterval(300);
+    connect(&m_planSoon, &QTimer::timeout, this, &ImportDialog::startPlanning);
+    connect(&m_planning, &QFutureWatcherBase::finished, this, &ImportDialog::showPlan);
     inputChanged();
-    startPreview();
+    startPlanning();
 }
 
-// A preview that is still being made ends on its own, and nobody waits for it.
+// A plan that is still being made ends on its own, and nobody waits for it.
 ImportDialog::~ImportDialog() = default;
 
 // ---- input
@@ -110,33 +117,35 @@ void ImportDialog::inputChanged()
     }
     m_suggestedName = suggestion;
     m_import->setEnabled(false);
-    m_previewIsOld = true;
-    m_previewSoon.start();
+    m_planIsOld = true;
+    m_planSoon.start();
 }
 
-// ---- preview
+// ---- plan
 
-void ImportDialog::startPreview()
+void ImportDialog::startPlanning()
 {
-    if (m_preview.isRunning())
-        return; // showPreview comes back here
-    m_previewIsOld = false;
+    if (m_planning.isRunning())
+        return; // showPlan comes back here
+    m_planIsOld = false;
     const ImportRequest asked = request();
     if (asked.anatomy.isEmpty() || asked.functional.isEmpty()) {
-        clearPreview(tr("Choose an anatomy and a functional run to see what goes where."));
+        clearPlan(tr("Choose an anatomy and a functional run to see what goes where."));
         return;
     }
-    clearPreview(tr("Looking at the files..."));
-    m_preview.setFuture(QtConcurrent::run([asked] {
-        PreviewOutcome outcome;
-        outcome.fault = faultOf(
-            [&] { outcome.preview = std::make_shared<const ImportPreview>(previewImport(asked)); });
+    clearPlan(tr("Looking at the files..."));
+    m_planning.setFuture(QtConcurrent::run([asked] {
+        PlanOutcome outcome;
+        outcome.fault =
+            faultOf([&] { outcome.plan = std::make_shared<const ImportPlan>(planImport(asked)); });
         return outcome;
     }));
 }
 
-void ImportDialog::clearPreview(const QString &state)
+void ImportDialog::clearPlan(const QString &state)
 {
+    m_plan.reset();
+    m_import->setEnabled(false);
     m_ui->state->setText(state);
     m_ui->grids->clear();
     m_ui->vois->setRowCount(0);
@@ -144,32 +153,32 @@ void ImportDialog::clearPreview(const QString &state)
     m_ui->notes->clear();
 }
 
-void ImportDialog::showPreview()
+void ImportDialog::showPlan()
 {
-    if (m_previewIsOld) {
-        startPreview();
+    if (m_planIsOld) {
+        startPlanning();
         return;
     }
-    const PreviewOutcome outcome = m_preview.result();
-    if (outcome.preview == nullptr) {
-        clearPreview(outcome.fault);
+    const PlanOutcome outcome = m_planning.result();
+    if (outcome.plan == nullptr) {
+        clearPlan(outcome.fault);
         return;
     }
-    const ImportPreview &preview = *outcome.preview;
-    const FunctionalGrid &grid = preview.grid;
+    m_plan = outcome.plan;
+    const ImportPlan &plan = *m_plan;
+    const FunctionalGrid &grid = plan.grid;
     m_ui->state->setText(tr("%1 x %2 x %3 samples, %4 mm apart, %5; %6 volumes, one each %7 s")
                              .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
                                   QString::number(grid.size[2]), QString::number(grid.resolution),
                                   grid.copied ? tr("copied as they are") : tr("interpolated"),
-                                  QString::number(preview.volumes),
-                                  QString::number(preview.repetitionTime)));
-    m_ui->grids->show(preview);
-    showVois(preview);
-    m_ui->conditions->show(preview.protocol, preview.volumes);
-    m_ui->notes->setPlainText(preview.notes.isEmpty() ? tr("Nothing to note.")
-                                                      : preview.notes.join(QLatin1Char('\n')));
-    const QString name = m_ui->name->text();
-    const bool isName = !name.isEmpty() && !name.contains(QLatin1Char('/')) && !nameFault(name);
+                                  QString::number(plan.volumes()),
+                                  QString::number(plan.repetitionTime)));
+    m_ui->grids->show(plan);
+    showVois(plan);
+    m_ui->conditions->show(plan.protocol, plan.volumes());
+    m_ui->notes->setPlainText(plan.notes.isEmpty() ? tr("Nothing to note.")
+                                                   : plan.notes.join(QLatin1Char('\n')));
+    const bool isName = isImportName(m_ui->name->text());
     m_import->setEnabled(isName && !m_ui->folder->path().isEmpty());
     if (!isName)
         m_ui->state->setText(tr("The file name is missing, or it is none."));
@@ -177,13 +186,13 @@ void ImportDialog::showPreview()
         m_ui->state->setText(m_ui->state->text() + tr(". Choose a folder to import into."));
 }
 
-void ImportDialog::showVois(const ImportPreview &preview)
+void ImportDialog::showVois(const ImportPlan &plan)
 {
-    const auto &vois = preview.vois.vois;
+    const auto &vois = plan.vois.vois;
     m_ui->vois->setRowCount(static_cast<int>(vois.size()));
     for (std::size_t n = 0; n < vois.size(); ++n) {
         const int row = static_cast<int>(n);
-        const LabelCount &count = preview.labelCounts[n];
+        const LabelCount &count = plan.labelCounts[n];
         auto *const name = new QTableWidgetItem(vois[n].name);
         QPixmap square(16, 16);
         square.fill(QColor(vois[n].r, vois[n].g, vois[n].b));
@@ -201,13 +210,12 @@ void ImportDialog::runImport()
 {
     if (!m_import->isEnabled())
         return;
-    const ImportRequest asked = request();
+    // What is shown is what is written.
+    const std::shared_ptr<const ImportPlan> plan = m_plan;
     QStringList present;
-    for (const char *ending : {"vmr", "vtc", "voi", "prt"}) {
-        const QString file = asked.name + QLatin1Char('.') + QLatin1String(ending);
-        if (QFileInfo::exists(QDir(asked.folder).filePath(file)))
-            present += file;
-    }
+    for (const PlannedFile &file : plan->files)
+        if (QFileInfo::exists(QDir(plan->request.folder).filePath(file.name)))
+            present += file.name;
     if (!present.isEmpty() &&
         QMessageBox::question(this, tr("Import"),
                               tr("Replace what is already in the folder?\n\n%1")
@@ -217,8 +225,9 @@ void ImportDialog::runImport()
         return;
 
     ImportReport report;
-    const WorkOutcome outcome = runBehindProgress(
-        this, tr("Import"), [&](const WorkWatch &watch) { report = importDataset(asked, watch); });
+    const WorkOutcome outcome =
+        runBehindProgress(this, tr("Import"),
+                          [&](const ProgressWatch &watch) { report = writeImport(*plan, watch); });
     if (outcome.stopped) {
         logText(tr("The import was cancelled; nothing was written."));
         return;
@@ -229,13 +238,9 @@ void ImportDialog::runImport()
     }
     for (const QString &line : report.notes + report.summary)
         logText(line);
-    for (const char *ending : {"vmr", "vtc", "voi"}) {
-        const QString path =
-            QDir(asked.folder).filePath(asked.name + QLatin1Char('.') + QLatin1String(ending));
-        const bool made = qstrcmp(ending, "voi") != 0 || !asked.atlas.isEmpty();
-        if (made)
-            m_importedFiles += path;
-    }
+    for (const QString &file : report.files)
+        if (fileKind(file) != FileKind::Prt)
+            m_importedFiles += file;
     accept();
 }
 

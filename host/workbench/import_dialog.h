@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/import/import_dataset.h"
+#include "host/import/import_plan.h"
 
 #include <QDialog>
 #include <QFutureWatcher>
@@ -32,28 +32,30 @@ public:
     ImportRequest request() const;
     void setRequest(const ImportRequest &request);
 
-    /// The files that were made; empty before the import.
+    /// The files that were made, but for the protocol, which the run
+    /// names; empty before the import.
     const QStringList &importedFiles() const { return m_importedFiles; }
 
 private:
-    struct PreviewOutcome {
-        std::shared_ptr<const ImportPreview> preview; ///< null when there is none
+    struct PlanOutcome {
+        std::shared_ptr<const ImportPlan> plan; ///< null when there is none
         QString fault;
     };
 
     void inputChanged();
-    void startPreview();
-    void showPreview();
-    void showVois(const ImportPreview &preview);
-    void clearPreview(const QString &state);
+    void startPlanning();
+    void showPlan();
+    void showVois(const ImportPlan &plan);
+    void clearPlan(const QString &state);
     void runImport();
 
     std::unique_ptr<Ui::ImportDialog> m_ui;
     QPushButton *m_import;
     QString m_suggestedName;
-    QTimer m_previewSoon;
-    QFutureWatcher<PreviewOutcome> m_preview;
-    bool m_previewIsOld = false; ///< the input has changed since the running preview began
+    QTimer m_planSoon;
+    QFutureWatcher<PlanOutcome> m_planning;
+    std::shared_ptr<const ImportPlan> m_plan; ///< what is shown, null when nothing is
+    bool m_planIsOld = false; ///< the input has changed since the last planning began
     QStringList m_importedFiles;
 };
 

@@ -29,15 +29,15 @@ GridPreview::GridPreview(QWidget *parent) : QWidget(parent)
     setAccessibleName(tr("Grid of the run over the anatomy"));
 }
 
-void GridPreview::show(const ImportPreview &preview)
+void GridPreview::show(const ImportPlan &plan)
 {
-    const VoiOverlay vois(preview.vois, std::vector<bool>(preview.vois.vois.size(), true));
-    const GreyWindow window = automaticWindow(preview.anatomy);
-    m_grid = preview.grid;
+    const VoiOverlay vois(plan.vois, std::vector<bool>(plan.vois.vois.size(), true));
+    const GreyWindow window = automaticWindow(plan.anatomy);
+    m_grid = plan.grid;
     m_slices.clear();
     for (SlicePlane plane : planes)
-        m_slices += sliceImage(preview.anatomy, plane, middle(m_grid, axesOf(plane).through),
-                               window, &vois, 0.6);
+        m_slices += sliceImage(plan.anatomy, plane, middle(m_grid, axesOf(plane).through), window,
+                               &vois, 0.6);
     update();
 }
 

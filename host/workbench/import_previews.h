@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/import/import_dataset.h"
+#include "host/import/import_plan.h"
 
 #include <QImage>
 #include <QWidget>
@@ -21,7 +21,7 @@ class GridPreview : public QWidget
 public:
     explicit GridPreview(QWidget *parent = nullptr);
 
-    void show(const ImportPreview &preview);
+    void show(const ImportPlan &plan);
     void clear();
     using QWidget::show;
 

@@ -2,6 +2,7 @@
 #include "host/workbench/main_window.h"
 
 #include "dataset/scoped_dialog.h"
+#include "host/files/file_kind.h"
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
 #include "host/session/log.h"
@@ -58,18 +59,14 @@ public:
     BusyCursor &operator=(const BusyCursor &) = delete;
 };
 
-bool endsWith(const QString &path, const char *ending)
-{
-    return path.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
-}
-
 /// Files that are opened together: a run is linked to the anatomy that comes with it, and takes the
 /// place of the protocol from before.
 int turnOf(const QString &path)
 {
-    if (endsWith(path, ".vtc"))
+    const FileKind kind = fileKind(path);
+    if (kind == FileKind::Vtc)
         return 1;
-    return endsWith(path, ".voi") || endsWith(path, ".prt") ? 2 : 0;
+    return kind == FileKind::Voi || kind == FileKind::Prt ? 2 : 0;
 }
 
 QString menuText(QString text)
@@ -333,14 +330,19 @@ void MainWindow::showTimeCourse()
 
 void MainWindow::open(const QString &path)
 {
-    if (endsWith(path, ".vtc"))
+    switch (fileKind(path)) {
+    case FileKind::Vtc:
         m_workspace.linkVtc(path);
-    else if (endsWith(path, ".voi"))
+        break;
+    case FileKind::Voi:
         m_workspace.loadVois(path);
-    else if (endsWith(path, ".prt"))
+        break;
+    case FileKind::Prt:
         m_workspace.loadProtocol(path);
-    else
+        break;
+    default:
         m_workspace.openVmr(path);
+    }
 }
 
 void MainWindow::openFiles(const QStringList &paths)
@@ -376,9 +378,14 @@ void MainWindow::chooseFiles()
 {
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, tr("Open"), QSettings().value(folderKey).toString(),
-        tr("All files of this program (*.vmr *.vtc *.voi *.prt *.nii *.nii.gz *.nrrd *.nhdr);;"
-           "Anatomies (*.vmr *.nii *.nii.gz *.nrrd *.nhdr);;Time courses (*.vtc);;"
-           "Volumes of interest (*.voi);;Protocols (*.prt);;All files (*)"));
+        QStringList{fileFilter(tr("All files of this program"),
+                               {FileKind::Vmr, FileKind::Vtc, FileKind::Voi, FileKind::Prt,
+                                FileKind::Nifti, FileKind::Nrrd}),
+                    fileFilter(tr("Anatomies"), {FileKind::Vmr, FileKind::Nifti, FileKind::Nrrd}),
+                    fileFilter(tr("Time courses"), {FileKind::Vtc}),
+                    fileFilter(tr("Volumes of interest"), {FileKind::Voi}),
+                    fileFilter(tr("Protocols"), {FileKind::Prt}), tr("All files (*)")}
+            .join(QStringLiteral(";;")));
     if (paths.isEmpty())
         return;
     QSettings().setValue(folderKey, QFileInfo(paths.front()).absolutePath());

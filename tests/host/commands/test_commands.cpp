@@ -35,8 +35,8 @@ int runExample(const QStringList &arguments)
 /// Writes a volume.
 int runImport(const QStringList &arguments)
 {
-    Progress progress(QStringLiteral("writing"), 2);
-    progress.update(1);
+    TerminalProgress progress(QStringLiteral("writing"));
+    progress.show(1, 2);
     writeVmr(arguments.value(1), zeroVmr());
     return Done;
 }

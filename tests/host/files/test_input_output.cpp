@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/files/graph_table.h"
 #include "host/files/input_file.h"
+#include "host/files/limits.h"
 #include "host/files/text_check.h"
+#include "host/files/tsv_table.h"
 #include "tests/host/support/host_files.h"
 
 #include <QFileInfo>
@@ -136,6 +139,20 @@ TEST(Readers, RefuseFoldersPipesDevicesAndEmptyPaths)
     }
 }
 
+TEST(Readers, RefuseTextsThatAreTooLarge)
+{
+    const TemporaryFolder folder;
+    const QString path = folder.path("large");
+    putBytes(path, "");
+    ASSERT_TRUE(QFile::resize(path, largestText + 1));
+    const std::string says =
+        path.toStdString() + ": content: found 1073741825 bytes, expected at most ";
+    EXPECT_EQ(errorOf([&] { readVoiFile(path); }), says + "1073741824");
+    EXPECT_EQ(errorOf([&] { readPrtFile(path); }), says + "1073741824");
+    EXPECT_EQ(errorOf([&] { readGraphTable(path); }), says + "1073741824");
+    EXPECT_EQ(errorOf([&] { TsvTable table(path); }), says + "268435456");
+}
+
 TEST(Readers, SayThatAFileMayNotBeRead)
 {
     const TemporaryFolder folder;
@@ -259,6 +276,9 @@ TEST(InputFile, GivesItsBytes)
     EXPECT_EQ(some.size(), 3);
     EXPECT_EQ(some.head(2), "ab");
     EXPECT_EQ(some.head(99), "abc");
+    EXPECT_EQ(some.all(3), "abc");
+    EXPECT_EQ(errorOf([&] { some.all(2); }),
+              folder.path("some").toStdString() + ": content: found 3 bytes, expected at most 2");
     putBytes(folder.path("none"), "");
     const InputFile none(folder.path("none"));
     EXPECT_EQ(none.size(), 0);

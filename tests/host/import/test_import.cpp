@@ -2,7 +2,8 @@
 //
 // The import as a whole: in this process where its report counts, and as a user runs it where its
 // exit status, its one line and what it leaves behind count.
-#include "host/import/import_dataset.h"
+#include "host/import/import_name.h"
+#include "host/import/write_import.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/support/notes.h"
@@ -216,11 +217,16 @@ struct Workplace {
     }
 };
 
+ImportReport imported(const Workplace &place)
+{
+    return writeImport(planImport(place.request));
+}
+
 TEST(Import, MakesTheHostsFilesOfAllItIsGiven)
 {
     Workplace place;
     place.useAll();
-    const ImportReport report = importDataset(place.request);
+    const ImportReport report = imported(place);
     EXPECT_EQ(joined(report.notes), "");
     EXPECT_EQ(joined(report.summary),
               joined({place.outputPath("sub.vmr") +
@@ -283,7 +289,7 @@ TEST(Import, PutsVoiVoxelsWhereTheAtlasHasThem)
 {
     Workplace place;
     place.useAll();
-    importDataset(place.request);
+    imported(place);
     expectVoisOfAtlas(place.base(), place.request.atlas);
     const VoiSet set = readVoiFile(place.outputPath("sub.voi"));
     ASSERT_EQ(set.vois.size(), 3U);
@@ -295,7 +301,7 @@ TEST(Import, WritesEveryVoxelOfOneMillimetreWhenAsked)
     Workplace place;
     place.useAll();
     place.request.voiGrid = VoiGrid::Anatomy;
-    importDataset(place.request);
+    imported(place);
     std::size_t voxels = 0;
     for (const Voi &voi : readVoiFile(place.outputPath("sub.voi")).vois)
         voxels += voi.voxels.size();
@@ -305,7 +311,7 @@ TEST(Import, WritesEveryVoxelOfOneMillimetreWhenAsked)
 TEST(Import, LeavesOutWhatItIsNotGiven)
 {
     Workplace place;
-    importDataset(place.request);
+    imported(place);
     EXPECT_EQ(place.written(), (QStringList{QStringLiteral("sub.vmr"), QStringLiteral("sub.vtc")}));
     EXPECT_EQ(VtcFile(place.outputPath("sub.vtc")).info().linkedProtocol, QString());
 }
@@ -316,9 +322,53 @@ TEST(Import, ReplacesOlderFilesAndLeavesOthers)
     ASSERT_TRUE(QDir().mkpath(place.request.folder));
     putBytes(place.outputPath("sub.vtc"), "older");
     putBytes(place.outputPath("mine.txt"), "mine");
-    importDataset(place.request);
+    imported(place);
     EXPECT_EQ(VtcFile(place.outputPath("sub.vtc")).info().nrOfVolumes, 6);
     EXPECT_EQ(bytesOf(place.outputPath("mine.txt")), "mine");
+}
+
+TEST(Import, PlansWhatItWritesAndWritesNothingBefore)
+{
+    Workplace place;
+    place.useAll();
+    const ImportPlan plan = planImport(place.request);
+    EXPECT_FALSE(QFile::exists(place.request.folder));
+    QStringList planned;
+    for (const PlannedFile &file : plan.files)
+        planned += place.request.folder + QLatin1Char('/') + file.name;
+    EXPECT_EQ(planned, (QStringList{place.outputPath("sub.vmr"), place.outputPath("sub.voi"),
+                                    place.outputPath("sub.prt"), place.outputPath("sub.vtc")}));
+    EXPECT_EQ(plan.volumes(), 6);
+    EXPECT_EQ(plan.vois.vois.size(), plan.labelCounts.size());
+    // More than once, if need be.
+    for (int n = 0; n < 2; ++n)
+        EXPECT_EQ(writeImport(plan).files, planned);
+    EXPECT_EQ(readVoiFile(place.outputPath("sub.voi")), plan.vois);
+}
+
+TEST(Import, RefusesARunThatHasChangedSinceItWasPlanned)
+{
+    Workplace place;
+    const ImportPlan plan = planImport(place.request);
+    NiftiParts parts = runParts();
+    parts.sform[0][3] += 3;
+    place.put("run.nii.gz", parts);
+    EXPECT_THAT(errorOf([&] { writeImport(plan); }),
+                HasSubstr("run.nii.gz: header: found another run than a moment ago"));
+    EXPECT_FALSE(QFile::exists(place.request.folder));
+}
+
+TEST(Import, LeavesNothingWhenItsWatchStopsIt)
+{
+    Workplace place;
+    for (const qint64 last : {0, 3}) {
+        const ProgressWatch watch = [last](qint64 done, qint64 total) {
+            EXPECT_EQ(total, 6);
+            return done < last;
+        };
+        EXPECT_THROW(writeImport(planImport(place.request), watch), WorkStopped);
+        EXPECT_FALSE(QFile::exists(place.request.folder));
+    }
 }
 
 // ---- how samples come over
@@ -356,7 +406,7 @@ TEST_P(Runs, ComeOverSampleBySample)
     GetParam().change(parts);
     place.put("run.nii.gz", parts);
     place.request.resolution = GetParam().resolution;
-    const ImportReport report = importDataset(place.request);
+    const ImportReport report = imported(place);
     const VtcFile vtc(place.outputPath("sub.vtc"));
     EXPECT_EQ(vtc.info().type, GetParam().type);
     EXPECT_THAT(report.summary.last().toStdString(),
@@ -409,7 +459,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Import, ReadsBothOrdersOfBytesAlike)
 {
     Workplace place;
-    importDataset(place.request);
+    imported(place);
     const QString checksum = VtcFile(place.outputPath("sub.vtc")).info().checksum;
     NiftiParts parts = runParts();
     const QByteArray little = parts.data;
@@ -418,7 +468,7 @@ TEST(Import, ReadsBothOrdersOfBytesAlike)
     for (int n = 0; n < little.size(); n += 2)
         parts.data += numberBytes(get<qint16>(little, n), true);
     place.put("run.nii.gz", parts);
-    importDataset(place.request);
+    imported(place);
     EXPECT_EQ(VtcFile(place.outputPath("sub.vtc")).info().checksum, checksum);
 }
 
@@ -433,7 +483,7 @@ TEST(Import, CopiesARunAlongAnAnatomyThatIsTurned)
     NiftiParts run = runParts();
     run.sform = {{{2 * c, -2 * s, 0, -10}, {2 * s, 2 * c, 0, -20}, {0, 0, 2, -6}}};
     place.put("run.nii.gz", run);
-    const ImportReport report = importDataset(place.request);
+    const ImportReport report = imported(place);
     EXPECT_THAT(report.summary.last().toStdString(), HasSubstr("samples 2 mm apart"));
     expectSamplesOfRun(place.base(), readReference(place.request.functional), true);
 }
@@ -483,7 +533,7 @@ TEST(Import, SaysItsDoubts)
         NiftiParts parts = runParts();
         doubt.change(parts);
         place.put("run.nii.gz", parts);
-        const ImportReport report = importDataset(place.request);
+        const ImportReport report = imported(place);
         EXPECT_THAT(joined(report.notes), HasSubstr(doubt.note)) << doubt.name;
         EXPECT_THAT(joined(report.notes), StartsWith(place.request.functional.toStdString()))
             << doubt.name;
@@ -497,7 +547,7 @@ TEST(Import, SaysAnAtlasOnAnotherGrid)
     NiftiParts atlas = atlasParts();
     atlas.setSpacing(2, -12, -20, -5);
     place.put("atlas.nii", atlas);
-    EXPECT_THAT(joined(importDataset(place.request).notes),
+    EXPECT_THAT(joined(imported(place).notes),
                 StartsWith(place.request.atlas.toStdString() +
                            ": the atlas (8 x 9 x 7 voxels of 2 x 2 x 2 mm) has another grid than "
                            "the run (8 x 9 x 7 voxels of 3 x 3 x 3 mm): its labels are taken by "
@@ -508,7 +558,7 @@ TEST(Import, TakesTheRepetitionTimeThatItIsTold)
 {
     Workplace place;
     place.request.repetitionTime = 0.72;
-    const ImportReport report = importDataset(place.request);
+    const ImportReport report = imported(place);
     EXPECT_EQ(joined(report.notes),
               place.request.functional.toStdString() +
                   ": the repetition time is 0.72 s as told, not 2 s as in the header");
@@ -517,7 +567,7 @@ TEST(Import, TakesTheRepetitionTimeThatItIsTold)
     NiftiParts parts = runParts();
     parts.pixdim[4] = 0;
     place.put("run.nii.gz", parts);
-    EXPECT_EQ(joined(importDataset(place.request).notes), "");
+    EXPECT_EQ(joined(imported(place).notes), "");
 }
 
 TEST(Import, NamesItsFilesAfterTheRun)
@@ -527,6 +577,9 @@ TEST(Import, NamesItsFilesAfterTheRun)
     EXPECT_EQ(defaultImportName(QStringLiteral("run.1.NII")), QStringLiteral("run.1"));
     EXPECT_EQ(defaultImportName(QStringLiteral("x.nii")), QStringLiteral("x"));
     EXPECT_EQ(defaultImportName(QStringLiteral("odd")), QStringLiteral("odd"));
+    EXPECT_TRUE(isImportName(QString::fromUtf8("größe.1")));
+    for (const char *none : {"", "a/b", "a\nb"})
+        EXPECT_FALSE(isImportName(QString::fromLatin1(none))) << none;
 }
 
 // ---- recordings
@@ -576,7 +629,7 @@ TEST_P(Recordings, ComeOverSampleBySample)
     place.put("anatomy.nii", anatomyAround(run));
     place.request.functional = recording(wanted.file);
     place.request.repetitionTime = wanted.repetitionTime;
-    importDataset(place.request);
+    imported(place);
     const VtcInfo info = VtcFile(place.outputPath("sub.vtc")).info();
     EXPECT_EQ(info.repetitionTime, wanted.seconds);
     EXPECT_EQ(info.type, wanted.type);
@@ -607,7 +660,7 @@ TEST(WholeBrainRecording, ComesOverWithItsEventsAndMasks)
         place.request.events = recording("haxby2001/run001_events.tsv");
         place.request.atlas = recording("haxby2001/mask_25mm_") + QString::fromLatin1(mask) +
                               QStringLiteral(".nii.gz");
-        const ImportReport report = importDataset(place.request);
+        const ImportReport report = imported(place);
         EXPECT_EQ(joined(report.notes), "");
         expectSamplesOfRun(place.base(), readReference(place.request.functional), true);
         expectVoisOfAtlas(place.base(), place.request.atlas);

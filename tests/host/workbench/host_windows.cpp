@@ -169,7 +169,7 @@ void progress(const LookAtWindow &look)
         seen.release();
     });
     runBehindProgress(&workbench.window, QStringLiteral("Example Dataset"),
-                      [&seen](const WorkWatch &watch) {
+                      [&seen](const ProgressWatch &watch) {
                           watch(30, 100);
                           seen.acquire();
                       });

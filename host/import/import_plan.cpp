@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/import/import_plan.h"
+
+#include "host/files/events_table.h"
+#include "host/files/image_reader.h"
+#include "host/files/input_error.h"
+#include "host/files/limits.h"
+#include "host/files/nifti_stream.h"
+#include "host/files/sample_conversion.h"
+#include "host/files/text_check.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+// ---- texts
+
+QString decimal(double number)
+{
+    return QString::fromLatin1(shortestDecimal(number));
+}
+
+/// A size in millimetres, which comes out of a matrix and is not exact.
+QString millimetres(double length)
+{
+    return QString::number(std::round(length * 1000) / 1000, 'g', 6);
+}
+
+QString voxelText(const Eigen::Affine3d &toWorld)
+{
+    QStringList sizes;
+    for (int axis = 0; axis < 3; ++axis)
+        sizes += millimetres(toWorld.linear().col(axis).norm());
+    return sizes.join(QStringLiteral(" x ")) + QStringLiteral(" mm");
+}
+
+QString gridText(const GridSize &size, const Eigen::Affine3d &toWorld)
+{
+    return QStringLiteral("%1 x %2 x %3 voxels of %4")
+        .arg(QString::number(size[0]), QString::number(size[1]), QString::number(size[2]),
+             voxelText(toWorld));
+}
+
+QString noteOn(const QString &path, const QString &text)
+{
+    return QStringLiteral("%1: %2").arg(printable(path, 4096), text);
+}
+
+// ---- the run
+
+GridSize gridSize(const NiftiHeader &run)
+{
+    return {run.dim[0], run.dim[1], run.dim[2]};
+}
+
+NiftiHeader readRunHeader(const QString &path, QStringList &notes)
+{
+    const NiftiHeader header = NiftiStream(path).header();
+    const QString place = QStringLiteral("header, dim");
+    if (header.dimensions != 4)
+        throw InputError(path, place,
+                         header.dimensions < 4
+                             ? QStringLiteral("one volume")
+                             : QStringLiteral("%1 dimensions").arg(header.dimensions),
+                         QStringLiteral("4 dimensions, two or more volumes"));
+    requireAtMost(header.dim[3], largestCount, QStringLiteral("volumes"), path, place);
+    requireAtMost(header.voxelsPerVolume(), largestCount, QStringLiteral("voxels"), path, place);
+    notes += orientationNotes(header, path);
+    return header;
+}
+
+double repetitionTime(const ImportRequest &request, const NiftiHeader &header, QStringList &notes)
+{
+    const QString &path = request.functional;
+    const double stored = repetitionTimeSeconds(header);
+    if (request.repetitionTime) {
+        const double told = *request.repetitionTime;
+        if (stored > 0 && stored != told)
+            notes += noteOn(path, QStringLiteral("the repetition time is %1 s as told, not %2 s as "
+                                                 "in the header")
+                                      .arg(decimal(told), decimal(stored)));
+        return told;
+    }
+    if (stored == 0)
+        throw InputError(path, QStringLiteral("header, pixdim[4]"),
+                         QStringLiteral("repetition time %1%2")
+                             .arg(header.repetitionTime)
+                             .arg(header.timeUnit == TimeUnit::NoTime
+                                      ? QStringLiteral(" in a unit that is none of time")
+                                      : QString()),
+                         QStringLiteral("a time above 0, or --tr SECONDS"));
+    if (header.timeUnit == TimeUnit::Unknown)
+        notes += noteOn(path, QStringLiteral("the header gives the repetition time without a unit: "
+                                             "it is taken for %1 s")
+                                  .arg(decimal(stored)));
+    if (stored < 0.05 || stored > 60)
+        notes += noteOn(path, QStringLiteral("the repetition time of %1 s is unusual; --tr SECONDS "
+                                             "gives another")
+                                  .arg(decimal(stored)));
+    return stored;
+}
+
+FunctionalGrid layRun(const ImportRequest &request, const NiftiHeader &run, const Anatomy &anatomy,
+                      QStringList &notes)
+{
+    const QString &path = request.functional;
+    const GridSize size = gridSize(run);
+    const Eigen::Affine3d toCube = anatomy.toWorld.inverse() * run.toWorld;
+    const FunctionalGrid grid = layFunctionalGrid(
+        toCube, size, request.resolution.value_or(nearestResolution(toCube)), path);
+    if (grid.voxelsCut > 0)
+        notes += noteOn(
+            path, QStringLiteral("%1 of %2 voxels lie outside the cube of 256 mm and are cut off")
+                      .arg(grid.voxelsCut)
+                      .arg(run.voxelsPerVolume()));
+    if (!anatomy.field.intersects(gridBounds(toCube, size, 0.5)))
+        notes += noteOn(path, QStringLiteral("the run does not overlap the anatomy %1")
+                                  .arg(printable(request.anatomy, 4096)));
+    return grid;
+}
+
+void checkPointsOutside(const FunctionalGrid &grid, const QString &path, QStringList &notes)
+{
+    const qint64 outside = VolumeSampler(grid).pointsOutside();
+    if (outside == grid.sampleCount())
+        throw InputError(
+            path, QStringLiteral("position relative to the anatomy"),
+            QStringLiteral("no voxel at a point of the lattice of %1 mm").arg(grid.resolution),
+            QStringLiteral("a run that overlaps the anatomy's cube"));
+    if (outside > 0)
+        notes += noteOn(path, QStringLiteral("%1 of %2 lattice points lie outside what was "
+                                             "recorded: their samples are 0")
+                                  .arg(outside)
+                                  .arg(grid.sampleCount()));
+}
+
+// ---- the VOIs
+
+bool sameGrid(const GridSize &size, const Eigen::Affine3d &toWorld, const GridSize &otherSize,
+              const Eigen::Affine3d &otherToWorld)
+{
+    // Half a tenth of a millimetre: what headers of one scan differ by.
+    const Eigen::Affine3d between = otherToWorld.inverse() * toWorld;
+    return size == otherSize && latticeMap(between, size, 1) &&
+           between.isApprox(Eigen::Affine3d::Identity(), 1e-3);
+}
+
+void planVois(ImportPlan &plan, const LabelTable &labels, const Eigen::Affine3d &cubeToWorld)
+{
+    const QString &path = plan.request.atlas;
+    const Image3d<qint32> atlas = readLabels(path, plan.notes);
+    if (!sameGrid(atlas.size, atlas.toWorld, gridSize(plan.run), plan.run.toWorld))
+        plan.notes +=
+            noteOn(path, QStringLiteral("the atlas (%1) has another grid than the run (%2): its "
+                                        "labels are taken by nearest neighbour")
+                             .arg(gridText(atlas.size, atlas.toWorld),
+                                  gridText(gridSize(plan.run), plan.run.toWorld)));
+    plan.vois = voisOfAtlas(atlas, labels, plan.grid, cubeToWorld, plan.request.voiGrid, path,
+                            plan.notes, &plan.labelCounts);
+}
+
+// ---- what the files hold
+
+QString voiText(const VoiSet &set, VoiGrid grid)
+{
+    std::size_t voxels = 0;
+    for (const Voi &voi : set.vois)
+        voxels += voi.voxels.size();
+    const auto empty = std::count_if(set.vois.begin(), set.vois.end(),
+                                     [](const Voi &voi) { return voi.voxels.empty(); });
+    return QStringLiteral("%1 VOIs, %2 %3 voxels, %4 VOIs empty")
+        .arg(QString::number(set.vois.size()), QString::number(voxels),
+             grid == VoiGrid::Functional ? QStringLiteral("functional") : QStringLiteral("1 mm"),
+             QString::number(empty));
+}
+
+QString protocolText(const Prt &protocol)
+{
+    std::size_t intervals = 0;
+    for (const PrtCondition &condition : protocol.conditions)
+        intervals += condition.intervals.size();
+    return QStringLiteral("%1 conditions, %2 intervals")
+        .arg(protocol.conditions.size())
+        .arg(intervals);
+}
+
+QString timeCourseText(const ImportPlan &plan)
+{
+    const FunctionalGrid &grid = plan.grid;
+    return QStringLiteral("%1 x %2 x %3 samples %4 mm apart, %5 volumes %6 s apart, %7, %8")
+        .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
+             QString::number(grid.size[2]), QString::number(grid.resolution),
+             QString::number(plan.volumes()), decimal(plan.repetitionTime),
+             plannedVtc(plan).type == VtcInfo::Short ? QStringLiteral("short")
+                                                     : QStringLiteral("float"),
+             grid.copied
+                 ? QStringLiteral("copied")
+                 : QStringLiteral("interpolated from voxels of ") + voxelText(plan.run.toWorld));
+}
+
+void planFile(ImportPlan &plan, FileKind kind, const QString &holds)
+{
+    plan.files.push_back({kind, fileName(plan.request.name, kind), holds});
+}
+
+} // namespace
+
+bool ImportPlan::writes(FileKind kind) const
+{
+    return std::any_of(files.begin(), files.end(),
+                       [kind](const PlannedFile &file) { return file.kind == kind; });
+}
+
+ImportPlan planImport(const ImportRequest &request)
+{
+    ImportPlan plan;
+    plan.request = request;
+    plan.run = readRunHeader(request.functional, plan.notes);
+    plan.repetitionTime = repetitionTime(request, plan.run, plan.notes);
+    // What is quickly known to be wrong is found before the long work.
+    const EventsTable events =
+        request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
+    const LabelTable labels =
+        request.labels.isEmpty() ? LabelTable() : readLabelTable(request.labels);
+
+    Image3d<float> image = readImage(request.anatomy, plan.notes);
+    const Anatomy anatomy = resampleAnatomy(image, request.anatomy, plan.notes);
+    image.voxels = {};
+    plan.anatomy = anatomy.vmr;
+    planFile(plan, FileKind::Vmr,
+             QStringLiteral("%1, %2").arg(gridText(image.size, image.toWorld),
+                                          anatomy.copied ? QStringLiteral("copied")
+                                                         : QStringLiteral("interpolated to 1 mm")));
+    plan.grid = layRun(request, plan.run, anatomy, plan.notes);
+    if (!request.atlas.isEmpty()) {
+        planVois(plan, labels, anatomy.toWorld);
+        planFile(plan, FileKind::Voi, voiText(plan.vois, request.voiGrid));
+    }
+    if (!request.events.isEmpty()) {
+        plan.protocol = protocolFromEvents(events, request.name, plan.repetitionTime,
+                                           plan.volumes(), plan.notes);
+        planFile(plan, FileKind::Prt, protocolText(plan.protocol));
+    }
+    checkPointsOutside(plan.grid, request.functional, plan.notes);
+    planFile(plan, FileKind::Vtc, timeCourseText(plan));
+    return plan;
+}
+
+VtcInfo plannedVtc(const ImportPlan &plan)
+{
+    const FunctionalGrid &grid = plan.grid;
+    const auto end = [&](int axis) { return grid.start[axis] + grid.resolution * grid.size[axis]; };
+    VtcInfo info;
+    info.resolution = grid.resolution;
+    info.xStart = grid.start[0];
+    info.yStart = grid.start[1];
+    info.zStart = grid.start[2];
+    info.xEnd = end(0);
+    info.yEnd = end(1);
+    info.zEnd = end(2);
+    info.nrOfVolumes = plan.volumes();
+    info.type = grid.copied && fitsShort(plan.run) ? VtcInfo::Short : VtcInfo::Float;
+    info.repetitionTime = plan.repetitionTime;
+    return info;
+}
+
+} // namespace corvane

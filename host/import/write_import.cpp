@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/import/write_import.h"
+
+#include "host/files/input_error.h"
+#include "host/files/nifti_stream.h"
+#include "host/files/output_folder.h"
+#include "host/files/sample_conversion.h"
+#include "host/files/vtc_writer.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace corvane
+{
+
+namespace
+{
+
+void requireNoFolders(const OutputFolder &output, const std::vector<PlannedFile> &files)
+{
+    for (const PlannedFile &file : files)
+        if (QFileInfo(output.finalPath(file.name)).isDir())
+            throw InputError(output.finalPath(file.name), QStringLiteral("writing"),
+                             QStringLiteral("a folder"),
+                             QStringLiteral("a place where a file can be written"));
+}
+
+/// The run from its first sample on.
+NiftiStream openRun(const ImportPlan &plan)
+{
+    NiftiStream run(plan.request.functional);
+    if (!(run.header() == plan.run))
+        throw InputError(run.path(), QStringLiteral("header"),
+                         QStringLiteral("another run than a moment ago"),
+                         QStringLiteral("the file to stay as it is during the import"));
+    return run;
+}
+
+void convert(const NiftiHeader &header, const void *samples, qint64 count, short *values)
+{
+    toShort(header, samples, count, values);
+}
+
+void convert(const NiftiHeader &header, const void *samples, qint64 count, float *values)
+{
+    toFloat(header, samples, count, values);
+}
+
+qint64 countBroken(const short *, qint64)
+{
+    return 0;
+}
+
+qint64 countBroken(const float *values, qint64 count)
+{
+    return std::count_if(values, values + count, [](float value) { return !std::isfinite(value); });
+}
+
+/// Returns how many samples are no finite numbers.
+template <typename Sample>
+qint64 streamVolumes(NiftiStream &run, const FunctionalGrid &grid, VtcWriter &writer,
+                     Sample *(VtcWriter::*nextVolume)(), const ProgressWatch &watch)
+{
+    const NiftiHeader &header = run.header();
+    const VolumeSampler sampler(grid);
+    const qint64 voxels = header.voxelsPerVolume();
+    std::vector<char> stored(static_cast<std::size_t>(header.bytesPerVolume()));
+    std::vector<Sample> values(static_cast<std::size_t>(voxels));
+    qint64 broken = 0;
+    for (qint64 t = 0; t < header.dim[3]; ++t) {
+        run.read(stored.data(), voxels);
+        convert(header, stored.data(), voxels, values.data());
+        Sample *const volume = (writer.*nextVolume)();
+        sampler.sample(values.data(), volume);
+        broken += countBroken(volume, grid.sampleCount());
+        writer.addVolume();
+        tellProgress(watch, t + 1, header.dim[3]);
+    }
+    return broken;
+}
+
+void writeTimeCourse(const QString &path, const QString &protocol, const ImportPlan &plan,
+                     const ProgressWatch &watch, QStringList &notes)
+{
+    VtcInfo info = plannedVtc(plan);
+    info.linkedProtocol = linkedProtocolText(path, protocol);
+    NiftiStream run = openRun(plan);
+    VtcWriter writer(path, info);
+    const qint64 broken =
+        info.type == VtcInfo::Short
+            ? streamVolumes(run, plan.grid, writer, &VtcWriter::shortVolume, watch)
+            : streamVolumes(run, plan.grid, writer, &VtcWriter::floatVolume, watch);
+    run.finish(notes);
+    writer.commit();
+    if (broken > 0)
+        notes += QStringLiteral("%1: %2 samples are no finite numbers: so are the means of VOIs "
+                                "that hold them")
+                     .arg(printable(run.path(), 4096))
+                     .arg(broken);
+}
+
+} // namespace
+
+ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
+{
+    OutputFolder output(plan.request.folder);
+    requireNoFolders(output, plan.files);
+    ImportReport report;
+    report.notes = plan.notes;
+    QString protocol;
+    for (const PlannedFile &file : plan.files) {
+        tellProgress(watch, 0, plan.volumes());
+        const QString path = output.path(file.name);
+        switch (file.kind) {
+        case FileKind::Vmr:
+            writeVmr(path, plan.anatomy);
+            plan.anatomy.voxels.reset(); // of no use for the samples, which take the memory
+            break;
+        case FileKind::Voi:
+            writeVoiFile(path, plan.vois);
+            break;
+        case FileKind::Prt:
+            writePrtFile(path, plan.protocol);
+            protocol = path;
+            break;
+        default:
+            writeTimeCourse(path, protocol, plan, watch, report.notes);
+        }
+        report.files += output.finalPath(file.name);
+        report.summary += QStringLiteral("%1: %2").arg(report.files.last(), file.holds);
+    }
+    output.commit();
+    return report;
+}
+
+void printReport(const ImportReport &report)
+{
+    for (const QString &note : report.notes)
+        std::fprintf(stderr, "%s\n", note.toUtf8().constData());
+    for (const QString &line : report.summary)
+        std::printf("%s\n", line.toUtf8().constData());
+}
+
+} // namespace corvane
