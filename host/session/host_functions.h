@@ -13,8 +13,9 @@
 /// Samples and voxels of the anatomy may lie in a private mapping of a file: writing to them
 /// changes no file.
 
+// Which of them an executable exports is the affair of cmake/CorvaneExports.cmake.
 #ifdef _WIN32
-#define CORVANE_EXPORT __declspec(dllexport)
+#define CORVANE_EXPORT
 #else
 #define CORVANE_EXPORT __attribute__((visibility("default")))
 #endif

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # run.sh build BUILD_FOLDER           cross-builds the programs for Windows
 # run.sh run BUILD_FOLDER PROGRAM     runs one of them under wine
+# run.sh exports BUILD_FOLDER PROGRAM compares what it exports with exports.def beside it
 # Exit status 77, which ctest reports as skipped, where the tools are missing, unless
 # TESSERA_REQUIRE_WINDOWS is set.
 set -euo pipefail
@@ -35,5 +36,17 @@ run)
     wine "$folder/$3" </dev/null >"$folder/$3.log" 2>&1 || status=$?
     tr -d '\r' <"$folder/$3.log"
     exit "$status"
+    ;;
+exports)
+    # The table of exported names in the program: lines of "[number] name".
+    exported=$(x86_64-w64-mingw32-objdump -p "$folder/$3" |
+        sed -n '/Ordinal.Name Pointer. Table/,/^$/s/^[[:space:]]*\[ *[0-9]*\] //p' | sort)
+    listed=$(sed '1d; s/ //g' "$(dirname "$folder/$3")/exports.def" | sort)
+    if [ -z "$listed" ] || [ "$exported" != "$listed" ]; then
+        echo "exported (<) differs from listed (>):"
+        diff <(echo "$exported") <(echo "$listed")
+        exit 1
+    fi
+    echo "$(echo "$exported" | wc -l) exports, as listed"
     ;;
 esac
