@@ -4,18 +4,17 @@
 #include "results/connectivity_object_ui.h"
 
 #include "engine/connectivity_object.h"
+#include "engine/graph_measures.h"
 #include "plots/line_plot.h"
 #include "plots/timeseries_line_plot.h"
 #include "results/feature_plots.h"
 #include "results/graph_features_model.h"
-#include "results/graph_measures.h"
 #include "ui_connectivity_object_ui.h"
 
 #include <QHeaderView>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <nodalis/nodalis.h>
 
 namespace
 {
@@ -27,9 +26,10 @@ const char *const measureProperty = "measure";
 const char *const titleProperty = "win_title";
 
 /// One value per matrix, each of them that of the first.
-std::vector<float> globalEfficiencies(const std::vector<Eigen::MatrixXf> &matrices)
+std::vector<float> valuesPerMatrix(const GraphMeasure &measure,
+                                   const std::vector<Eigen::MatrixXf> &matrices)
 {
-    return std::vector<float>(matrices.size(), nodalis::global_efficiency(matrices.front()));
+    return std::vector<float>(matrices.size(), measure.perMatrix(matrices.front()));
 }
 
 GraphFeaturesModel *modelOf(const QTableView *view)
@@ -142,7 +142,7 @@ void ConnectivityObjectUI::computeGraphFeature(bool)
     if (measure->perNode) {
         result = QVariant::fromValue(valuesPerNode(*measure, all));
     } else {
-        const std::vector<float> values = globalEfficiencies(all);
+        const std::vector<float> values = valuesPerMatrix(*measure, all);
         result = values.size() == 1 ? QVariant(values.front())
                                     : QVariant::fromValue(FeatureValues{values});
     }

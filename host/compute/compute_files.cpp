@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/compute_files.h"
 
-#include "host/compute/node_measures.h"
+#include "engine/graph_measures.h"
 #include "host/files/csv_text.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
@@ -31,16 +31,17 @@ void writeMatrix(const OutputFolder &folder, const QString &name, const Eigen::M
 
 QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result)
 {
+    const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
     QByteArray table = request.useProtocol ? "slice,condition,event,node,name" : "slice,node,name";
-    for (const NodeMeasure &measure : nodeMeasures())
-        table += QByteArray(",") + measure.name;
+    for (const GraphMeasure &measure : measures)
+        table += QByteArray(",") + measure.column;
     table += '\n';
 
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
         std::vector<Eigen::ArrayXf> columns;
-        for (const NodeMeasure &measure : nodeMeasures())
-            columns.push_back(measure.compute(slice.connectivity));
+        for (const GraphMeasure &measure : measures)
+            columns.push_back(columnOf(measure, slice.connectivity));
         for (std::size_t n = 0; n < result.nodes.size(); ++n) {
             table += QByteArray::number(static_cast<qulonglong>(s)) + ',';
             if (request.useProtocol)

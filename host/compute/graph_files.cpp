@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/graph_files.h"
 
-#include "host/compute/node_measures.h"
+#include "engine/graph_measures.h"
 #include "host/files/csv_text.h"
 #include "host/files/output_file.h"
 #include "host/files/output_folder.h"
@@ -20,9 +20,9 @@ QByteArray featureTable(const GraphTable &graph)
 {
     QByteArray table = "node,name";
     std::vector<Eigen::ArrayXf> columns;
-    for (const NodeMeasure &measure : nodeMeasures()) {
-        table += QByteArray(",") + measure.name;
-        columns.push_back(measure.compute(graph.weights));
+    for (const GraphMeasure &measure : graphMeasuresOfTables()) {
+        table += QByteArray(",") + measure.column;
+        columns.push_back(columnOf(measure, graph.weights));
     }
     table += '\n';
     for (int node = 0; node < graph.weights.rows(); ++node) {

@@ -2,7 +2,6 @@
 #include "host/pictures/compute_pictures.h"
 
 #include "host/compute/compute_files.h"
-#include "host/compute/node_measures.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
 #include "host/pictures/result_pictures.h"
@@ -57,10 +56,10 @@ std::vector<Picture> picturesOf(ResultPictures &windows, const ComputeRequest &r
             add("connectivity", &ResultPictures::map);
     }
     const int conditions = conditionCount(result);
-    for (const NodeMeasure &measure : nodeMeasures()) {
-        if (conditions > (measure.isOfMatrix ? 1 : 0)) { // one value alone is no plot
-            pictures.push_back({QLatin1String(measure.name) + QLatin1Char('.') + png,
-                                [&windows, &measure] { return windows.measure(measure); }});
+    for (const GraphMeasure &measure : graphMeasuresOfTables()) {
+        if (conditions > (measure.perMatrix != nullptr ? 1 : 0)) { // one value alone is no plot
+            pictures.push_back({QLatin1String(measure.column) + QLatin1Char('.') + png,
+                                [&windows, measure] { return windows.measure(measure); }});
         }
     }
     return pictures;

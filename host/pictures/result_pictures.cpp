@@ -5,12 +5,10 @@
 #include "plots/line_plot.h"
 #include "plots/timeseries_line_plot.h"
 #include "results/feature_plots.h"
-#include "results/graph_measures.h"
 
 #include <QCoreApplication>
 #include <QVariantHash>
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -27,27 +25,6 @@ QVariantHash descriptionOf(const ComputedSlice &slice)
     for (const float weight : slice.mst.reshaped())
         tree.push_back(weight != 0.0f ? 1 : 0);
     return {{QStringLiteral("mst"), QVariant::fromValue(tree)}};
-}
-
-/// The title of a measure's plots.
-QString titleOf(const NodeMeasure &measure)
-{
-    const auto function = measure.isOfMatrix ? nullptr : measure.compute;
-    const std::vector<GraphMeasure> &all = graphMeasures();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const GraphMeasure &entry) {
-        return entry.perNode == function;
-    });
-    return QLatin1String(found->title);
-}
-
-FeatureValues valuesOf(const NodeMeasure &measure, const ComputeResult &result)
-{
-    FeatureValues values;
-    for (const ComputedSlice &slice : result.slices) {
-        const Eigen::ArrayXf nodes = measure.compute(slice.connectivity);
-        values.emplace_back(nodes.data(), nodes.data() + nodes.size());
-    }
-    return values;
 }
 
 /// Takes a picture of a line plot and deletes it.
@@ -111,16 +88,18 @@ QPixmap ResultPictures::overview(std::size_t slice)
     return m_browser.overviewPicture();
 }
 
-QPixmap ResultPictures::measure(const NodeMeasure &measure) const
+QPixmap ResultPictures::measure(const GraphMeasure &measure) const
 {
-    const FeatureValues values = valuesOf(measure, m_result);
+    const QString title = QLatin1String(measure.title);
     const Subject &subject = *m_result.subject;
-    if (!measure.isOfMatrix)
-        return pictureOf(plotPerNode(titleOf(measure), values, subject, nullptr));
+    if (measure.perNode != nullptr) {
+        const FeatureValues values = valuesPerNode(measure, m_object.matrices());
+        return pictureOf(plotPerNode(title, values, subject, nullptr));
+    }
     std::vector<float> perSlice;
-    for (std::size_t s = 0; s < values.size(); ++s) // what is no number is left out
-        perSlice.push_back(m_result.slices[s].event ? std::nanf("") : values[s].front());
-    return pictureOf(plotPerSlice(titleOf(measure), perSlice, subject, nullptr));
+    for (const ComputedSlice &slice : m_result.slices) // what is no number is left out
+        perSlice.push_back(slice.event ? std::nanf("") : measure.perMatrix(slice.connectivity));
+    return pictureOf(plotPerSlice(title, perSlice, subject, nullptr));
 }
 
 } // namespace corvane

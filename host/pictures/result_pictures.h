@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/connectivity_object.h"
+#include "engine/graph_measures.h"
 #include "host/compute/compute.h"
-#include "host/compute/node_measures.h"
 #include "plots/view_matrix.h"
 #include "results/connectivity_object_ui.h"
 
@@ -27,7 +27,7 @@ public:
     QPixmap overview(std::size_t slice);
     /// The values of a measure, one line per slice over the nodes, of which those of events are
     /// hidden; of a measure of the matrix one value per slice that is no event.
-    QPixmap measure(const NodeMeasure &measure) const;
+    QPixmap measure(const GraphMeasure &measure) const;
 
 private:
     void browse(std::size_t slice);
