@@ -84,4 +84,11 @@ TEST_F(ManyComputes, ThatFailCloseTheirDocumentToo)
     EXPECT_EQ(host.session.workspace().documentType(0), ClosedDocument);
 }
 
+TEST_F(ManyComputes, FailWithAMeasureThatThereIsNotAsInTheDialog)
+{
+    Session session;
+    request.measure = static_cast<ConnectivityMeasure>(7);
+    EXPECT_EQ(errorOf([&] { compute(session, request); }), "bad_function_call");
+}
+
 } // namespace corvane
