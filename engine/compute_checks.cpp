@@ -209,5 +209,6 @@ std::vector<NodeFault> nodeFaults(const Subject &subject, const Eigen::MatrixXf 
 QStringList computeWarnings(const Subject &subject, const Eigen::MatrixXf &timeseries,
                             const QStringList &names)
 {
-    return Warnings(subject, timeseries, names).all();
+    // Without a run the failure of its load has been told.
+    return timeseries.cols() > 0 ? Warnings(subject, timeseries, names).all() : QStringList();
 }

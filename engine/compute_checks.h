@@ -27,7 +27,7 @@ std::vector<NodeFault> nodeFaults(const Subject &subject, const Eigen::MatrixXf 
 /// What the user of this compute should know, one sentence each with names and numbers: nodes with
 /// a fault, over the run or in an interval; intervals that the end of the run cuts or leaves
 /// nothing of; for partial correlation, too few volumes for the number of nodes. Empty when all is
-/// well. Intervals count from 1 in the order of their starts; those of events are single volumes by
-/// design and not told. `names` are those of the nodes.
+/// well, and without a run. Intervals count from 1 in the order of their starts; those of events
+/// are single volumes by design and not told. `names` are those of the nodes.
 QStringList computeWarnings(const Subject &subject, const Eigen::MatrixXf &timeseries,
                             const QStringList &names);

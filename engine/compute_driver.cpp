@@ -4,6 +4,7 @@
 #include "dataset/scoped_dialog.h"
 #include "dataset/tessera.h"
 #include "dataset/verbose_log.h"
+#include "engine/compute_checks.h"
 #include "engine/compute_error.h"
 #include "engine/compute_steps.h"
 #include "engine/connectivity_object.h"
@@ -115,8 +116,11 @@ void Tessera::computeSubjectConnectivity(int index)
         logToHost("Plugin> The measure failed: %s. Nothing was computed for %s.", error.what(),
                   name.toUtf8().constData());
     }
-    if (measured)
-        addResult(subject, name, finishSlices(*subject, std::move(*measured), dumpStep));
+    if (!measured)
+        return;
+    for (const QString &warning : computeWarnings(*subject, timeseries, subject->voiLabels(false)))
+        logToHost("Plugin> %s: %s", name.toUtf8().constData(), warning.toUtf8().constData());
+    addResult(subject, name, finishSlices(*subject, std::move(*measured), dumpStep));
 }
 
 bool Tessera::refuseDuplicate(const QString &name)

@@ -89,6 +89,7 @@ ComputeRequest requestOf(const QCommandLineParser &parser)
     request.measure = chosen(parser, QStringLiteral("measure"), measureNames);
     request.matrixValues = chosen(parser, QStringLiteral("values"), matrixValuesNames);
     request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
+    request.allowSingular = parser.isSet(QStringLiteral("allow-singular"));
     request.plots = parser.isSet(QStringLiteral("plots"));
     return request;
 }
@@ -117,6 +118,9 @@ int run(const QStringList &arguments)
          namesOf(matrixValuesNames).join(QLatin1Char('|')),
          QLatin1String(matrixValuesNames[0].name)},
         {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
+        {QStringLiteral("allow-singular"),
+         QStringLiteral("A partial correlation also where a node is empty, constant or not finite: "
+                        "all of it is then 0.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "
                         "and a line plot per measure.")},
@@ -167,7 +171,8 @@ Command computeCommand()
     return {"compute",
             R"(Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
                   [--seeds all|0,3,5] [--measure correlation|partial-correlation]
-                  [--values absolute|positive|negative] [--no-mst] [--plots] --out DIR)",
+                  [--values absolute|positive|negative] [--no-mst] [--allow-singular] [--plots]
+                  --out DIR)",
             "Computes connectivity, spanning trees and graph measures; with --plots, draws them.",
             run, makeApplication};
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/compute.h"
 
+#include "engine/compute_checks.h"
 #include "engine/compute_steps.h"
 #include "host/files/input_error.h"
 #include "host/session/workspace.h"
@@ -132,14 +133,31 @@ void chooseNodes(Subject &subject, const ComputeRequest &request)
 
 std::vector<ComputedNode> describeNodes(const Subject &subject, const LoadedVois &vois)
 {
-    const QStringList labels = subject.voiLabels(false);
-    const QVector<int> seeds = subject.scheme().seedVois;
     std::vector<ComputedNode> nodes;
-    for (int k = 0; k < seeds.size(); ++k) {
-        const VOIRecord &record = vois.records.at(static_cast<std::size_t>(seeds.at(k)));
-        nodes.push_back({seeds.at(k), labels.at(k), record.voxelCount});
+    for (const int seed : subject.scheme().seedVois) {
+        const Voi &voi = vois.set.vois.at(static_cast<std::size_t>(seed));
+        nodes.push_back({seed, voi.name, static_cast<int>(voi.voxels.size())});
     }
     return nodes;
+}
+
+/// Refuses a partial correlation that is not defined, and tells how to do without its nodes.
+void requireDefined(const ComputeRequest &request, const std::vector<ComputedNode> &nodes,
+                    const std::vector<NodeFault> &faults, const QStringList &warnings)
+{
+    QStringList others;
+    for (std::size_t node = 0; node < nodes.size(); ++node)
+        if (faults[node] == NodeFault::None)
+            others += QString::number(nodes[node].voi);
+    if (static_cast<std::size_t>(others.size()) == nodes.size())
+        return;
+    const QString instead =
+        others.size() < 2
+            ? QStringLiteral("nodes that have one (no two of these do)")
+            : QStringLiteral("nodes that have one: --seeds ") + others.join(QLatin1Char(','));
+    throw InputError(request.voi, QStringLiteral("partial correlation"),
+                     warnings.join(QStringLiteral("; ")),
+                     instead + QStringLiteral("; or --allow-singular for a matrix of zeros"));
 }
 
 /// From the node matrix to the finished slices.
@@ -192,11 +210,18 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     result.subject = record;
     result.nodes = describeNodes(subject, *workspace.vois());
     result.timeseries = subject.averagedTimeseries({seeds.begin(), seeds.end()});
+    QStringList names;
+    for (const ComputedNode &node : result.nodes)
+        names += node.name;
+    const QStringList withoutMeaning = computeWarnings(subject, result.timeseries, names);
+    if (request.measure == ConnectivityMeasure::PartialCorrelation && !request.allowSingular)
+        requireDefined(request, result.nodes, nodeFaults(subject, result.timeseries),
+                       withoutMeaning);
     result.slices = computeSlices(subject, result.timeseries);
     result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
     result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
     result.protocolFile = subject.prtFile;
-    result.warnings = log.said();
+    result.warnings = log.said() + withoutMeaning;
     return result;
 }
 

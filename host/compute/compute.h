@@ -30,14 +30,15 @@ struct ComputeRequest {
     ConnectivityMeasure measure = ConnectivityMeasure::Correlation;
     MatrixValues matrixValues = MatrixValues::Absolute;
     bool computeMst = true;
-    bool plots = false; ///< pictures beside the tables
+    bool allowSingular = false; ///< a partial correlation of nodes that it is not defined for, too
+    bool plots = false;         ///< pictures beside the tables
 };
 
 /// One node: a chosen VOI.
 struct ComputedNode {
     int voi; ///< its number in the VOI file, from 0
     QString name;
-    int voxels;
+    int voxels; ///< 0 for a VOI that is empty
 };
 
 /// What belongs to one slice of the result.
@@ -58,12 +59,15 @@ struct ComputeResult {
     double repetitionTime = 0; ///< seconds
     QString vtcChecksum;       ///< as its header has it
     QString protocolFile;      ///< the one in use, empty without
-    QStringList warnings;      ///< what the host and the plugin said while it went on
+    /// What the host and the plugin said while it went on, and what of the result is without
+    /// meaning.
+    QStringList warnings;
 };
 
 /// Loads and computes in a session, which must be the current one; the document that it opens there
-/// is closed again. Throws InputError when a file cannot be used, a seed does not exist, or a
-/// protocol is wanted where there is none.
+/// is closed again. Throws InputError when a file cannot be used, a seed does not exist, a protocol
+/// is wanted where there is none, or, unless it is allowed, a partial correlation of a node that is
+/// empty, constant or not finite.
 ComputeResult compute(Session &session, const ComputeRequest &request);
 
 } // namespace corvane

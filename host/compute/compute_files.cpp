@@ -32,7 +32,8 @@ void writeMatrix(const OutputFolder &folder, const QString &name, const Eigen::M
 QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result)
 {
     const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
-    QByteArray table = request.useProtocol ? "slice,condition,event,node,name" : "slice,node,name";
+    QByteArray table =
+        request.useProtocol ? "slice,condition,event,node,name,empty" : "slice,node,name,empty";
     for (const GraphMeasure &measure : measures)
         table += QByteArray(",") + measure.column;
     table += '\n';
@@ -46,7 +47,8 @@ QByteArray featureTable(const ComputeRequest &request, const ComputeResult &resu
             table += QByteArray::number(static_cast<qulonglong>(s)) + ',';
             if (request.useProtocol)
                 table += csvField(slice.condition) + ',' + (slice.event ? "1," : "0,");
-            table += QByteArray::number(result.nodes[n].voi) + ',' + csvField(result.nodes[n].name);
+            table += QByteArray::number(result.nodes[n].voi) + ',' +
+                     csvField(result.nodes[n].name) + (result.nodes[n].voxels == 0 ? ",1" : ",0");
             for (const Eigen::ArrayXf &column : columns)
                 table += ',' + csvField(column(static_cast<Eigen::Index>(n)));
             table += '\n';
@@ -93,7 +95,8 @@ QJsonObject settings(const ComputeRequest &request)
         {QStringLiteral("measure"), QLatin1String(nameOf(request.measure, measureNames))},
         {QStringLiteral("values"), QLatin1String(nameOf(request.matrixValues, matrixValuesNames))},
         {QStringLiteral("spanning tree"), request.computeMst},
-        {QStringLiteral("use protocol"), request.useProtocol}};
+        {QStringLiteral("use protocol"), request.useProtocol},
+        {QStringLiteral("allow singular"), request.allowSingular}};
 }
 
 QJsonObject versions()
@@ -113,7 +116,8 @@ QJsonArray nodes(const ComputeResult &result)
     for (const ComputedNode &node : result.nodes) {
         all.append(QJsonObject{{QStringLiteral("voi"), node.voi},
                                {QStringLiteral("name"), node.name},
-                               {QStringLiteral("voxels"), node.voxels}});
+                               {QStringLiteral("voxels"), node.voxels},
+                               {QStringLiteral("empty"), node.voxels == 0}});
     }
     return all;
 }

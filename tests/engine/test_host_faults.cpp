@@ -221,6 +221,13 @@ const std::string vmrRequired = "This plugin requires a VMR to operate. Make sur
 const std::string notOneMillimetre = "VOI's resolution must be 1.0mm.";
 const std::string notParsed = "Faild to parse and link the selected protocol file.";
 const std::string zeros = "2 zeros 2 zeros ";
+const std::string noConnections = "; it has no connections|";
+const std::string secondIsLost =
+    loading + "Plugin> Subject 1: 1 node with values that are not finite: \"V1\"" + noConnections;
+std::string isEmpty(const std::string &name)
+{
+    return loading + "Plugin> Subject 1: 1 node without voxels: \"" + name + "\"" + noConnections;
+}
 
 const Fault faults[] = {
     {"zqLogText", 1, both, {{"log", ""}}},
@@ -357,12 +364,12 @@ const Fault faults[] = {
     {"zqGetVOIs", 3, zeroed, {{"vois", ""}}},
     {"zqGetVOIs", 4, zero, {{"log", loading + voiTrouble}, {"result", ""}, {"seeds", "0"}}},
     {"zqGetVOIs", 4, zeroed, {{"names at the end", ""}, {"result", ""}, {"seeds", "0"}}},
-    {"zqGetVOI", 1, zero, {{"result", zeros}, {"series", "1"}}},
-    {"zqGetVOI", 1, zeroed, {{"empty vois", "1"}, {"result", zeros}}},
-    {"zqGetVOI", 2, both, {{"result", zeros}, {"series", "1"}}},
-    {"zqGetVOI", 3, zero, {{"result", zeros}, {"series", "1"}}},
-    {"zqGetVOI", 3, zeroed, {{"empty vois", "1"}, {"result", zeros}}},
-    {"zqGetVOI", 4, both, {{"result", zeros}, {"series", "1"}}},
+    {"zqGetVOI", 1, zero, {{"log", secondIsLost}, {"result", zeros}, {"series", "1"}}},
+    {"zqGetVOI", 1, zeroed, {{"empty vois", "1"}, {"log", isEmpty("V0")}, {"result", zeros}}},
+    {"zqGetVOI", 2, both, {{"log", secondIsLost}, {"result", zeros}, {"series", "1"}}},
+    {"zqGetVOI", 3, zero, {{"log", secondIsLost}, {"result", zeros}, {"series", "1"}}},
+    {"zqGetVOI", 3, zeroed, {{"empty vois", "1"}, {"log", isEmpty("V1")}, {"result", zeros}}},
+    {"zqGetVOI", 4, both, {{"log", secondIsLost}, {"result", zeros}, {"series", "1"}}},
     {"zqGetVOI", 5, both, {{"vois", " (empty) V1"}}},
     {"zqGetVOI", 6, both, {{"vois", "V0  (empty)"}}},
     {"zqGetVOI", 7, both, {{"names at the end", " (empty) V1"}}},

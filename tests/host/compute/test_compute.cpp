@@ -4,6 +4,7 @@
 #include "tests/host/compute/compute_fixture.h"
 
 #include <Eigen/LU>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <gmock/gmock.h>
 
@@ -75,7 +76,7 @@ TEST_F(Compute, TakesAllVoisAndTreatsTheEmptyOnesNaN)
     ASSERT_EQ(nodeList.size(), 4);
     EXPECT_EQ(nodeList.at(0).toObject().value("name").toString(), "V, one");
     EXPECT_EQ(nodeList.at(0).toObject().value("voxels").toInt(), 2);
-    EXPECT_EQ(nodeList.at(3).toObject().value("name").toString(), "none (empty)");
+    EXPECT_EQ(nodeList.at(3).toObject().value("name").toString(), "none");
     EXPECT_EQ(nodeList.at(3).toObject().value("voxels").toInt(), 0);
 }
 
@@ -178,16 +179,16 @@ TEST_F(Compute, WritesTheMeasuresOfEveryNode)
               0);
     const QList<QByteArray> lines = bytesOf(folder.path("out/features.csv")).trimmed().split('\n');
     ASSERT_EQ(lines.size(), 4);
-    EXPECT_EQ(lines.at(0), "slice,node,name,clustering_coeff,local_efficiency,degree,"
+    EXPECT_EQ(lines.at(0), "slice,node,name,empty,clustering_coeff,local_efficiency,degree,"
                            "eigenvector_centrality,strength,nodal_global_efficiency,"
                            "global_efficiency");
-    EXPECT_TRUE(lines.at(1).startsWith("0,0,\"V, one\","));
+    EXPECT_TRUE(lines.at(1).startsWith("0,0,\"V, one\",0,"));
     const Eigen::MatrixXf weights = table("connectivity.csv");
     const QList<QByteArray> second = lines.at(2).split(',');
-    ASSERT_EQ(second.size(), 10);
+    ASSERT_EQ(second.size(), 11);
     EXPECT_EQ(second.at(2), "two");
-    EXPECT_EQ(second.at(5).toFloat(), 2.0f);
-    EXPECT_NEAR(second.at(7).toFloat(), weights.row(1).sum(), 1e-6f);
+    EXPECT_EQ(second.at(6).toFloat(), 2.0f);
+    EXPECT_NEAR(second.at(8).toFloat(), weights.row(1).sum(), 1e-6f);
 }
 
 TEST_F(Compute, WritesTheMeasuresOfEverySliceWithItsCondition)
@@ -195,10 +196,83 @@ TEST_F(Compute, WritesTheMeasuresOfEverySliceWithItsCondition)
     ASSERT_EQ(runCorvane(arguments({QStringLiteral("--use-protocol")}, "linked.vtc")).status, 0);
     const QList<QByteArray> lines = bytesOf(folder.path("out/features.csv")).trimmed().split('\n');
     ASSERT_EQ(lines.size(), 1 + 4 * 4);
-    EXPECT_TRUE(lines.at(0).startsWith("slice,condition,event,node,name,clustering_coeff,"));
+    EXPECT_TRUE(lines.at(0).startsWith("slice,condition,event,node,name,empty,clustering_coeff,"));
     EXPECT_TRUE(lines.at(1).startsWith("0,left/right,0,0,\"V, one\","));
     EXPECT_TRUE(lines.at(5).startsWith("1,\"rest, eyes \"\"open\"\"\",0,0,"));
-    EXPECT_TRUE(lines.at(16).startsWith("3,cue,1,3,none (empty),"));
+    EXPECT_TRUE(lines.at(16).startsWith("3,cue,1,3,none,1,"));
+}
+
+TEST_F(Compute, CallsNodesByTheWholeNamesOfTheirVois)
+{
+    // Longer than plugins get it, and in letters that their records lack.
+    VoiSet set = vois();
+    set.vois[1].name = QString::fromUtf8("\xce\x94\xce\xb5\xce\xbe\xce\xb9\xce\xac ").repeated(60) +
+                       QStringLiteral("(empty)");
+    writeVoiFile(folder.path("set.voi"), set);
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--seeds"), QStringLiteral("1,3")})).status, 0);
+    const QJsonArray nodes = summary().value("nodes").toArray();
+    EXPECT_EQ(nodes.at(0).toObject().value("name").toString(), set.vois[1].name);
+    EXPECT_FALSE(nodes.at(0).toObject().value("empty").toBool());
+    EXPECT_EQ(nodes.at(1).toObject().value("name").toString(), QStringLiteral("none"));
+    EXPECT_TRUE(nodes.at(1).toObject().value("empty").toBool());
+    EXPECT_TRUE(bytesOf(folder.path("out/features.csv")).contains(set.vois[1].name.toUtf8()));
+}
+
+TEST_F(Compute, TellsOfNodesWithoutConnections)
+{
+    const ProgramRun run = runCorvane(arguments());
+    ASSERT_EQ(run.status, 0);
+    const char *const line = "1 node without voxels: \"none\"; it has no connections";
+    EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr(line));
+    EXPECT_THAT(summary().value("warnings").toArray().toVariantList(),
+                testing::Contains(QVariant(QString::fromUtf8(line))));
+}
+
+TEST_F(Compute, RefusesAPartialCorrelationThatIsNotDefinedUnlessAllowed)
+{
+    const QStringList partial{QStringLiteral("--measure"), QStringLiteral("partial-correlation")};
+    const ProgramRun refused = runCorvane(arguments(partial));
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(
+        refused.errors.toStdString(),
+        testing::EndsWith(
+            "set.voi: partial correlation: found 1 node without voxels: \"none\"; no partial "
+            "correlation is known, expected nodes that have one: --seeds 0,1,2; or "
+            "--allow-singular for a matrix of zeros\n"));
+    EXPECT_FALSE(QFileInfo::exists(folder.path("out")));
+    // As told.
+    EXPECT_EQ(runCorvane(arguments(partial +
+                                   QStringList{QStringLiteral("--seeds"), QStringLiteral("0,1,2")}))
+                  .status,
+              0);
+    const ProgramRun allowed =
+        runCorvane(arguments(partial + QStringList{QStringLiteral("--allow-singular")}));
+    EXPECT_EQ(allowed.status, 0);
+    EXPECT_TRUE(table("connectivity.csv").isZero());
+    EXPECT_THAT(allowed.errors.toStdString(),
+                testing::HasSubstr("no partial correlation is known"));
+    EXPECT_TRUE(summary().value("settings").toObject().value("allow singular").toBool());
+}
+
+TEST_F(Compute, TellsWhereAPartialCorrelationHasTooFewVolumesAndWhatTheRunCutsOff)
+{
+    Prt prt;
+    prt.conditions = {{QStringLiteral("short"), {{1, 3}}},
+                      {QStringLiteral("late"), {{volumes - 9, volumes + 5}}},
+                      {QStringLiteral("gone"), {{volumes + 1, volumes + 2}}}};
+    writePrtFile(folder.path("other.prt"), prt);
+    const ProgramRun run = runCorvane(arguments(
+        {QStringLiteral("--use-protocol"), QStringLiteral("--prt"), folder.path("other.prt"),
+         QStringLiteral("--measure"), QStringLiteral("partial-correlation"),
+         QStringLiteral("--seeds"), QStringLiteral("0,1,2")}));
+    ASSERT_EQ(run.status, 0) << run.errors.constData();
+    EXPECT_THAT(run.errors.toStdString(),
+                testing::AllOf(
+                    testing::HasSubstr("1 interval cut off at the end of the run, which has "),
+                    testing::HasSubstr("1 interval beyond the end of the run, which has "),
+                    testing::HasSubstr("partial correlation of 3 nodes takes at least 4 volumes: "
+                                       "interval 1 (\"short\") has 3\n")));
+    EXPECT_EQ(summary().value("warnings").toArray().size(), 3);
 }
 
 TEST_F(Compute, NamesItsInputsAndSettingsInTheSummary)

@@ -88,7 +88,7 @@ TEST_F(ManyComputes, FailWithAMeasureThatThereIsNotAsInTheDialog)
 {
     Session session;
     request.measure = static_cast<ConnectivityMeasure>(7);
-    EXPECT_EQ(errorOf([&] { compute(session, request); }), "bad_function_call");
+    EXPECT_THROW(compute(session, request), std::bad_function_call);
 }
 
 } // namespace corvane
