@@ -1095,6 +1095,21 @@ TEST(Conditions, with_placeholders_in_their_names_stay_as_they_are)
               QStringLiteral("Trigger: 50 %1 %2"));
 }
 
+TEST(Conditions, with_markup_in_their_names_are_shown_as_they_are_written)
+{
+    const Eigen::MatrixXf matrix = gradient(2, 2);
+    Result result({matrix, matrix}, {{1, "<b>go</b>", 0}, {11, "<i>cue</i>", 1}});
+    Browser browser(result);
+    browser.show();
+    const QStringList expected = {"<b>go</b>", "Trigger: <i>cue</i>"};
+    for (int row = 0; row < 2; ++row) {
+        const auto *const label = qobject_cast<QLabel *>(browser.condition(row, 1));
+        ASSERT_NE(label, nullptr);
+        EXPECT_EQ(label->text(), expected[row]);
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+    }
+}
+
 TEST(Conditions, are_browsed_by_their_labels_alone)
 {
     Result result(fourMatrices(), protocolWithTrigger);
