@@ -21,6 +21,8 @@ public:
             painted = false;
             QCoreApplication::sendPostedEvents();
             QCoreApplication::processEvents();
+            // What has gone from the picture is still to be deleted, as an event loop does.
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
     }
 

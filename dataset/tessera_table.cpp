@@ -4,6 +4,7 @@
 #include "dataset/scoped_dialog.h"
 #include "dataset/tessera.h"
 #include "dataset/verbose_log.h"
+#include "plots/plain_text.h"
 #include "plugin/host_data.h"
 #include "ui_tessera.h"
 
@@ -58,7 +59,7 @@ QString askForReadableFile(QWidget *parent, const QString &caption, const QStrin
 void markChosen(QPushButton *button, const QString &path)
 {
     button->setText(QPushButton::tr("ok"));
-    button->setToolTip(QFileInfo(path).fileName());
+    button->setToolTip(asToolTip(QFileInfo(path).fileName()));
 }
 
 } // namespace
@@ -115,7 +116,7 @@ void Tessera::addDocumentBox(int row)
     const QHash<int, QString> documents = host_data::vmrDocuments();
     for (auto document = documents.cbegin(); document != documents.cend(); ++document) {
         box->addItem(document.value(), document.key());
-        box->setItemData(box->count() - 1, document.value(), Qt::ToolTipRole);
+        box->setItemData(box->count() - 1, asToolTip(document.value()), Qt::ToolTipRole);
     }
     placeInCell(box, row, VmrColumn);
     connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
@@ -192,7 +193,7 @@ void Tessera::takeVTCFile(int row, const QString &path)
     protocol->setEnabled(true);
     if (linked) {
         protocol->setText(tr("ok - autoloaded"));
-        protocol->setToolTip(subject.linkedProtocolFile());
+        protocol->setToolTip(asToolTip(subject.linkedProtocolFile()));
     }
 }
 

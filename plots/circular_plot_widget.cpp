@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/circular_plot_widget.h"
 
+#include "plots/chart_series.h"
 #include "plots/color_map.h"
 #include "plots/my_graphics_simple_text_item.h"
 #include "plots/plot_source.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 using namespace QtCharts;
 
@@ -76,35 +78,27 @@ void setPenWidth(QPen &pen, double width)
         pen.setWidth(int(whole));
 }
 
-/// Takes the markers of the hidden legend out of their group. They go with their series all the
-/// same, but the group no longer measures all that are left whenever one goes, which for a hundred
-/// nodes takes longer than everything else.
-void dissolveLegend(const QChart &chart)
+/// An edge with its value at hand, which is slow to look up on the series for each comparison.
+struct RankedEdge {
+    double value;
+    QSplineSeries *edge;
+};
+
+/// NaN first, then by value.
+bool edgeValueLess(const RankedEdge &left, const RankedEdge &right)
 {
-    for (QGraphicsItem *group : chart.legend()->childItems()) {
-        for (QGraphicsItem *marker : group->childItems())
-            marker->setParentItem(chart.legend());
-    }
+    const bool leftIsNumber = !std::isnan(left.value);
+    const bool rightIsNumber = !std::isnan(right.value);
+    return leftIsNumber == rightIsNumber ? left.value < right.value : rightIsNumber;
 }
 
 } // namespace
 
-bool edgeValueLess(const QSplineSeries *left, const QSplineSeries *right)
-{
-    const double leftValue = left->property(valueProperty).toReal();
-    const double rightValue = right->property(valueProperty).toReal();
-    const bool leftIsNumber = !std::isnan(leftValue);
-    const bool rightIsNumber = !std::isnan(rightValue);
-    if (leftIsNumber != rightIsNumber)
-        return rightIsNumber;
-    if (leftIsNumber && leftValue != rightValue)
-        return leftValue < rightValue;
-    return left->property(indexProperty).toInt() < right->property(indexProperty).toInt();
-}
-
 CircularPlotWidget::CircularPlotWidget(QWidget *parent) : QGraphicsView(parent)
 {
     setScene(new QGraphicsScene(this));
+    // All of it belongs to one item, the chart, which needs no index to be found.
+    scene()->setItemIndexMethod(QGraphicsScene::NoIndex);
     setAccessibleName(tr("Circular plot"));
     setRenderHint(QPainter::Antialiasing, true);
     setDragMode(QGraphicsView::NoDrag);
@@ -130,6 +124,7 @@ CircularPlotWidget::~CircularPlotWidget()
 void CircularPlotWidget::makeChart()
 {
     chart = new QChart;
+    connectDrawingAlone(chart);
     chart->legend()->hide();
     chart->layout()->setContentsMargins(0, 0, 0, 0);
     chart->setMargins(QMargins());
@@ -199,11 +194,11 @@ void CircularPlotWidget::drawMatrix(const Eigen::MatrixXf &slice)
     buildLabels(chart->size().toSize());
     buildEdges();
     for (QSplineSeries *edge : qAsConst(sortedEdges)) {
-        chart->addSeries(edge);
+        addToSquare(chart, edge, ringAxisLength);
         connect(edge, &QSplineSeries::hovered, this, &CircularPlotWidget::highlightEdge);
     }
     addNodes();
-    setAxes();
+    setAxis();
 }
 
 void CircularPlotWidget::clearPlot()
@@ -212,7 +207,6 @@ void CircularPlotWidget::clearPlot()
         label->setVisible(false);
     edgesByIndex.clear();
     sortedEdges.clear();
-    dissolveLegend(*chart);
     chart->removeAllSeries(); // which deletes them
     nodesSeries = nullptr;
 }
@@ -256,8 +250,14 @@ void CircularPlotWidget::buildEdges()
                 addEdge(i, j);
         }
     }
-    sortedEdges = edgesByIndex.values();
-    std::sort(sortedEdges.begin(), sortedEdges.end(), edgeValueLess);
+    std::vector<RankedEdge> ranked;
+    for (int index = 0; index < edgesByIndex.size(); ++index) {
+        QSplineSeries *const edge = edgesByIndex.value(index);
+        ranked.push_back({edge->property(valueProperty).toReal(), edge});
+    }
+    std::stable_sort(ranked.begin(), ranked.end(), edgeValueLess);
+    for (const RankedEdge &next : ranked)
+        sortedEdges.append(next.edge);
 }
 
 bool CircularPlotWidget::treeConnects(int i, int j) const
@@ -304,23 +304,19 @@ void CircularPlotWidget::addNodes()
     nodesSeries->setMarkerSize(markerSize);
     for (int k = 0; k < int(nodeCount); ++k)
         nodesSeries->append(nodePositions[k]);
-    chart->addSeries(nodesSeries);
+    addToSquare(chart, nodesSeries, ringAxisLength);
 }
 
-void CircularPlotWidget::setAxes()
+void CircularPlotWidget::setAxis()
 {
-    // The default axes give all series their range and leave it behind. What is seen is one axis
-    // without categories.
-    chart->createDefaultAxes();
-    for (QAbstractAxis *axis : chart->axes())
-        axis->setRange(0.0, ringAxisLength);
-    for (QAbstractAxis *axis : chart->axes()) {
-        chart->removeAxis(axis);
-        delete axis;
+    for (QAbstractAxis *old : chart->axes()) {
+        chart->removeAxis(old);
+        delete old;
     }
-    auto *axis = new QCategoryAxis;
+    auto *axis = new QCategoryAxis; // without categories
     axis->setGridLineVisible(false);
     chart->addAxis(axis, Qt::AlignBottom);
+    chart->layout()->activate(); // or a first picture would be painted before it, and a second one
 }
 
 void CircularPlotWidget::wheelEvent(QWheelEvent *) {}

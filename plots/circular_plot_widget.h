@@ -80,7 +80,7 @@ private:
     void buildEdges();
     void addEdge(int i, int j);
     void addNodes();
-    void setAxes();
+    void setAxis();
 
     void fadeEdges();
     void restoreEdges();
@@ -91,7 +91,7 @@ private:
     QtCharts::QChart *chart;
     QtCharts::QScatterSeries *nodesSeries = nullptr; ///< null while no ring is shown
     QHash<int, QtCharts::QSplineSeries *> edgesByIndex;
-    QList<QtCharts::QSplineSeries *> sortedEdges;   ///< by value, in the order of drawing
+    QList<QtCharts::QSplineSeries *> sortedEdges; ///< NaN first, then by value; equal ones as made
     QVector<MyGraphicsSimpleTextItem *> labelItems; ///< all that exist, also hidden ones
     QGraphicsSimpleTextItem *valueItem;
     QGraphicsSimpleTextItem *titleItem = nullptr; ///< made for the first trigger
@@ -117,6 +117,3 @@ private:
     QMutex mutex; ///< held while a plot is rebuilt
     int conditionType = 0;
 };
-
-/// The order of drawing: NaN first, then by value; equal ones as they were made.
-bool edgeValueLess(const QtCharts::QSplineSeries *left, const QtCharts::QSplineSeries *right);

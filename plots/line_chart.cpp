@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/line_chart.h"
 
+#include "plots/plain_text.h"
+
 #include <QFont>
 #include <QFontMetrics>
 #include <QMainWindow>
@@ -14,14 +16,15 @@ using namespace QtCharts;
 namespace
 {
 
-/// The names with a zero-width space behind each repetition: the axis drops names that it has.
+/// The names as the axis takes them, which is as rich text, with a zero-width space behind each
+/// repetition: the axis drops names that it has.
 QStringList distinctCategories(const QStringList &names)
 {
     const QChar zeroWidthSpace(0x200b);
     QSet<QString> taken;
     QStringList categories;
     for (const QString &name : names) {
-        QString category = name.isNull() ? QLatin1String("") : name; // it drops null texts too
+        QString category = name.isNull() ? QLatin1String("") : asRichText(name); // nor null texts
         while (taken.contains(category))
             category += zeroWidthSpace;
         taken.insert(category);

@@ -4,6 +4,7 @@
 MyLabel::MyLabel(QWidget *parent) : QLabel(parent)
 {
     setAttribute(Qt::WA_Hover);
+    setTextFormat(Qt::PlainText);
 }
 
 MyLabel::~MyLabel() = default;

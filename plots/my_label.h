@@ -3,7 +3,8 @@
 
 #include <QLabel>
 
-/// A label that can be clicked and that reports hovering, with a pointing hand as cursor.
+/// A label that can be clicked and that reports hovering, with a pointing hand as cursor. Its text
+/// is shown as it is written.
 class MyLabel : public QLabel
 {
     Q_OBJECT

@@ -10,7 +10,9 @@
 #include "plots/vertical_header_view.h"
 #include "ui_view_matrix.h"
 
+#include <QAbstractItemDelegate>
 #include <QGraphicsScene>
+#include <QPainter>
 #include <QTableWidgetItem>
 #include <QTransform>
 
@@ -38,6 +40,23 @@ QString fillStyle(const QColor &color)
         .arg(color.green())
         .arg(color.blue());
 }
+
+/// A cell is its colour, whatever has the focus and wherever the mouse is.
+class CellDelegate : public QAbstractItemDelegate
+{
+public:
+    using QAbstractItemDelegate::QAbstractItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override
+    {
+        painter->fillRect(option.rect, index.data(Qt::BackgroundRole).value<QBrush>());
+    }
+    QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override
+    {
+        return {cellLength, cellLength};
+    }
+};
 
 /// The labels of n rows or columns.
 QStringList namesOf(const QStringList &labels, Eigen::Index n)
@@ -88,6 +107,7 @@ ViewMatrix::ViewMatrix(QWidget *parent)
     ui->groupBox_Visualization->hide();
     connect(ui->tableMatrix, &QTableWidget::cellEntered, this, &ViewMatrix::pickValue);
     connect(ui->tableMatrix, &ViewMatrixTable::mouseLeave, this, &ViewMatrix::clearPickValue);
+    ui->tableMatrix->setItemDelegate(new CellDelegate(ui->tableMatrix));
     ui->tableMatrix->setHorizontalHeader(new VerticalHeaderView(ui->tableMatrix));
     clearTable();
     updateGeometry();

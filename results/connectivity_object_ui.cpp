@@ -5,6 +5,7 @@
 
 #include "dataset/verbose_log.h"
 #include "engine/connectivity_object.h"
+#include "plots/plain_text.h"
 #include "plots/plot_source.h"
 #include "results/nodes_table.h"
 #include "ui_connectivity_object_ui.h"
@@ -18,7 +19,7 @@ namespace
 void showPath(QLabel *label, const QString &path)
 {
     label->setText(path);
-    label->setToolTip(path);
+    label->setToolTip(asToolTip(path));
 }
 
 } // namespace

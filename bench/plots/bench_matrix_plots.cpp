@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Time from a press on "Visualize" to the first complete picture of the ring and of the matrix
-// browser, and from the choice of another slice to its picture.
+// browser, from the choice of another slice to its picture, and from a step of the ring's display
+// range to the picture of the edges that are left.
 
 #include "bench/first_paint.h"
 #include "engine/connectivity_object.h"
@@ -126,6 +127,20 @@ void changeSliceOfRing(benchmark::State &state)
     }
 }
 
+/// Every step hides or shows a twentieth of the edges.
+void moveDisplayRange(benchmark::State &state)
+{
+    Result result(int(state.range(0)));
+    const auto window = openRing(result);
+    int low = 500;
+    for (auto _ : state) {
+        FirstPaint paint(window->plotWidget()->viewport());
+        low = 1050 - low;
+        window->displayRangeChanged(low, 1000);
+        paint.wait();
+    }
+}
+
 void changeSliceOfBrowser(benchmark::State &state)
 {
     Result result(int(state.range(0)));
@@ -143,6 +158,12 @@ void changeSliceOfBrowser(benchmark::State &state)
 
 BENCHMARK(showRing)->ArgName("nodes")->Arg(10)->Arg(50)->Arg(116)->Unit(benchmark::kMillisecond);
 BENCHMARK(changeSliceOfRing)
+    ->ArgName("nodes")
+    ->Arg(10)
+    ->Arg(50)
+    ->Arg(116)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(moveDisplayRange)
     ->ArgName("nodes")
     ->Arg(10)
     ->Arg(50)

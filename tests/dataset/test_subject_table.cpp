@@ -3,6 +3,7 @@
 // The table of subjects: rows, their cells, the choice of files, readiness and removal.
 #include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
+#include "tests/support/as_read.h"
 #include "tests/support/dataset_fixture.h"
 #include "tests/support/other_user.h"
 
@@ -132,6 +133,26 @@ TEST_F(Table, VmrBoxListsTheDocuments)
         EXPECT_EQ(box->itemText(item), name);
         EXPECT_EQ(box->itemData(item, Qt::ToolTipRole), name);
     }
+}
+
+TEST_F(Table, ToolTipsShowFileNamesAsTheyAreWritten)
+{
+    host.addVmr("/data/<b>left & right.vmr");
+    addRow();
+    const int document = vmrBox(0)->findText("<b>left & right.vmr");
+    ASSERT_GT(document, 0);
+    EXPECT_EQ(asRead(vmrBox(0)->itemData(document, Qt::ToolTipRole).toString()),
+              "<b>left & right.vmr");
+
+    const QString vtc = addLinkedVtc("<b>run.vtc");
+    chooseFile(0, VtcColumn, vtc);
+    EXPECT_EQ(asRead(fileButton(0, VtcColumn)->toolTip()), "<b>run.vtc");
+    EXPECT_EQ(asRead(fileButton(0, PrtColumn)->toolTip()), vtc + ".prt");
+    useProtocol();
+    chooseFile(0, PrtColumn, addProtocol("<i>task.prt", protocol()));
+    EXPECT_EQ(asRead(fileButton(0, PrtColumn)->toolTip()), "<i>task.prt");
+    chooseFile(0, VoiColumn, addVois("&lt;set.voi"));
+    EXPECT_EQ(asRead(fileButton(0, VoiColumn)->toolTip()), "&lt;set.voi");
 }
 
 TEST_F(Table, VmrBoxOfAnEmptyWorkspaceHasNoDocument)

@@ -8,13 +8,33 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QGraphicsScene>
+#include <QGraphicsTextItem>
 #include <QGridLayout>
 #include <QTest>
+#include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QChart>
 #include <QtCharts/QChartView>
 #include <QtCharts/QLineSeries>
 
 #include <gtest/gtest.h>
+
+/// The names on the X axis of a shown chart as they are read on it, without the invisible
+/// characters that tell them apart.
+inline QStringList shownNames(const QtCharts::QChart &chart)
+{
+    const auto *const axis =
+        qobject_cast<QtCharts::QBarCategoryAxis *>(chart.axes(Qt::Horizontal).value(0));
+    QStringList shown;
+    for (const QGraphicsItem *item : chart.scene()->items(Qt::AscendingOrder)) {
+        const auto *const text = dynamic_cast<const QGraphicsTextItem *>(item);
+        // Labels are turned as the axis says; its title is not.
+        if (text && axis && text->isVisible() && text->rotation() == axis->labelsAngle() &&
+            !text->toPlainText().isEmpty())
+            shown += text->toPlainText().remove(QChar(0x200b));
+    }
+    return shown;
+}
 
 /// A line plot and the way to its parts.
 class LinePlotTest : public testing::Test

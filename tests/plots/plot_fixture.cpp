@@ -125,3 +125,21 @@ QGraphicsSimpleTextItem *titleItemOf(const CircularPlotWidget &ring)
 {
     return childrenOfChart<QGraphicsSimpleTextItem>(ring).value(1);
 }
+
+QObject *dataSetOf(const QChart &chart)
+{
+    for (QObject *part : chart.children()) {
+        if (part->inherits("QtCharts::ChartDataSet"))
+            return part;
+    }
+    return nullptr;
+}
+
+int receiversOf(const QObject &object, const char *signal)
+{
+    struct Inside : QObject {
+        using Count = int (QObject::*)(const char *) const;
+        static Count count() { return &Inside::receivers; }
+    };
+    return (object.*Inside::count())(signal);
+}

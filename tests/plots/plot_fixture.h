@@ -76,3 +76,8 @@ QVector<MyGraphicsSimpleTextItem *> visibleLabelsOf(const CircularPlotWidget &ri
 QGraphicsSimpleTextItem *valueItemOf(const CircularPlotWidget &ring);
 /// Null before the first trigger.
 QGraphicsSimpleTextItem *titleItemOf(const CircularPlotWidget &ring);
+
+/// The part of a chart that tells the others of series and axes that come and go.
+QObject *dataSetOf(const QtCharts::QChart &chart);
+/// How many slots are connected to a signal of an object, which it tells nobody but its own class.
+int receiversOf(const QObject &object, const char *signal);

@@ -417,6 +417,22 @@ TEST_F(LinePlotTest, labels_that_repeat_or_are_empty_keep_their_place)
     EXPECT_TRUE(allPointsAreInThePlotArea());
 }
 
+TEST_F(LinePlotTest, names_are_shown_as_they_are_written)
+{
+    const QStringList nodes = {"<b>left</b>", "a < b & c", "&lt;", "plain"};
+    window.addSeries(wave(4), QStringLiteral("<b>go</b>"), 0);
+    window.addSeries(wave(4), QStringLiteral("<i>cue</i>"), 1);
+    window.finishPlot(nodes, true);
+    show();
+    EXPECT_EQ(shownNames(*chart()), nodes);
+    for (int row = 0; row < 2; ++row)
+        EXPECT_EQ(nameLabel(row)->textFormat(), Qt::PlainText);
+    EXPECT_EQ(nameLabel(0)->text(), "<b>go</b>");
+    EXPECT_EQ(nameLabel(1)->text(), "Trigger: <i>cue</i>");
+    EXPECT_GT(nameLabel(0)->sizeHint().width(),
+              nameLabel(0)->fontMetrics().horizontalAdvance(QStringLiteral("<b>go")));
+}
+
 TEST_F(LinePlotTest, a_constant_line_is_seen)
 {
     window.addSeries(std::vector<float>(4, 0.25f), QString(), 0);

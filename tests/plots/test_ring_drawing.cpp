@@ -6,17 +6,22 @@
 #include <QGraphicsLayout>
 #include <QGraphicsScene>
 #include <QMetaType>
+#include <QPaintEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVector2D>
 #include <QtCharts/QAbstractAxis>
 #include <QtCharts/QCategoryAxis>
 #include <QtCharts/QLegend>
+#include <QtCharts/QLegendMarker>
 
 #include <nodalis/nodalis.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
+#include <tuple>
 
 using namespace QtCharts;
 
@@ -200,6 +205,157 @@ TEST_P(RingOfRealMatrix, is_drawn_by_the_formulas)
 INSTANTIATE_TEST_SUITE_P(Sizes, RingOfRealMatrix, testing::Values(1, 2, 3, 10, 116),
                          testing::PrintToStringParamName());
 
+/// Whole weights of a graph with its spanning tree, the same each time.
+struct Slice {
+    explicit Slice(int n, unsigned seed)
+    {
+        std::mt19937 random(seed);
+        std::uniform_real_distribution<float> weight(-0.2f, 1.0f);
+        matrix = Eigen::MatrixXf::Zero(n, n);
+        for (int i = 0; i < n; ++i) {
+            for (int j = i + 1; j < n; ++j)
+                matrix(i, j) = matrix(j, i) = weight(random);
+        }
+        tree = std::get<1>(nodalis::mst::minimum_spanning_tree(matrix, false, true));
+    }
+
+    Eigen::MatrixXf matrix;
+    Eigen::MatrixXi tree;
+};
+
+/// A ring of the chart's own means alone: default axes that give all series their range and go.
+/// Names are taken over from the ring under test, edges where `isShown` says so.
+class PlainRing : public QGraphicsView
+{
+public:
+    PlainRing(const CircularPlotWidget &ring, const Slice &slice)
+        : QGraphicsView(new QGraphicsScene)
+    {
+        scene()->setParent(this);
+        setRenderHint(QPainter::Antialiasing, true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        chart->legend()->hide();
+        chart->layout()->setContentsMargins(0, 0, 0, 0);
+        chart->setMargins(QMargins());
+        chart->setBackgroundRoundness(0);
+        scene()->addItem(chart);
+        chart->layout()->setPreferredSize(660, 660);
+        chart->resize(660, 660);
+        copyNames(ring);
+        addEdges(slice);
+        addNodes(int(slice.matrix.rows()));
+        leaveTheRangeOfDefaultAxes();
+    }
+
+    void showEdges(double above, double below)
+    {
+        for (QAbstractSeries *series : chart->series()) {
+            const QVariant value = series->property("value");
+            series->setVisible(!value.isValid() ||
+                               (value.toDouble() > above && value.toDouble() < below));
+        }
+    }
+
+private:
+    void copyNames(const CircularPlotWidget &ring)
+    {
+        for (const MyGraphicsSimpleTextItem *label : visibleLabelsOf(ring)) {
+            auto *const name = new QGraphicsTextItem(label->toPlainText(), chart);
+            name->setDefaultTextColor(Qt::black);
+            name->setFont(QFont(QStringLiteral("Arial"), 10));
+            name->setRotation(label->rotation());
+            name->setPos(label->pos());
+        }
+    }
+
+    void addEdges(const Slice &slice)
+    {
+        const int n = int(slice.matrix.rows());
+        const QVector<QPointF> nodes = expectedNodes(n);
+        QVector<QLineSeries *> edges;
+        for (int i = 0; i < n; ++i) {
+            for (int j = i + 1; j < n; ++j) {
+                const auto value = double(slice.matrix(i, j));
+                QPen pen(slice.tree(i, j) != 0 ? QColor(Qt::red) : plainColor);
+                if (value > -0.2) // 5 times that has no whole part
+                    pen.setWidth(int(5.0 * value));
+                auto *const edge = new QSplineSeries;
+                edge->setPen(pen);
+                edge->setProperty("value", value);
+                edge->append({nodes[j], expectedMiddle(nodes[j], nodes[i]), nodes[i]});
+                edges.append(edge);
+            }
+        }
+        std::stable_sort(
+            edges.begin(), edges.end(), [](const QLineSeries *left, const QLineSeries *right) {
+                return left->property("value").toDouble() < right->property("value").toDouble();
+            });
+        for (QLineSeries *edge : edges)
+            chart->addSeries(edge);
+    }
+
+    void addNodes(int n)
+    {
+        auto *const nodes = new QScatterSeries;
+        nodes->setColor(Qt::black);
+        nodes->setBorderColor(Qt::white);
+        nodes->setMarkerSize(10);
+        nodes->append(expectedNodes(n).toList());
+        chart->addSeries(nodes);
+    }
+
+    void leaveTheRangeOfDefaultAxes()
+    {
+        chart->createDefaultAxes();
+        for (QAbstractAxis *axis : chart->axes())
+            axis->setRange(0, 640);
+        for (QAbstractAxis *axis : chart->axes()) {
+            chart->removeAxis(axis);
+            delete axis;
+        }
+        auto *const axis = new QCategoryAxis;
+        axis->setGridLineVisible(false);
+        chart->addAxis(axis, Qt::AlignBottom);
+    }
+
+    QChart *const chart = new QChart;
+};
+
+QImage pictureOf(QWidget &widget)
+{
+    widget.resize(700, 720);
+    widget.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&widget));
+    QCoreApplication::sendPostedEvents();
+    return widget.grab().toImage();
+}
+
+class RingPixels : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(RingPixels, is_to_the_pixel_that_of_a_plain_chart)
+{
+    const Slice first(GetParam(), 1);
+    const Slice second(GetParam(), 2);
+    CircularPlotWidget ring;
+    ring.setLabels(nodeNames(GetParam()));
+    // Shown first: names that a resize leaves behind would be seen beside the new ones.
+    pictureOf(ring);
+    for (const Slice &slice : {first, second}) {
+        ring.plotSlice(slice.matrix, 0, description(elements(slice.tree)));
+        PlainRing plain(ring, slice);
+        EXPECT_TRUE(pictureOf(ring) == pictureOf(plain));
+        ring.setDisplayRange(0.3, 0.8);
+        plain.showEdges(0.3, 0.8);
+        EXPECT_TRUE(pictureOf(ring) == pictureOf(plain)) << "with a display range";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, RingPixels, testing::Values(1, 10, 30, 60),
+                         testing::PrintToStringParamName());
+
 class Ring : public testing::Test
 {
 protected:
@@ -228,6 +384,8 @@ TEST_F(Ring, is_set_up_before_the_first_plot)
     EXPECT_EQ(ring.verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     EXPECT_TRUE(ring.testAttribute(Qt::WA_MouseTracking));
     EXPECT_TRUE(ring.viewport()->hasMouseTracking());
+
+    EXPECT_EQ(ring.scene()->itemIndexMethod(), QGraphicsScene::NoIndex);
 
     QChart *const chart = chartOf(ring);
     ASSERT_NE(chart, nullptr);
@@ -287,6 +445,57 @@ TEST_F(Ring, has_one_axis_without_categories_and_grid)
         for (QAbstractSeries *series : chartOf(ring)->series())
             EXPECT_TRUE(series->attachedAxes().isEmpty());
     }
+}
+
+TEST_F(Ring, tells_of_its_edges_to_nothing_but_what_draws_them)
+{
+    const QObject *const dataSet = dataSetOf(*chartOf(ring));
+    ASSERT_NE(dataSet, nullptr);
+    for (int slice = 0; slice < 2; ++slice) {
+        plot(Eigen::MatrixXf::Constant(10, 10, 0.5f));
+        EXPECT_EQ(receiversOf(*dataSet, SIGNAL(seriesAdded(QAbstractSeries *))), 1);
+        EXPECT_EQ(receiversOf(*dataSet, SIGNAL(seriesRemoved(QAbstractSeries *))), 1);
+        EXPECT_TRUE(chartOf(ring)->legend()->markers().isEmpty());
+    }
+}
+
+TEST_F(Ring, makes_no_axis_but_the_one_that_is_seen)
+{
+    struct MadeAxes : QObject {
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::ChildAdded)
+                children += static_cast<QChildEvent *>(event)->child();
+            return false;
+        }
+        QVector<QObject *> children;
+    } made;
+    dataSetOf(*chartOf(ring))->installEventFilter(&made);
+    plot(Eigen::MatrixXf::Constant(10, 10, 0.5f));
+    // The edges, the nodes and the axis.
+    EXPECT_EQ(made.children.size(), 45 + 1 + 1);
+}
+
+TEST_F(Ring, is_painted_once_for_a_slice)
+{
+    struct Paints : QObject {
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint)
+                regions += static_cast<QPaintEvent *>(event)->region();
+            return false;
+        }
+        QVector<QRegion> regions;
+    } paints;
+    pictureOf(ring);
+    plot(Eigen::MatrixXf::Constant(10, 10, 0.5f));
+    pictureOf(ring);
+    ring.viewport()->installEventFilter(&paints);
+    plot(Eigen::MatrixXf::Constant(10, 10, 0.25f));
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(paints.regions.size(), 1);
 }
 
 TEST_F(Ring, shows_each_name_beside_its_own_node)

@@ -4,6 +4,7 @@
 #include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
 #include "tests/plots/form_check.h"
+#include "tests/plots/line_plot_fixture.h"
 #include "tests/support/qt_printers.h"
 
 #include <QApplication>
@@ -105,6 +106,17 @@ TEST_F(TimeseriesLinePlotTest, has_each_part_of_its_form_in_its_place)
     EXPECT_TRUE(area->widgetResizable());
     EXPECT_EQ(area->widget()->objectName(), "scrollAreaWidgetContents");
     EXPECT_EQ(area->widget()->layout()->objectName(), "horizontalLayout_2");
+}
+
+TEST_F(TimeseriesLinePlotTest, shows_names_as_they_are_written)
+{
+    const QStringList conditions = {"<b>go</b>", "a < b & c", "&lt;", "<b>go</b>"};
+    window.setSeries({1, 2, 3, 4}, QString());
+    window.finishPlot(conditions);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(shownNames(*chart()), conditions);
+    expectPointsInPlotArea();
 }
 
 TEST_F(TimeseriesLinePlotTest, has_controls_that_do_nothing)

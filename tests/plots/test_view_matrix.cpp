@@ -567,6 +567,37 @@ TEST(BrowserTable, shows_squares_of_15_by_15_pixels)
     }
 }
 
+TEST(BrowserTable, shows_its_cells_the_same_wherever_the_mouse_and_the_focus_are)
+{
+    Result result({gradient(3, 4)});
+    Browser browser(result);
+    browser.show();
+    browser.window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&browser.window));
+    browser.find<QScrollArea>("scrollArea")->setFocus();
+    QWidget *const cells = browser.table()->viewport();
+    const QImage before = cells->grab().toImage();
+
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 4; ++column) {
+            const QPoint cell =
+                browser.table()->visualItemRect(browser.table()->item(row, column)).center();
+            QTest::mousePress(browser.window.windowHandle(), Qt::LeftButton, {},
+                              cells->mapTo(&browser.window, cell));
+            ASSERT_TRUE(browser.table()->hasFocus());
+            ASSERT_EQ(browser.table()->currentRow(), row);
+            ASSERT_EQ(browser.table()->currentColumn(), column);
+            EXPECT_TRUE(cells->grab().toImage() == before) << "pressed " << row << ", " << column;
+            QTest::mouseRelease(browser.window.windowHandle(), Qt::LeftButton, {},
+                                cells->mapTo(&browser.window, cell));
+            EXPECT_TRUE(cells->grab().toImage() == before) << "clicked " << row << ", " << column;
+        }
+    }
+    QTest::keyClick(browser.table(), Qt::Key_Up);
+    ASSERT_EQ(browser.table()->currentRow(), 1);
+    EXPECT_TRUE(cells->grab().toImage() == before) << "with the keyboard";
+}
+
 TEST(BrowserTable, numbers_what_has_no_name)
 {
     Result result({gradient(4, 4)});
@@ -1062,6 +1093,21 @@ TEST(Conditions, with_placeholders_in_their_names_stay_as_they_are)
     Browser browser(result);
     EXPECT_EQ(qobject_cast<QLabel *>(browser.condition(0, 1))->text(),
               QStringLiteral("Trigger: 50 %1 %2"));
+}
+
+TEST(Conditions, with_markup_in_their_names_are_shown_as_they_are_written)
+{
+    const Eigen::MatrixXf matrix = gradient(2, 2);
+    Result result({matrix, matrix}, {{1, "<b>go</b>", 0}, {11, "<i>cue</i>", 1}});
+    Browser browser(result);
+    browser.show();
+    const QStringList expected = {"<b>go</b>", "Trigger: <i>cue</i>"};
+    for (int row = 0; row < 2; ++row) {
+        const auto *const label = qobject_cast<QLabel *>(browser.condition(row, 1));
+        ASSERT_NE(label, nullptr);
+        EXPECT_EQ(label->text(), expected[row]);
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+    }
 }
 
 TEST(Conditions, are_browsed_by_their_labels_alone)
