@@ -112,6 +112,15 @@ void chooseFiles(Subject &subject, const ComputeRequest &request, const Workspac
     }
 }
 
+/// By the host's own path: the record's text may be cut or lack characters.
+QString protocolInUse(const Subject &subject, const ComputeRequest &request,
+                      const Workspace &workspace)
+{
+    if (!request.prt.isEmpty())
+        return request.prt;
+    return subject.hasProtocol() ? workspace.linkedVtc()->file.info().linkedProtocol : QString();
+}
+
 void chooseNodes(Subject &subject, const ComputeRequest &request)
 {
     const int count = subject.voiCount(true);
@@ -220,7 +229,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     result.slices = computeSlices(subject, result.timeseries);
     result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
     result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
-    result.protocolFile = subject.prtFile;
+    result.protocolFile = protocolInUse(subject, request, workspace);
     result.warnings = log.said() + withoutMeaning;
     return result;
 }

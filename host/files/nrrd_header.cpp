@@ -10,6 +10,10 @@ namespace corvane
 namespace
 {
 
+constexpr auto subjectKey = "subject";
+/// NRRD has a field "space" of its own.
+constexpr auto spaceKey = "space name";
+
 QString lineNumber(int number)
 {
     return QStringLiteral("line %1").arg(number);
@@ -166,6 +170,36 @@ void NrrdHeader::require(const QString &name, const QString &required) const
         fail(name, quoted(required));
 }
 
+int NrrdHeader::version(const QString &name, const QStringList &secondKeys) const
+{
+    const QString number = text(name);
+    if (number != QLatin1String("1") && number != QLatin1String("2"))
+        fail(name, QStringLiteral("\"1\" or \"2\""));
+    if (number == QLatin1String("1"))
+        for (const QString &key : secondKeys)
+            if (has(key))
+                fail(key, QStringLiteral("a file of version 2 for that key"));
+    return number.toInt();
+}
+
+Provenance NrrdHeader::provenance() const
+{
+    const auto label = [this](const char *key) {
+        const QString name = QString::fromLatin1(key);
+        if (!has(name))
+            return QString();
+        if (text(name).isEmpty())
+            fail(name, QStringLiteral("a text, or no such line"));
+        return text(name);
+    };
+    return {label(subjectKey), label(spaceKey)};
+}
+
+void NrrdHeader::fail(const BrokenRule &broken) const
+{
+    fail(QString::fromLatin1(broken.field), broken.found, broken.expected);
+}
+
 void NrrdHeader::fail(const QString &name, const QString &expected) const
 {
     fail(name, quoted(text(name)), expected);
@@ -181,6 +215,20 @@ void NrrdHeader::fail(const QString &name, const QString &found, const QString &
                      found, expected);
 }
 
+QStringList provenanceKeys()
+{
+    return {QString::fromLatin1(subjectKey), QString::fromLatin1(spaceKey)};
+}
+
+std::optional<BrokenRule> brokenRule(const Provenance &provenance)
+{
+    if (const auto fault = provenanceFault(provenance.subject))
+        return BrokenRule{subjectKey, *fault, provenanceRule()};
+    if (const auto fault = provenanceFault(provenance.space))
+        return BrokenRule{spaceKey, *fault, provenanceRule()};
+    return std::nullopt;
+}
+
 NrrdWriter &NrrdWriter::field(const char *name, const QByteArray &text)
 {
     m_lines += QByteArray(name) + ": " + text + '\n';
@@ -190,6 +238,15 @@ NrrdWriter &NrrdWriter::field(const char *name, const QByteArray &text)
 NrrdWriter &NrrdWriter::key(const char *name, const QString &text)
 {
     m_lines += QByteArray(name) + ":=" + escapedValue(text).toUtf8() + '\n';
+    return *this;
+}
+
+NrrdWriter &NrrdWriter::keys(const Provenance &provenance)
+{
+    if (!provenance.subject.isEmpty())
+        key(subjectKey, provenance.subject);
+    if (!provenance.space.isEmpty())
+        key(spaceKey, provenance.space);
     return *this;
 }
 

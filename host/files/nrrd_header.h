@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/files/input_error.h"
+#include "host/files/provenance.h"
 
 #include <QHash>
 #include <QStringList>
@@ -14,6 +15,13 @@
 
 namespace corvane
 {
+
+/// A field or key whose value breaks a rule of its format.
+struct BrokenRule {
+    const char *field;
+    QString found;
+    QString expected;
+};
 
 class NrrdHeader
 {
@@ -48,10 +56,18 @@ public:
     /// Requires this very text, blanks simplified.
     void require(const QString &name, const QString &text) const;
 
+    /// The version of the file's format, a key of this name: 1, which has none of `secondKeys`, or
+    /// 2.
+    int version(const QString &name, const QStringList &secondKeys) const;
+
+    /// Subject and space, keys of the second version that may be missing.
+    Provenance provenance() const;
+
     /// Throws the error for a field whose text is not what it should be.
     [[noreturn]] void fail(const QString &name, const QString &expected) const;
     [[noreturn]] void fail(const QString &name, const QString &found,
                            const QString &expected) const;
+    [[noreturn]] void fail(const BrokenRule &broken) const;
 
 private:
     struct Entry {
@@ -67,12 +83,21 @@ private:
     qint64 m_length = 0;
 };
 
+/// The names of the keys for subject and space.
+QStringList provenanceKeys();
+
+/// The first rule that subject and space break.
+std::optional<BrokenRule> brokenRule(const Provenance &provenance);
+
 /// A header under construction; lines come out in the order of the calls.
 class NrrdWriter
 {
 public:
     NrrdWriter &field(const char *name, const QByteArray &text);
     NrrdWriter &key(const char *name, const QString &text);
+
+    /// Subject and space, those that are known.
+    NrrdWriter &keys(const Provenance &provenance);
 
     /// The header with its empty line, filled with a comment line to a multiple of 64 bytes, so
     /// that samples in a mapped file are aligned.

@@ -17,9 +17,12 @@ namespace corvane
 namespace
 {
 
-constexpr auto magic = "# Corvane protocol, version 1";
+constexpr auto firstMagic = "# Corvane protocol, version 1";
+constexpr auto magic = "# Corvane protocol, version 2";
 constexpr auto namePrefix = "# name:";
 constexpr auto timeUnitPrefix = "# time unit:";
+constexpr auto subjectPrefix = "# subject:";
+constexpr auto spacePrefix = "# space name:";
 constexpr auto columns = "condition\tfrom\tto";
 constexpr auto lastLine = "# end";
 
@@ -109,6 +112,26 @@ void checkName(const LineReader &lines, const QString &name)
         lines.fail(quoted(name), QStringLiteral("a name without control characters"));
 }
 
+/// A subject or a space.
+QString readLabel(LineReader &lines, const char *prefix)
+{
+    const QString label = valueBehind(lines, prefix);
+    if (const auto fault = provenanceFault(label))
+        lines.fail(*fault, provenanceRule());
+    return label;
+}
+
+/// The first line.
+int readVersion(LineReader &lines)
+{
+    const QString expected =
+        QStringLiteral("%1 or %2").arg(quoted(text(magic)), quoted(text(firstMagic)));
+    const QString line = lines.next(expected);
+    if (line != text(magic) && line != text(firstMagic))
+        lines.fail(quoted(line), expected);
+    return line == text(magic) ? 2 : 1;
+}
+
 /// Rows "condition, from, to" up to the last line. A row without numbers begins a condition; the
 /// others belong to the last condition of their name, which the first of them begins.
 std::vector<PrtCondition> readConditions(LineReader &lines)
@@ -153,6 +176,11 @@ void checkPrt(const QString &path, const Prt &prt)
             throw InputError(path, place, *fault, QStringLiteral("a name without it"));
     };
     checkText(QStringLiteral("name"), prt.name);
+    for (const auto &[place, label] :
+         {std::pair{QStringLiteral("subject"), prt.provenance.subject},
+          std::pair{QStringLiteral("space name"), prt.provenance.space}})
+        if (const auto fault = provenanceFault(label))
+            throw InputError(path, place, *fault, provenanceRule());
     if (prt.timeUnit < 0)
         throw InputError(path, QStringLiteral("time unit"), QString::number(prt.timeUnit),
                          QStringLiteral("0 or more"));
@@ -182,12 +210,16 @@ Prt readPrtFile(const QString &path)
         throw InputError(path, QStringLiteral("line 1"), QStringLiteral("an empty file"),
                          quoted(text(magic)));
     LineReader lines(path, file.all(largestText));
-    requireLine(lines, magic);
+    const bool isSecond = readVersion(lines) == 2;
     Prt prt;
     prt.name = valueBehind(lines, namePrefix);
     checkName(lines, prt.name);
     prt.timeUnit = boundedNumber(lines, valueBehind(lines, timeUnitPrefix),
                                  QStringLiteral("the time unit"), 0);
+    if (isSecond) {
+        prt.provenance.subject = readLabel(lines, subjectPrefix);
+        prt.provenance.space = readLabel(lines, spacePrefix);
+    }
     requireLine(lines, columns);
     prt.conditions = readConditions(lines);
     lines.requireEnd();
@@ -198,8 +230,9 @@ void writePrtFile(const QString &path, const Prt &prt)
 {
     checkPrt(path, prt);
     QByteArray bytes = QByteArray(magic) + '\n' + namePrefix + ' ' + prt.name.toUtf8() + '\n' +
-                       timeUnitPrefix + ' ' + QByteArray::number(prt.timeUnit) + '\n' + columns +
-                       '\n';
+                       timeUnitPrefix + ' ' + QByteArray::number(prt.timeUnit) + '\n' +
+                       subjectPrefix + ' ' + prt.provenance.subject.toUtf8() + '\n' + spacePrefix +
+                       ' ' + prt.provenance.space.toUtf8() + '\n' + columns + '\n';
     QStringList written;
     for (const PrtCondition &condition : prt.conditions) {
         const QByteArray name = condition.name.toUtf8() + '\t';

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/provenance.h"
+
 #include <QString>
 #include <utility>
 #include <vector>
@@ -19,7 +21,8 @@ struct PrtCondition {
 };
 
 struct Prt {
-    QString name;     ///< without control characters, may be empty
+    QString name; ///< without control characters, may be empty
+    Provenance provenance;
     int timeUnit = 1; ///< 1: volumes; any other value from 0 is handed to plugins as it stands
     std::vector<PrtCondition> conditions;
 };

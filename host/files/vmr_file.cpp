@@ -105,11 +105,12 @@ Vmr readVmr(const QString &path)
         QStringLiteral("space"),        QStringLiteral("space directions"),
         QStringLiteral("space origin"), QStringLiteral("endian"),
         QStringLiteral("encoding"),     QStringLiteral("content")};
-    static const QStringList keys{QStringLiteral("vmr version")};
+    static const QString versionKey = QStringLiteral("vmr version");
 
     const auto file = std::make_shared<InputFile>(path);
-    const NrrdHeader header(path, file->head(NrrdHeader::longest), fields, keys);
-    header.require(QStringLiteral("vmr version"), QStringLiteral("1"));
+    const NrrdHeader header(path, file->head(NrrdHeader::longest), fields,
+                            QStringList{versionKey} + provenanceKeys());
+    header.version(versionKey, provenanceKeys());
     header.require(QStringLiteral("dimension"), QStringLiteral("3"));
     header.require(QStringLiteral("sizes"), name(sizes));
     header.require(QStringLiteral("endian"), QStringLiteral("little"));
@@ -118,6 +119,9 @@ Vmr readVmr(const QString &path)
     Vmr vmr;
     vmr.type = sampleType(header);
     vmr.space = readGeometry(header);
+    vmr.provenance = header.provenance();
+    if (const auto broken = brokenRule(vmr.provenance))
+        header.fail(*broken);
     const qint64 found = file->size() - header.length();
     if (found != vmr.byteCount())
         throw InputError(path, QStringLiteral("data"), QStringLiteral("%1 bytes").arg(found),
@@ -135,6 +139,8 @@ void writeVmr(const QString &path, const Vmr &vmr)
 {
     if (vmr.space)
         checkSpace(path, *vmr.space);
+    if (const auto broken = brokenRule(vmr.provenance))
+        throw InputError(path, name(broken->field), broken->found, broken->expected);
     NrrdWriter header;
     header.field("type", vmr.type == Vmr::UChar ? "uchar" : "ushort").field("dimension", "3");
     if (vmr.space) {
@@ -149,7 +155,8 @@ void writeVmr(const QString &path, const Vmr &vmr)
     }
     header.field("endian", "little")
         .field("encoding", "raw")
-        .key("vmr version", QStringLiteral("1"));
+        .key("vmr version", QStringLiteral("2"))
+        .keys(vmr.provenance);
 
     OutputFile file(path);
     file.write(header.finished());

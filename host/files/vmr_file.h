@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/provenance.h"
+
 #include <QString>
 #include <array>
 #include <memory>
@@ -28,6 +30,7 @@ struct Vmr {
     enum SampleType { UChar, UShort };
 
     SampleType type = UChar;
+    Provenance provenance;
     std::optional<VmrSpace> space; ///< unset: nothing is known of it
     /// voxelCount samples of `type`, the first axis fastest: voxel (i, j, k) is at
     /// i + 256 * (j + 256 * k). Shared with whatever owns the memory, a mapped file or a buffer.

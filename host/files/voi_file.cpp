@@ -24,7 +24,8 @@ namespace
 {
 
 const QString formatName = QStringLiteral("Corvane VOI");
-constexpr int formatVersion = 1;
+const QString subjectKey = QStringLiteral("subject");
+const QString spaceKey = QStringLiteral("spaceName");
 constexpr int firstConvertedSpace = 3;
 
 constexpr WholeRange colourRange{0, 255};
@@ -129,18 +130,23 @@ public:
     {
         const QString top = QStringLiteral("top level");
         const QJsonObject object = parsed();
-        requireKeys(object, top,
-                    {QStringLiteral("format"), QStringLiteral("version"),
-                     QStringLiteral("referenceSpace"), QStringLiteral("resolution"),
-                     QStringLiteral("vois")});
         const QJsonValue format = object[QStringLiteral("format")];
         if (format != QJsonValue(formatName))
             fail(QStringLiteral("format"), format, quoted(formatName));
         const QJsonValue version = object[QStringLiteral("version")];
-        if (version != QJsonValue(formatVersion))
-            fail(QStringLiteral("version"), version, QString::number(formatVersion));
+        if (version != QJsonValue(1) && version != QJsonValue(2))
+            fail(QStringLiteral("version"), version, QStringLiteral("1 or 2"));
+        QStringList keys{QStringLiteral("format"), QStringLiteral("version"),
+                         QStringLiteral("referenceSpace"), QStringLiteral("resolution"),
+                         QStringLiteral("vois")};
+        if (version == QJsonValue(2))
+            keys += {subjectKey, spaceKey};
+        requireKeys(object, top, keys);
 
         VoiSet set;
+        if (version == QJsonValue(2))
+            set.provenance = {label(object[subjectKey], subjectKey),
+                              label(object[spaceKey], spaceKey)};
         set.referenceSpace = number(object[QStringLiteral("referenceSpace")],
                                     QStringLiteral("referenceSpace"), WholeRange{0, largestCount});
         readResolution(object[QStringLiteral("resolution")], set);
@@ -205,6 +211,13 @@ private:
         if (!range.holds(found))
             fail(place, value, range.text());
         return static_cast<int>(found);
+    }
+
+    QString label(const QJsonValue &value, const QString &place) const
+    {
+        if (!value.isString())
+            fail(place, value, QStringLiteral("a text"));
+        return value.toString();
     }
 
     QJsonArray array(const QJsonValue &value, const QString &place) const
@@ -281,6 +294,10 @@ private:
 /// The rules of the format that need no look at the text of a file.
 void checkVoiSet(const QString &path, const VoiSet &set)
 {
+    for (const auto &[place, text] :
+         {std::pair{subjectKey, set.provenance.subject}, std::pair{spaceKey, set.provenance.space}})
+        if (const auto fault = provenanceFault(text))
+            throw InputError(path, place, *fault, provenanceRule());
     if (set.referenceSpace < 0)
         throw InputError(path, QStringLiteral("referenceSpace"),
                          QString::number(set.referenceSpace), QStringLiteral("0 or more"));
@@ -363,8 +380,9 @@ void writeVoiFile(const QString &path, const VoiSet &set)
 {
     checkVoiSet(path, set);
     OutputFile file(path);
-    file.write("{\n    \"format\": " + jsonText(formatName) +
-               ",\n    \"version\": " + QByteArray::number(formatVersion) +
+    file.write("{\n    \"format\": " + jsonText(formatName) + ",\n    \"version\": 2" +
+               ",\n    \"subject\": " + jsonText(set.provenance.subject) +
+               ",\n    \"spaceName\": " + jsonText(set.provenance.space) +
                ",\n    \"referenceSpace\": " + QByteArray::number(set.referenceSpace) +
                ",\n    \"resolution\": " +
                jsonList({shortestDecimal(set.resolution[0]), shortestDecimal(set.resolution[1]),

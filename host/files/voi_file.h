@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/provenance.h"
+
 #include <QString>
 #include <array>
 #include <vector>
@@ -22,6 +24,7 @@ struct Voi {
 };
 
 struct VoiSet {
+    Provenance provenance;
     int referenceSpace = 0; ///< 0 or more; below 3 voxels are VMR coordinates as they stand
     double resolution[3] = {1, 1, 1}; ///< mm, above 0
     std::vector<Voi> vois;

@@ -26,6 +26,7 @@ namespace
 
 constexpr auto sizesField = "sizes";
 constexpr auto spacingsField = "spacings";
+constexpr auto versionKey = "vtc version";
 constexpr auto boxStartKey = "box start";
 constexpr auto protocolKey = "linked protocol";
 constexpr auto checksumKey = "samples checksum";
@@ -37,12 +38,6 @@ QString name(const char *text)
 {
     return QString::fromLatin1(text);
 }
-
-struct BrokenRule {
-    const char *field;
-    QString found;
-    QString expected;
-};
 
 std::optional<BrokenRule> brokenAxis(int start, int end, int resolution)
 {
@@ -85,7 +80,9 @@ std::optional<BrokenRule> brokenRule(const VtcInfo &info)
     if (!checksum.match(info.checksum).hasMatch())
         return BrokenRule{checksumKey, quoted(info.checksum),
                           QStringLiteral("16 lower-case hexadecimal digits")};
-    return std::nullopt;
+    if (auto broken = brokenRule(info.provenance))
+        return broken;
+    return info.cleaning ? brokenRule(*info.cleaning) : std::nullopt;
 }
 
 VtcInfo::SampleType sampleType(const NrrdHeader &header)
@@ -118,7 +115,7 @@ void readSpacings(const NrrdHeader &header, VtcInfo &info)
 
 VtcInfo readHeader(const NrrdHeader &header, const QString &path)
 {
-    header.require(QStringLiteral("vtc version"), QStringLiteral("1"));
+    header.version(name(versionKey), provenanceKeys() + cleaningKeys());
     header.require(QStringLiteral("dimension"), QStringLiteral("4"));
     header.require(QStringLiteral("kinds"), name(kinds));
     header.require(QStringLiteral("units"), name(units));
@@ -154,8 +151,10 @@ VtcInfo readHeader(const NrrdHeader &header, const QString &path)
         const QDir folder = QFileInfo(path).absoluteDir();
         info.linkedProtocol = QDir::cleanPath(folder.absoluteFilePath(stored));
     }
+    info.provenance = header.provenance();
+    info.cleaning = readCleaning(header);
     if (const auto broken = brokenRule(info))
-        header.fail(name(broken->field), broken->found, broken->expected);
+        header.fail(*broken);
     return info;
 }
 
@@ -203,12 +202,15 @@ QByteArray vtcFileHeader(const VtcInfo &info)
         .field("units", units)
         .field("endian", "little")
         .field("encoding", "raw")
-        .key("vtc version", QStringLiteral("1"))
+        .key(versionKey, QStringLiteral("2"))
         .key(boxStartKey, QString::fromLatin1(list({info.xStart, info.yStart, info.zStart})));
     if (!info.linkedProtocol.isEmpty())
         header.key(protocolKey, info.linkedProtocol);
     header.key(checksumKey,
                info.checksum.isEmpty() ? QStringLiteral("0000000000000000") : info.checksum);
+    header.keys(info.provenance);
+    if (info.cleaning)
+        addCleaning(header, *info.cleaning);
     return header.finished();
 }
 
@@ -230,8 +232,9 @@ VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const InputFile>
         QStringLiteral("type"),   QStringLiteral("dimension"), name(sizesField),
         QStringLiteral("kinds"),  name(spacingsField),         QStringLiteral("units"),
         QStringLiteral("endian"), QStringLiteral("encoding"),  QStringLiteral("content")};
-    static const QStringList keys{QStringLiteral("vtc version"), name(boxStartKey),
-                                  name(protocolKey), name(checksumKey)};
+    static const QStringList keys =
+        QStringList{name(versionKey), name(boxStartKey), name(protocolKey), name(checksumKey)} +
+        provenanceKeys() + cleaningKeys();
 
     const NrrdHeader header(path, m_file->head(NrrdHeader::longest), fields, keys);
     m_info = readHeader(header, path);

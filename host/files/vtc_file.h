@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/cleaning_ledger.h"
+#include "host/files/provenance.h"
+
 #include <QByteArray>
 #include <QString>
 #include <memory>
+#include <optional>
 
 /// @file
 /// Volume time courses: `.vtc`, functional samples on a lattice of whole VMR voxels. The file is a
@@ -33,6 +37,9 @@ struct VtcInfo {
     /// Path of the protocol of this run, empty without one. VtcFile gives it resolved against the
     /// folder of the `.vtc`; vtcFileHeader writes it as it stands (see linkedProtocolText).
     QString linkedProtocol;
+
+    Provenance provenance;
+    std::optional<CleaningLedger> cleaning; ///< unset: as it was imported
 
     /// Checksum of the samples, 16 lower-case hexadecimal digits (host/files/vtc_checksum.h).
     QString checksum;

@@ -35,18 +35,6 @@ Colour nthColour(int n)
     return {channel(0), channel(4), channel(2)};
 }
 
-/// Whether a cube coordinate belongs to a lattice point, as a load of the VOI will find it.
-bool belongsToLattice(const FunctionalGrid &grid, const Eigen::Vector3d &cubeVoxel)
-{
-    for (int axis = 0; axis < 3; ++axis) {
-        const double index =
-            std::floor((cubeVoxel[axis] - grid.start[axis]) / grid.resolution + 0.5 + borderSlack);
-        if (!(index >= 0 && index < grid.size[axis]))
-            return false;
-    }
-    return true;
-}
-
 void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCube,
                  const FunctionalGrid &grid, const QString &path, Regions &regions)
 {
@@ -70,7 +58,7 @@ void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCub
                 ++region->inAtlas;
                 const Eigen::Vector3d voxel(static_cast<double>(i), static_cast<double>(j),
                                             static_cast<double>(k));
-                if (belongsToLattice(grid, atlasToCube * voxel))
+                if (grid.recordedPoint(atlasToCube * voxel))
                     ++region->insideRun;
             }
 }
@@ -113,13 +101,15 @@ VoxelRange voxelRange(const FunctionalGrid &grid, VoiGrid voiGrid)
 }
 
 void collectVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &cubeToAtlas,
-                   const VoxelRange &range, Regions &regions)
+                   const FunctionalGrid &grid, VoiGrid voiGrid, Regions &regions)
 {
+    const VoxelRange range = voxelRange(grid, voiGrid);
     for (int k = range.first[2]; k <= range.last[2]; k += range.step)
         for (int j = range.first[1]; j <= range.last[1]; j += range.step)
             for (int i = range.first[0]; i <= range.last[0]; i += range.step) {
-                const qint32 label = labelAt(atlas, cubeToAtlas * Eigen::Vector3d(i, j, k));
-                if (label != 0)
+                const Eigen::Vector3d voxel(i, j, k);
+                const qint32 label = labelAt(atlas, cubeToAtlas * voxel);
+                if (label != 0 && grid.recordedPoint(voxel))
                     regions[label].voi.voxels.push_back({i, j, k});
             }
 }
@@ -172,7 +162,7 @@ VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
                              .arg(label);
     for (const auto &entry : table)
         regions[entry.first];
-    collectVoxels(atlas, cubeToAtlas, voxelRange(grid, voiGrid), regions);
+    collectVoxels(atlas, cubeToAtlas, grid, voiGrid, regions);
 
     VoiSet set;
     for (auto &[label, region] : regions) {

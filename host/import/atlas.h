@@ -14,18 +14,19 @@ namespace corvane
 /// functional voxel once, or every cube voxel of 1 mm.
 enum class VoiGrid { Functional, Anatomy };
 
-/// What becomes of a label: its voxels in the atlas, and those of them that lie inside the run.
+/// What becomes of a label: its voxels in the atlas, and those of them where the run has samples
+/// that were recorded.
 struct LabelCount {
     qint64 inAtlas = 0;
     qint64 insideRun = 0;
 };
 
 /// The VOIs of an atlas: one for each label but 0 that the atlas or the table holds, in ascending
-/// order. Labels are taken by nearest neighbour. A label without a name is named by its number.
-/// One without voxels stays as an empty VOI. Whatever loses voxels is said in `notes`, with its
-/// voxels in the atlas and those of them that lie inside the run. Throws InputError for an image
-/// with so many labels that it is no atlas; `path` is the atlas's. `counts`, if given, gets one
-/// entry for each VOI.
+/// order. Labels are taken by nearest neighbour. No VOI holds a place where nothing was recorded. A
+/// label without a name is named by its number. One without voxels stays as an empty VOI. Whatever
+/// loses voxels is said in `notes`, with its voxels in the atlas and those of them that lie inside
+/// the run. Throws InputError for an image with so many labels that it is no atlas; `path` is the
+/// atlas's. `counts`, if given, gets one entry for each VOI.
 VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
                    const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
                    const QString &path, QStringList &notes,

@@ -25,8 +25,23 @@ QString boundsText(const Eigen::AlignedBox3d &bounds)
 [[noreturn]] void failOutside(const QString &path, const Eigen::AlignedBox3d &covered)
 {
     throw InputError(path, QStringLiteral("position relative to the anatomy"),
-                     QStringLiteral("a run that covers voxels %1").arg(boundsText(covered)),
+                     QStringLiteral("a run that covers voxels %1, none with its centre inside")
+                         .arg(boundsText(covered)),
                      QStringLiteral("one that overlaps the anatomy's cube, voxels 0 to 255"));
+}
+
+/// Places within rounding of a border stand on its inner side.
+constexpr double borderSlack = 1e-6;
+
+/// Whether a place in a grid, in its voxels, lies within the outer faces of its voxels.
+bool isInside(const Eigen::Vector3d &voxel, const GridSize &size)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        const double half = 0.5 + borderSlack;
+        if (!(voxel[axis] >= -half && voxel[axis] <= static_cast<double>(size[axis] - 1) + half))
+            return false;
+    }
+    return true;
 }
 
 /// The lattice on one axis of the cube between two outer faces.
@@ -60,6 +75,8 @@ FunctionalGrid layFunctionalGrid(const Eigen::Affine3d &gridToCube, const GridSi
     grid.sourceSize = size;
     grid.voxelsCut = voxelsOutsideCube(gridToCube, size);
     const Eigen::AlignedBox3d covered = gridBounds(gridToCube, size, 0.5);
+    if (grid.voxelsCut == size[0] * size[1] * size[2])
+        failOutside(path, covered);
 
     if (const std::optional<LatticeMap> map = latticeMap(gridToCube, size, resolution)) {
         grid.copied = true;
@@ -69,10 +86,6 @@ FunctionalGrid layFunctionalGrid(const Eigen::Affine3d &gridToCube, const GridSi
         grid.start = grid.box.start;
         grid.size = grid.box.size;
     } else {
-        const Eigen::AlignedBox3d cube(Eigen::Vector3d::Constant(-0.5),
-                                       Eigen::Vector3d::Constant(cubeSize - 0.5));
-        if (!cube.intersects(covered))
-            failOutside(path, covered);
         for (int axis = 0; axis < 3; ++axis)
             layAxis(grid, axis, covered.min()[axis], covered.max()[axis]);
     }
@@ -81,6 +94,25 @@ FunctionalGrid layFunctionalGrid(const Eigen::Affine3d &gridToCube, const GridSi
         Eigen::Scaling(double(resolution));
     grid.toSource = gridToCube.inverse() * latticeToCube;
     return grid;
+}
+
+bool FunctionalGrid::isRecorded(int i, int j, int k) const
+{
+    return copied || isInside(toSource * Eigen::Vector3d(i, j, k), sourceSize);
+}
+
+std::optional<std::array<int, 3>>
+FunctionalGrid::recordedPoint(const Eigen::Vector3d &cubeVoxel) const
+{
+    std::array<int, 3> point{};
+    for (int axis = 0; axis < 3; ++axis) {
+        const double index =
+            std::floor((cubeVoxel[axis] - start[axis]) / resolution + 0.5 + borderSlack);
+        if (!(index >= 0 && index < size[axis]))
+            return std::nullopt;
+        point[axis] = static_cast<int>(index);
+    }
+    return isRecorded(point[0], point[1], point[2]) ? std::optional(point) : std::nullopt;
 }
 
 VolumeSampler::VolumeSampler(const FunctionalGrid &grid) : m_grid(grid)
@@ -103,19 +135,17 @@ void VolumeSampler::findPoints()
             for (int i = 0; i < m_grid.size[0]; ++i) {
                 ++target;
                 const Eigen::Vector3d voxel = m_grid.toSource * Eigen::Vector3d(i, j, k);
+                if (!isInside(voxel, size))
+                    continue;
                 Point point{target, 0, {0, 0, 0}};
-                bool inside = true;
                 for (int axis = 0; axis < 3; ++axis) {
                     const double last = static_cast<double>(size[axis] - 1);
-                    const double half = 0.5 + 1e-6;
-                    inside = inside && voxel[axis] >= -half && voxel[axis] <= last + half;
                     const double place = std::min(std::max(voxel[axis], 0.0), last);
                     const double lower = std::min(std::floor(place), std::max(last - 1, 0.0));
                     point.source += static_cast<qint32>(static_cast<qint64>(lower) * stride[axis]);
                     point.weight[axis] = static_cast<float>(place - lower);
                 }
-                if (inside)
-                    m_points.push_back(point);
+                m_points.push_back(point);
             }
     m_pointsOutside = m_grid.sampleCount() - static_cast<qint64>(m_points.size());
 }

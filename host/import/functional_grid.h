@@ -23,6 +23,12 @@ struct FunctionalGrid {
     qint64 voxelsCut = 0;                                   ///< recorded voxels outside the cube
 
     qint64 sampleCount() const { return qint64(size[0]) * size[1] * size[2]; }
+    /// Whether a lattice point lies in what was recorded, up to the outer faces of its voxels. The
+    /// box of a run that lies askew in the cube has corners that do not.
+    bool isRecorded(int i, int j, int k) const;
+    /// The lattice point that a cube voxel belongs to when a VOI is loaded: the nearest one, halves
+    /// going upward. Nothing outside the box and where nothing was recorded.
+    std::optional<std::array<int, 3>> recordedPoint(const Eigen::Vector3d &cubeVoxel) const;
     /// Cube voxel of a lattice point.
     std::array<int, 3> cubeVoxel(int i, int j, int k) const
     {
@@ -36,7 +42,7 @@ int nearestResolution(const Eigen::Affine3d &gridToCube);
 
 /// Lays the lattice of a run. Where the run's voxels fall on whole cube voxels `resolution` apart,
 /// the lattice is those voxels. Elsewhere it is centred in what the run covers, up to the outer
-/// faces of its voxels. Throws InputError when nothing of the run lies inside the cube.
+/// faces of its voxels. Throws InputError when no voxel of the run has its centre in the cube.
 FunctionalGrid layFunctionalGrid(const Eigen::Affine3d &gridToCube, const GridSize &size,
                                  int resolution, const QString &path);
 

@@ -134,7 +134,7 @@ void checkPointsOutside(const FunctionalGrid &grid, const QString &path, QString
             QStringLiteral("a run that overlaps the anatomy's cube"));
     if (outside > 0)
         notes += noteOn(path, QStringLiteral("%1 of %2 lattice points lie outside what was "
-                                             "recorded: their samples are 0")
+                                             "recorded: their samples are 0 and no VOI holds them")
                                   .arg(outside)
                                   .arg(grid.sampleCount()));
 }

@@ -122,6 +122,41 @@ TEST_F(Compute, TakesTheProtocolThatIsNamed)
               folder.path("other.prt"));
 }
 
+/// Paths that records for plugins cannot hold: the compute goes by the host's own.
+TEST_F(Compute, TakesALinkedProtocolWhateverItsPath)
+{
+    QString deep;
+    for (int n = 0; n < 4; ++n)
+        deep += QString(150, QChar(u'a' + n)) + QLatin1Char('/');
+    const struct {
+        QString path;
+        const char *warning;
+    } cases[] = {
+        {QString::fromUtf8("\xce\xb1\xce\xb2/\xe6\xb5\xb7.prt"),
+         "characters that Latin-1 lacks, plugins get '?'"},
+        {QString::fromUtf8("e\xcc\x81t\xc3\xa9.prt"), ""}, // an accent of its own, and one composed
+        {deep + QStringLiteral("task.prt"), "bytes long, plugins get 523 of them"},
+    };
+    for (const auto &one : cases) {
+        const QString protocolPath = folder.path(one.path);
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(protocolPath).path()));
+        writePrtFile(protocolPath, protocol());
+        putBytes(folder.path("odd.vtc"), runFile(one.path));
+        for (const QStringList &more :
+             {QStringList{}, QStringList{QStringLiteral("--use-protocol")}}) {
+            const ProgramRun run = runCorvane(arguments(more, "odd.vtc"));
+            ASSERT_EQ(run.status, 0) << run.errors.constData();
+            EXPECT_THAT(run.errors.toStdString(), testing::HasSubstr(one.warning));
+            const QJsonObject used =
+                summary().value("inputs").toObject().value("protocol").toObject();
+            EXPECT_EQ(used.value("file"), protocolPath);
+            EXPECT_EQ(used.value("sha1").toString().size(), 40);
+            EXPECT_EQ(summary().value("slices").toArray().size(), more.isEmpty() ? 1 : 4);
+            ASSERT_TRUE(QDir(folder.path("out")).removeRecursively());
+        }
+    }
+}
+
 TEST_F(Compute, TreatsTheSignsAsAsked)
 {
     // A run and its mirror image go against each other.

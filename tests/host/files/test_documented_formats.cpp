@@ -47,6 +47,9 @@ TEST(DocumentedFormats, ShowAVtc)
     EXPECT_EQ(file.info().sampleCount(), samples);
     VtcInfo info = file.info();
     EXPECT_EQ(info.linkedProtocol, folder.path("block.prt"));
+    EXPECT_EQ(info.provenance.space, QStringLiteral("MNI152NLin2009cAsym"));
+    ASSERT_TRUE(info.cleaning);
+    EXPECT_EQ(info.cleaning->kept, 274);
     info.linkedProtocol = linkedProtocolText(file.path(), info.linkedProtocol);
     EXPECT_EQ(vtcFileHeader(info).toStdString(), header.toStdString());
 }
@@ -66,6 +69,7 @@ TEST(DocumentedFormats, ShowAPrt)
     const TemporaryFolder folder;
     putBytes(folder.path("a.prt"), example("prt"));
     const Prt prt = readPrtFile(folder.path("a.prt"));
+    EXPECT_EQ(prt.provenance.subject, QStringLiteral("sub-01"));
     ASSERT_EQ(prt.conditions.size(), 4U);
     EXPECT_EQ(prt.conditions[0].intervals.size(), 2U);
     EXPECT_EQ(prt.conditions[3].name, QStringLiteral("pause"));

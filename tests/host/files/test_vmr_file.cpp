@@ -66,6 +66,32 @@ TEST(VmrFile, KeepsItsPlaceInSpace)
     EXPECT_EQ(read.space->origin, written.space->origin);
 }
 
+TEST(VmrFile, KeepsSubjectAndSpace)
+{
+    const TemporaryFolder folder;
+    const QString path = folder.path("brain.vmr");
+    Vmr written = zeroVmr();
+    writeVmr(path, written);
+    EXPECT_TRUE(readVmr(path).provenance == Provenance());
+    written.provenance = {QString::fromUtf8("größe \\n"), QStringLiteral("T1w")};
+    writeVmr(path, written);
+    EXPECT_TRUE(readVmr(path).provenance == written.provenance);
+    written.provenance.subject = QStringLiteral("a\nb");
+    EXPECT_EQ(errorOf([&] { writeVmr(path, written); }),
+              path.toStdString() + ": subject: found a control character (0a), expected at most "
+                                   "255 characters, none of them a control character");
+}
+
+// The header that the other tests use is one of version 1.
+TEST(VmrFile, ReadsItsFirstVersion)
+{
+    const TemporaryFolder folder;
+    putSparse(folder.path("brain.vmr"), plainHeader, Vmr::voxelCount);
+    const Vmr vmr = readVmr(folder.path("brain.vmr"));
+    EXPECT_TRUE(vmr.provenance == Provenance());
+    EXPECT_EQ(vmr.type, Vmr::UChar);
+}
+
 TEST(VmrFile, ReadsAHeaderWrittenByHand)
 {
     const TemporaryFolder folder;
@@ -183,7 +209,22 @@ INSTANTIATE_TEST_SUITE_P(
         BadVmrFile{{"NoSpacings", replaced(plainHeader, "spacings: 1 1 1\n", ""),
                     "header: found no \"spacings\", expected it once"}},
         BadVmrFile{{"UnknownVersion", replaced(plainHeader, "version:=1", "version:=7"),
-                    "line 8 (vmr version): found \"7\", expected \"1\""}},
+                    "line 8 (vmr version): found \"7\", expected \"1\" or \"2\""}},
+        BadVmrFile{{"FirstVersionWithASubject",
+                    replaced(plainHeader, "version:=1\n", "version:=1\nsubject:=sub-01\n"),
+                    "line 9 (subject): found \"sub-01\", expected a file of version 2 for that "
+                    "key"}},
+        BadVmrFile{{"EmptySubject",
+                    replaced(plainHeader, "version:=1\n", "version:=2\nsubject:=\n"),
+                    "line 9 (subject): found \"\", expected a text, or no such line"}},
+        BadVmrFile{{"LongSpaceName",
+                    replaced(plainHeader, "version:=1\n",
+                             "version:=2\nspace name:=" + QByteArray(256, 'x') + '\n'),
+                    "line 9 (space name): found 256 characters, expected at most 255 characters, "
+                    "none of them a control character"}},
+        BadVmrFile{{"UnknownKey", replaced(plainHeader, "version:=1\n", "version:=2\nage:=33\n"),
+                    "line 9: found the key \"age\", expected one of vmr version, subject, space "
+                    "name"}},
         BadVmrFile{{"UnknownField", replaced(plainHeader, "endian:", "byte skip: 3\nendian:"),
                     "line 6: found the field \"byte skip\", expected one of type, dimension, "
                     "sizes, spacings, space, space directions, space origin, endian, encoding, "

@@ -11,7 +11,9 @@ namespace
 
 const QByteArray goodVoi = R"({
     "format": "Corvane VOI",
-    "version": 1,
+    "version": 2,
+    "subject": "",
+    "spaceName": "T1w",
     "referenceSpace": 0,
     "resolution": [1, 1, 1],
     "vois": [
@@ -38,6 +40,7 @@ TEST(VoiFile, GivesBackWhatWasWritten)
 {
     const TemporaryFolder folder;
     VoiSet set = smallVoiSet();
+    set.provenance = {QString::fromUtf8("größe \"1\""), QStringLiteral("MNI152NLin2009cAsym")};
     set.resolution[2] = 0.1 + 0.2;
     writeVoiFile(folder.path("rois.voi"), set);
     EXPECT_TRUE(readVoiFile(folder.path("rois.voi")) == set);
@@ -48,6 +51,8 @@ TEST(VoiFile, ReadsAFileWrittenByHand)
     const TemporaryFolder folder;
     putBytes(folder.path("rois.voi"), goodVoi);
     const VoiSet set = readVoiFile(folder.path("rois.voi"));
+    EXPECT_EQ(set.provenance.subject, QString());
+    EXPECT_EQ(set.provenance.space, QStringLiteral("T1w"));
     ASSERT_EQ(set.vois.size(), 1U);
     EXPECT_EQ(set.vois[0].name, QStringLiteral("left"));
     EXPECT_EQ(set.vois[0].b, 10);
@@ -55,10 +60,35 @@ TEST(VoiFile, ReadsAFileWrittenByHand)
     EXPECT_EQ(set.vois[0].voxels, voxels);
 }
 
+TEST(VoiFile, ReadsItsFirstVersion)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("rois.voi"), R"({
+    "format": "Corvane VOI",
+    "version": 1,
+    "referenceSpace": 0,
+    "resolution": [1, 1, 1],
+    "vois": [
+        {
+            "name": "left",
+            "color": [255, 0, 10],
+            "voxels": [
+                1, 2, 3
+            ]
+        }
+    ]
+}
+)");
+    VoiSet expected;
+    expected.vois = {{QStringLiteral("left"), 255, 0, 10, {{{1, 2, 3}}}}};
+    EXPECT_EQ(readVoiFile(folder.path("rois.voi")), expected);
+}
+
 TEST(VoiFile, WritesTheFormAsItIsDocumented)
 {
     const TemporaryFolder folder;
     VoiSet set;
+    set.provenance.space = QStringLiteral("T1w");
     set.vois = {{QStringLiteral("left"), 255, 0, 10, {{{1, 2, 3}}, {{255, 0, 128}}}}};
     writeVoiFile(folder.path("rois.voi"), set);
     EXPECT_EQ(bytesOf(folder.path("rois.voi")), goodVoi);
@@ -125,6 +155,9 @@ TEST(VoiFile, RefusesToWriteWhatTheReaderWouldRefuse)
               "VOI 3 (\\xd800): found half of a character, expected a name without it");
     EXPECT_EQ(error([](VoiSet &set) { set.vois[0].g = 256; }),
               "VOI 1 (left hippocampus), color: found 256, expected a whole number from 0 to 255");
+    EXPECT_EQ(error([](VoiSet &set) { set.provenance.subject = QString(QChar(0xd800)); }),
+              "subject: found half of a character, expected at most 255 characters, none of them a "
+              "control character");
     EXPECT_EQ(error([](VoiSet &set) { set.referenceSpace = -1; }),
               "referenceSpace: found -1, expected 0 or more");
     EXPECT_EQ(error([](VoiSet &set) { set.resolution[1] = std::nan(""); }),
@@ -155,26 +188,40 @@ INSTANTIATE_TEST_SUITE_P(
                 "value)"},
         BadFile{"JsonOfAnotherKind", "[1, 2]",
                 "top level: found a JSON array, expected a JSON object"},
-        BadFile{"UnknownVersion", altered("\"version\": 1", "\"version\": 2"),
-                "version: found 2, expected 1"},
-        BadFile{"VersionAsText", altered("\"version\": 1", "\"version\": \"1\""),
-                "version: found \"1\", expected 1"},
+        BadFile{"UnknownVersion", altered("\"version\": 2", "\"version\": 3"),
+                "version: found 3, expected 1 or 2"},
+        BadFile{"VersionAsText", altered("\"version\": 2", "\"version\": \"2\""),
+                "version: found \"2\", expected 1 or 2"},
         BadFile{"CutShort", goodVoi.left(goodVoi.size() - 4),
-                "line 15, column 5: found the end of the file, expected JSON (unterminated array)"},
+                "line 17, column 5: found the end of the file, expected JSON (unterminated array)"},
         BadFile{
             "TrailingText", goodVoi + "{}",
-            "line 17, column 1: found \"{}\", expected JSON (garbage at the end of the document)"},
+            "line 19, column 1: found \"{}\", expected JSON (garbage at the end of the document)"},
         BadFile{"UnknownKey", altered("\"vois\"", "\"comment\": 1, \"vois\""),
                 "top level: found the key \"comment\", expected only format, version, "
-                "referenceSpace, resolution, vois"},
+                "referenceSpace, resolution, vois, subject, spaceName"},
         BadFile{"NoKey", altered("    \"referenceSpace\": 0,\n", ""),
                 "top level: found no key \"referenceSpace\", expected all of format, version, "
+                "referenceSpace, resolution, vois, subject, spaceName"},
+        BadFile{"FirstVersionWithASubject", altered("\"version\": 2", "\"version\": 1"),
+                "top level: found the key \"spaceName\", expected only format, version, "
                 "referenceSpace, resolution, vois"},
-        BadFile{"KeyTwice", altered("\"version\": 1,", "\"version\": 1, \"version\": 1,"),
+        BadFile{"NoSubject", altered("    \"subject\": \"\",\n", ""),
+                "top level: found no key \"subject\", expected all of format, version, "
+                "referenceSpace, resolution, vois, subject, spaceName"},
+        BadFile{"SubjectNoText", altered("\"subject\": \"\"", "\"subject\": 7"),
+                "subject: found 7, expected a text"},
+        BadFile{"LineFeedInSpaceName", altered("T1w", "T1\\nw"),
+                "spaceName: found a control character (0a), expected at most 255 characters, none "
+                "of them a control character"},
+        BadFile{"LongSubject", altered("\"subject\": \"", "\"subject\": \"" + QByteArray(256, 'x')),
+                "subject: found 256 characters, expected at most 255 characters, none of them a "
+                "control character"},
+        BadFile{"KeyTwice", altered("\"version\": 2,", "\"version\": 2, \"version\": 2,"),
                 "line 3, column 20: found the key \"version\" again, expected it once"},
         BadFile{"KeyTwiceInVoi",
                 altered("\"name\": \"left\",", "\"name\": \"a\", \"name\" : \"b\","),
-                "line 8, column 27: found the key \"name\" again, expected it once"},
+                "line 10, column 27: found the key \"name\" again, expected it once"},
         BadFile{"KeyWithEscapes", altered("\"version\"", "\"versio\\u006e\""),
                 "line 3, column 6: found the key \"versio\\u006e\", expected a key without "
                 "escapes"},
@@ -191,7 +238,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"NameNotUtf8",
                 altered("left", "l\xe9"
                                 "ft"),
-                "line 8, column 23: found \"l\\xe9ft\",\", expected UTF-8"},
+                "line 10, column 23: found \"l\\xe9ft\",\", expected UTF-8"},
         BadFile{"NulInName", altered("left", "le\\u0000ft"),
                 "VOI 1 (le\\x00ft): found a control character (00), expected a name without it"},
         BadFile{"LineFeedInName", altered("left", "le\\nft"),
@@ -215,9 +262,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"ResolutionNoNumber", altered("[1, 1, 1]", "[1, null, 1]"),
                 "resolution: found null, expected millimetres above 0"},
         BadFile{"ResolutionNotANumber", altered("[1, 1, 1]", "[1, NaN, 1]"),
-                "line 5, column 23: found \"NaN, 1],\", expected JSON (illegal number)"},
+                "line 7, column 23: found \"NaN, 1],\", expected JSON (illegal number)"},
         BadFile{"ResolutionBeyondDouble", altered("[1, 1, 1]", "[1, 1e999, 1]"),
-                "line 5, column 28: found \"9, 1],\", expected JSON (illegal number)"},
+                "line 7, column 28: found \"9, 1],\", expected JSON (illegal number)"},
         BadFile{"TwoResolutions", altered("[1, 1, 1]", "[1, 1]"),
                 "resolution: found 2 values, expected 3"},
         BadFile{"ColourTooBright", altered("[255, 0, 10]", "[256, 0, 10]"),

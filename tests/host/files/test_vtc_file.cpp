@@ -15,6 +15,29 @@ QByteArray altered(const QByteArray &piece, const QByteArray &by)
     return replaced(smallVtcBytes(), piece, by);
 }
 
+VtcInfo cleanedVtcInfo()
+{
+    VtcInfo info = smallVtcInfo();
+    CleaningLedger ledger;
+    ledger.method = QStringLiteral("scrubbing, order joint");
+    ledger.volumes = 300;
+    ledger.nonSteady = 4;
+    ledger.censored = 26;
+    ledger.kept = 270;
+    ledger.rank = 31;
+    ledger.degreesOfFreedom = 238.5;
+    ledger.secondsKept = 194.4;
+    ledger.meanFdAfter = 0.125;
+    info.cleaning = ledger;
+    return info;
+}
+
+QByteArray cleanedVtcBytes()
+{
+    const VtcInfo info = cleanedVtcInfo();
+    return vtcBytes(info, numberedSamples<short>(info));
+}
+
 std::string checksumText()
 {
     const auto samples = numberedSamples<short>(smallVtcInfo());
@@ -55,6 +78,56 @@ TEST(VtcFile, GivesBackWhatItsHeaderSays)
     EXPECT_EQ(std::vector<short>(file.shortSamples(), file.shortSamples() + info.sampleCount()),
               samples);
     EXPECT_TRUE(verifyVtcChecksum(file));
+}
+
+TEST(VtcFile, ReadsItsFirstVersion)
+{
+    const TemporaryFolder folder;
+    const auto samples = numberedSamples<short>(smallVtcInfo());
+    QByteArray bytes = "NRRD0004\n"
+                       "type: short\n"
+                       "dimension: 4\n"
+                       "sizes: 4 3 2 2\n"
+                       "kinds: time domain domain domain\n"
+                       "spacings: 0.72 3 3 3\n"
+                       "units: \"s\" \"mm\" \"mm\" \"mm\"\n"
+                       "endian: little\n"
+                       "encoding: raw\n"
+                       "vtc version:=1\n"
+                       "box start:=57 52 59\n"
+                       "linked protocol:=block.prt\n"
+                       "samples checksum:=" +
+                       QByteArray::fromStdString(checksumText()) + "\n\n";
+    bytes.append(reinterpret_cast<const char *>(samples.data()),
+                 static_cast<int>(samples.size() * sizeof(short)));
+    putBytes(folder.path("run.vtc"), bytes);
+    const VtcFile file(folder.path("run.vtc"));
+    EXPECT_EQ(file.info().xEnd, 66);
+    EXPECT_EQ(file.info().linkedProtocol, folder.path("block.prt"));
+    EXPECT_TRUE(file.info().provenance == Provenance());
+    EXPECT_FALSE(file.info().cleaning);
+    EXPECT_TRUE(verifyVtcChecksum(file));
+}
+
+TEST(VtcFile, KeepsSubjectSpaceAndTheLedgerOfItsCleaning)
+{
+    const TemporaryFolder folder;
+    VtcInfo written = cleanedVtcInfo();
+    written.provenance = {QStringLiteral("sub-01"), QStringLiteral("MNI152NLin2009cAsym")};
+    putBytes(folder.path("run.vtc"), vtcBytes(written, numberedSamples<short>(written)));
+    const VtcInfo info = VtcFile(folder.path("run.vtc")).info();
+    EXPECT_TRUE(info.provenance == written.provenance);
+    ASSERT_TRUE(info.cleaning);
+    EXPECT_EQ(info.cleaning->method, written.cleaning->method);
+    EXPECT_EQ(info.cleaning->volumes, 300);
+    EXPECT_EQ(info.cleaning->nonSteady, 4);
+    EXPECT_EQ(info.cleaning->censored, 26);
+    EXPECT_EQ(info.cleaning->kept, 270);
+    EXPECT_EQ(info.cleaning->rank, 31);
+    EXPECT_EQ(info.cleaning->degreesOfFreedom, 238.5);
+    EXPECT_EQ(info.cleaning->secondsKept, 194.4);
+    EXPECT_EQ(info.cleaning->meanFdBefore, std::nullopt);
+    EXPECT_EQ(info.cleaning->meanFdAfter, 0.125);
 }
 
 TEST(VtcFile, HoldsFloatsAsTheyAre)
@@ -189,6 +262,30 @@ TEST(VtcHeader, RefusesWhatTheReaderWouldRefuse)
               ".vtc: spacings: found a repetition time of nan, expected seconds above 0");
     EXPECT_EQ(error([](VtcInfo &info) { info.checksum = QStringLiteral("12"); }),
               ".vtc: samples checksum: found \"12\", expected 16 lower-case hexadecimal digits");
+    EXPECT_EQ(error([](VtcInfo &info) { info.provenance.space = QString(256, QLatin1Char('x')); }),
+              ".vtc: space name: found 256 characters, expected at most 255 characters, none of "
+              "them a control character");
+    const auto ledgerError = [&error](auto change) {
+        return error([&change](VtcInfo &info) {
+            info = cleanedVtcInfo();
+            change(*info.cleaning);
+        });
+    };
+    EXPECT_EQ(ledgerError([](CleaningLedger &) {}), "no error");
+    EXPECT_EQ(ledgerError([](CleaningLedger &ledger) { ledger.method.clear(); }),
+              ".vtc: cleaning: found an empty text, expected a line of 1 to 4096 characters");
+    EXPECT_EQ(ledgerError(
+                  [](CleaningLedger &ledger) { ledger.method = QString(4097, QLatin1Char('x')); }),
+              ".vtc: cleaning: found 4097 characters, expected a line of 1 to 4096 characters");
+    EXPECT_EQ(ledgerError([](CleaningLedger &ledger) { ledger.censored = -1; }),
+              ".vtc: cleaning censored volumes: found -1, expected 0 or more");
+    EXPECT_EQ(ledgerError([](CleaningLedger &ledger) { ledger.volumes = 299; }),
+              ".vtc: cleaning volumes: found 299, expected the sum of those non-steady, censored "
+              "and kept, 1 or more");
+    EXPECT_EQ(ledgerError([](CleaningLedger &ledger) { ledger.meanFdBefore = std::nan(""); }),
+              ".vtc: cleaning mean FD before: found nan, expected a finite number, 0 or more");
+    EXPECT_EQ(ledgerError([](CleaningLedger &ledger) { ledger.secondsKept = -1; }),
+              ".vtc: cleaning seconds kept: found -1, expected a finite number, 0 or more");
 }
 
 TEST(LinkedProtocolText, IsRelativeInAndBelowTheFolderOfTheVtc)
@@ -242,9 +339,48 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"UnknownField", altered("endian: little", "endian: little\nthickness: 2"),
                 "line 9: found the field \"thickness\", expected one of type, dimension, sizes, "
                 "kinds, spacings, units, endian, encoding, content"},
-        BadFile{"UnknownKey", altered("vtc version:=1", "vtc version:=1\nsubject:=3"),
-                "line 11: found the key \"subject\", expected one of vtc version, box start, "
-                "linked protocol, samples checksum"},
+        BadFile{"UnknownKey", altered("vtc version:=2", "vtc version:=2\nage:=33"),
+                "line 11: found the key \"age\", expected one of vtc version, box start, linked "
+                "protocol, samples checksum, subject, space name, cleaning, cleaning volumes, "
+                "cleaning non-steady volumes, cleaning censored volumes, cleaning kept volumes, "
+                "cleaning rank, cleaning degrees of freedom, cleaning seconds kept, cleaning mean "
+                "FD before, cleaning mean FD after"},
+        BadFile{"FirstVersionWithASpace",
+                altered("vtc version:=2", "vtc version:=1\nspace name:=T1w"),
+                "line 11 (space name): found \"T1w\", expected a file of version 2 for that key"},
+        BadFile{"FirstVersionWithACleaning",
+                altered("vtc version:=2", "vtc version:=1\ncleaning:=a"),
+                "line 11 (cleaning): found \"a\", expected a file of version 2 for that key"},
+        BadFile{"EmptySubject", altered("vtc version:=2", "vtc version:=2\nsubject:="),
+                "line 11 (subject): found \"\", expected a text, or no such line"},
+        BadFile{"ControlInSubject", altered("vtc version:=2", "vtc version:=2\nsubject:=a\tb"),
+                "line 11 (subject): found a control character (09), expected at most 255 "
+                "characters, none of them a control character"},
+        BadFile{"HalfALedger", altered("vtc version:=2", "vtc version:=2\ncleaning rank:=3"),
+                "header: found no \"cleaning\", expected it once"},
+        BadFile{"LedgerWithoutItsEnd",
+                replaced(cleanedVtcBytes(), "cleaning mean FD after:=0.125\n", ""),
+                "header: found no \"cleaning mean FD after\", expected it once"},
+        BadFile{"LedgerThatDoesNotAddUp",
+                replaced(cleanedVtcBytes(), "kept volumes:=270", "kept volumes:=271"),
+                "line 14 (cleaning volumes): found 300, expected the sum of those non-steady, "
+                "censored and kept, 1 or more"},
+        BadFile{"NegativeRank", replaced(cleanedVtcBytes(), "rank:=31", "rank:=-1"),
+                "line 18 (cleaning rank): found \"-1\", expected a whole number from 0 to "
+                "2147483647"},
+        BadFile{"DegreesOfFreedomNoNumber",
+                replaced(cleanedVtcBytes(), "freedom:=238.5", "freedom:=about 238"),
+                "line 19 (cleaning degrees of freedom): found \"about 238\", expected a finite "
+                "number"},
+        BadFile{"NegativeDegreesOfFreedom",
+                replaced(cleanedVtcBytes(), "freedom:=238.5", "freedom:=-2"),
+                "line 19 (cleaning degrees of freedom): found -2, expected a finite number, 0 or "
+                "more"},
+        BadFile{"FdNotANumber", replaced(cleanedVtcBytes(), "before:=n/a", "before:=nan"),
+                "line 21 (cleaning mean FD before): found \"nan\", expected a finite number"},
+        BadFile{"EmptyMethod",
+                replaced(cleanedVtcBytes(), "cleaning:=scrubbing, order joint", "cleaning:="),
+                "line 13 (cleaning): found an empty text, expected a line of 1 to 4096 characters"},
         BadFile{"FieldTwice", altered("endian: little", "endian: little\ntype: float"),
                 "line 9: found \"type\" again, expected it once, as in line 2"},
         BadFile{"NoField", altered("encoding: raw\n", ""),
@@ -255,8 +391,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "line 8: found \"endian little\", expected \"field: value\" or \"key:=value\""},
         BadFile{"WindowsLineEnds", smallVtcBytes().replace("\n", "\r\n"),
                 "line 1: found \"NRRD0004\\r\", expected \"NRRD0004\" or \"NRRD0005\""},
-        BadFile{"UnknownVersion", altered("vtc version:=1", "vtc version:=2"),
-                "line 10 (vtc version): found \"2\", expected \"1\""},
+        BadFile{"UnknownVersion", altered("vtc version:=2", "vtc version:=3"),
+                "line 10 (vtc version): found \"3\", expected \"1\" or \"2\""},
         BadFile{"ThreeAxes", altered("dimension: 4", "dimension: 3"),
                 "line 3 (dimension): found \"3\", expected \"4\""},
         BadFile{"OtherType", altered("type: short", "type: double"),

@@ -121,6 +121,59 @@ TEST(Atlas, OnTheAnatomysGridAgreesWithTheLoadOfAVoi)
         << notes[0].toStdString();
 }
 
+/// A run of 12 x 12 x 4 voxels of 3 mm that lies askew in the cube: the corners of its box hold
+/// nothing.
+Eigen::Affine3d askew()
+{
+    return Eigen::Translation3d(120, 100, 100) * Eigen::AngleAxisd(0.4, Eigen::Vector3d::UnitZ()) *
+           Eigen::Scaling(3.0);
+}
+
+/// Whether a place of the cube lies in a voxel of that run, in plain words.
+bool wasRecorded(const std::array<int, 3> &cubeVoxel)
+{
+    const Eigen::Vector3d place =
+        askew().inverse() * Eigen::Vector3d(cubeVoxel[0], cubeVoxel[1], cubeVoxel[2]);
+    return (place.array() > -0.5).all() && place[0] < 11.5 && place[1] < 11.5 && place[2] < 3.5;
+}
+
+TEST(Atlas, LeavesOutWhatTheRunDidNotRecord)
+{
+    const FunctionalGrid grid = layFunctionalGrid(askew(), {12, 12, 4}, 3, path);
+    const qint64 recorded = grid.sampleCount() - VolumeSampler(grid).pointsOutside();
+    ASSERT_LT(recorded, grid.sampleCount());
+    // Label 1 everywhere, label 2 in a corner of the box.
+    Image3d<qint32> atlas = atlasOf(spaced(1, 80, 80, 80), {120, 120, 60}, 1);
+    ASSERT_FALSE(grid.isRecorded(0, 0, 0));
+    const std::array<int, 3> corner = grid.cubeVoxel(0, 0, 0);
+    at(atlas, corner[0] - 80, corner[1] - 80, corner[2] - 80) = 2;
+
+    QStringList notes;
+    std::vector<LabelCount> counts;
+    const VoiSet set = voisOfAtlas(atlas, {}, grid, Eigen::Affine3d::Identity(),
+                                   VoiGrid::Functional, path, notes, &counts);
+    ASSERT_EQ(set.vois.size(), 2U);
+    EXPECT_EQ(static_cast<qint64>(set.vois[0].voxels.size()), recorded);
+    for (const std::array<int, 3> &voxel : set.vois[0].voxels)
+        EXPECT_TRUE(wasRecorded(voxel)) << voxel[0] << ' ' << voxel[1] << ' ' << voxel[2];
+    EXPECT_TRUE(set.vois[1].voxels.empty());
+
+    // Of the atlas those voxels count that belong to a sample that was recorded.
+    const VoiSet fine =
+        voisOfAtlas(atlas, {}, grid, Eigen::Affine3d::Identity(), VoiGrid::Anatomy, path, notes);
+    EXPECT_EQ(static_cast<qint64>(fine.vois[0].voxels.size()), recorded * 27);
+    EXPECT_TRUE(fine.vois[1].voxels.empty());
+    EXPECT_EQ(counts[0].insideRun, recorded * 27);
+    EXPECT_EQ(counts[1].insideRun, 0);
+    EXPECT_EQ(joined(notes.mid(0, 2)),
+              joined({QStringLiteral("VOI 1 \"1\": 863999 voxels in the atlas, %1 of them inside "
+                                     "the run")
+                          .arg(recorded * 27),
+                      QStringLiteral("VOI 2 \"2\": 1 voxels in the atlas, 0 of them inside the "
+                                     "run: no functional voxel has this label, the VOI is "
+                                     "empty")}));
+}
+
 TEST(Atlas, SaysEveryVoiThatLosesVoxelsAndKeepsIt)
 {
     Image3d<qint32> atlas = atlasOf(spaced(3, 94, 100, 100), {10, 4, 4});

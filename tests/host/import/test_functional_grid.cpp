@@ -263,8 +263,47 @@ TEST(FunctionalGrid, RefusesARunOutsideTheCube)
             "run.nii: position relative to the anatomy: found a run that covers voxels " +
                 QString::number(far - 1.5, 'f', 1).toStdString() + " to " +
                 QString::number(far + 10.5, 'f', 1).toStdString() +
-                ", 98.5 to 110.5, 98.5 to 110.5, expected one that overlaps the anatomy's "
-                "cube, voxels 0 to 255");
+                ", 98.5 to 110.5, 98.5 to 110.5, none with its centre inside, expected one that "
+                "overlaps the anatomy's cube, voxels 0 to 255");
+}
+
+TEST(FunctionalGrid, RefusesARunOfWhichOnlyEdgesOfVoxelsReachIntoTheCube)
+{
+    // Centres at -1 and below, outer faces at 1.
+    EXPECT_EQ(
+        errorOf([&] {
+            layFunctionalGrid(along({0, 1, 2}, {-4, 4, 4}, {-1, 100, 100}), {4, 4, 4}, 3, path);
+        }),
+        "run.nii: position relative to the anatomy: found a run that covers voxels -15.0 to "
+        "1.0, 98.0 to 114.0, 98.0 to 114.0, none with its centre inside, expected one that "
+        "overlaps the anatomy's cube, voxels 0 to 255");
+    // One plane of centres inside is enough.
+    EXPECT_EQ(layFunctionalGrid(along({0, 1, 2}, {-4, 4, 4}, {1, 100, 100}), {4, 4, 4}, 3, path)
+                  .voxelsCut,
+              48);
+}
+
+TEST(FunctionalGrid, KnowsWhereItWasRecorded)
+{
+    const Eigen::Affine3d gridToCube =
+        affine(Eigen::AngleAxisd(0.3, Eigen::Vector3d(1, 2, 3).normalized()).toRotationMatrix() * 3,
+               {90, 80, 100});
+    const FunctionalGrid grid = layFunctionalGrid(gridToCube, {20, 18, 16}, 3, path);
+    qint64 recorded = 0;
+    for (int k = 0; k < grid.size[2]; ++k)
+        for (int j = 0; j < grid.size[1]; ++j)
+            for (int i = 0; i < grid.size[0]; ++i) {
+                const std::array<int, 3> cube = grid.cubeVoxel(i, j, k);
+                const auto found = grid.recordedPoint(Eigen::Vector3d(cube[0], cube[1], cube[2]));
+                EXPECT_EQ(found.has_value(), grid.isRecorded(i, j, k));
+                if (found) {
+                    EXPECT_EQ(*found, (std::array<int, 3>{i, j, k}));
+                    ++recorded;
+                }
+            }
+    EXPECT_EQ(recorded, grid.sampleCount() - VolumeSampler(grid).pointsOutside());
+    EXPECT_LT(recorded, grid.sampleCount());
+    EXPECT_FALSE(grid.recordedPoint({0, 0, 0}));
 }
 
 } // namespace

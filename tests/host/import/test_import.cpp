@@ -93,6 +93,17 @@ double sampleOf(const VtcFile &vtc, int i, int j, int k, int t)
                                        : double(vtc.floatSamples()[index]);
 }
 
+/// The sample that a voxel of a VOI has, as a load of the VOI finds it.
+double sampleOf(const VtcFile &vtc, const std::array<int, 3> &voxel, int t)
+{
+    const VtcInfo &info = vtc.info();
+    const auto index = [&info](int coordinate, int start) {
+        return static_cast<int>(std::floor(double(coordinate - start) / info.resolution + 0.5));
+    };
+    return sampleOf(vtc, index(voxel[0], info.xStart), index(voxel[1], info.yStart),
+                    index(voxel[2], info.zStart), t);
+}
+
 /// Every sample of a .vtc against the run, through the .vmr that was made with it.
 void expectSamplesOfRun(const QString &base, const ReferenceImage &run, bool copied)
 {
@@ -488,6 +499,54 @@ TEST(Import, CopiesARunAlongAnAnatomyThatIsTurned)
     expectSamplesOfRun(place.base(), readReference(place.request.functional), true);
 }
 
+/// The mean of each VOI at a volume; not a number for an empty one.
+std::vector<double> voiMeans(const QString &base, int t)
+{
+    const VtcFile vtc(base + QStringLiteral(".vtc"));
+    std::vector<double> means;
+    for (const Voi &voi : readVoiFile(base + QStringLiteral(".voi")).vois) {
+        double sum = 0;
+        for (const std::array<int, 3> &voxel : voi.voxels)
+            sum += sampleOf(vtc, voxel, t);
+        means.push_back(sum / static_cast<double>(voi.voxels.size()));
+    }
+    return means;
+}
+
+TEST(Import, KeepsTheUnrecordedCornersOfAnObliqueRunOutOfTheVois)
+{
+    Workplace place;
+    NiftiParts run = runParts();
+    oblique(run);
+    setSamples(run, std::vector<qint16>(8 * 9 * 7 * 6, 1000));
+    place.put("run.nii.gz", run);
+    // Labels in stripes over all of the anatomy.
+    NiftiParts atlas = anatomyParts();
+    std::vector<quint8> labels;
+    for (int k = 0; k < 45; ++k)
+        for (int j = 0; j < 50; ++j)
+            for (int i = 0; i < 40; ++i)
+                labels.push_back(static_cast<quint8>(1 + i / 8));
+    setSamples(atlas, labels);
+    place.put("atlas.nii", atlas);
+    place.request.atlas = place.folder.path("atlas.nii");
+    for (const VoiGrid voiGrid : {VoiGrid::Functional, VoiGrid::Anatomy}) {
+        place.request.voiGrid = voiGrid;
+        const ImportPlan plan = planImport(place.request);
+        EXPECT_THAT(joined(plan.notes), HasSubstr("their samples are 0 and no VOI holds them"));
+        imported(place);
+        int means = 0;
+        for (const double mean : voiMeans(place.base(), 3))
+            if (!std::isnan(mean)) {
+                EXPECT_NEAR(mean, 1000, 0.01);
+                ++means;
+            }
+        EXPECT_GE(means, 4);
+        for (const LabelCount &count : plan.labelCounts)
+            EXPECT_LT(count.insideRun, count.inAtlas);
+    }
+}
+
 // ---- what is said
 
 TEST(Import, SaysItsDoubts)
@@ -527,7 +586,8 @@ TEST(Import, SaysItsDoubts)
                   },
                   "2 samples are no finite numbers: so are the means of VOIs that hold them"},
              Case{"turned out of its box", oblique,
-                  "lattice points lie outside what was recorded: their samples are 0"},
+                  "lattice points lie outside what was recorded: their samples are 0 and no VOI "
+                  "holds them"},
          }) {
         Workplace place;
         NiftiParts parts = runParts();
@@ -648,6 +708,36 @@ INSTANTIATE_TEST_SUITE_P(
         QString name = QString::fromLatin1(file.param.file);
         return name.remove(QRegExp(QStringLiteral("[^A-Za-z0-9]"))).toStdString();
     });
+
+TEST(TiltedRecording, HasNoVoiWithWhatItDidNotRecord)
+{
+    const QString file = recording("nitime/fmri1.nii.gz");
+    if (!QFile::exists(file))
+        GTEST_SKIP() << "no recordings in " << referenceFolder();
+    const ReferenceImage run = readReference(file);
+    Workplace place;
+    NiftiParts anatomy = anatomyAround(run);
+    place.put("anatomy.nii", anatomy);
+    setSamples(anatomy, std::vector<quint8>(static_cast<std::size_t>(anatomy.sampleCount()), 1));
+    place.put("atlas.nii", anatomy);
+    place.request.functional = file;
+    place.request.atlas = place.folder.path("atlas.nii");
+    imported(place);
+    const VtcInfo info = VtcFile(place.outputPath("sub.vtc")).info();
+    const VoiSet set = readVoiFile(place.outputPath("sub.voi"));
+    ASSERT_EQ(set.vois.size(), 1U);
+    EXPECT_GT(set.vois[0].voxels.size(), 1000U);
+    const Eigen::Affine3d cubeToRun =
+        run.toWorld.inverse() * worldOfCube(place.outputPath("sub.vmr"));
+    for (const std::array<int, 3> &voxel : set.vois[0].voxels) {
+        const Eigen::Vector3d inRun = cubeToRun * Eigen::Vector3d(voxel[0], voxel[1], voxel[2]);
+        for (int axis = 0; axis < 3; ++axis) {
+            EXPECT_GT(inRun[axis], -0.501);
+            EXPECT_LT(inRun[axis], run.size[static_cast<std::size_t>(axis)] - 0.499);
+        }
+    }
+    EXPECT_EQ(info.nrOfVolumes, run.size[3]);
+}
 
 TEST(WholeBrainRecording, ComesOverWithItsEventsAndMasks)
 {

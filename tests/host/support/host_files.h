@@ -156,9 +156,14 @@ inline bool operator==(const Voi &a, const Voi &b)
     return a.name == b.name && a.r == b.r && a.g == b.g && a.b == b.b && a.voxels == b.voxels;
 }
 
+inline bool operator==(const Provenance &a, const Provenance &b)
+{
+    return a.subject == b.subject && a.space == b.space;
+}
+
 inline bool operator==(const VoiSet &a, const VoiSet &b)
 {
-    return a.referenceSpace == b.referenceSpace &&
+    return a.provenance == b.provenance && a.referenceSpace == b.referenceSpace &&
            std::equal(a.resolution, a.resolution + 3, b.resolution) && a.vois == b.vois;
 }
 
@@ -169,7 +174,8 @@ inline bool operator==(const PrtCondition &a, const PrtCondition &b)
 
 inline bool operator==(const Prt &a, const Prt &b)
 {
-    return a.name == b.name && a.timeUnit == b.timeUnit && a.conditions == b.conditions;
+    return a.name == b.name && a.provenance == b.provenance && a.timeUnit == b.timeUnit &&
+           a.conditions == b.conditions;
 }
 
 /// A file that its reader must refuse, and what it must say behind the file's path.
