@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/compute_checks.h"
 
+#include "dataset/counted.h"
 #include "dataset/subject.h"
 #include "engine/assembly.h"
 #include "engine/compute_settings.h"
@@ -18,12 +19,6 @@ QString listed(const QStringList &texts, const QString &separator = QStringLiter
     const QString some = QStringList(texts.mid(0, mostNamed)).join(separator);
     const int more = texts.size() - mostNamed;
     return more > 0 ? QStringLiteral("%1 and %2 more").arg(some, QString::number(more)) : some;
-}
-
-QString counted(int number, const char *noun)
-{
-    return QStringLiteral("%1 %2%3").arg(QString::number(number), QLatin1String(noun),
-                                         QLatin1String(number == 1 ? "" : "s"));
 }
 
 NodeFault faultOf(const Eigen::MatrixXf &block, Eigen::Index node, bool isEmpty)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dataset/counted.h"
 #include "host/commands/anatomy_opener.h"
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
@@ -147,10 +148,10 @@ int run(const QStringList &arguments)
     files.commit();
     for (const QString &warning : result.warnings)
         std::fprintf(stderr, "%s\n", warning.toUtf8().constData());
-    std::printf("%s: %d nodes, %d volumes, %d %s\n", folder.toUtf8().constData(),
-                static_cast<int>(result.nodes.size()), static_cast<int>(result.timeseries.cols()),
-                static_cast<int>(result.slices.size()),
-                result.slices.size() == 1 ? "matrix" : "matrices");
+    std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
+                counted(qint64(result.nodes.size()), "node").toUtf8().constData(),
+                counted(result.timeseries.cols(), "volume").toUtf8().constData(),
+                counted(qint64(result.slices.size()), "matrix", "matrices").toUtf8().constData());
     return Done;
 }
 

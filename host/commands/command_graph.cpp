@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dataset/counted.h"
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
@@ -37,8 +38,8 @@ int run(const QStringList &arguments)
     writeGraphFiles(folder, graph, parser.isSet(QStringLiteral("mst")));
     for (const QString &note : graphNotes(graph.weights))
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());
-    std::printf("%s: %d nodes\n", folder.toUtf8().constData(),
-                static_cast<int>(graph.weights.rows()));
+    std::printf("%s: %s\n", folder.toUtf8().constData(),
+                counted(graph.weights.rows(), "node").toUtf8().constData());
     return Done;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/compute.h"
 
+#include "dataset/counted.h"
 #include "engine/compute_checks.h"
 #include "engine/compute_steps.h"
 #include "host/files/input_error.h"
@@ -129,7 +130,7 @@ void chooseNodes(Subject &subject, const ComputeRequest &request)
     for (const int seed : request.seeds) {
         if (seed < 0 || seed >= count) {
             throw InputError(request.voi, QStringLiteral("seed %1").arg(seed),
-                             QStringLiteral("%1 VOIs").arg(count),
+                             counted(count, "VOI"),
                              QStringLiteral("a number from 0 to %1").arg(count - 1));
         }
     }

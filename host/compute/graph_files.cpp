@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/graph_files.h"
 
+#include "dataset/counted.h"
 #include "engine/graph_measures.h"
 #include "host/files/csv_text.h"
 #include "host/files/output_file.h"
@@ -83,16 +84,15 @@ QStringList graphNotes(const Eigen::MatrixXf &weights)
     }
     QStringList notes;
     if (infinite > 0)
-        notes +=
-            QStringLiteral("%1 pairs of nodes have a weight that is not finite; it counts as 0")
-                .arg(infinite);
+        notes += QStringLiteral("%1 with a weight that is not finite; it counts as 0")
+                     .arg(counted(infinite, "pair of nodes", "pairs of nodes"));
     if (unequal > 0)
-        notes += QStringLiteral("%1 pairs of nodes have two different weights; their mean is taken")
-                     .arg(unequal);
+        notes += QStringLiteral("%1 with two different weights; their mean is taken")
+                     .arg(counted(unequal, "pair of nodes", "pairs of nodes"));
     if (negative > 0)
-        notes += QStringLiteral("%1 pairs of nodes have a negative weight; only degree, strength "
-                                "and eigenvector centrality take it into account")
-                     .arg(negative);
+        notes += QStringLiteral("%1 with a negative weight; only degree, strength and eigenvector "
+                                "centrality take it into account")
+                     .arg(counted(negative, "pair of nodes", "pairs of nodes"));
     return notes;
 }
 

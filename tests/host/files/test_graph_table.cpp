@@ -247,7 +247,7 @@ TEST(GraphCommand, NotesOnStandardErrorWhatItTakesDifferently)
     const ProgramRun run = runCorvane({QStringLiteral("graph"), folder.path("m.csv"),
                                        QStringLiteral("--out"), folder.path("out")});
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.errors, "1 pairs of nodes have two different weights; their mean is taken\n");
+    EXPECT_EQ(run.errors, "1 pair of nodes with two different weights; their mean is taken\n");
 }
 
 TEST(GraphCommand, EndsWithOneLineForABadMatrix)
