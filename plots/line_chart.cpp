@@ -5,16 +5,36 @@
 
 #include <QFont>
 #include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QMainWindow>
 #include <QSet>
 #include <QtCharts/QBarCategoryAxis>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace QtCharts;
 
 namespace
 {
+
+/// The names, the first of them filled up with spaces while none is as long as a line is high. The
+/// axis takes an upright name to be no shorter than that, and cuts its own title where they all
+/// are.
+QStringList filledUp(QStringList names, const QFont &font)
+{
+    const QFontMetricsF metrics(font);
+    const bool allAreShort =
+        std::all_of(names.begin(), names.end(), [&metrics](const QString &name) {
+            return metrics.horizontalAdvance(name) < metrics.height();
+        });
+    if (!allAreShort || names.isEmpty())
+        return names;
+    const QChar space(QChar::Nbsp);
+    const qreal missing = metrics.height() - metrics.horizontalAdvance(names.first());
+    names.first() += QString(int(std::ceil(missing / metrics.horizontalAdvance(space))), space);
+    return names;
+}
 
 /// The names as the axis takes them, which is as rich text, with a zero-width space behind each
 /// repetition: the axis drops names that it has.
@@ -75,26 +95,24 @@ QLineSeries *makeLine(const std::vector<float> &values, const QString &name)
 
 void setCategoryAxis(QChart *chart, const QStringList &names, const QString &title, bool wholeRange)
 {
-    const QStringList categories = distinctCategories(names);
+    for (QAbstractAxis *old : chart->axes(Qt::Horizontal)) {
+        chart->removeAxis(old);
+        delete old;
+    }
     auto *axis = new QBarCategoryAxis;
+    chart->addAxis(axis, Qt::AlignBottom); // which gives it its font
+    const QStringList categories = distinctCategories(filledUp(names, axis->labelsFont()));
     axis->append(categories);
     axis->setTitleText(title);
     if (wholeRange)
         axis->setRange(categories.first(), categories.last());
     axis->setLabelsAngle(90);
-
-    for (QAbstractAxis *old : chart->axes(Qt::Horizontal)) {
-        chart->removeAxis(old);
-        delete old;
-    }
-    chart->addAxis(axis, Qt::AlignBottom);
     for (QAbstractSeries *line : chart->series())
         line->attachAxis(axis);
 }
 
-void makeRoomForNames(QMainWindow *window, const QChart &chart)
+void makeRoomForNames(QMainWindow *window, const QChart &chart, int widest)
 {
-    constexpr int widest = 16000; // a picture beyond that opens in few programs
     for (const QAbstractAxis *axis : chart.axes(Qt::Horizontal)) {
         const auto *const names = qobject_cast<const QBarCategoryAxis *>(axis);
         if (!names)

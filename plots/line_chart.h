@@ -31,9 +31,12 @@ QtCharts::QLineSeries *makeLine(const std::vector<float> &values, const QString 
 void setCategoryAxis(QtCharts::QChart *chart, const QStringList &names, const QString &title,
                      bool wholeRange);
 
-/// Widens a shown window until each name on its chart's X axis has room; a name without it is cut
-/// to dots.
-void makeRoomForNames(QMainWindow *window, const QtCharts::QChart &chart);
+/// Widens a shown window, up to a limit, until each name on its chart's X axis has room; a name
+/// without it is cut to dots.
+void makeRoomForNames(QMainWindow *window, const QtCharts::QChart &chart, int widest);
+
+/// A picture beyond this width opens in few programs.
+constexpr int widestPicture = 16000;
 
 /// Sets the title of the chart's Y axis, if it has one.
 void setValueTitle(QtCharts::QChart *chart, const QString &title);

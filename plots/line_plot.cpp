@@ -201,7 +201,7 @@ void LinePlot::showWhole()
                        ui->groupBox->minimumSizeHint().height() + ui->verticalLayout->spacing() +
                        margins.bottom();
     resize(width(), qMax(height(), needed));
-    makeRoomForNames(this, *chart);
+    makeRoomForNames(this, *chart, widestPicture);
 }
 
 QPixmap LinePlot::picture()

@@ -6,6 +6,7 @@
 #include "ui_timeseries_line_plot.h"
 
 #include <QDebug>
+#include <QScreen>
 #include <QtCharts/QLegend>
 
 using namespace QtCharts;
@@ -46,7 +47,14 @@ void TimeseriesLinePlot::finishPlot(QStringList categories)
 void TimeseriesLinePlot::showWhole()
 {
     show();
-    makeRoomForNames(this, *chart);
+    makeRoomForNames(this, *chart, widestPicture);
+}
+
+void TimeseriesLinePlot::showOnScreen()
+{
+    constexpr int anyScreen = 1114; // the plot per node begins with that
+    show();
+    makeRoomForNames(this, *chart, qMax(screen()->availableGeometry().width(), anyScreen));
 }
 
 QPixmap TimeseriesLinePlot::picture()

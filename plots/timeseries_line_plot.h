@@ -36,6 +36,9 @@ public:
 
     /// Shows the window so large that the names on the X axis are seen whole.
     void showWhole();
+    /// As showWhole, but no wider than the screen is. Up to the width at which the plot per node
+    /// begins it grows on any screen.
+    void showOnScreen();
     QPixmap picture(); ///< of the chart
 
 private:

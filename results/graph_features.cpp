@@ -190,7 +190,7 @@ void ConnectivityObjectUI::inspectGraphFeature(bool)
     const auto values = model->result(model->featureIndex(key)).value<FeatureValues>();
     if (model->feature(key).scalar) {
         const auto perSlice = values.empty() ? std::vector<float>() : values.front();
-        plotPerSlice(title, perSlice, subject(), this)->show();
+        plotPerSlice(title, perSlice, subject(), this)->showOnScreen();
     } else {
         plotPerNode(title, values, subject(), this)->show();
     }

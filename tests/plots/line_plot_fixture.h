@@ -19,8 +19,8 @@
 
 #include <gtest/gtest.h>
 
-/// The names on the X axis of a shown chart as they are read on it, without the invisible
-/// characters that tell them apart.
+/// The names on the X axis of a shown chart that are not empty, as they are read on it, without the
+/// invisible characters that tell them apart or fill them up.
 inline QStringList shownNames(const QtCharts::QChart &chart)
 {
     const auto *const axis =
@@ -29,9 +29,25 @@ inline QStringList shownNames(const QtCharts::QChart &chart)
     for (const QGraphicsItem *item : chart.scene()->items(Qt::AscendingOrder)) {
         const auto *const text = dynamic_cast<const QGraphicsTextItem *>(item);
         // Labels are turned as the axis says; its title is not.
-        if (text && axis && text->isVisible() && text->rotation() == axis->labelsAngle() &&
-            !text->toPlainText().isEmpty())
-            shown += text->toPlainText().remove(QChar(0x200b));
+        if (!text || !axis || !text->isVisible() || text->rotation() != axis->labelsAngle())
+            continue;
+        QString name = text->toPlainText().remove(QChar(0x200b));
+        while (name.endsWith(' '))
+            name.chop(1);
+        if (!name.isEmpty())
+            shown += name;
+    }
+    return shown;
+}
+
+/// The titles of a shown chart and of its axes as they are read on it.
+inline QStringList shownTitles(const QtCharts::QChart &chart)
+{
+    QStringList shown;
+    for (const QGraphicsItem *item : chart.scene()->items(Qt::AscendingOrder)) {
+        const auto *const text = dynamic_cast<const QGraphicsTextItem *>(item);
+        if (text && text->isVisible() && text->font().bold())
+            shown += text->toPlainText();
     }
     return shown;
 }

@@ -8,6 +8,7 @@
 #include <QMetaMethod>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QLegend>
@@ -431,6 +432,24 @@ TEST_F(LinePlotTest, names_are_shown_as_they_are_written)
     EXPECT_EQ(nameLabel(1)->text(), "Trigger: <i>cue</i>");
     EXPECT_GT(nameLabel(0)->sizeHint().width(),
               nameLabel(0)->fontMetrics().horizontalAdvance(QStringLiteral("<b>go")));
+}
+
+TEST_F(LinePlotTest, short_names_leave_the_axis_its_title)
+{
+    for (const QStringList &nodes :
+         {QStringList({"A", "B", "C"}), QStringList({"l", "i", "."}), QStringList({"1", "1", "1"}),
+          QStringList({"", "", ""}), QStringList({"iii", "ll", "<"}), QStringList({"W", "M", "@"}),
+          QStringList({"VOI 1", "VOI 2", "VOI 3"})}) {
+        LinePlot plot(QStringLiteral("Degree"));
+        plot.prepareChart();
+        plot.addSeries(wave(3), QString(), 0);
+        plot.finishPlot(nodes, false);
+        plot.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&plot));
+        const QChart &shown = *plot.findChild<QChartView *>()->chart();
+        EXPECT_TRUE(shownTitles(shown).contains("VOIs")) << qPrintable(nodes.join(", "));
+        EXPECT_EQ(shownNames(shown), QStringList(nodes).filter(QRegularExpression(".")));
+    }
 }
 
 TEST_F(LinePlotTest, a_constant_line_is_seen)

@@ -13,6 +13,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QTest>
 #include <QtCharts/QBarCategoryAxis>
@@ -116,6 +117,17 @@ TEST_F(TimeseriesLinePlotTest, shows_names_as_they_are_written)
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     EXPECT_EQ(shownNames(*chart()), conditions);
+    expectPointsInPlotArea();
+}
+
+TEST_F(TimeseriesLinePlotTest, leaves_the_axis_its_title_beside_short_names)
+{
+    window.setSeries({1, 2, 3}, QString());
+    window.finishPlot({"A", "B", "A"});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_TRUE(shownTitles(*chart()).contains("Conditions"));
+    EXPECT_EQ(shownNames(*chart()), QStringList({"A", "B", "A"}));
     expectPointsInPlotArea();
 }
 
@@ -244,6 +256,31 @@ TEST_F(TimeseriesLinePlotTest, shows_its_names_whole_and_is_pictured_without_its
     EXPECT_GE(chart()->plotArea().width(), 50 * 24.0);
     EXPECT_EQ(window.height(), 600);
     EXPECT_EQ(window.picture().toImage(), view()->grab().toImage());
+}
+
+TEST_F(TimeseriesLinePlotTest, is_shown_with_its_names_whole_where_the_screen_has_room)
+{
+    struct Row {
+        int conditions;
+        int width; ///< that it must not pass
+    };
+    const int widest = qMax(QApplication::primaryScreen()->availableGeometry().width(), 1114);
+    for (const Row &row : {Row{3, 800}, Row{12, 860}, Row{20, 1114}, Row{1000, widest}}) {
+        TimeseriesLinePlot plot(QStringLiteral("Global Efficiency"));
+        plot.prepareChart();
+        QStringList conditions;
+        for (int slice = 0; slice < row.conditions; ++slice)
+            conditions += QStringLiteral("Faces %1").arg(slice);
+        plot.setSeries(std::vector<float>(std::size_t(row.conditions), 0.5f), QString());
+        plot.finishPlot(conditions);
+        plot.showOnScreen();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&plot));
+        QCoreApplication::processEvents();
+        EXPECT_LE(plot.width(), row.width) << row.conditions;
+        EXPECT_GE(plot.width(), 800) << row.conditions;
+        const QChart &shown = *plot.findChild<QChartView *>()->chart();
+        EXPECT_EQ(shownNames(shown) == conditions, row.conditions < 1000) << row.conditions;
+    }
 }
 
 TEST_F(TimeseriesLinePlotTest, declares_no_signals_and_slots)

@@ -8,6 +8,7 @@
 #include "results/feature_values.h"
 #include "results/graph_features_model.h"
 #include "tests/nodalis/reference_data.h"
+#include "tests/plots/line_plot_fixture.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -479,6 +480,24 @@ TEST_F(GraphFeatures, GlobalEfficiencyOfSeveralIntervalsRepeatsThatOfTheFirst)
     const QString again = QStringLiteral("rest") + QChar(0x200b); // keeps a place of its own
     EXPECT_EQ(categoriesOf(*plot), QStringList({"rest", "task", again}));
     EXPECT_TRUE(windows<LinePlot>().isEmpty());
+}
+
+TEST_F(GraphFeatures, PlotOverManyConditionsIsWideEnoughForTheirNames)
+{
+    QVector<Interval> intervals;
+    QStringList names;
+    for (int slice = 0; slice < 20; ++slice) {
+        names += QStringLiteral("Faces %1").arg(slice);
+        intervals.append({1 + 10 * slice, names.last()});
+    }
+    setIntervals(intervals);
+    compute("global_efficiency");
+    inspect("global_efficiency");
+    auto *const plot = window<TimeseriesLinePlot>();
+    ASSERT_NE(plot, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(plot));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shownNames(*chartOf(*plot)), names);
 }
 
 TEST_F(GraphFeatures, GlobalEfficiencyOfOneIntervalIsShownNowhere)
