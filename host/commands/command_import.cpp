@@ -93,7 +93,9 @@ int run(const QStringList &arguments)
          QStringLiteral("The functional run: 4-D NIfTI, also packed (.nii.gz)."), file},
         {QStringLiteral("atlas"), QStringLiteral("An image of labels; each becomes a VOI."), file},
         {QStringLiteral("labels"),
-         QStringLiteral("The names of the labels: a TSV table with index and name."), file},
+         QStringLiteral("The names of the labels: a TSV table with index and name, or a colour "
+                        "table."),
+         file},
         {QStringLiteral("events"),
          QStringLiteral("The events of the run: a TSV table with onset, duration and "
                         "trial_type."),
@@ -106,7 +108,8 @@ int run(const QStringList &arguments)
          QStringLiteral("The repetition time, instead of the one in the header."),
          QStringLiteral("seconds")},
         {QStringLiteral("voi-grid"),
-         QStringLiteral("Voxels of the VOIs: one for each functional sample, or each of 1 mm."),
+         QStringLiteral("Voxels of the VOIs: one for each functional sample, or each of 1 mm, by "
+                        "which a VOI's mean weighs its samples unequally and is less precise."),
          QStringLiteral("functional|anatomy"), QStringLiteral("functional")},
         {QStringLiteral("name"),
          QStringLiteral("The name of the files, instead of that of the run."),

@@ -68,6 +68,65 @@ QString conditionName(const TsvTable &table, int row, int column)
     return name == notAvailable() ? QString() : name;
 }
 
+/// A list that may be long: the first three and how many more there are.
+QString firstOf(const QStringList &all)
+{
+    constexpr int shown = 3;
+    const QString first = QStringList(all.mid(0, shown)).join(QStringLiteral(", "));
+    return all.size() > shown ? QStringLiteral("%1 and %2 more").arg(first).arg(all.size() - shown)
+                              : first;
+}
+
+/// "1 event is", "12 events are"
+QString counted(const char *thing, int count, const char *one, const char *many)
+{
+    return count == 1 ? QStringLiteral("1 %1 %2").arg(QLatin1String(thing), QLatin1String(one))
+                      : QStringLiteral("%1 %2s %3")
+                            .arg(QString::number(count), QLatin1String(thing), QLatin1String(many));
+}
+
+/// Rows that share a reason to be told.
+struct ToldRows {
+    QString reason;
+    QStringList rows;
+};
+
+/// Rows that are skipped, by their reasons in the order in which these come up.
+class SkippedRows
+{
+public:
+    void add(const QString &reason, const QString &row)
+    {
+        const auto found = std::find_if(m_told.begin(), m_told.end(), [&](const ToldRows &told) {
+            return told.reason == reason;
+        });
+        if (found == m_told.end())
+            m_told.push_back({reason, {row}});
+        else
+            found->rows += row;
+    }
+
+    QStringList notes(const QString &path) const
+    {
+        QStringList notes;
+        for (const ToldRows &told : m_told)
+            notes +=
+                QStringLiteral("%1: %2 skipped, %3: %4")
+                    .arg(printable(path, 4096), counted("event", told.rows.size(), "is", "are"),
+                         told.reason, firstOf(told.rows));
+        return notes;
+    }
+
+private:
+    std::vector<ToldRows> m_told;
+};
+
+/// "line 2 (onset -3 s)"
+QString rowWithOnset(const Event &event)
+{
+    return QStringLiteral("%1 (onset %2)").arg(event.place, seconds(event.onset));
+}
+
 struct Interval {
     QString condition;
     int number; ///< of the condition
@@ -119,16 +178,14 @@ QStringList overlapNotes(const std::vector<Interval> &intervals)
     }
     if (count == 0)
         return {};
-    return {QStringLiteral("protocol: %1 begin before an earlier one has ended, first %2")
-                .arg(count == 1 ? QStringLiteral("1 interval")
-                                : QStringLiteral("%1 intervals").arg(count),
-                     first)};
+    return {QStringLiteral("protocol: %1 before an earlier one has ended, first %2")
+                .arg(counted("interval", count, "begins", "begin"), first)};
 }
 
 /// Of intervals with the same start the first one of the last condition keeps the slice.
 QStringList equalStartNotes(const std::vector<Interval> &intervals)
 {
-    QStringList notes;
+    QStringList losers;
     for (std::size_t begin = 0, end = 0; begin < intervals.size(); begin = end) {
         end = endOfEqualStarts(intervals, begin);
         std::size_t winner = begin;
@@ -137,11 +194,13 @@ QStringList equalStartNotes(const std::vector<Interval> &intervals)
                 winner = i;
         for (std::size_t i = begin; i < end; ++i)
             if (i != winner)
-                notes += QStringLiteral("protocol: %1 has no slice of its own: %2 begins at the "
-                                        "same volume")
-                             .arg(intervals[i].text(), intervals[winner].text());
+                losers += QStringLiteral("%1 beside %2")
+                              .arg(intervals[i].text(), intervals[winner].text());
     }
-    return notes;
+    if (losers.isEmpty())
+        return {};
+    return {QStringLiteral("protocol: %1 no slice, since another begins at the same volume: %2")
+                .arg(counted("interval", losers.size(), "gets", "get"), firstOf(losers))};
 }
 
 /// Plugins read names as at most 255 characters of Latin-1.
@@ -187,17 +246,16 @@ QStringList mixNotes(const Prt &prt)
 EventsTable readEvents(const QString &path, QStringList &notes)
 {
     const TsvTable table(path);
+    notes += table.notes();
     const int onsetColumn = table.requiredColumn(QStringLiteral("onset"));
     const int durationColumn = table.requiredColumn(QStringLiteral("duration"));
     const int conditionColumn = table.column(QStringLiteral("trial_type"));
 
     EventsTable result;
     result.path = path;
+    SkippedRows skipped;
     for (int row = 0; row < table.rowCount(); ++row) {
-        const auto skip = [&](const QString &why) {
-            notes += QStringLiteral("%1: %2: %3: the event is skipped")
-                         .arg(printable(path, 4096), table.place(row), why);
-        };
+        const QString place = table.place(row);
         const QString condition = conditionName(table, row, conditionColumn);
         if (!condition.isEmpty() && !result.conditions.contains(condition))
             result.conditions += condition;
@@ -207,16 +265,15 @@ EventsTable readEvents(const QString &path, QStringList &notes)
             throw InputError(path, table.place(row, durationColumn), seconds(*duration),
                              QStringLiteral("0 or more"));
         if (!onset)
-            skip(QStringLiteral("no onset (n/a)"));
+            skipped.add(QStringLiteral("no onset (n/a)"), place);
         else if (!duration)
-            skip(QStringLiteral("no duration (n/a)"));
+            skipped.add(QStringLiteral("no duration (n/a)"), place);
         else if (condition.isEmpty())
-            skip(QStringLiteral("no trial_type (n/a)"));
-        else if (*onset < 0)
-            skip(QStringLiteral("onset %1, before the first volume").arg(seconds(*onset)));
+            skipped.add(QStringLiteral("no trial_type (n/a)"), place);
         else
-            result.events.push_back({condition, *onset, *duration, table.place(row)});
+            result.events.push_back({condition, *onset, *duration, place});
     }
+    notes += skipped.notes(path);
     return result;
 }
 
@@ -234,23 +291,31 @@ Prt protocolFromEvents(const EventsTable &table, const QString &name, double rep
     prt.name = name;
     for (const QString &condition : table.conditions)
         prt.conditions.push_back({condition, {}});
+    SkippedRows skipped;
+    QStringList cut;
     for (const Event &event : table.events) {
         const VolumeInterval interval = volumesOfEvent(event.onset, event.duration, repetitionTime);
-        const QString place = printable(table.path, 4096) + QStringLiteral(": ") + event.place;
+        if (interval.from < 1) {
+            skipped.add(QStringLiteral("before the first volume"), rowWithOnset(event));
+            continue;
+        }
         if (interval.from > volumes) {
-            notes += QStringLiteral("%1: onset %2, behind the last of %3 volumes: the event is "
-                                    "skipped")
-                         .arg(place, seconds(event.onset), QString::number(volumes));
+            skipped.add(QStringLiteral("behind the last of %1 volumes").arg(volumes),
+                        rowWithOnset(event));
             continue;
         }
         if (interval.to > volumes)
-            notes += QStringLiteral("%1: %2 runs past the last of %3 volumes and is cut there")
-                         .arg(place, intervalText(event.condition, interval.from, interval.to),
-                              QString::number(volumes));
+            cut += QStringLiteral("%1 (%2)").arg(
+                event.place, intervalText(event.condition, interval.from, interval.to));
         prt.conditions[table.conditions.indexOf(event.condition)].intervals.emplace_back(
             static_cast<int>(interval.from),
             static_cast<int>(std::min(interval.to, double(volumes))));
     }
+    notes += skipped.notes(table.path);
+    if (!cut.isEmpty())
+        notes += QStringLiteral("%1: %2 cut at the last of %3 volumes: %4")
+                     .arg(printable(table.path, 4096), counted("event", cut.size(), "is", "are"),
+                          QString::number(volumes), firstOf(cut));
     for (const PrtCondition &condition : prt.conditions)
         if (condition.intervals.empty())
             notes += QStringLiteral("protocol: condition %1 has no interval")

@@ -16,7 +16,7 @@ namespace corvane
 /// One row of the table that can be used.
 struct Event {
     QString condition;
-    double onset;    ///< seconds from the first stored volume, 0 or more
+    double onset;    ///< seconds from the first stored volume, below 0 for one before it
     double duration; ///< seconds, 0 or more
     QString place;   ///< of the row in the file
 };
@@ -29,8 +29,8 @@ struct EventsTable {
 
 /// Reads a table with the columns "onset" and "duration" and, if there is one, "trial_type", which
 /// names the condition; without it the file's name does. Rows without an onset, a duration or a
-/// condition ("n/a") and rows that begin before the first volume are skipped, each with a line in
-/// `notes`. Throws InputError for anything that is no time.
+/// condition ("n/a") are skipped, with one line in `notes` for each of these reasons. Throws
+/// InputError for anything that is no time.
 EventsTable readEvents(const QString &path, QStringList &notes);
 
 /// The first and last volume of an event, counted from 1: from the volume in which it begins to the
@@ -42,8 +42,9 @@ struct VolumeInterval {
 };
 VolumeInterval volumesOfEvent(double onset, double duration, double repetitionTime);
 
-/// The protocol of a run. Intervals that run past the last volume are cut, those behind it are
-/// skipped; both are said in `notes`, and so is all that protocolNotes finds.
+/// The protocol of a run. Intervals that run past the last volume are cut, those behind it and
+/// those that begin before the first are skipped. Each of these is said in one line of `notes`, and
+/// so is all that protocolNotes finds.
 Prt protocolFromEvents(const EventsTable &table, const QString &name, double repetitionTime,
                        int volumes, QStringList &notes);
 

@@ -5,9 +5,11 @@
 #include "host/files/nifti_stream.h"
 #include "host/files/output_file.h"
 #include "host/files/sample_conversion.h"
+#include "host/files/text_check.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cmath>
 #include <itkImageFileReader.h>
 #include <itkNrrdImageIO.h>
@@ -176,20 +178,27 @@ Image3d<Value> readAny(const QString &path, QStringList &notes)
     return readNifti<Value>(path, notes);
 }
 
+/// Distance from a whole number within which a value is that label: scaled samples are not exact.
+constexpr double labelTolerance = 1e-3;
+
+/// Not a number is the background.
 qint32 checkedLabel(double value, const Image3d<double> &image, std::size_t index,
                     const QString &path)
 {
-    // Not a number fails the first comparison.
-    if (value >= std::numeric_limits<qint32>::min() &&
-        value <= std::numeric_limits<qint32>::max() && value == std::floor(value))
-        return static_cast<qint32>(value);
+    if (std::isnan(value))
+        return 0;
+    const double nearest = std::round(value);
+    if (nearest >= std::numeric_limits<qint32>::min() &&
+        nearest <= std::numeric_limits<qint32>::max() &&
+        std::abs(value - nearest) <= labelTolerance)
+        return static_cast<qint32>(nearest);
     const auto voxel = static_cast<qint64>(index);
     throw InputError(path,
                      QStringLiteral("voxel (%1, %2, %3)")
                          .arg(voxel % image.size[0])
                          .arg(voxel / image.size[0] % image.size[1])
                          .arg(voxel / image.size[0] / image.size[1]),
-                     QStringLiteral("label %1").arg(value),
+                     QStringLiteral("label ") + QString::fromLatin1(shortestDecimal(value)),
                      QStringLiteral("a whole number of 32 bits"));
 }
 
@@ -210,6 +219,12 @@ Image3d<qint32> readLabels(const QString &path, QStringList &notes)
     labels.voxels.reserve(values.voxels.size());
     for (std::size_t i = 0; i < values.voxels.size(); ++i)
         labels.voxels.push_back(checkedLabel(values.voxels[i], values, i, path));
+    const auto broken = std::count_if(values.voxels.begin(), values.voxels.end(),
+                                      [](double value) { return std::isnan(value); });
+    if (broken > 0)
+        notes += QStringLiteral("%1: %2 voxels hold no number: they count as background")
+                     .arg(printable(path, 4096))
+                     .arg(broken);
     return labels;
 }
 

@@ -14,7 +14,8 @@ namespace corvane
 /// axes.
 Image3d<float> readImage(const QString &path, QStringList &notes);
 
-/// Likewise for labels: whole numbers of 32 bits. Throws InputError for any other value.
+/// Likewise for labels: whole numbers of 32 bits, to a thousandth, since scaled samples are not
+/// exact. Not a number counts as 0, which is said. Throws InputError for any other value.
 Image3d<qint32> readLabels(const QString &path, QStringList &notes);
 
 } // namespace corvane

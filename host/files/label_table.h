@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <map>
 #include <optional>
 
@@ -16,16 +17,23 @@ struct Colour {
 };
 
 struct LabelEntry {
-    QString name;
+    QString name; ///< empty when it has none
     std::optional<Colour> colour;
 };
 
 /// Names of the labels of an atlas, by label. Label 0 is the background and has none.
 using LabelTable = std::map<qint32, LabelEntry>;
 
-/// Reads a table of tab-separated text with the columns "index" and "name", or in older files
-/// "label" in its place; "color", as "#RRGGBB", if there is one. A name that is not given is the
-/// number. Throws InputError, also for an index that comes twice.
-LabelTable readLabelTable(const QString &path);
+/// Reads the names of labels, and their colours where there are any, in one of two forms:
+///
+/// - tab-separated text with the columns "index" and "name", or in older files "label" in its
+///   place. Colours stand in a column "color" as "#RRGGBB", "RRGGBB", "#RGB" or "#RRGGBBAA", or in
+///   columns for red, green and blue. A name that is empty or "n/a" is none.
+/// - a colour table: index, name, red, green, blue and alpha with blanks between them in each line,
+///   and no line of names.
+///
+/// A colour that is not understood is none. What was skipped is appended to `notes`. Throws
+/// InputError, also for an index that comes twice.
+LabelTable readLabelTable(const QString &path, QStringList &notes);
 
 } // namespace corvane

@@ -2,11 +2,6 @@
 #include "host/files/tsv_table.h"
 
 #include "host/files/input_error.h"
-#include "host/files/input_file.h"
-#include "host/files/limits.h"
-#include "host/files/text_check.h"
-
-#include <optional>
 
 namespace corvane
 {
@@ -14,44 +9,56 @@ namespace corvane
 namespace
 {
 
+/// A text without the quotation marks around it, those inside it being doubled.
+QString unquoted(const QString &text)
+{
+    const QLatin1Char mark('"');
+    if (text.size() < 2 || !text.startsWith(mark) || !text.endsWith(mark))
+        return text;
+    return text.mid(1, text.size() - 2)
+        .replace(QLatin1String("\"\""), QLatin1String("\""))
+        .trimmed();
+}
+
 QStringList cells(const QString &line)
 {
     QStringList result = line.split(QLatin1Char('\t'));
     for (QString &cell : result)
-        cell = cell.trimmed();
+        cell = unquoted(cell.trimmed());
     return result;
 }
 
 } // namespace
 
-TsvTable::TsvTable(const QString &path) : m_path(path)
+TsvTable::TsvTable(const QString &path) : TsvTable(path, readTextLines(path)) {}
+
+TsvTable::TsvTable(const QString &path, const std::vector<TextLine> &lines) : m_path(path)
 {
-    const InputFile file(path);
-    QByteArray bytes = file.all(largestTable);
-    if (bytes.startsWith("\xef\xbb\xbf"))
-        bytes = bytes.mid(3);
-    int number = 0;
-    for (const QByteArray &lineBytes : bytes.split('\n')) {
-        ++number;
-        const QString place = QStringLiteral("line %1").arg(number);
-        const std::optional<QString> line = fromStrictUtf8(lineBytes);
-        if (!line || line->contains(QChar(0)))
-            throw InputError(path, place, quoted(lineBytes), QStringLiteral("text in UTF-8"));
-        if (line->trimmed().isEmpty())
+    int comments = 0;
+    for (const TextLine &line : lines) {
+        if (m_columns.isEmpty() && isComment(line.text)) {
+            ++comments;
             continue;
-        const QStringList found = cells(*line);
+        }
+        const QStringList found = cells(line.text);
         if (m_columns.isEmpty())
             m_columns = found;
         else if (found.size() == m_columns.size())
-            m_rows.push_back({number, found});
+            m_rows.push_back({line.number, found});
         else
-            throw InputError(path, place, QStringLiteral("%1 cells").arg(found.size()),
+            throw InputError(path, QStringLiteral("line %1").arg(line.number),
+                             QStringLiteral("%1 cells").arg(found.size()),
                              QStringLiteral("%1, one for each column, with tabs between them")
                                  .arg(m_columns.size()));
     }
     if (m_columns.isEmpty())
         throw InputError(path, QStringLiteral("content"), QStringLiteral("no line"),
                          QStringLiteral("a line with the names of the columns"));
+    if (comments > 0)
+        m_notes += QStringLiteral("%1: comments above the names of the columns are skipped, %2 "
+                                  "lines")
+                       .arg(printable(path, 4096))
+                       .arg(comments);
 }
 
 int TsvTable::requiredColumn(const QString &name) const

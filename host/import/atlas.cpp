@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace corvane
@@ -120,6 +121,26 @@ QString labelText(qint32 label, const Region &region)
     return QStringLiteral("%1 %2").arg(QString::number(label), quoted(region.voi.name));
 }
 
+bool hasName(const LabelTable &table, qint32 label)
+{
+    const auto entry = table.find(label);
+    return entry != table.end() && !entry->second.name.isEmpty();
+}
+
+void noteNameless(const Regions &regions, const LabelTable &table, const QString &path,
+                  QStringList &notes)
+{
+    QStringList nameless;
+    for (const auto &entry : regions)
+        if (!hasName(table, entry.first))
+            nameless += QString::number(entry.first);
+    if (!nameless.isEmpty())
+        notes += QStringLiteral("%1: %2 labels have no name in the table, their VOIs are named by "
+                                "their numbers: %3")
+                     .arg(printable(path, 4096), QString::number(nameless.size()),
+                          nameless.join(QStringLiteral(", ")));
+}
+
 void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
 {
     QStringList missing;
@@ -144,6 +165,49 @@ void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
                      missing.join(QStringLiteral(", ")));
 }
 
+/// How often each sample of the run counts in a mean over a VOI.
+std::vector<double> sampleWeights(const Voi &voi, const FunctionalGrid &grid)
+{
+    std::vector<std::array<int, 3>> points;
+    points.reserve(voi.voxels.size());
+    for (const std::array<int, 3> &voxel : voi.voxels)
+        if (const auto point = grid.recordedPoint(Eigen::Vector3d(voxel[0], voxel[1], voxel[2])))
+            points.push_back(*point);
+    std::sort(points.begin(), points.end());
+    std::vector<double> weights;
+    for (std::size_t n = 0; n < points.size(); ++n) {
+        if (n == 0 || points[n] != points[n - 1])
+            weights.push_back(0);
+        ++weights.back();
+    }
+    return weights;
+}
+
+/// A mean with the weights w is as precise as one with equal weights of (sum w)^2 / sum w^2
+/// samples.
+QStringList precisionNotes(const VoiSet &set, const FunctionalGrid &grid, const QString &path)
+{
+    double samples = 0;
+    double equalSamples = 0;
+    for (const Voi &voi : set.vois) {
+        double sum = 0;
+        double squares = 0;
+        for (const double weight : sampleWeights(voi, grid)) {
+            sum += weight;
+            squares += weight * weight;
+            ++samples;
+        }
+        if (squares > 0)
+            equalSamples += sum * sum / squares;
+    }
+    if (equalSamples > samples * (1 - 1e-9))
+        return {};
+    return {QStringLiteral("%1: VOIs of 1 mm voxels weigh the run's samples unequally: their means "
+                           "are as precise as those of %2 % of the samples")
+                .arg(printable(path, 4096))
+                .arg(std::lround(100 * equalSamples / samples))};
+}
+
 } // namespace
 
 VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
@@ -153,23 +217,17 @@ VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
     Regions regions;
     const Eigen::Affine3d cubeToAtlas = atlas.toWorld.inverse() * cubeToWorld;
     countVoxels(atlas, cubeToAtlas.inverse(), grid, path, regions);
-    if (!table.empty())
-        for (const auto &[label, region] : regions)
-            if (table.count(label) == 0)
-                notes += QStringLiteral("%1: label %2 has no name in the table: its VOI is named "
-                                        "\"%2\"")
-                             .arg(printable(path, 4096))
-                             .arg(label);
     for (const auto &entry : table)
         regions[entry.first];
+    if (!table.empty())
+        noteNameless(regions, table, path, notes);
     collectVoxels(atlas, cubeToAtlas, grid, voiGrid, regions);
 
     VoiSet set;
     for (auto &[label, region] : regions) {
         const auto entry = table.find(label);
-        const bool isNamed = entry != table.end();
-        region.voi.name = isNamed ? entry->second.name : QString::number(label);
-        const Colour colour = isNamed && entry->second.colour
+        region.voi.name = hasName(table, label) ? entry->second.name : QString::number(label);
+        const Colour colour = entry != table.end() && entry->second.colour
                                   ? *entry->second.colour
                                   : nthColour(static_cast<int>(set.vois.size()));
         region.voi.r = colour.r;
@@ -180,6 +238,8 @@ VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
             counts->push_back(region);
     }
     noteLosses(regions, path, notes);
+    if (voiGrid == VoiGrid::Anatomy)
+        notes += precisionNotes(set, grid, path);
     return set;
 }
 

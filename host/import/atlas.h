@@ -11,7 +11,8 @@ namespace corvane
 {
 
 /// Which voxels a VOI is made of: one for each lattice point of the run, so that a mean weighs each
-/// functional voxel once, or every cube voxel of 1 mm.
+/// functional voxel once, or every cube voxel of 1 mm, so that it weighs them by how much of them
+/// lies in the VOI, which costs precision.
 enum class VoiGrid { Functional, Anatomy };
 
 /// What becomes of a label: its voxels in the atlas, and those of them where the run has samples

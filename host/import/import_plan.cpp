@@ -226,7 +226,7 @@ ImportPlan planImport(const ImportRequest &request)
     const EventsTable events =
         request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
     const LabelTable labels =
-        request.labels.isEmpty() ? LabelTable() : readLabelTable(request.labels);
+        request.labels.isEmpty() ? LabelTable() : readLabelTable(request.labels, plan.notes);
 
     Image3d<float> image = readImage(request.anatomy, plan.notes);
     const Anatomy anatomy = resampleAnatomy(image, request.anatomy, plan.notes);

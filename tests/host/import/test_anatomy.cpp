@@ -370,8 +370,12 @@ TEST(ImageReader, RefusesWhatIsNoLabel)
     const TemporaryFolder folder;
     const QString file = folder.path("a.nii");
     QStringList notes;
-    for (const auto &[value, text] : std::vector<std::pair<float, std::string>>{
-             {1.5f, "1.5"}, {std::nanf(""), "nan"}, {3e9f, "3e+09"}}) {
+    for (const auto &[value, text] :
+         std::vector<std::pair<float, std::string>>{{1.5f, "1.5"},
+                                                    {1.001953125f, "1.001953125"},
+                                                    {-3.0019531f, "-3.001953125"},
+                                                    {INFINITY, "inf"},
+                                                    {3e9f, "3e+09"}}) {
         NiftiParts parts = smallAnatomy();
         setSamples(parts, std::vector<float>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, value, 11});
         putBytes(file, niftiBytes(parts));
@@ -379,6 +383,39 @@ TEST(ImageReader, RefusesWhatIsNoLabel)
                   file.toStdString() + ": voxel (1, 1, 1): found label " + text +
                       ", expected a whole number of 32 bits");
     }
+}
+
+TEST(ImageReader, TakesLabelsThatAreWholeToAThousandth)
+{
+    const TemporaryFolder folder;
+    const QString file = folder.path("a.nii");
+    QStringList notes;
+    // Bytes scaled by 1/255, as some programs write their labels: 1 is 1.0000000591.
+    NiftiParts parts = smallAnatomy();
+    parts.setSize({4, 1, 1});
+    parts.slope = 1.0 / 255;
+    setSamples(parts, std::vector<quint8>{0, 255, 0, 255});
+    putBytes(file, niftiBytes(parts));
+    EXPECT_EQ(readLabels(file, notes).voxels, (std::vector<qint32>{0, 1, 0, 1}));
+    parts.slope = 0;
+    setSamples(parts, std::vector<float>{2.0009f, 1.9991f, -3.0005f, 2147483520.0f});
+    putBytes(file, niftiBytes(parts));
+    EXPECT_EQ(readLabels(file, notes).voxels, (std::vector<qint32>{2, 2, -3, 2147483520}));
+    EXPECT_EQ(joined(notes), "");
+}
+
+TEST(ImageReader, TakesNotANumberForBackgroundAndSaysSoOnce)
+{
+    const TemporaryFolder folder;
+    const QString file = folder.path("a.nii");
+    NiftiParts parts = smallAnatomy();
+    parts.setSize({4, 1, 1});
+    setSamples(parts, std::vector<float>{std::nanf(""), 7, std::nanf(""), std::nanf("")});
+    putBytes(file, niftiBytes(parts));
+    QStringList notes;
+    EXPECT_EQ(readLabels(file, notes).voxels, (std::vector<qint32>{0, 7, 0, 0}));
+    EXPECT_EQ(joined(notes),
+              file.toStdString() + ": 3 voxels hold no number: they count as background");
 }
 
 class BadImage : public testing::TestWithParam<BadFile>

@@ -96,6 +96,24 @@ TEST(Atlas, OnTheAnatomysGridGivesEveryVoxelOfTheRun)
                   "VOI 5 \"5\": 64000 voxels in the atlas, 1728 of them inside the run")}));
 }
 
+TEST(Atlas, OnTheAnatomysGridTellsItsCostInPrecision)
+{
+    // All 27 voxels of one sample and one of its neighbour: 28 * 28 / (27 * 27 + 1) = 1.07 of 2.
+    Image3d<qint32> atlas = atlasOf(spaced(1, 90, 90, 90), {40, 40, 40});
+    for (int k = 12; k < 15; ++k)
+        for (int j = 12; j < 15; ++j)
+            for (int i = 12; i < 15; ++i)
+                at(atlas, i, j, k) = 5;
+    at(atlas, 15, 12, 12) = 5;
+    QStringList notes;
+    vois(atlas, {}, notes, VoiGrid::Anatomy);
+    EXPECT_EQ(joined(notes), "atlas.nii: VOIs of 1 mm voxels weigh the run's samples unequally: "
+                             "their means are as precise as those of 54 % of the samples");
+    notes.clear();
+    vois(atlas, {}, notes, VoiGrid::Functional);
+    EXPECT_EQ(joined(notes), "");
+}
+
 TEST(Atlas, OnTheAnatomysGridAgreesWithTheLoadOfAVoi)
 {
     // At an even resolution halves go upward: a voxel half way belongs to the upper sample.
@@ -233,7 +251,27 @@ TEST(Atlas, SaysLabelsThatTheTableDoesNotName)
     EXPECT_EQ(set.vois[0].name, QStringLiteral("5"));
     EXPECT_EQ(joined(notes),
               joined(QStringList{QStringLiteral(
-                  "atlas.nii: label 5 has no name in the table: its VOI is named \"5\"")}));
+                  "atlas.nii: 1 labels have no name in the table, their VOIs are named by their "
+                  "numbers: 5")}));
+}
+
+TEST(Atlas, NamesByNumberWhatTheTableGivesNoName)
+{
+    Image3d<qint32> atlas = atlasOf(spaced(3, 100, 100, 100), {4, 4, 4}, 1);
+    at(atlas, 0, 0, 0) = 2;
+    at(atlas, 1, 0, 0) = 3;
+    LabelTable table;
+    table[1].name = QStringLiteral("Named");
+    table[2].colour = Colour{1, 2, 3};
+    QStringList notes;
+    const VoiSet set = vois(atlas, table, notes);
+    ASSERT_EQ(set.vois.size(), 3U);
+    EXPECT_EQ(set.vois[1].name, QStringLiteral("2"));
+    EXPECT_EQ(set.vois[1].b, 3);
+    EXPECT_EQ(set.vois[2].name, QStringLiteral("3"));
+    EXPECT_EQ(joined(notes), joined(QStringList{QStringLiteral(
+                                 "atlas.nii: 2 labels have no name in the table, their VOIs are "
+                                 "named by their numbers: 2, 3")}));
 }
 
 TEST(Atlas, TakesColoursFromTheTableAndOthersApart)
