@@ -15,6 +15,7 @@ class QPushButton;
 class QComboBox;
 class QModelIndex;
 class Tessera_Plugin;
+struct ComputedMatrices;
 
 namespace Ui
 {
@@ -116,7 +117,7 @@ private:
     /// True, after a message, when a finished subject bears that name.
     bool refuseDuplicate(const QString &name);
     void addResult(const QSharedPointer<Subject> &subject, const QString &name,
-                   const std::vector<Eigen::MatrixXf> &matrices);
+                   const ComputedMatrices &computed);
 
     int currentSubject = -1; ///< row of the selected profile, -1 for "All"
     std::unique_ptr<Ui::Tessera> ui;

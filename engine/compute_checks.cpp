@@ -3,6 +3,7 @@
 
 #include "dataset/subject.h"
 #include "engine/assembly.h"
+#include "engine/compute_settings.h"
 
 #include <utility>
 
@@ -90,7 +91,10 @@ public:
     }
 
 private:
-    bool isPartial() const { return m_subject.measure() == 2; }
+    bool isPartial() const
+    {
+        return m_subject.measure() == static_cast<int>(ConnectivityMeasure::PartialCorrelation);
+    }
 
     QString nodeName(std::size_t node) const
     {

@@ -4,12 +4,10 @@
 #include "dataset/scoped_dialog.h"
 #include "dataset/tessera.h"
 #include "dataset/verbose_log.h"
-#include "engine/assembly.h"
 #include "engine/compute_error.h"
+#include "engine/compute_steps.h"
 #include "engine/connectivity_object.h"
 #include "engine/dumps.h"
-#include "engine/measures.h"
-#include "engine/sign_treatment.h"
 #include "plugin/host_log.h"
 #include "ui_tessera.h"
 
@@ -17,33 +15,20 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QtConcurrent>
-#include <nodalis/nodalis.h>
 
 #include <optional>
+#include <utility>
 
 namespace
 {
 
 using Matrices = std::vector<Eigen::MatrixXf>;
 
-MeasureFunction measureOf(const Subject &subject)
-{
-    switch (subject.measure()) {
-    case 1:
-        return correlationMatrix;
-    case 2:
-        return partialCorrelationMatrix;
-    default:
-        return {};
-    }
-}
-
 /// On the pool thread.
-Matrices work(const Subject *subject, const MeasureFunction &measure,
-              const Eigen::MatrixXf &timeseries)
+Matrices work(const Subject *subject, const Eigen::MatrixXf &timeseries)
 {
     try {
-        return connectivityWorker(subject, measure, timeseries);
+        return measureSlices(*subject, timeseries);
     } catch (const std::exception &error) {
         throw ComputeError(error.what());
     }
@@ -52,8 +37,7 @@ Matrices work(const Subject *subject, const MeasureFunction &measure,
 /// Runs the measure on a pool thread behind a modal progress dialog. Nothing when it was cancelled,
 /// or when the dialogs are gone; the worker has ended in every case. Throws ComputeError when the
 /// measure failed.
-std::optional<Matrices> computeBehindProgress(const Subject *subject,
-                                              const MeasureFunction &measure,
+std::optional<Matrices> measureBehindProgress(const Subject *subject,
                                               const Eigen::MatrixXf &timeseries, QWidget *parent)
 {
     const ScopedDialog progress(new QProgressDialog(parent));
@@ -68,7 +52,7 @@ std::optional<Matrices> computeBehindProgress(const Subject *subject,
     QObject::connect(&watcher, &Watcher::progressValueChanged, progress.get(),
                      &QProgressDialog::setValue);
 
-    watcher.setFuture(QtConcurrent::run(work, subject, measure, timeseries));
+    watcher.setFuture(QtConcurrent::run(work, subject, timeseries));
     progress->exec();
     // After a Cancel the worker still runs to its end.
     watcher.waitForFinished();
@@ -77,16 +61,22 @@ std::optional<Matrices> computeBehindProgress(const Subject *subject,
     return watcher.result();
 }
 
-/// Both treatment passes, with the dumps before, between and after them.
-void treat(Matrices &matrices, int matrixValues)
+void dumpStep(ComputeStep step, const Matrices &matrices)
 {
-    dumpMatrices(dump_names::connectivity, matrices);
-    for (Eigen::MatrixXf &matrix : matrices)
-        treatSigns(matrix, matrixValues);
-    dumpMatrices(dump_names::treatmentPass1, matrices);
-    for (Eigen::MatrixXf &matrix : matrices)
-        nodalis::treatment(matrix);
-    dumpMatrices(dump_names::treatmentPass2, matrices);
+    switch (step) {
+    case ComputeStep::Measure:
+        dumpMatrices(dump_names::connectivity, matrices);
+        break;
+    case ComputeStep::SignTreatment:
+        dumpMatrices(dump_names::treatmentPass1, matrices);
+        break;
+    case ComputeStep::Treatment:
+        dumpMatrices(dump_names::treatmentPass2, matrices);
+        break;
+    case ComputeStep::SpanningTrees:
+        dumpMatrices(dump_names::minimumSpanningTrees, matrices);
+        break;
+    }
 }
 
 } // namespace
@@ -118,18 +108,15 @@ void Tessera::computeSubjectConnectivity(int index)
     const Eigen::MatrixXf timeseries = subject->averagedTimeseries(selection);
     dumpTimeseries(timeseries);
 
-    std::optional<Matrices> matrices;
+    std::optional<Matrices> measured;
     try {
-        matrices = computeBehindProgress(subject.data(), measureOf(*subject), timeseries, this);
+        measured = measureBehindProgress(subject.data(), timeseries, this);
     } catch (const ComputeError &error) {
         logToHost("Plugin> The measure failed: %s. Nothing was computed for %s.", error.what(),
                   name.toUtf8().constData());
     }
-    if (!matrices)
-        return;
-
-    treat(*matrices, subject->matrixValues());
-    addResult(subject, name, *matrices);
+    if (measured)
+        addResult(subject, name, finishSlices(*subject, std::move(*measured), dumpStep));
 }
 
 bool Tessera::refuseDuplicate(const QString &name)
@@ -149,15 +136,13 @@ bool Tessera::refuseDuplicate(const QString &name)
 }
 
 void Tessera::addResult(const QSharedPointer<Subject> &subject, const QString &name,
-                        const std::vector<Eigen::MatrixXf> &matrices)
+                        const ComputedMatrices &computed)
 {
     auto *const object = new ConnectivityObject(name, this);
     object->setSubject(subject);
-    object->setMatrices(matrices);
-    if (subject->computeMst()) {
-        object->computeMinimumSpanningTrees();
-        dumpMatrices(dump_names::minimumSpanningTrees, object->mstMatrices());
-    }
+    object->setMatrices(computed.connectivity);
+    if (subject->computeMst())
+        object->setSpanningTrees(computed.trees);
     if (ui->chkBox_ShowResults->isChecked())
         object->showResults();
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/connectivity_object.h"
 
-#include "engine/spanning_trees.h"
-
 #include <utility>
 
 ConnectivityObject::ConnectivityObject(QString name, QObject *parent)
@@ -20,14 +18,17 @@ QMap<int, QString> ConnectivityObject::volumeNames() const
     return m_subject ? m_subject->protocol().volumeNames : QMap<int, QString>();
 }
 
-void ConnectivityObject::computeMinimumSpanningTrees()
+void ConnectivityObject::setSpanningTrees(SpanningTrees trees)
 {
-    if (m_mstComputed)
-        return;
-    SpanningTrees trees = spanningTrees(m_matrices);
     m_mstMatrices = std::move(trees.weights);
     m_mstTrees = std::move(trees.trees);
     m_mstComputed = true;
+}
+
+void ConnectivityObject::computeMinimumSpanningTrees()
+{
+    if (!m_mstComputed)
+        setSpanningTrees(spanningTrees(m_matrices));
 }
 
 void ConnectivityObject::connectivityObjectUIDestroyed(QObject *)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dataset/subject.h"
+#include "engine/spanning_trees.h"
 
 #include <Eigen/Core>
 #include <QMap>
@@ -48,7 +49,9 @@ public:
     /// Per matrix 1 where its spanning tree has a connection. Empty until the trees are computed.
     std::vector<Eigen::MatrixXi> mstTrees() const { return m_mstTrees; }
     bool mstComputed() const { return m_mstComputed; }
-    /// Takes the spanning tree of each matrix. Runs at most once.
+    /// Takes over the spanning tree of each matrix, computed before.
+    void setSpanningTrees(SpanningTrees trees);
+    /// Computes the spanning tree of each matrix, unless they are there.
     void computeMinimumSpanningTrees();
 
     /// Names of the slices by interval start, from the subject's protocol.

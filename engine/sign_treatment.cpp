@@ -1,19 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/sign_treatment.h"
 
-void treatSigns(Eigen::MatrixXf &matrix, int matrixValues)
+void treatSigns(Eigen::MatrixXf &matrix, MatrixValues values)
 {
-    switch (matrixValues) {
-    case 0:
+    switch (values) {
+    case MatrixValues::Absolute:
         matrix = matrix.cwiseAbs();
         break;
-    case 1:
+    case MatrixValues::Positive:
         matrix = matrix.unaryExpr([](float x) { return x >= 0.0f ? x : 0.0f; });
         break;
-    case 2:
+    case MatrixValues::Negative:
         matrix = matrix.unaryExpr([](float x) { return 0.0f > x ? x : 0.0f; }).cwiseAbs();
-        break;
-    default:
         break;
     }
 }

@@ -23,16 +23,27 @@ namespace corvane
 namespace
 {
 
-/// Position of an option's value among the values it may take.
-int chosen(const QCommandLineParser &parser, const QString &option, const QStringList &choices)
+template <typename Value, std::size_t Count>
+QStringList namesOf(const NamedValue<Value> (&values)[Count])
 {
-    const QString value = parser.value(option);
-    const int position = choices.indexOf(value);
-    if (position < 0) {
-        throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
-                             .arg(option, value, choices.join(QStringLiteral(", "))));
+    QStringList names;
+    for (const NamedValue<Value> &entry : values)
+        names += QLatin1String(entry.name);
+    return names;
+}
+
+/// The value that an option gives, of those that it may take.
+template <typename Value, std::size_t Count>
+Value chosen(const QCommandLineParser &parser, const QString &option,
+             const NamedValue<Value> (&values)[Count])
+{
+    const QString name = parser.value(option);
+    for (const NamedValue<Value> &entry : values) {
+        if (name == QLatin1String(entry.name))
+            return entry.value;
     }
-    return position;
+    throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
+                         .arg(option, name, namesOf(values).join(QStringLiteral(", "))));
 }
 
 /// The seeds of "all" or of a list of numbers: empty for all.
@@ -75,12 +86,8 @@ ComputeRequest requestOf(const QCommandLineParser &parser)
     request.prt = parser.value(QStringLiteral("prt"));
     request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
     request.seeds = seeds(parser.value(QStringLiteral("seeds")));
-    request.measure =
-        1 + chosen(parser, QStringLiteral("measure"),
-                   {QStringLiteral("correlation"), QStringLiteral("partial-correlation")});
-    request.matrixValues = chosen(
-        parser, QStringLiteral("values"),
-        {QStringLiteral("absolute"), QStringLiteral("positive"), QStringLiteral("negative")});
+    request.measure = chosen(parser, QStringLiteral("measure"), measureNames);
+    request.matrixValues = chosen(parser, QStringLiteral("values"), matrixValuesNames);
     request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
     request.plots = parser.isSet(QStringLiteral("plots"));
     return request;
@@ -105,9 +112,10 @@ int run(const QStringList &arguments)
          QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0."),
          QStringLiteral("all|0,3,5"), QStringLiteral("all")},
         {QStringLiteral("measure"), QStringLiteral("The connectivity measure."),
-         QStringLiteral("correlation|partial-correlation"), QStringLiteral("correlation")},
+         namesOf(measureNames).join(QLatin1Char('|')), QLatin1String(measureNames[0].name)},
         {QStringLiteral("values"), QStringLiteral("Which signs stay."),
-         QStringLiteral("absolute|positive|negative"), QStringLiteral("absolute")},
+         namesOf(matrixValuesNames).join(QLatin1Char('|')),
+         QLatin1String(matrixValuesNames[0].name)},
         {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/compute/compute.h"
 
-#include "engine/assembly.h"
-#include "engine/measures.h"
-#include "engine/sign_treatment.h"
-#include "engine/spanning_trees.h"
+#include "engine/compute_steps.h"
 #include "host/files/input_error.h"
 #include "host/session/workspace.h"
 #include "plugin/host_data.h"
 #include "plugin/host_functions.h"
 
 #include <QFileInfo>
-#include <nodalis/treatment.h>
 
 #include <stdexcept>
 #include <utility>
@@ -146,30 +142,24 @@ std::vector<ComputedNode> describeNodes(const Subject &subject, const LoadedVois
     return nodes;
 }
 
-/// From the node matrix to the finished slices, as the main dialog's compute does it.
+/// From the node matrix to the finished slices.
 std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::MatrixXf &timeseries)
 {
-    const MeasureFunction measure =
-        subject.measure() == 2 ? partialCorrelationMatrix : correlationMatrix;
-    std::vector<Eigen::MatrixXf> matrices = connectivityWorker(&subject, measure, timeseries);
-    for (Eigen::MatrixXf &matrix : matrices) {
-        treatSigns(matrix, subject.matrixValues());
-        nodalis::treatment(matrix);
-    }
-    const SpanningTrees trees = subject.computeMst() ? spanningTrees(matrices) : SpanningTrees{};
-
+    ComputedMatrices computed = finishSlices(subject, measureSlices(subject, timeseries));
     const QStringList names = subject.protocol().volumeNames.values();
     const QList<int> events = subject.protocol().volumeEvents.values();
     std::vector<ComputedSlice> slices;
-    for (std::size_t i = 0; i < matrices.size(); ++i) {
+    for (std::size_t i = 0; i < computed.connectivity.size(); ++i) {
         ComputedSlice slice;
         if (subject.useProtocol()) {
             slice.condition = names.value(static_cast<int>(i));
             slice.event = events.value(static_cast<int>(i)) != 0;
         }
-        slice.connectivity = std::move(matrices[i]);
-        if (subject.computeMst())
-            slice.mst = trees.weights[i];
+        slice.connectivity = std::move(computed.connectivity[i]);
+        if (subject.computeMst()) {
+            slice.mst = std::move(computed.trees.weights[i]);
+            slice.tree = std::move(computed.trees.trees[i]);
+        }
         slices.push_back(std::move(slice));
     }
     return slices;
@@ -187,8 +177,8 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     const OpenDocument document(session.workspace(), request.anatomy);
     const auto record = QSharedPointer<Subject>::create();
     Subject &subject = *record;
-    subject.setMeasure(request.measure);
-    subject.setMatrixValues(request.matrixValues);
+    subject.setMeasure(static_cast<int>(request.measure));
+    subject.setMatrixValues(static_cast<int>(request.matrixValues));
     subject.setComputeMst(request.computeMst);
     subject.setUseProtocol(request.useProtocol);
     subject.setDocumentId(document.position());

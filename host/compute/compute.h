@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dataset/subject.h"
+#include "engine/compute_settings.h"
 #include "host/session/session.h"
 
 #include <Eigen/Core>
@@ -26,8 +27,8 @@ struct ComputeRequest {
     QString prt; ///< empty: only the protocol that the VTC names
     bool useProtocol = false;
     QVector<int> seeds; ///< empty: all VOIs
-    int measure = 1;    ///< as in Subject
-    int matrixValues = 0;
+    ConnectivityMeasure measure = ConnectivityMeasure::Correlation;
+    MatrixValues matrixValues = MatrixValues::Absolute;
     bool computeMst = true;
     bool plots = false; ///< pictures beside the tables
 };
@@ -44,7 +45,9 @@ struct ComputedSlice {
     QString condition; ///< empty without protocol
     bool event = false;
     Eigen::MatrixXf connectivity; ///< after both treatment passes
-    Eigen::MatrixXf mst;          ///< weights of the tree, empty when not asked for
+    // Of its spanning tree, empty when not asked for.
+    Eigen::MatrixXf mst;  ///< the weights that it keeps
+    Eigen::MatrixXi tree; ///< 1 where it keeps one
 };
 
 struct ComputeResult {

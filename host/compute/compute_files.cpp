@@ -89,13 +89,11 @@ QJsonObject inputs(const ComputeRequest &request, const ComputeResult &result)
 
 QJsonObject settings(const ComputeRequest &request)
 {
-    static const QStringList values = {QStringLiteral("absolute"), QStringLiteral("positive"),
-                                       QStringLiteral("negative")};
-    return {{QStringLiteral("measure"), request.measure == 2 ? QStringLiteral("partial-correlation")
-                                                             : QStringLiteral("correlation")},
-            {QStringLiteral("values"), values.at(request.matrixValues)},
-            {QStringLiteral("spanning tree"), request.computeMst},
-            {QStringLiteral("use protocol"), request.useProtocol}};
+    return {
+        {QStringLiteral("measure"), QLatin1String(nameOf(request.measure, measureNames))},
+        {QStringLiteral("values"), QLatin1String(nameOf(request.matrixValues, matrixValuesNames))},
+        {QStringLiteral("spanning tree"), request.computeMst},
+        {QStringLiteral("use protocol"), request.useProtocol}};
 }
 
 QJsonObject versions()

@@ -21,9 +21,7 @@ namespace
 /// What the ring is to know of a slice besides its matrix: where its tree has edges.
 QVariantHash descriptionOf(const ComputedSlice &slice)
 {
-    std::vector<int> tree;
-    for (const float weight : slice.mst.reshaped())
-        tree.push_back(weight != 0.0f ? 1 : 0);
+    const std::vector<int> tree(slice.tree.data(), slice.tree.data() + slice.tree.size());
     return {{QStringLiteral("mst"), QVariant::fromValue(tree)}};
 }
 

@@ -177,7 +177,7 @@ TEST_P(ComputeCase, IsTheRoadOfTheEngine)
     ASSERT_EQ(series.cols(), 40);
     Eigen::MatrixXf expected =
         GetParam().measure == 1 ? correlationMatrix(series) : partialCorrelationMatrix(series);
-    treatSigns(expected, GetParam().values);
+    treatSigns(expected, static_cast<MatrixValues>(GetParam().values));
     nodalis::treatment(expected);
     ASSERT_EQ(objects().size(), 1);
     EXPECT_TRUE(same(object(0)->matrices().at(0), expected));
@@ -275,7 +275,7 @@ TEST_F(Compute, WithProtocolOneMatrixPerIntervalInOrderOfTime)
     const Eigen::MatrixXf series = subject(0).averagedTimeseries({0, 3, 5, 8});
     for (int slice = 0; slice < 3; ++slice) {
         Eigen::MatrixXf expected = correlationMatrix(series.middleCols(10 * slice, 10));
-        treatSigns(expected, 0);
+        treatSigns(expected, MatrixValues::Absolute);
         nodalis::treatment(expected);
         EXPECT_TRUE(same(result->matrices().at(slice), expected)) << slice;
     }
@@ -311,7 +311,7 @@ TEST_F(Compute, IntervalsBeyondTheRunAreCut)
     const std::size_t slices[] = {0, 2};
     for (int i = 0; i < 2; ++i) {
         Eigen::MatrixXf expected = correlationMatrix(series.middleCols(firsts[i], 10));
-        treatSigns(expected, 0);
+        treatSigns(expected, MatrixValues::Absolute);
         nodalis::treatment(expected);
         EXPECT_TRUE(same(result->matrices().at(slices[i]), expected)) << i;
     }
@@ -361,7 +361,7 @@ TEST_F(Compute, DumpsEveryStep)
     Eigen::MatrixXf matrix = correlationMatrix(series);
     expect("connectivity_ts.csv", series);
     expect("correlation_mtx_0.csv", matrix);
-    treatSigns(matrix, 0);
+    treatSigns(matrix, MatrixValues::Absolute);
     expect("correlation_mtx_0_treatment_pass_1.csv", matrix);
     nodalis::treatment(matrix);
     expect("correlation_mtx_0_treatment_pass_2.csv", matrix);

@@ -80,6 +80,18 @@ TEST(ConnectivityObject, TakesTheTreesOnce)
     EXPECT_EQ(object.matrices().at(0), triangle()) << "left as it was";
 }
 
+TEST(ConnectivityObject, KeepsTheTreesThatItIsGiven)
+{
+    ConnectivityObject object("Ann", nullptr);
+    object.setMatrices({triangle()});
+    const SpanningTrees trees = spanningTrees({2.0f * triangle()});
+    object.setSpanningTrees(trees);
+    EXPECT_TRUE(object.mstComputed());
+    object.computeMinimumSpanningTrees();
+    EXPECT_EQ(object.mstMatrices(), trees.weights) << "not computed again";
+    EXPECT_EQ(object.mstTrees(), trees.trees);
+}
+
 TEST(ConnectivityObject, TreesOfNothingAreComputedToo)
 {
     ConnectivityObject object("Ann", nullptr);

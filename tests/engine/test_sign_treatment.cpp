@@ -12,8 +12,13 @@ namespace
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float inf = std::numeric_limits<float>::infinity();
 
+constexpr auto absolute = MatrixValues::Absolute;
+constexpr auto positive = MatrixValues::Positive;
+constexpr auto negative = MatrixValues::Negative;
+constexpr auto unknown = static_cast<MatrixValues>(3);
+
 struct SignCase {
-    int matrixValues;
+    MatrixValues values;
     float before;
     float after;
 };
@@ -26,41 +31,45 @@ TEST_P(TreatSigns, TreatsEveryEntryAlike)
 {
     const SignCase c = GetParam();
     Eigen::MatrixXf matrix = Eigen::MatrixXf::Constant(2, 2, c.before);
-    treatSigns(matrix, c.matrixValues);
+    treatSigns(matrix, c.values);
     for (Eigen::Index i = 0; i < matrix.size(); ++i) {
         if (std::isnan(c.after))
             EXPECT_TRUE(std::isnan(matrix(i)));
         else
             EXPECT_EQ(matrix(i), c.after);
-        const bool known = c.matrixValues >= 0 && c.matrixValues <= 2;
+        const bool known = nameOf(c.values, matrixValuesNames) != nullptr;
         EXPECT_FALSE(known && matrix(i) < 0.0f);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Table, TreatSigns,
-    testing::Values(SignCase{0, -0.5f, 0.5f}, SignCase{0, 0.5f, 0.5f}, SignCase{0, nan, nan},
-                    SignCase{0, -inf, inf}, SignCase{0, 0.0f, 0.0f}, SignCase{1, -0.5f, 0.0f},
-                    SignCase{1, 0.5f, 0.5f}, SignCase{1, nan, 0.0f}, SignCase{1, 0.0f, 0.0f},
-                    SignCase{1, -inf, 0.0f}, SignCase{1, inf, inf}, SignCase{2, -0.5f, 0.5f},
-                    SignCase{2, 0.5f, 0.0f}, SignCase{2, nan, 0.0f}, SignCase{2, 0.0f, 0.0f},
-                    SignCase{2, -inf, inf}, SignCase{2, inf, 0.0f}, SignCase{3, -0.5f, -0.5f},
-                    SignCase{-1, -0.5f, -0.5f}, SignCase{3, nan, nan}));
+    testing::Values(SignCase{absolute, -0.5f, 0.5f}, SignCase{absolute, 0.5f, 0.5f},
+                    SignCase{absolute, nan, nan}, SignCase{absolute, -inf, inf},
+                    SignCase{absolute, 0.0f, 0.0f}, SignCase{positive, -0.5f, 0.0f},
+                    SignCase{positive, 0.5f, 0.5f}, SignCase{positive, nan, 0.0f},
+                    SignCase{positive, 0.0f, 0.0f}, SignCase{positive, -inf, 0.0f},
+                    SignCase{positive, inf, inf}, SignCase{negative, -0.5f, 0.5f},
+                    SignCase{negative, 0.5f, 0.0f}, SignCase{negative, nan, 0.0f},
+                    SignCase{negative, 0.0f, 0.0f}, SignCase{negative, -inf, inf},
+                    SignCase{negative, inf, 0.0f}, SignCase{unknown, -0.5f, -0.5f},
+                    SignCase{static_cast<MatrixValues>(-1), -0.5f, -0.5f},
+                    SignCase{unknown, nan, nan}));
 
 TEST(TreatSigns, NegativeOfMatrixWithoutNegativesIsZeroDiagonalIncluded)
 {
     Eigen::MatrixXf matrix(2, 2);
     matrix << 1.0f, 0.3f, 0.3f, 1.0f;
-    treatSigns(matrix, 2);
+    treatSigns(matrix, MatrixValues::Negative);
     EXPECT_EQ(matrix, Eigen::MatrixXf::Zero(2, 2));
 }
 
 TEST(TreatSigns, KeepsTheSizeOfAnEmptyMatrix)
 {
-    for (const int values : {0, 1, 2}) {
+    for (const auto &[values, name] : matrixValuesNames) {
         Eigen::MatrixXf matrix(0, 0);
         treatSigns(matrix, values);
-        EXPECT_EQ(matrix.size(), 0);
+        EXPECT_EQ(matrix.size(), 0) << name;
     }
 }
 

@@ -6,6 +6,8 @@
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/listened_session.h"
 
+#include <functional>
+
 namespace corvane
 {
 
@@ -82,6 +84,13 @@ TEST_F(ManyComputes, ThatFailCloseTheirDocumentToo)
     request.seeds = {7};
     EXPECT_NE(errorOf([&] { compute(host.session, request); }), "no error");
     EXPECT_EQ(host.session.workspace().documentType(0), ClosedDocument);
+}
+
+TEST_F(ManyComputes, FailWithAMeasureThatThereIsNotAsInTheDialog)
+{
+    Session session;
+    request.measure = static_cast<ConnectivityMeasure>(7);
+    EXPECT_THROW(compute(session, request), std::bad_function_call);
 }
 
 } // namespace corvane
