@@ -4,8 +4,8 @@
 #include <QString>
 #include <QtGlobal>
 
-/// Full path of the log file, empty until verbose logging starts. Never destroyed: the handler stays
-/// installed while the process ends.
+/// Full path of the log file, empty until verbose logging starts. Never destroyed: the handler
+/// stays installed while the process ends.
 extern QString &logFilePath;
 
 /// Message handler that appends each message to the log file as one line: debug and info messages

@@ -6,6 +6,8 @@
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/listened_session.h"
 
+#include <functional>
+
 namespace corvane
 {
 
