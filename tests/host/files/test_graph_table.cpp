@@ -218,7 +218,7 @@ TEST(GraphNotes, SayWhatTheMeasuresMakeOfTheMatrix)
     const QStringList notes = graphNotes(weights);
     ASSERT_EQ(notes.size(), 3);
     for (const QString &note : notes) {
-        EXPECT_TRUE(note.startsWith(QStringLiteral("1 pairs of nodes"))) << note.toStdString();
+        EXPECT_TRUE(note.startsWith(QStringLiteral("1 pair of nodes with "))) << note.toStdString();
     }
 }
 
