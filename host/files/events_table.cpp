@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/events_table.h"
 
+#include "dataset/counted.h"
 #include "host/files/input_error.h"
 #include "host/files/text_check.h"
 #include "host/files/tsv_table.h"
@@ -80,9 +81,7 @@ QString firstOf(const QStringList &all)
 /// "1 event is", "12 events are"
 QString counted(const char *thing, int count, const char *one, const char *many)
 {
-    return count == 1 ? QStringLiteral("1 %1 %2").arg(QLatin1String(thing), QLatin1String(one))
-                      : QStringLiteral("%1 %2s %3")
-                            .arg(QString::number(count), QLatin1String(thing), QLatin1String(many));
+    return ::counted(count, thing) + QLatin1Char(' ') + QLatin1String(count == 1 ? one : many);
 }
 
 /// Rows that share a reason to be told.

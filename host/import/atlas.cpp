@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/import/atlas.h"
 
+#include "dataset/counted.h"
 #include "host/files/input_error.h"
 
 #include <algorithm>
@@ -135,9 +136,9 @@ void noteNameless(const Regions &regions, const LabelTable &table, const QString
         if (!hasName(table, entry.first))
             nameless += QString::number(entry.first);
     if (!nameless.isEmpty())
-        notes += QStringLiteral("%1: %2 labels have no name in the table, their VOIs are named by "
-                                "their numbers: %3")
-                     .arg(printable(path, 4096), QString::number(nameless.size()),
+        notes += QStringLiteral("%1: %2 without a name in the table, whose VOIs are named by their "
+                                "numbers: %3")
+                     .arg(printable(path, 4096), counted(nameless.size(), "label"),
                           nameless.join(QStringLiteral(", ")));
 }
 

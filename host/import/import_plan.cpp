@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/import/import_plan.h"
 
+#include "dataset/counted.h"
 #include "host/files/events_table.h"
 #include "host/files/image_reader.h"
 #include "host/files/input_error.h"
@@ -81,9 +82,10 @@ double repetitionTime(const ImportRequest &request, const NiftiHeader &header, Q
     if (request.repetitionTime) {
         const double told = *request.repetitionTime;
         if (stored > 0 && stored != told)
-            notes += noteOn(path, QStringLiteral("the repetition time is %1 s as told, not %2 s as "
-                                                 "in the header")
-                                      .arg(decimal(told), decimal(stored)));
+            notes +=
+                noteOn(path, QStringLiteral("the repetition time is %1 s as given, not %2 s as "
+                                            "in the header")
+                                 .arg(decimal(told), decimal(stored)));
         return told;
     }
     if (stored == 0)
@@ -91,7 +93,7 @@ double repetitionTime(const ImportRequest &request, const NiftiHeader &header, Q
                          QStringLiteral("repetition time %1%2")
                              .arg(header.repetitionTime)
                              .arg(header.timeUnit == TimeUnit::NoTime
-                                      ? QStringLiteral(" in a unit that is none of time")
+                                      ? QStringLiteral(" in a unit that is not one of time")
                                       : QString()),
                          QStringLiteral("a time above 0, or --tr SECONDS"));
     if (header.timeUnit == TimeUnit::Unknown)
@@ -173,10 +175,11 @@ QString voiText(const VoiSet &set, VoiGrid grid)
         voxels += voi.voxels.size();
     const auto empty = std::count_if(set.vois.begin(), set.vois.end(),
                                      [](const Voi &voi) { return voi.voxels.empty(); });
-    return QStringLiteral("%1 VOIs, %2 %3 voxels, %4 VOIs empty")
-        .arg(QString::number(set.vois.size()), QString::number(voxels),
-             grid == VoiGrid::Functional ? QStringLiteral("functional") : QStringLiteral("1 mm"),
-             QString::number(empty));
+    const bool isFunctional = grid == VoiGrid::Functional;
+    return QStringLiteral("%1, %2, %3 empty")
+        .arg(counted(qint64(set.vois.size()), "VOI"),
+             counted(qint64(voxels), isFunctional ? "functional voxel" : "1 mm voxel"),
+             counted(empty, "VOI"));
 }
 
 QString protocolText(const Prt &protocol)
@@ -184,9 +187,8 @@ QString protocolText(const Prt &protocol)
     std::size_t intervals = 0;
     for (const PrtCondition &condition : protocol.conditions)
         intervals += condition.intervals.size();
-    return QStringLiteral("%1 conditions, %2 intervals")
-        .arg(protocol.conditions.size())
-        .arg(intervals);
+    return QStringLiteral("%1, %2").arg(counted(qint64(protocol.conditions.size()), "condition"),
+                                        counted(qint64(intervals), "interval"));
 }
 
 QString timeCourseText(const ImportPlan &plan)

@@ -95,7 +95,7 @@ void writeTimeCourse(const QString &path, const QString &protocol, const ImportP
     run.finish(notes);
     writer.commit();
     if (broken > 0)
-        notes += QStringLiteral("%1: %2 samples are no finite numbers: so are the means of VOIs "
+        notes += QStringLiteral("%1: %2 samples are not finite numbers, nor are the means of VOIs "
                                 "that hold them")
                      .arg(printable(run.path(), 4096))
                      .arg(broken);

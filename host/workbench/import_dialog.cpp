@@ -181,7 +181,7 @@ void ImportDialog::showPlan()
     const bool isName = isImportName(m_ui->name->text());
     m_import->setEnabled(isName && !m_ui->folder->path().isEmpty());
     if (!isName)
-        m_ui->state->setText(tr("The file name is missing, or it is none."));
+        m_ui->state->setText(tr("The name of the files is missing or cannot be used."));
     else if (m_ui->folder->path().isEmpty())
         m_ui->state->setText(m_ui->state->text() + tr(". Choose a folder to import into."));
 }

@@ -251,7 +251,7 @@ TEST(Atlas, SaysLabelsThatTheTableDoesNotName)
     EXPECT_EQ(set.vois[0].name, QStringLiteral("5"));
     EXPECT_EQ(joined(notes),
               joined(QStringList{QStringLiteral(
-                  "atlas.nii: 1 labels have no name in the table, their VOIs are named by their "
+                  "atlas.nii: 1 label without a name in the table, whose VOIs are named by their "
                   "numbers: 5")}));
 }
 
@@ -270,7 +270,7 @@ TEST(Atlas, NamesByNumberWhatTheTableGivesNoName)
     EXPECT_EQ(set.vois[1].b, 3);
     EXPECT_EQ(set.vois[2].name, QStringLiteral("3"));
     EXPECT_EQ(joined(notes), joined(QStringList{QStringLiteral(
-                                 "atlas.nii: 2 labels have no name in the table, their VOIs are "
+                                 "atlas.nii: 2 labels without a name in the table, whose VOIs are "
                                  "named by their numbers: 2, 3")}));
 }
 

@@ -584,7 +584,7 @@ TEST(Import, SaysItsDoubts)
                       samples[3000] = std::numeric_limits<float>::infinity();
                       setSamples(p, samples);
                   },
-                  "2 samples are no finite numbers: so are the means of VOIs that hold them"},
+                  "2 samples are not finite numbers, nor are the means of VOIs that hold them"},
              Case{"turned out of its box", oblique,
                   "lattice points lie outside what was recorded: their samples are 0 and no VOI "
                   "holds them"},
@@ -621,7 +621,7 @@ TEST(Import, TakesTheRepetitionTimeThatItIsTold)
     const ImportReport report = imported(place);
     EXPECT_EQ(joined(report.notes),
               place.request.functional.toStdString() +
-                  ": the repetition time is 0.72 s as told, not 2 s as in the header");
+                  ": the repetition time is 0.72 s as given, not 2 s as in the header");
     EXPECT_EQ(VtcFile(place.outputPath("sub.vtc")).info().repetitionTime, 0.72);
 
     NiftiParts parts = runParts();
@@ -897,7 +897,7 @@ std::vector<BadRun> badRuns()
          changedRun([](NiftiParts &p) { p.pixdim[4] = 0; }),
          "header, pixdim[4]: found repetition time 0, expected a time above 0, or --tr SECONDS"},
         {"RunCountedInHertz", "run.nii.gz", changedRun([](NiftiParts &p) { p.units = 2 | 32; }),
-         "header, pixdim[4]: found repetition time 2 in a unit that is none of time, expected"},
+         "header, pixdim[4]: found repetition time 2 in a unit that is not one of time, expected"},
         {"RunFarAway", "run.nii.gz", changedRun([](NiftiParts &p) { p.sform[2][3] = 5000; }),
          "position relative to the anatomy: found a run that covers voxels"},
         {"EmptyAnatomy", "anatomy.nii", "", "header: found an empty file, expected a NIfTI file"},

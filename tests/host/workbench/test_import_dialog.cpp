@@ -213,7 +213,7 @@ TEST_F(ImportDialogTest, TheLastInputCountsWhenItChangesDuringAPreview)
     EXPECT_TRUE(state().endsWith(QStringLiteral("one each 2.5 s"))) << state().toStdString();
     EXPECT_TRUE(dialog.findChild<QPlainTextEdit *>(QStringLiteral("notes"))
                     ->toPlainText()
-                    .contains(QStringLiteral("2.5 s as told")));
+                    .contains(QStringLiteral("2.5 s as given")));
 }
 
 } // namespace corvane
