@@ -24,7 +24,8 @@ int run(const QStringList &arguments)
     const auto matrix = QStringLiteral("MATRIX.csv");
     parser.addPositionalArgument(
         matrix,
-        QStringLiteral("Comma- or tab-separated numbers, with or without names around them."));
+        QStringLiteral("Numbers with commas, tabs, semicolons or blanks between them, with or "
+                       "without names around them."));
     parser.addOptions({
         {QStringLiteral("mst"), QStringLiteral("Also write the minimum spanning tree.")},
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
@@ -36,7 +37,7 @@ int run(const QStringList &arguments)
     const QString folder = requiredValue(parser, QStringLiteral("out"));
     const GraphTable graph = readGraphTable(parser.positionalArguments().front());
     writeGraphFiles(folder, graph, parser.isSet(QStringLiteral("mst")));
-    for (const QString &note : graphNotes(graph.weights))
+    for (const QString &note : graph.notes + graphNotes(graph.weights))
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());
     std::printf("%s: %s\n", folder.toUtf8().constData(),
                 counted(graph.weights.rows(), "node").toUtf8().constData());

@@ -41,6 +41,67 @@ QString place(const Row &row, std::size_t column)
 
 // ---- from bytes to cells
 
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == Cell::npos ? std::string_view()
+                               : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+/// A line up to its line feed, as far as it matters before its cells are known.
+struct Line {
+    std::string_view text;
+    const char *next; ///< behind its line feed
+
+    bool isComment() const { return !isEmpty() && trimmed(text).front() == '#'; }
+    bool isContent() const { return !isEmpty() && trimmed(text).front() != '#'; }
+
+private:
+    bool isEmpty() const { return trimmed(text).empty(); }
+};
+
+Line lineAt(const char *start, const char *end)
+{
+    const char *const stop = std::find(start, end, '\n');
+    return {std::string_view(start, static_cast<std::size_t>(stop - start)),
+            stop == end ? end : stop + 1};
+}
+
+/// Whether a sign stands in a line outside quotation marks.
+bool holds(std::string_view line, char sign)
+{
+    bool quoted = false;
+    for (const char c : line) {
+        quoted = quoted != (c == '"');
+        if (c == sign && !quoted)
+            return true;
+    }
+    return false;
+}
+
+/// What parts the cells: of tab, comma and semicolon the first that the first line holds; else
+/// blanks, if the second line has some as well (one alone may hold a name); else a comma.
+char separator(const char *start, const char *end)
+{
+    std::vector<Line> lines;
+    while (start != end && lines.size() < 2) {
+        const Line line = lineAt(start, end);
+        if (line.isContent())
+            lines.push_back(line);
+        start = line.next;
+    }
+    if (lines.empty())
+        return ',';
+    for (const char sign : {'\t', ',', ';'})
+        if (holds(lines.front().text, sign))
+            return sign;
+    const bool allHaveBlanks = std::all_of(lines.begin(), lines.end(), [](const Line &line) {
+        return holds(trimmed(line.text), ' ');
+    });
+    return allHaveBlanks ? ' ' : ',';
+}
+
 class Reader
 {
 public:
@@ -50,36 +111,71 @@ public:
         constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
         if (bytes.startsWith(byteOrderMark.data()))
             m_next += byteOrderMark.size();
-        const char *const lineEnd = std::find(m_next, m_end, '\n');
-        m_separator = std::find(m_next, lineEnd, '\t') != lineEnd ? '\t' : ',';
+        m_separator = separator(m_next, m_end);
     }
 
     std::vector<Row> rows()
     {
         std::vector<Row> rows;
         while (m_next != m_end) {
-            Row row = nextRow();
-            if (row.cells.size() > 1 || !row.cells.front().empty())
-                rows.push_back(std::move(row));
+            const Line line = lineAt(m_next, m_end);
+            if (line.isContent()) {
+                rows.push_back(nextRow());
+                continue;
+            }
+            m_comments += line.isComment() ? 1 : 0;
+            m_next = line.next;
+            m_line += 1;
         }
         return rows;
     }
 
+    /// Lines that were skipped so far because they are comments.
+    int comments() const { return m_comments; }
+
 private:
+    /// Blanks around cells that another sign parts, or those that part them.
     bool isBlank(char c) const
     {
-        return c == '\r' || c == ' ' || (c == '\t' && m_separator == ',');
+        return c == '\r' || c == ' ' || (c == '\t' && m_separator != '\t');
     }
-    bool atCellEnd() const { return m_next == m_end || *m_next == m_separator || *m_next == '\n'; }
+    bool atLineEnd() const { return m_next == m_end || *m_next == '\n'; }
+    bool atCellEnd() const
+    {
+        return atLineEnd() || (m_separator == ' ' ? isBlank(*m_next) : *m_next == m_separator);
+    }
+    void skipBlanks()
+    {
+        while (!atLineEnd() && isBlank(*m_next))
+            ++m_next;
+    }
 
     Row nextRow()
     {
         Row row{m_line, {}};
-        do {
+        if (m_separator == ' ')
+            skipBlanks();
+        bool more = true;
+        while (more) {
             row.cells.push_back(nextCell(row));
-        } while (m_next != m_end && *m_next++ == m_separator);
+            more = passSeparator();
+        }
+        if (m_next != m_end)
+            ++m_next;
         m_line += 1;
         return row;
+    }
+
+    /// Whether another cell of the row follows; then to its first sign.
+    bool passSeparator()
+    {
+        if (m_separator == ' ')
+            skipBlanks();
+        if (atLineEnd())
+            return false;
+        if (m_separator != ' ')
+            ++m_next;
+        return true;
     }
 
     Cell nextCell(const Row &row)
@@ -128,8 +224,9 @@ private:
     QString m_path;
     const char *m_next;
     const char *m_end;
-    char m_separator;
+    char m_separator; ///< a blank stands for any number of blanks and tabs
     int m_line = 1;
+    int m_comments = 0;
 };
 
 // ---- what cells hold
@@ -197,7 +294,7 @@ public:
         requireSquare();
     }
 
-    GraphTable graph() const { return {names(), weights()}; }
+    GraphTable graph() const { return {names(), weights(), {}}; }
 
 private:
     /// A header above an index may lack the corner.
@@ -288,11 +385,19 @@ private:
                 const std::optional<float> number = numberOf(row.cells[column]);
                 if (!number)
                     throw InputError(m_path, place(row, column), found(row.cells[column]),
-                                     QStringLiteral("a number of single precision"));
+                                     expected(row.cells[column]));
                 matrix(i, j) = *number;
             }
         }
         return matrix;
+    }
+
+    static QString expected(Cell cell)
+    {
+        const QString number = QStringLiteral("a number of single precision");
+        return cell.find_first_of("; ") == Cell::npos
+                   ? number
+                   : number + QStringLiteral(", and commas or tabs between numbers");
     }
 
     static QString found(Cell cell)
@@ -311,7 +416,13 @@ private:
 
 GraphTable parseGraphTable(const QByteArray &bytes, const QString &path)
 {
-    return Table(Reader(bytes, path).rows(), path).graph();
+    Reader reader(bytes, path);
+    GraphTable graph = Table(reader.rows(), path).graph();
+    if (reader.comments() > 0)
+        graph.notes += QStringLiteral("%1: comments are skipped, %2 lines")
+                           .arg(printable(path, 4096))
+                           .arg(reader.comments());
+    return graph;
 }
 
 GraphTable readGraphTable(const QString &path)

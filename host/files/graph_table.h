@@ -13,13 +13,15 @@ namespace corvane
 struct GraphTable {
     QStringList names; ///< one per row, or none at all
     Eigen::MatrixXf weights;
+    QStringList notes; ///< what was skipped, one line for each kind
 };
 
-/// Reads a square matrix from comma-separated text, or tab-separated text if the first line holds a
-/// tab. A header row of names, an index column of names, or both may stand around it; the corner
-/// above an index may be empty, hold a text or be missing. Names are texts; where the corner is
-/// empty they may also be whole numbers. Cells may stand in double quotation marks (RFC 4180);
-/// blanks around them and empty lines count as nothing. "nan", "inf" and "-inf" are numbers.
+/// Reads a square matrix from text. Between its cells stand tabs, commas or semicolons, whichever
+/// of these, in this order, the first line holds, or else blanks. A header row of names, an index
+/// column of names, or both may stand around it; the corner above an index may be empty, hold a
+/// text or be missing. Names are texts; where the corner is empty they may also be whole numbers.
+/// Cells may stand in double quotation marks (RFC 4180); blanks around them, empty lines and
+/// comments (lines that begin with "#") count as nothing. "nan", "inf" and "-inf" are numbers.
 ///
 /// Throws InputError, naming row and column as they are counted in the file, from 1: for an empty
 /// file, rows of unequal length, numbers of rows and columns that differ, a cell that is no number

@@ -68,6 +68,20 @@ INSTANTIATE_TEST_SUITE_P(
              "\xef\xbb\xbf"
              "0,0.5\n0.25,0\n",
              none},
+        Good{"semicolons", "0;0.5\n0.25;0\n", none},
+        Good{"semicolons_and_blanks", " 0 ; 0.5\n0.25 ;0\n", none},
+        Good{"one_blank", "0 0.5\n0.25 0\n", none},
+        Good{"columns_of_a_fixed_width", "\n  0.0000   5.0e-01  \r\n  0.2500        0\r\n", none},
+        Good{"blanks_with_names", "A B\nA 0 0.5\nB 0.25 0\n", ab},
+        Good{"blanks_with_quoted_names",
+             "\"left A\" \"B\"\n0 0.5\n0.25 0\n",
+             {QStringLiteral("left A"), QStringLiteral("B")}},
+        Good{"semicolons_with_names",
+             ";\"A, 1\";B\n\"A, 1\";0;0.5\nB;0.25;0\n",
+             {QStringLiteral("A, 1"), QStringLiteral("B")}},
+        Good{"names_with_semicolons",
+             "A;1,B;2\n0,0.5\n0.25,0\n",
+             {QStringLiteral("A;1"), QStringLiteral("B;2")}},
         Good{"exponents", "0e0,5E-1\n2.5e-01,0\n", none},
         Good{"quoted_numbers", "\"0\",\"0.5\"\n\"0.25\",\"0\"\n", none},
         Good{"header", "A,B\n0,0.5\n0.25,0\n", ab}, Good{"index", "A,0,0.5\nB,0.25,0\n", ab},
@@ -90,9 +104,19 @@ INSTANTIATE_TEST_SUITE_P(
              {QStringLiteral("1a"), QStringLiteral("2b")}}),
     [](const auto &tested) { return std::string(tested.param.name); });
 
+TEST(GraphTable, SkipsCommentsAndSaysSo)
+{
+    const GraphTable table =
+        parsed("# made by a program, in 2026; twice\n0 0.5\n  # half\n0.25 0\n");
+    EXPECT_EQ(table.weights, pair());
+    EXPECT_EQ(table.notes, QStringList{QStringLiteral("m.csv: comments are skipped, 2 lines")});
+    EXPECT_TRUE(parsed("0,0.5\n0.25,0\n").notes.isEmpty());
+}
+
 TEST(GraphTable, MayHoldOneNode)
 {
-    for (const char *text : {"0.5", "A\n0.5", "A,0.5", ",A\nA,0.5"}) {
+    for (const char *text :
+         {"0.5", "A\n0.5", "A,0.5", ",A\nA,0.5", "node A\n0.5", " 0.5 ", "\tA\nA\t0.5"}) {
         EXPECT_EQ(parsed(text).weights, Eigen::MatrixXf::Constant(1, 1, 0.5F)) << text;
     }
 }
@@ -156,7 +180,17 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"missing_value", "0,1\n,0\n",
             "row 2, column 1: found an empty cell, expected a number of single precision"},
         Bad{"decimal_comma", "0;0,5\n0,5;0\n",
-            "row 1, column 1: found \"0;0\", expected a number of single precision"},
+            "row 1, column 1: found \"0;0\", expected a number of single precision, and commas or "
+            "tabs between numbers"},
+        Bad{"blanks_in_one_line_alone", "0 1 2\n1,0,2\n2,1,0\n",
+            "row 1, column 2: found 1 cells in this row, expected 3 as in row 3"},
+        Bad{"blanks_between_commas", "0,1 2\n1,0\n",
+            "row 1, column 2: found \"1 2\", expected a number of single precision, and commas or "
+            "tabs between numbers"},
+        Bad{"nothing_but_comments", "# a\n# b\n",
+            "row 1, column 1: found an empty file, expected a square matrix"},
+        Bad{"row_below_comments", "# a\n# b\n0 1\n# c\n1 x\n",
+            "row 5, column 2: found \"x\", expected a number of single precision"},
         Bad{"too_large", "0,1e39\n1,0\n",
             "row 1, column 2: found \"1e39\", expected a number of single precision"},
         Bad{"names_that_differ", ",A,B\nB,0,1\nA,1,0\n",
@@ -203,7 +237,7 @@ TEST(GraphFiles, HoldAMeasurePerColumnAndANodePerRow)
 TEST(GraphFiles, NumberNodesWithoutNames)
 {
     const TemporaryFolder folder;
-    writeGraphFiles(folder.path(), {{}, pair()}, false);
+    writeGraphFiles(folder.path(), {{}, pair(), {}}, false);
     EXPECT_TRUE(bytesOf(folder.path("features.csv")).contains("\n1,1,0,0,1,"));
     EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("features.csv")});
 }
