@@ -5,6 +5,7 @@
 
 #include "dataset/subject.h"
 #include "dataset/verbose_log.h"
+#include "plots/bring_to_front.h"
 #include "plots/circular_plot.h"
 #include "plots/circular_plot_widget.h"
 #include "plots/view_matrix.h"
@@ -17,7 +18,7 @@ void ConnectivityObjectUI::plotCircular(bool)
         return;
     ui->groupbox_CircularPlot->setEnabled(true);
     if (circularPlot) {
-        circularPlot->show();
+        bringToFront(circularPlot);
         return;
     }
     circularPlot = new CircularPlot(this);
@@ -30,7 +31,7 @@ void ConnectivityObjectUI::plotCircular(bool)
             &ConnectivityObjectUI::circularPlot_displayRangeChanged);
     circularPlot->updateLabels();
     circularPlot->plotFirstSlice();
-    circularPlot->show();
+    bringToFront(circularPlot);
 }
 
 void ConnectivityObjectUI::circularPlot_disableOptions()
@@ -84,7 +85,7 @@ void ConnectivityObjectUI::plotConnectivityMatrix(bool)
 {
     verboseLog("void __cdecl ConnectivityObjectUI::plotConnectivityMatrix(bool)");
     if (viewMatrix) {
-        viewMatrix->show();
+        bringToFront(viewMatrix);
         return;
     }
     viewMatrix = new ViewMatrix(this);
@@ -102,5 +103,5 @@ void ConnectivityObjectUI::plotConnectivityMatrix(bool)
     viewMatrix->paintTable();
     viewMatrix->drawOverview();
     viewMatrix->buildLegend();
-    viewMatrix->show();
+    bringToFront(viewMatrix);
 }

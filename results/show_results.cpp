@@ -2,6 +2,7 @@
 //
 // The members of ConnectivityObject that know its results dialog.
 #include "engine/connectivity_object.h"
+#include "plots/bring_to_front.h"
 #include "results/connectivity_object_ui.h"
 
 ConnectivityObject::~ConnectivityObject()
@@ -19,5 +20,5 @@ void ConnectivityObject::showResults()
         connect(ui, SIGNAL(destroyed(QObject *)), this,
                 SLOT(connectivityObjectUIDestroyed(QObject *)));
     }
-    ui->show();
+    bringToFront(ui);
 }

@@ -120,6 +120,28 @@ void ResultsFixture::click(QAbstractButton *button)
     QTest::mouseClick(button, Qt::LeftButton, {}, {button->height() / 2, button->height() / 2});
 }
 
+void ResultsFixture::expectComesToFront(QWidget *window, const std::function<void()> &show)
+{
+    QWidget other;
+    other.resize(window->size());
+    for (const Qt::WindowStates state :
+         {Qt::WindowStates(Qt::WindowNoState), Qt::WindowStates(Qt::WindowMinimized),
+          Qt::WindowMinimized | Qt::WindowMaximized}) {
+        window->setWindowState(state);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        takeMessages();
+        show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window)) << int(state);
+        EXPECT_EQ(window->windowState() & ~Qt::WindowActive, state & ~Qt::WindowMinimized);
+        EXPECT_TRUE(window->isVisible());
+        // This platform keeps no order of windows. It says so when it is asked for one.
+        EXPECT_TRUE(takeWarnings().contains("This plugin does not support raise()")) << int(state);
+    }
+    window->setWindowState(Qt::WindowNoState);
+}
+
 QTableView *ResultsFixture::features()
 {
     return find<QTableView>("tblView_GraphFeatures");

@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -75,6 +76,10 @@ protected:
         EXPECT_EQ(windows<Window>().size(), 1);
         return windows<Window>().value(0);
     }
+
+    /// Covers a window by another and minimises it, has it shown by `show`, and looks whether it is
+    /// in front then.
+    void expectComesToFront(QWidget *window, const std::function<void()> &show);
 
     // The table of measures
     QTableView *features();

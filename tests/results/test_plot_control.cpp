@@ -158,6 +158,12 @@ TEST_F(PlotControl, TheRingIsMadeOnceAndOnlyHidden)
     EXPECT_EQ(&ring(), &plot) << "while it is open";
 }
 
+TEST_F(PlotControl, APlotThatIsCoveredOrMinimisedComesToTheFront)
+{
+    expectComesToFront(&ring(), [this] { click(ringButton); });
+    expectComesToFront(&browser(), [this] { click(browserButton); });
+}
+
 TEST_F(PlotControl, TheRingShowsTheNamesOfTheSeeds)
 {
     setNodes(9);

@@ -38,6 +38,11 @@ TEST_F(ShowResults, TwiceInARowGivesOneDialog)
     EXPECT_TRUE(openDialog().isNull());
 }
 
+TEST_F(ShowResults, ADialogThatIsCoveredOrMinimisedComesToTheFront)
+{
+    expectComesToFront(&dialog(), [this] { object->showResults(); });
+}
+
 TEST_F(ShowResults, AfterClosingThereIsAnother)
 {
     dialog().setObjectName("the first");
