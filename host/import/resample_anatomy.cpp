@@ -164,10 +164,11 @@ Range voxelsInside(const Eigen::AlignedBox3d &field, int axis)
 }
 
 /// Interpolates the part of the cube that the field covers, a few planes at a time, so that the
-/// interpolated values are never all in memory.
+/// interpolated values are never all in memory. Where the field is not the image, since that lies
+/// askew in it or ends on a voxel, the value is `outside`.
 template <typename Sample, typename Convert>
-void interpolate(const FloatImage *image, const Eigen::AlignedBox3d &field, Sample *cube,
-                 Convert convert)
+void interpolate(const FloatImage *image, const Eigen::AlignedBox3d &field, float outside,
+                 Sample *cube, Convert convert)
 {
     const Range x = voxelsInside(field, 0);
     const Range y = voxelsInside(field, 1);
@@ -176,6 +177,7 @@ void interpolate(const FloatImage *image, const Eigen::AlignedBox3d &field, Samp
         return;
     const auto filter = itk::ResampleImageFilter<FloatImage, FloatImage>::New();
     filter->SetInput(image);
+    filter->SetDefaultPixelValue(outside);
     filter->SetInterpolator(itk::LinearInterpolateImageFunction<FloatImage>::New());
     const int planes = 16;
     for (int k = z.first; k < z.end; k += planes) {
@@ -202,7 +204,7 @@ void interpolate(const FloatImage *image, const Eigen::AlignedBox3d &field, Samp
 template <typename Sample, typename Convert>
 std::shared_ptr<Sample> fillCube(const Image3d<float> &image, const Eigen::Affine3d &imageToCube,
                                  const std::optional<LatticeMap> &lattice,
-                                 const Eigen::AlignedBox3d &field, Convert convert)
+                                 const Eigen::AlignedBox3d &field, float outside, Convert convert)
 {
     std::shared_ptr<Sample> cube = emptyCube<Sample>();
     if (lattice) {
@@ -212,7 +214,7 @@ std::shared_ptr<Sample> fillCube(const Image3d<float> &image, const Eigen::Affin
                     cube.get() + cubeIndex(box.start[0], box.start[1], box.start[2]), cubeStride,
                     convert);
     } else {
-        interpolate(itkImage(image, imageToCube).GetPointer(), field, cube.get(), convert);
+        interpolate(itkImage(image, imageToCube).GetPointer(), field, outside, cube.get(), convert);
     }
     return cube;
 }
@@ -275,11 +277,13 @@ Anatomy resampleAnatomy(const Image3d<float> &image, const QString &path, QStrin
     anatomy.vmr.type = scale.type;
     anatomy.vmr.space = vmrSpace(anatomy.toWorld);
     if (scale.type == Vmr::UChar)
-        anatomy.vmr.voxels = fillCube<quint8>(image, imageToCube, lattice, anatomy.field,
-                                              [&](float value) { return scale.toUChar(value); });
+        anatomy.vmr.voxels =
+            fillCube<quint8>(image, imageToCube, lattice, anatomy.field, scale.lowest,
+                             [&](float value) { return scale.toUChar(value); });
     else
-        anatomy.vmr.voxels = fillCube<quint16>(image, imageToCube, lattice, anatomy.field,
-                                               [&](float value) { return scale.toUShort(value); });
+        anatomy.vmr.voxels =
+            fillCube<quint16>(image, imageToCube, lattice, anatomy.field, scale.lowest,
+                              [&](float value) { return scale.toUShort(value); });
     return anatomy;
 }
 

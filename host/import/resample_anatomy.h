@@ -26,7 +26,8 @@ struct Anatomy {
 Eigen::Affine3d layCube(const Eigen::Affine3d &imageToWorld, const GridSize &size);
 
 /// Brings an image onto the cube. One of 1 mm is copied; any other is interpolated trilinearly.
-/// Whole numbers from 0 to 65535 are kept as they are; other values are scaled to that range.
+/// Whole numbers from 0 to 65535 are kept as they are; other values are scaled to that range. Where
+/// the image does not reach, the cube is 0, which is no brighter than anything of the image.
 /// What is cut off or changed is appended to `notes`; `path` is named there.
 Anatomy resampleAnatomy(const Image3d<float> &image, const QString &path, QStringList &notes);
 

@@ -212,6 +212,52 @@ TEST(Anatomy, InterpolatesOtherVoxelSizes)
     }
 }
 
+/// Below zero everywhere: what is not of the image must not come out as 0, which would be bright.
+TEST(Anatomy, IsDarkestOutsideTheImageAlsoBelowZeroAndAtItsBorder)
+{
+    Eigen::Matrix3d shear = Eigen::Matrix3d::Identity();
+    shear(0, 1) = 0.3;
+    for (const Eigen::Matrix3d &linear :
+         {Eigen::Matrix3d(Eigen::Vector3d(2, 2, 2).asDiagonal()),
+          Eigen::Matrix3d(turn(0.3) * Eigen::Vector3d(1.5, 1.5, 2).asDiagonal()),
+          Eigen::Matrix3d(shear * Eigen::Vector3d(1.5, 1.5, 2).asDiagonal())}) {
+        Image3d<float> image;
+        image.size = {30, 32, 28};
+        image.toWorld.linear() = linear;
+        image.toWorld.translation() = Eigen::Vector3d(-25, -30, -20);
+        image.voxels.assign(static_cast<std::size_t>(image.voxelCount()), -500);
+        image.voxels[static_cast<std::size_t>(15 + 30 * (16 + 32 * 14))] = -1000;
+        image.voxels[static_cast<std::size_t>(16 + 30 * (16 + 32 * 14))] = -100;
+        const int grey = 36408; // what -500 comes to
+        QStringList notes;
+        const Anatomy anatomy = resampleAnatomy(image, path, notes);
+        ASSERT_FALSE(anatomy.copied);
+        const Eigen::Affine3d cubeToImage = image.toWorld.inverse() * anatomy.toWorld;
+        const Eigen::Vector3d last(29, 31, 27);
+        qint64 outside = 0;
+        qint64 inside = 0;
+        for (int k = 0; k < 256; ++k)
+            for (int j = 0; j < 256; ++j)
+                for (int i = 0; i < 256; ++i) {
+                    const Eigen::Vector3d place = cubeToImage * Eigen::Vector3d(i, j, k);
+                    // How far beyond the outer faces of the image's voxels.
+                    const double beyond =
+                        ((place - last / 2).cwiseAbs() - last / 2).maxCoeff() - 0.5;
+                    const int value = voxelOf(anatomy.vmr, i, j, k);
+                    if (beyond > 1e-3) {
+                        outside += value == 0 ? 0 : 1;
+                    } else if (std::abs(beyond) <= 1e-3) {
+                        // On the face it is one of the two.
+                        outside += value == 0 || value == grey ? 0 : 1;
+                    } else if ((place - Eigen::Vector3d(15, 16, 14)).cwiseAbs().maxCoeff() > 2) {
+                        inside += value == grey ? 0 : 1;
+                    }
+                }
+        EXPECT_EQ(outside, 0);
+        EXPECT_EQ(inside, 0);
+    }
+}
+
 TEST(Anatomy, ReachesTheEdgesOfTheCube)
 {
     // 128 voxels of 2 mm, from edge to edge.
