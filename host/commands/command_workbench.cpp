@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/session/workspace.h"
@@ -29,6 +30,7 @@ int run(const QStringList &arguments)
     parser.addOption({start, QStringLiteral("A plugin to start."), QStringLiteral("name")});
     if (!parser.parse(QStringList(QStringLiteral("Corvane")) + arguments))
         throw UsageError(parser.errorText());
+    refuseRepeatedOptions(parser);
 
 #ifdef CORVANE_IMPORT
     workspace().setAnatomyOpener(openForeignAnatomy);

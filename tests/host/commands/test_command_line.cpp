@@ -125,7 +125,7 @@ TEST(CommandLine, HelpsWithACommand)
 {
     const Outcome run = testCommand({QStringLiteral("graph"), QStringLiteral("--help")});
     EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.out, StartsWith("Usage:\n  Corvane graph MATRIX.csv [--mst] --out DIR\n\n"));
+    EXPECT_THAT(run.out, StartsWith("Usage:\n  Corvane graph MATRIX.csv --out DIR\n\n"));
     EXPECT_THAT(run.out, HasSubstr("--out <DIR>"));
     EXPECT_THAT(run.out, testing::Not(HasSubstr("--help-all")));
     EXPECT_EQ(run.err, "");
@@ -159,6 +159,44 @@ TEST(CommandLine, RefusesWrongUsageOfACommand)
     const Outcome good = testCommand({graph, QStringLiteral("m"), out, QStringLiteral("a")});
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.out, "m to a\n");
+}
+
+/// Of two values only one would count.
+TEST(CommandLine, RefusesAnOptionThatIsGivenTwice)
+{
+    const struct {
+        const char *command; ///< empty for the workbench
+        QStringList withValue;
+        QStringList flags;
+    } rows[] = {
+        {"import",
+         {"anatomy", "functional", "atlas", "labels", "events", "resolution", "tr", "voi-grid",
+          "name", "out"},
+         {}},
+        {"compute",
+         {"anatomy", "vtc", "voi", "prt", "seeds", "measure", "values", "out"},
+         {"use-protocol", "no-mst", "plots"}},
+        {"graph", {"out"}, {"mst"}},
+        {"tour", {"plugins", "out"}, {}},
+        {"", {"plugins", "start"}, {}},
+    };
+    for (const auto &row : rows) {
+        const QString command = QString::fromLatin1(row.command);
+        const std::string sayer =
+            command.isEmpty() ? "Corvane: " : "Corvane " + command.toStdString() + ": ";
+        for (const QString &option : row.withValue + row.flags) {
+            const QString given = QStringLiteral("--") + option;
+            const bool hasValue = row.withValue.contains(option);
+            QStringList once{given};
+            if (hasValue)
+                once += QStringLiteral("1");
+            const QStringList start = command.isEmpty() ? QStringList() : QStringList(command);
+            const Outcome run = corvane(start + once + once);
+            EXPECT_EQ(run.status, 2) << option.toStdString();
+            EXPECT_EQ(run.out, "");
+            EXPECT_THAT(run.err, EndsWith(sayer + given.toStdString() + " is given twice\n"));
+        }
+    }
 }
 
 TEST(CommandLine, EndsWithOneLineWhateverIsThrown)
