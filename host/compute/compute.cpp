@@ -183,6 +183,7 @@ ComputeResult compute(const ComputeRequest &request)
     chooseFiles(subject, request, log);
     if (!subject.load())
         throw HostFailure(log);
+    workspace().linkedVtc()->file.requireIntact();
     chooseNodes(subject, request);
 
     const QVector<int> seeds = subject.scheme().seedVois;

@@ -58,14 +58,11 @@ QByteArray featureTable(const ComputeRequest &request, const ComputeResult &resu
 QString sha1(const QString &path)
 {
     QFile file(path);
-    const bool opened = file.open(QIODevice::ReadOnly);
-    const uchar *bytes = opened ? file.map(0, file.size()) : nullptr;
-    if (bytes == nullptr) {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
         throw InputError(path, QStringLiteral("reading"), file.errorString(),
                          QStringLiteral("a readable file"));
     }
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData(reinterpret_cast<const char *>(bytes), static_cast<int>(file.size()));
     return QString::fromLatin1(hash.result().toHex());
 }
 

@@ -100,6 +100,8 @@ MainWindow::MainWindow(Workspace &workspace, QWidget *parent)
     connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
     m_workspace.setObserver([this] { m_refreshSoon.start(0); });
     setMessageSink([this](const QString &text) { showMessageBox(text); });
+    connect(&m_fileWatch, &QTimer::timeout, this, &MainWindow::closeShortened);
+    m_fileWatch.start(1000);
     refresh();
 }
 
@@ -283,6 +285,14 @@ void MainWindow::refresh()
     setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
                                 .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
                           : QStringLiteral("Corvane"));
+}
+
+/// Files are used where they lie: another program that shortens one takes it away.
+void MainWindow::closeShortened()
+{
+    const QStringList said = m_workspace.closeShortened();
+    if (!said.isEmpty())
+        showMessageBox(said.join(QLatin1Char('\n')));
 }
 
 /// The keyboard begins with what a page is for.
