@@ -3,7 +3,9 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
+#include "host/files/output_folder.h"
 #include "host/files/progress.h"
+#include "host/files/scratch_folder.h"
 #include "host/import/example_dataset.h"
 #include "host/import/resample_anatomy.h"
 #include "host/session/workspace.h"
@@ -11,9 +13,7 @@
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
 
-#include <QDir>
 #include <QSettings>
-#include <QTemporaryDir>
 
 #include <cstdio>
 #include <optional>
@@ -39,13 +39,10 @@ int run(const QStringList &arguments)
     if (!parseArguments(parser, arguments))
         return Done;
 
-    const QDir folder(requiredValue(parser, QStringLiteral("out")));
-    if (!QDir().mkpath(folder.path()))
-        throw InputError(folder.path(), QStringLiteral("output folder"),
-                         QStringLiteral("a place where none can be made"),
-                         QStringLiteral("a folder that can be written to"));
+    const QString folder = requiredValue(parser, QStringLiteral("out"));
+    OutputFolder pictures(folder);
     // The user's own settings stay out of the pictures, and the tour out of them.
-    const QTemporaryDir settings;
+    const ScratchFolder settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     workspace().setAnatomyOpener(openForeignAnatomy);
     MainWindow window(workspace());
@@ -56,8 +53,8 @@ int run(const QStringList &arguments)
         throw InputError(pluginFolder, QStringLiteral("plugins"),
                          quoted(window.pluginNames().join(QStringLiteral(", "))),
                          quoted(tourPlugin()));
-    const QTemporaryDir dataset;
-    const QTemporaryDir exports;
+    const ScratchFolder dataset;
+    const ScratchFolder exports;
     writeExample(dataset.path());
     window.resize(MainWindow::usualSize());
     window.show();
@@ -65,7 +62,7 @@ int run(const QStringList &arguments)
     std::optional<Progress> progress(std::in_place, QStringLiteral("playing the tour"),
                                      qint64(steps.size()));
     Tour tour(std::move(steps));
-    tour.setFolder(folder.path());
+    tour.setFolder(pictures.path());
     QObject::connect(&tour, &Tour::stepped, &window, [&](int done) { progress->update(done); });
     QString fault;
     QObject::connect(&tour, &Tour::finished, &window, [&](const QString &text) {
@@ -77,8 +74,8 @@ int run(const QStringList &arguments)
     progress.reset();
     if (!fault.isEmpty())
         throw std::runtime_error(fault.toStdString());
-    std::printf("%s: %d pictures, captions.md\n", folder.path().toUtf8().constData(),
-                tour.pictures());
+    pictures.commit();
+    std::printf("%s: %d pictures, captions.md\n", folder.toUtf8().constData(), tour.pictures());
     return Done;
 }
 
