@@ -4,6 +4,8 @@
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
 
+#include <QSet>
+
 #include <cstdio>
 
 namespace corvane
@@ -37,6 +39,7 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
         std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
         return false;
     }
+    refuseRepeatedOptions(parser);
     const QStringList plain = parser.positionalArguments();
     const int wanted = plainArguments.size();
     if (plain.size() > wanted)
@@ -46,14 +49,22 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
     return true;
 }
 
+void refuseRepeatedOptions(const QCommandLineParser &parser)
+{
+    QSet<QString> seen;
+    for (const QString &option : parser.optionNames()) {
+        if (seen.contains(option))
+            throw UsageError(QStringLiteral("--%1 is given twice").arg(option));
+        seen.insert(option);
+    }
+}
+
 QString requiredValue(const QCommandLineParser &parser, const QString &option)
 {
-    const QStringList values = parser.values(option);
-    if (values.isEmpty() || values.front().isEmpty())
+    QString value = parser.value(option);
+    if (value.isEmpty())
         throw UsageError(QStringLiteral("--%1 is missing").arg(option));
-    if (values.size() > 1)
-        throw UsageError(QStringLiteral("--%1 is given twice").arg(option));
-    return values.front();
+    return value;
 }
 
 } // namespace corvane

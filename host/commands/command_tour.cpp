@@ -3,7 +3,9 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
+#include "host/files/output_folder.h"
 #include "host/files/progress.h"
+#include "host/files/scratch_folder.h"
 #include "host/import/example_dataset.h"
 #include "host/import/resample_anatomy.h"
 #include "host/session/session.h"
@@ -11,9 +13,7 @@
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
 
-#include <QDir>
 #include <QSettings>
-#include <QTemporaryDir>
 
 #include <cstdio>
 #include <optional>
@@ -39,13 +39,10 @@ int run(const QStringList &arguments)
     if (!parseArguments(parser, arguments))
         return Done;
 
-    const QDir folder(requiredValue(parser, QStringLiteral("out")));
-    if (!QDir().mkpath(folder.path()))
-        throw InputError(folder.path(), QStringLiteral("output folder"),
-                         QStringLiteral("a place where none can be made"),
-                         QStringLiteral("a folder that can be written to"));
+    const QString folder = requiredValue(parser, QStringLiteral("out"));
+    OutputFolder pictures(folder);
     // The user's own settings stay out of the pictures, and the tour out of them.
-    const QTemporaryDir settings;
+    const ScratchFolder settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     Session session(openForeignAnatomy);
     MainWindow window(session);
@@ -56,8 +53,8 @@ int run(const QStringList &arguments)
         throw InputError(pluginFolder, QStringLiteral("plugins"),
                          quoted(window.pluginNames().join(QStringLiteral(", "))),
                          quoted(tourPlugin()));
-    const QTemporaryDir dataset;
-    const QTemporaryDir exports;
+    const ScratchFolder dataset;
+    const ScratchFolder exports;
     writeExample(dataset.path(), TerminalProgress(QStringLiteral("writing the example")).watch());
     window.resize(MainWindow::usualSize());
     window.show();
@@ -65,7 +62,7 @@ int run(const QStringList &arguments)
     const auto stepCount = static_cast<qint64>(steps.size());
     std::optional<TerminalProgress> progress(std::in_place, QStringLiteral("playing the tour"));
     Tour tour(std::move(steps));
-    tour.setFolder(folder.path());
+    tour.setFolder(pictures.path());
     QObject::connect(&tour, &Tour::stepped, &window,
                      [&](int done) { progress->show(done, stepCount); });
     QString fault;
@@ -78,8 +75,8 @@ int run(const QStringList &arguments)
     progress.reset();
     if (!fault.isEmpty())
         throw std::runtime_error(fault.toStdString());
-    std::printf("%s: %d pictures, captions.md\n", folder.path().toUtf8().constData(),
-                tour.pictures());
+    pictures.commit();
+    std::printf("%s: %d pictures, captions.md\n", folder.toUtf8().constData(), tour.pictures());
     return Done;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/commands/anatomy_opener.h"
+#include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/session/session.h"
@@ -29,6 +30,7 @@ int run(const QStringList &arguments)
     parser.addOption({start, QStringLiteral("A plugin to start."), QStringLiteral("name")});
     if (!parser.parse(QStringList(QStringLiteral("Corvane")) + arguments))
         throw UsageError(parser.errorText());
+    refuseRepeatedOptions(parser);
 
     Session session(anatomyOpener());
     MainWindow window(session);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/commands/commands.h"
 #include "host/files/file_kind.h"
+#include "host/files/housekeeping.h"
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
 
@@ -71,6 +72,7 @@ void print(std::FILE *stream, const QByteArray &text)
 /// One line on standard error, whatever the message holds.
 void printError(const QString &command, const char *message)
 {
+    waitIfEnding();
     constexpr int longest = 8192;
     const QString prefix = command.isEmpty() ? QString() : QLatin1Char(' ') + command;
     print(stderr, QStringLiteral("Corvane%1: %2\n")
@@ -138,11 +140,13 @@ int runApplication(int &argc, char **argv)
 int guardedRun(int &argc, char **argv)
 {
     try {
+        startHousekeeping();
         return runApplication(argc, argv);
     } catch (const UsageError &error) {
         printError({}, error.what());
         return WrongUsage;
     } catch (const std::bad_alloc &) {
+        waitIfEnding();
         // Without the help of anything that might ask for memory again.
         std::fputs("Corvane: there is not enough memory for this\n", stderr);
     } catch (const std::exception &error) {
@@ -178,5 +182,7 @@ int main(int argc, char **argv)
     // A file that may not grow is an error of writing, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    return corvane::guardedRun(argc, argv);
+    const int status = corvane::guardedRun(argc, argv);
+    corvane::waitIfEnding();
+    return status;
 }

@@ -213,6 +213,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     chooseFiles(subject, request, workspace, log);
     if (!subject.load())
         throw HostFailure(log);
+    workspace.linkedVtc()->file.requireIntact();
     chooseNodes(subject, request);
 
     const QVector<int> seeds = subject.scheme().seedVois;

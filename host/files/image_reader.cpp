@@ -5,10 +5,10 @@
 #include "host/files/nifti_stream.h"
 #include "host/files/output_file.h"
 #include "host/files/sample_conversion.h"
+#include "host/files/scratch_folder.h"
 #include "host/files/text_check.h"
 
 #include <QFileInfo>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <cmath>
 #include <itkImageFileReader.h>
@@ -161,10 +161,7 @@ Image3d<Value> readNrrd(const QString &path, QStringList &notes)
     const bool packed = path.endsWith(QLatin1String(".gz"), Qt::CaseInsensitive);
     if (!packed && (path.endsWith(QLatin1String(".nrrd")) || path.endsWith(QLatin1String(".nhdr"))))
         return readNrrdFile<Value>(path, path, notes);
-    const QTemporaryDir folder;
-    if (!folder.isValid())
-        throw InputError(path, QStringLiteral("unpacking"), folder.errorString(),
-                         QStringLiteral("room for a temporary file"));
+    const ScratchFolder folder;
     const QString unpacked = folder.filePath(QStringLiteral("image.nrrd"));
     unpack(*openBytes(path), unpacked);
     return readNrrdFile<Value>(unpacked, path, notes);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/input_error.h"
 
+#include "host/files/hidden_name.h"
+
 namespace corvane
 {
 
@@ -92,7 +94,7 @@ QString quoted(const QByteArray &bytes, int longest)
 InputError::InputError(const QString &file, const QString &place, const QString &found,
                        const QString &expected)
     : std::runtime_error(QStringLiteral("%1: %2: found %3, expected %4")
-                             .arg(printable(file, 4096), place, found, expected)
+                             .arg(printable(shownPath(file), 4096), place, found, expected)
                              .toStdString())
 {
 }

@@ -8,7 +8,8 @@ namespace corvane
 {
 
 /// A file that cannot be used as it is: bad content, unreadable, or not writable.
-/// what() is one line of UTF-8, "FILE: PLACE: found X, expected Y", whatever bytes the file held.
+/// what() is one line of UTF-8, "FILE: PLACE: found X, expected Y", whatever bytes the file held. A
+/// file that is still at a hidden path is named as its user knows it.
 class InputError : public std::runtime_error
 {
 public:

@@ -32,19 +32,28 @@ InputFile::InputFile(const QString &path) : m_file(path)
 {
     openInput(m_file);
     m_size = m_file.size();
-    if (m_size == 0)
-        return;
-    m_data = m_file.map(0, m_size, QFileDevice::MapPrivateOption);
-    if (m_data == nullptr)
-        throw InputError(path, QStringLiteral("mapping %1 bytes").arg(m_size), m_file.errorString(),
-                         QStringLiteral("a file that can be mapped"));
 }
 
 QByteArray InputFile::head(qint64 length) const
 {
-    const qint64 available = std::min(length, m_size);
-    return QByteArray::fromRawData(reinterpret_cast<const char *>(m_data),
-                                   static_cast<int>(available));
+    const qint64 wanted = std::min(length, m_size);
+    QByteArray bytes;
+    m_file.seek(0);
+    // One reading may give less than there is.
+    while (bytes.size() < wanted) {
+        const QByteArray more = m_file.read(wanted - bytes.size());
+        if (more.isEmpty())
+            break;
+        bytes += more;
+    }
+    if (bytes.size() < wanted)
+        throw InputError(
+            path(), QStringLiteral("reading"),
+            m_file.error() == QFileDevice::NoError
+                ? QStringLiteral("%1 bytes: it became shorter while it was open").arg(bytes.size())
+                : m_file.errorString(),
+            QStringLiteral("%1 bytes").arg(wanted));
+    return bytes;
 }
 
 QByteArray InputFile::all(qint64 most) const

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/output_folder.h"
 
+#include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-
-#include <filesystem>
-#include <system_error>
 
 namespace corvane
 {
@@ -16,36 +13,44 @@ namespace corvane
 namespace
 {
 
-std::filesystem::path nativePath(const QString &path)
+namespace fs = std::filesystem;
+
+QString textOf(const std::error_code &error)
 {
-    return std::filesystem::u8path(path.toStdString());
+    return QString::fromStdString(error.message());
+}
+
+[[noreturn]] void failOnFolder(const QString &path, const QString &found)
+{
+    throw InputError(path, QStringLiteral("output folder"), found,
+                     QStringLiteral("a folder that can be written to"));
+}
+
+QStringList madeFor(const QString &path)
+{
+    if (QFileInfo::exists(path) && !QFileInfo(path).isDir())
+        failOnFolder(path, QStringLiteral("a file"));
+    try {
+        return makeFolders(path);
+    } catch (const std::system_error &error) {
+        failOnFolder(path, textOf(error.code()));
+    }
 }
 
 } // namespace
 
-OutputFolder::OutputFolder(const QString &path) : m_path(path), m_made(!QFileInfo::exists(path))
+OutputFolder::OutputFolder(const QString &path) : m_path(path), m_hidden(path, madeFor(path))
 {
-    const bool isThere = m_made ? QDir().mkpath(path) : QFileInfo(path).isDir();
-    if (isThere)
-        m_hidden.emplace(path + QStringLiteral("/.corvane-XXXXXX"));
-    if (!m_hidden || !m_hidden->isValid()) {
-        const QString found =
-            m_hidden ? m_hidden->errorString() : QStringLiteral("a place where none can be made");
-        throw InputError(path, QStringLiteral("output folder"), found,
-                         QStringLiteral("a folder that can be written to"));
-    }
-}
-
-OutputFolder::~OutputFolder()
-{
-    m_hidden.reset();
-    if (m_made)
-        QDir().rmdir(m_path); // stays when there is anything in it
+    std::error_code error;
+    fs::create_directory(nativePath(m_hidden.path()), error);
+    if (error)
+        failOnFolder(path, textOf(error));
+    removeLeftBehind(path, m_hidden);
 }
 
 QString OutputFolder::path(const QString &name) const
 {
-    return m_hidden->filePath(name);
+    return m_hidden.path() + QLatin1Char('/') + name;
 }
 
 QString OutputFolder::finalPath(const QString &name) const
@@ -55,13 +60,13 @@ QString OutputFolder::finalPath(const QString &name) const
 
 void OutputFolder::commit()
 {
-    const QStringList names = QDir(m_hidden->path()).entryList(QDir::Files | QDir::Hidden);
+    const auto lock = holdSignals();
+    const QStringList names = QDir(m_hidden.path()).entryList(QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
         std::error_code error;
-        std::filesystem::rename(nativePath(path(name)), nativePath(finalPath(name)), error);
+        fs::rename(nativePath(path(name)), nativePath(finalPath(name)), error);
         if (error) {
-            throw InputError(finalPath(name), QStringLiteral("writing"),
-                             QString::fromStdString(error.message()),
+            throw InputError(finalPath(name), QStringLiteral("writing"), textOf(error),
                              QStringLiteral("a file that can be replaced"));
         }
     }

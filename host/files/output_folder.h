@@ -1,27 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
-#include <QTemporaryDir>
+#include "host/files/hidden_path.h"
 
-#include <optional>
+#include <QString>
 
 namespace corvane
 {
 
 /// A set of files that appear in a folder together or not at all: they are written into a hidden
-/// folder inside it and moved up by commit(). Destroyed without a commit it leaves nothing, and a
-/// folder that it had to make is gone again.
+/// folder inside it and moved up by commit(). Destroyed without a commit, or ended by a signal, it
+/// leaves nothing, and folders that it had to make are gone again. What a killed process has left
+/// there is removed.
 class OutputFolder
 {
 public:
     /// Makes the folder when it is missing. Throws InputError when nothing can be written there.
     explicit OutputFolder(const QString &path);
-    ~OutputFolder();
-    OutputFolder(const OutputFolder &) = delete;
-    OutputFolder &operator=(const OutputFolder &) = delete;
 
-    /// Where to write the file of that name now, and where it will be after the commit.
+    /// Where to write files now, the file of that name, and where it will be after the commit.
+    QString path() const { return m_hidden.path(); }
     QString path(const QString &name) const;
     QString finalPath(const QString &name) const;
 
@@ -30,8 +28,7 @@ public:
 
 private:
     QString m_path;
-    bool m_made;
-    std::optional<QTemporaryDir> m_hidden;
+    HiddenPath m_hidden;
 };
 
 } // namespace corvane

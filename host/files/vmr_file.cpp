@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/vmr_file.h"
 
-#include "host/files/input_file.h"
+#include "host/files/mapped_file.h"
 #include "host/files/nrrd_header.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
@@ -107,7 +107,7 @@ Vmr readVmr(const QString &path)
         QStringLiteral("encoding"),     QStringLiteral("content")};
     static const QString versionKey = QStringLiteral("vmr version");
 
-    const auto file = std::make_shared<InputFile>(path);
+    const auto file = std::make_shared<MappedFile>(path);
     const NrrdHeader header(path, file->head(NrrdHeader::longest), fields,
                             QStringList{versionKey} + provenanceKeys());
     header.version(versionKey, provenanceKeys());
@@ -132,6 +132,8 @@ Vmr readVmr(const QString &path)
                          QStringLiteral("a header of %1 bytes").arg(header.length()),
                          QStringLiteral("a multiple of 2"));
     vmr.voxels = std::shared_ptr<const void>(file, file->data() + header.length());
+    vmr.file = file;
+    file->requireIntact();
     return vmr;
 }
 

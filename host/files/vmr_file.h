@@ -15,6 +15,8 @@
 namespace corvane
 {
 
+class MappedFile;
+
 /// Where a cube lies in the scanner's or a standard space: the axes run to the right, to the front
 /// and up, in millimetres.
 struct VmrSpace {
@@ -35,6 +37,9 @@ struct Vmr {
     /// voxelCount samples of `type`, the first axis fastest: voxel (i, j, k) is at
     /// i + 256 * (j + 256 * k). Shared with whatever owns the memory, a mapped file or a buffer.
     std::shared_ptr<const void> voxels;
+    /// The file that the voxels are mapped from, null for a buffer. Another program may shorten it;
+    /// voxels that are gone read as 0.
+    std::shared_ptr<const MappedFile> file;
 
     qint64 byteCount() const { return voxelCount * (type == UChar ? 1 : 2); }
 };

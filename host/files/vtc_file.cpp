@@ -2,8 +2,8 @@
 #include "host/files/vtc_file.h"
 
 #include "host/files/input_error.h"
-#include "host/files/input_file.h"
 #include "host/files/limits.h"
+#include "host/files/mapped_file.h"
 #include "host/files/nrrd_header.h"
 #include "host/files/text_check.h"
 #include "host/files/vmr_file.h"
@@ -158,7 +158,7 @@ VtcInfo readHeader(const NrrdHeader &header, const QString &path)
     return info;
 }
 
-void checkLength(const InputFile &file, const NrrdHeader &header, const VtcInfo &info)
+void checkLength(const MappedFile &file, const NrrdHeader &header, const VtcInfo &info)
 {
     const qint64 found = file.size() - header.length();
     const qint64 expected = info.sampleCount() * info.sampleSize();
@@ -226,7 +226,7 @@ QString linkedProtocolText(const QString &vtcPath, const QString &protocolPath)
     return outside ? absolute : relative;
 }
 
-VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const InputFile>(path))
+VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const MappedFile>(path))
 {
     static const QStringList fields{
         QStringLiteral("type"),   QStringLiteral("dimension"), name(sizesField),
@@ -240,6 +240,7 @@ VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const InputFile>
     m_info = readHeader(header, path);
     checkLength(*m_file, header, m_info);
     m_samples = m_file->data() + header.length();
+    m_file->requireIntact();
 }
 
 QString VtcFile::path() const
@@ -257,6 +258,16 @@ const float *VtcFile::floatSamples() const
     return m_info.type == VtcInfo::Float ? reinterpret_cast<const float *>(m_samples) : nullptr;
 }
 
+bool VtcFile::isIntact() const
+{
+    return m_file->isIntact();
+}
+
+void VtcFile::requireIntact() const
+{
+    m_file->requireIntact();
+}
+
 bool verifyVtcChecksum(const VtcFile &file)
 {
     const VtcInfo &info = file.info();
@@ -265,6 +276,7 @@ bool verifyVtcChecksum(const VtcFile &file)
         checksum.add(file.shortSamples(), info.sampleCount(), 0);
     else
         checksum.add(file.floatSamples(), info.sampleCount(), 0);
+    file.requireIntact();
     return checksum.text() == info.checksum;
 }
 

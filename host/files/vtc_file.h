@@ -16,7 +16,7 @@
 namespace corvane
 {
 
-class InputFile;
+class MappedFile;
 
 /// What a `.vtc` holds. Sample i of an axis stands at VMR coordinate start + resolution * i.
 struct VtcInfo {
@@ -78,13 +78,20 @@ public:
     const short *shortSamples() const;
     const float *floatSamples() const;
 
+    /// Another program may shorten the file while it is open; samples that are gone read as 0.
+    /// Whether all that were read so far were there.
+    bool isIntact() const;
+    /// Throws InputError unless they were.
+    void requireIntact() const;
+
 private:
-    std::shared_ptr<const InputFile> m_file;
+    std::shared_ptr<const MappedFile> m_file;
     VtcInfo m_info;
     const uchar *m_samples = nullptr;
 };
 
 /// Whether the samples are those for which the checksum in the header was taken. Reads them all.
+/// Throws InputError when they are not all there any more.
 bool verifyVtcChecksum(const VtcFile &file);
 
 } // namespace corvane

@@ -1,19 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/vtc_writer.h"
 
-#include "host/files/input_error.h"
-
-#include <QFileInfo>
-#include <QRandomGenerator>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <system_error>
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
 
 namespace corvane
 {
@@ -48,49 +36,14 @@ int blockLength(const VtcInfo &info, qint64 voxelCount, qint64 blockBytes)
 
 } // namespace
 
-VtcWriter::PartFile::PartFile(const QString &target)
-    : QFile(target + QStringLiteral(".part-") +
-            QString::number(QRandomGenerator::system()->generate64(), 36))
-{
-}
-
-VtcWriter::PartFile::~PartFile()
-{
-    if (!m_kept && isOpen())
-        remove();
-}
-
-void VtcWriter::PartFile::keepAs(const QString &target)
-{
-    const QString place = QStringLiteral("finishing");
-    const QString expected = QStringLiteral("a file that can be completed");
-#ifdef Q_OS_UNIX
-    // On the disk before it gets its name, so that the name never stands for half a file.
-    if (fdatasync(handle()) != 0)
-        throw InputError(target, place, QString::fromLocal8Bit(std::strerror(errno)), expected);
-#endif
-    std::error_code error;
-    std::filesystem::rename(std::filesystem::u8path(fileName().toStdString()),
-                            std::filesystem::u8path(target.toStdString()), error);
-    if (error)
-        throw InputError(target, place, QString::fromStdString(error.message()), expected);
-    m_kept = true;
-}
-
 VtcWriter::VtcWriter(const QString &path, const VtcInfo &info, qint64 blockBytes)
-    : m_path(path), m_info(info), m_file(path)
+    : m_info(info), m_file(path)
 {
     m_info.checksum.clear();
     m_headerLength = vtcFileHeader(m_info).size();
     m_voxelCount = qint64(info.dimX()) * info.dimY() * info.dimZ();
     m_blockLength = blockLength(info, m_voxelCount, blockBytes);
-
-    const QString expected = QStringLiteral("a place where a file can be written");
-    if (QFileInfo(path).isDir())
-        throw InputError(path, QStringLiteral("writing"), QStringLiteral("a folder"), expected);
-    if (!m_file.open(QIODevice::ReadWrite | QIODevice::NewOnly | QIODevice::Unbuffered))
-        fail(QStringLiteral("writing"), expected);
-    reserve();
+    m_file.reserve(m_headerLength + info.sampleCount() * info.sampleSize());
     m_block.resize(static_cast<std::size_t>(m_voxelCount * info.sampleSize() * m_blockLength));
 }
 
@@ -123,23 +76,7 @@ void VtcWriter::commit()
     Q_ASSERT(m_firstInBlock == m_info.nrOfVolumes);
     m_info.checksum = m_sum.text();
     writeHeader();
-    m_file.keepAs(m_path);
-}
-
-/// Gives the file its length, with real room on the disk.
-void VtcWriter::reserve()
-{
-    const qint64 length = m_headerLength + m_info.sampleCount() * m_info.sampleSize();
-    const QString place = QStringLiteral("writing");
-    const QString expected = QStringLiteral("room for %1 bytes").arg(length);
-#ifdef Q_OS_UNIX
-    const int status = posix_fallocate(m_file.handle(), 0, length);
-    if (status != 0)
-        throw InputError(m_path, place, QString::fromLocal8Bit(std::strerror(status)), expected);
-#else
-    if (!m_file.resize(length))
-        fail(place, expected);
-#endif
+    m_file.commit();
 }
 
 char *VtcWriter::nextVolume()
@@ -182,7 +119,7 @@ void VtcWriter::layAcross()
         const qint64 length = (end - first) * seriesBytes;
         // Beside what is new stands what earlier blocks have left there.
         if (m_firstInBlock > 0)
-            readAt(place, bytes, length);
+            m_file.readAt(place, bytes, length);
         for (qint64 low = first; low < end; low += tile) {
             const qint64 high = std::min(end, low + tile);
             for (qint64 voxel = low; voxel < high; ++voxel) {
@@ -192,32 +129,15 @@ void VtcWriter::layAcross()
                     to[t] = block[t * m_voxelCount + voxel];
             }
         }
-        writeAt(place, bytes, length);
+        m_file.writeAt(place, bytes, length);
     }
-}
-
-void VtcWriter::readAt(qint64 place, char *bytes, qint64 length)
-{
-    if (!m_file.seek(place) || m_file.read(bytes, length) != length)
-        fail(QStringLiteral("reading back"), QStringLiteral("the samples written before"));
-}
-
-void VtcWriter::writeAt(qint64 place, const char *bytes, qint64 length)
-{
-    if (!m_file.seek(place) || m_file.write(bytes, length) != length)
-        fail(QStringLiteral("writing"), QStringLiteral("room for %1 bytes").arg(length));
 }
 
 void VtcWriter::writeHeader()
 {
     const QByteArray header = vtcFileHeader(m_info);
     Q_ASSERT(header.size() == m_headerLength);
-    writeAt(0, header.constData(), header.size());
-}
-
-void VtcWriter::fail(const QString &place, const QString &expected) const
-{
-    throw InputError(m_path, place, m_file.errorString(), expected);
+    m_file.writeAt(0, header.constData(), header.size());
 }
 
 } // namespace corvane

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/output_file.h"
 #include "host/files/vtc_checksum.h"
 #include "host/files/vtc_file.h"
 
-#include <QFile>
-#include <memory>
 #include <vector>
 
 namespace corvane
@@ -14,8 +13,8 @@ namespace corvane
 /// Writes a `.vtc` from volumes that come one after the other, though in the file the time runs
 /// fastest. A block of volumes is gathered in memory and then laid across the file, which has its
 /// full length from the start: that takes a fraction of the memory of the run, and a disk that is
-/// too small is noticed before the work begins. The file stands under another name beside its
-/// target until commit(); destroyed without it, nothing is left.
+/// too small is noticed before the work begins. The file is there after commit(); destroyed
+/// without it, nothing is left.
 class VtcWriter
 {
 public:
@@ -40,33 +39,16 @@ public:
     const QString &checksum() const { return m_info.checksum; }
 
 private:
-    /// The file before it has its name. Unless that was given it, it goes with this object.
-    class PartFile : public QFile
-    {
-    public:
-        explicit PartFile(const QString &target);
-        ~PartFile() override;
-        void keepAs(const QString &target);
-
-    private:
-        bool m_kept = false;
-    };
-
-    void reserve();
     void flush();
     template <typename Sample>
     void addToChecksum();
     template <typename Sample>
     void layAcross();
     void writeHeader();
-    void readAt(qint64 place, char *bytes, qint64 length);
-    void writeAt(qint64 place, const char *bytes, qint64 length);
     char *nextVolume();
-    [[noreturn]] void fail(const QString &place, const QString &expected) const;
 
-    QString m_path;
     VtcInfo m_info;
-    PartFile m_file;
+    OutputFile m_file;
     qint64 m_headerLength = 0;
     qint64 m_voxelCount = 0;
     int m_blockLength = 0;  ///< volumes that fit in m_block

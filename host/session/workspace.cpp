@@ -3,6 +3,7 @@
 
 #include "host/files/file_kind.h"
 #include "host/files/input_error.h"
+#include "host/files/mapped_file.h"
 #include "host/session/log.h"
 
 #include <QFileInfo>
@@ -50,6 +51,33 @@ void Workspace::closeDocument(int position)
         unlinkVtc();
     if (m_current == position)
         m_current = -1;
+}
+
+QStringList Workspace::closeShortened()
+{
+    QStringList said;
+    const auto isShortened = [&](const auto &file) {
+        if (file.isIntact())
+            return false;
+        try {
+            file.requireIntact();
+        } catch (const InputError &error) {
+            said += QStringLiteral("%1. It is no longer open. What was shown or computed of it may "
+                                   "be wrong.")
+                        .arg(QString::fromUtf8(error.what()));
+        }
+        return true;
+    };
+    if (m_vtc && isShortened(m_vtc->file)) {
+        const Notice notice{this};
+        unlinkVtc();
+    }
+    for (int position = 0; position < documentCount(); ++position) {
+        const auto file = m_documents[static_cast<std::size_t>(position)].vmr.file;
+        if (file && isShortened(*file))
+            closeDocument(position);
+    }
+    return said;
 }
 
 DocumentType Workspace::documentType(int position) const

@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -37,6 +38,10 @@ public:
     /// Closes a document. Its position stays and becomes a ClosedDocument, so that no other
     /// document changes its number. A VTC linked to it is unlinked.
     void closeDocument(int position);
+
+    /// Closes the documents and unlinks the VTC whose files another program has shortened, so that
+    /// nothing more is read of what is gone. Says of each what happened, in one line.
+    QStringList closeShortened();
 
     int documentCount() const { return static_cast<int>(m_documents.size()); }
     /// ClosedDocument also for a position that never was.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/tour/guided_tour.h"
 
+#include "host/files/scratch_folder.h"
 #include "host/session/log.h"
 #include "host/tour/tour_steps.h"
 #include "host/workbench/example_files.h"
@@ -8,7 +9,6 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -64,7 +64,7 @@ void GuidedTour::start()
     // The tour knows the way through Qt's own file dialogs only.
     const bool native = !QCoreApplication::testAttribute(Qt::AA_DontUseNativeDialogs);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    const auto exports = std::make_shared<QTemporaryDir>();
+    const auto exports = std::make_shared<ScratchFolder>();
     m_tour = new Tour(workflowSteps(m_window, folder, exports->path()), this);
     m_tour->setSpeed(captionTime);
     connect(m_tour, &Tour::finished, this, [this, exports, native](const QString &fault) {

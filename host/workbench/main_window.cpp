@@ -109,6 +109,8 @@ MainWindow::MainWindow(Session &session, QWidget *parent)
     connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
     connect(&m_workspace, &Workspace::changed, &m_refreshSoon, [this] { m_refreshSoon.start(0); });
     connect(&session, &Session::messageShown, this, &MainWindow::showBox);
+    connect(&m_fileWatch, &QTimer::timeout, this, &MainWindow::closeShortened);
+    m_fileWatch.start(1000);
     refresh();
 }
 
@@ -288,6 +290,14 @@ void MainWindow::refresh()
     setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
                                 .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
                           : QStringLiteral("Corvane"));
+}
+
+/// Files are used where they lie: another program that shortens one takes it away.
+void MainWindow::closeShortened()
+{
+    const QStringList said = m_workspace.closeShortened();
+    if (!said.isEmpty())
+        showMessageBox(said.join(QLatin1Char('\n')));
 }
 
 /// The keyboard begins with what a page is for.

@@ -71,6 +71,7 @@ private:
     void restore();
 
     void refresh();
+    void closeShortened();
     enum Page { WelcomePage, VolumePage };
     void showPage(Page page);
     void showTimeCourse();
@@ -87,6 +88,7 @@ private:
     Workspace &m_workspace;
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QTimer m_refreshSoon;
+    QTimer m_fileWatch;
     LogPane *m_log;
     VoiList *m_vois;
     DocumentTabs *m_tabs = nullptr;

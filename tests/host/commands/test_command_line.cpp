@@ -4,6 +4,7 @@
 // of the test program (test_commands.cpp) fail in every way there is.
 #include "host/session/host_version.h"
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/interrupted_program.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -125,7 +126,7 @@ TEST(CommandLine, HelpsWithACommand)
 {
     const Outcome run = testCommand({QStringLiteral("graph"), QStringLiteral("--help")});
     EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.out, StartsWith("Usage:\n  Corvane graph MATRIX.csv [--mst] --out DIR\n\n"));
+    EXPECT_THAT(run.out, StartsWith("Usage:\n  Corvane graph MATRIX.csv --out DIR\n\n"));
     EXPECT_THAT(run.out, HasSubstr("--out <DIR>"));
     EXPECT_THAT(run.out, testing::Not(HasSubstr("--help-all")));
     EXPECT_EQ(run.err, "");
@@ -159,6 +160,44 @@ TEST(CommandLine, RefusesWrongUsageOfACommand)
     const Outcome good = testCommand({graph, QStringLiteral("m"), out, QStringLiteral("a")});
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.out, "m to a\n");
+}
+
+/// Of two values only one would count.
+TEST(CommandLine, RefusesAnOptionThatIsGivenTwice)
+{
+    const struct {
+        const char *command; ///< empty for the workbench
+        QStringList withValue;
+        QStringList flags;
+    } rows[] = {
+        {"import",
+         {"anatomy", "functional", "atlas", "labels", "events", "resolution", "tr", "voi-grid",
+          "name", "out"},
+         {}},
+        {"compute",
+         {"anatomy", "vtc", "voi", "prt", "seeds", "measure", "values", "out"},
+         {"use-protocol", "no-mst", "plots"}},
+        {"graph", {"out"}, {"mst"}},
+        {"tour", {"plugins", "out"}, {}},
+        {"", {"plugins", "start"}, {}},
+    };
+    for (const auto &row : rows) {
+        const QString command = QString::fromLatin1(row.command);
+        const std::string sayer =
+            command.isEmpty() ? "Corvane: " : "Corvane " + command.toStdString() + ": ";
+        for (const QString &option : row.withValue + row.flags) {
+            const QString given = QStringLiteral("--") + option;
+            const bool hasValue = row.withValue.contains(option);
+            QStringList once{given};
+            if (hasValue)
+                once += QStringLiteral("1");
+            const QStringList start = command.isEmpty() ? QStringList() : QStringList(command);
+            const Outcome run = corvane(start + once + once);
+            EXPECT_EQ(run.status, 2) << option.toStdString();
+            EXPECT_EQ(run.out, "");
+            EXPECT_THAT(run.err, EndsWith(sayer + given.toStdString() + " is given twice\n"));
+        }
+    }
 }
 
 TEST(CommandLine, EndsWithOneLineWhateverIsThrown)
@@ -240,6 +279,62 @@ TEST(CommandLine, ShowsProgressOnATerminal)
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.out, HasSubstr("\r\x1b[Kwriting 50 %"));
     EXPECT_TRUE(QString::fromStdString(run.out).endsWith(QStringLiteral("\r\x1b[K"))) << run.out;
+}
+
+/// A signal as soon as hundreds of files are in work in a folder.
+Interruption atWorkIn(const QString &folder, int signal, int files = 500)
+{
+    return {signal, [=] { return isInWork(folder, QString::number(files)); }};
+}
+
+InterruptedRun interruptedAtWork(const QString &folder, int signal, const QStringList &more = {})
+{
+    return runInterrupted(QStringLiteral(TEST_COMMANDS_PROGRAM),
+                          QStringList{QStringLiteral("tour"), folder} + more,
+                          {atWorkIn(folder, signal)});
+}
+
+TEST(Signals, ClearAwayWhatIsInWorkAndEndTheProgramByThemselves)
+{
+    const TemporaryFolder folder;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        for (const QStringList &more : {QStringList(), QStringList(QStringLiteral("thread")),
+                                        QStringList(QStringLiteral("late"))}) {
+            const InterruptedRun run = interruptedAtWork(folder.path("new/deep"), signal, more);
+            EXPECT_EQ(run.signal, signal);
+            EXPECT_EQ(run.output, "");
+            // What goes wrong because it is cleared away is no error of the input.
+            EXPECT_EQ(run.errors, "");
+            EXPECT_TRUE(folder.entries().isEmpty()) << signal;
+        }
+    }
+    putBytes(folder.path("mine"), "mine");
+    EXPECT_EQ(interruptedAtWork(folder.path(), SIGTERM).signal, SIGTERM);
+    EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("mine")});
+}
+
+TEST(Signals, LeaveNothingForTheNextCommandToTake)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(interruptedAtWork(folder.path(), SIGKILL).signal, SIGKILL);
+    EXPECT_EQ(hiddenIn(folder.path()).size(), 1);
+    putBytes(folder.path("m.csv"), "0,1\n1,0\n");
+    const Outcome run = corvane(
+        {QStringLiteral("graph"), folder.path("m.csv"), QStringLiteral("--out"), folder.path()});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(folder.entries(),
+              (QStringList{QStringLiteral("features.csv"), QStringLiteral("m.csv")}));
+}
+
+TEST(Signals, StayIgnoredWhereTheyWere)
+{
+    const TemporaryFolder folder;
+    const InterruptedRun run = runInterrupted(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("trap '' HUP; exec \"$@\""), QStringLiteral("sh"),
+         QStringLiteral(TEST_COMMANDS_PROGRAM), QStringLiteral("tour"), folder.path()},
+        {atWorkIn(folder.path(), SIGHUP), atWorkIn(folder.path(), SIGTERM, 3000)});
+    EXPECT_EQ(run.signal, SIGTERM);
 }
 
 TEST(Exports, AreExactlyTheFunctionsForPlugins)

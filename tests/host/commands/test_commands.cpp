@@ -4,11 +4,14 @@
 #include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
+#include "host/files/output_folder.h"
 #include "host/files/progress.h"
 #include "tests/host/support/host_files.h"
 
 #include <cstdio>
+#include <memory>
 #include <new>
+#include <thread>
 
 namespace corvane
 {
@@ -48,6 +51,38 @@ int runCompute(const QStringList &arguments)
     return Done;
 }
 
+/// Writes into a folder until it is gone. Past the host's own writers, which would wait for the
+/// end.
+[[noreturn]] void writeOnAndOn(const OutputFolder &folder)
+{
+    for (int number = 0;; ++number) {
+        QFile file(folder.path(QString::number(number)));
+        if (!file.open(QIODevice::WriteOnly) || file.write("text") != 4)
+            throw InputError(file.fileName(), QStringLiteral("writing"), file.errorString(),
+                             QStringLiteral("a folder"));
+    }
+}
+
+/// Writes into a folder until a signal ends it. With "thread" another thread writes, as for the
+/// windows, while this one handles events; with "late" nothing holds up the error.
+int runTour(const QStringList &arguments)
+{
+    auto folder = std::make_unique<OutputFolder>(arguments.value(1));
+    if (arguments.value(2) == QLatin1String("thread")) {
+        std::thread([&] {
+            try {
+                writeOnAndOn(*folder);
+            } catch (const InputError &) {
+                // A dialog would tell it.
+            }
+        }).detach();
+        return QCoreApplication::exec();
+    }
+    if (arguments.value(2) == QLatin1String("late"))
+        writeOnAndOn(*folder.release());
+    writeOnAndOn(*folder);
+}
+
 /// Takes one argument and an option.
 int runGraph(const QStringList &arguments)
 {
@@ -69,7 +104,8 @@ const std::vector<Command> &commands()
         {"example", "Corvane example WAY", "Throws.", runExample},
         {"import", "Corvane import FILE", "Writes.", runImport},
         {"compute", "Corvane compute FILE", "Prints.", runCompute},
-        {"graph", "Corvane graph MATRIX.csv [--mst] --out DIR", "Parses.", runGraph}};
+        {"graph", "Corvane graph MATRIX.csv [--mst] --out DIR", "Parses.", runGraph},
+        {"tour", "Corvane tour DIR [thread|late]", "Writes on and on.", runTour}};
     return all;
 }
 

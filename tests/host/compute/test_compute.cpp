@@ -2,6 +2,7 @@
 //
 // The command "compute" from files to tables, as a user runs it.
 #include "tests/host/compute/compute_fixture.h"
+#include "tests/host/support/traced_program.h"
 
 #include <Eigen/LU>
 #include <QFileInfo>
@@ -470,6 +471,37 @@ TEST_F(Compute, KeepsOlderTablesWhenItFails)
     putBytes(folder.path("set.voi"), "{");
     EXPECT_EQ(runCorvane(arguments()).status, 1);
     EXPECT_EQ(outputs(), before);
+}
+
+/// Another program shortens the run when it is open and its samples have not been read yet: at the
+/// second reading of the VOIs, behind which the samples are taken.
+TEST_F(Compute, SaysThatARunBecameShorterWhileItWasOpen)
+{
+    const std::string vois = folder.path("set.voi").toStdString();
+    const auto length = static_cast<qint64>(bytesOf(folder.path("run.vtc")).size());
+    // In the middle of its last page, and before its second.
+    for (const qint64 left : {length - 10, qint64(4000)}) {
+        putBytes(folder.path("run.vtc"), runFile(QString()));
+        int openings = 0;
+        const TracedRun run =
+            runTraced(QStringLiteral(CORVANE_PROGRAM), arguments(), [&](const SystemCall &call) {
+                if (call.kind == SystemCall::Open && call.path == vois && ++openings == 2) {
+                    EXPECT_TRUE(QFile::resize(folder.path("run.vtc"), left));
+                }
+                return Fate::GoesOn;
+            });
+        EXPECT_EQ(openings, 2);
+        EXPECT_EQ(run.signal, 0);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.errors,
+                  QStringLiteral("Corvane: %1: reading: found %2 bytes: it became shorter while it "
+                                 "was open, expected %3 bytes\n")
+                      .arg(folder.path("run.vtc"))
+                      .arg(left)
+                      .arg(length)
+                      .toStdString());
+        EXPECT_FALSE(QDir(folder.path("out")).exists());
+    }
 }
 
 TEST_F(Compute, LeavesNothingWhenTheDiskIsFull)

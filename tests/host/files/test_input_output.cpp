@@ -282,8 +282,20 @@ TEST(InputFile, GivesItsBytes)
     putBytes(folder.path("none"), "");
     const InputFile none(folder.path("none"));
     EXPECT_EQ(none.size(), 0);
-    EXPECT_EQ(none.data(), nullptr);
     EXPECT_TRUE(none.head(5).isEmpty());
+}
+
+TEST(InputFile, SaysThatItsBytesAreGone)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("some"), QByteArray(9000, 'x'));
+    const InputFile some(folder.path("some"));
+    ASSERT_TRUE(QFile::resize(folder.path("some"), 10));
+    EXPECT_EQ(some.head(10), QByteArray(10, 'x'));
+    EXPECT_EQ(errorOf([&] { some.head(9000); }),
+              folder.path("some").toStdString() +
+                  ": reading: found 10 bytes: it became shorter while it was open, expected 9000 "
+                  "bytes");
 }
 
 TEST(Printable, KeepsEveryTextInOneLine)

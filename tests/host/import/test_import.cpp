@@ -5,6 +5,7 @@
 #include "host/import/import_name.h"
 #include "host/import/write_import.h"
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/interrupted_program.h"
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/support/notes.h"
 #include "tests/host/support/program.h"
@@ -986,6 +987,52 @@ TEST(ImportCommand, EndsInOneLineWhenTheDiskIsFull)
     place.put("run.nii.gz", parts);
     expectRefused(place, runWithLimit(place, 17 << 20),
                   "run.vtc: writing: found File too large, expected room for 2048");
+}
+
+/// Whether a file is being written that has no name yet, behind the anatomy that is done.
+bool timeCourseIsInWork(const QString &folder)
+{
+    if (!isInWork(folder, QStringLiteral("run.vmr")))
+        return false;
+    const QStringList all = hiddenIn(folder);
+    return std::any_of(all.begin(), all.end(), [&](const QString &hidden) {
+        return !hiddenIn(folder + QLatin1Char('/') + hidden).isEmpty();
+    });
+}
+
+TEST(ImportCommand, LeavesNothingWhenASignalEndsIt)
+{
+    Workplace place;
+    NiftiParts parts = runParts();
+    parts.setSize({40, 40, 40, 160});
+    setSamples(parts, std::vector<qint16>(40 * 40 * 40 * 160, 7));
+    place.put("run.nii.gz", parts);
+    const QString out = place.request.folder;
+    const auto interrupted = [&](int signal, const std::function<bool()> &condition) {
+        const InterruptedRun run = runInterrupted(QStringLiteral(CORVANE_PROGRAM),
+                                                  commandLine(place), {{signal, condition}});
+        EXPECT_EQ(run.signal, signal);
+        EXPECT_EQ(run.errors, "");
+        EXPECT_EQ(run.output, "");
+    };
+    const std::function<bool()> moments[] = {
+        [&] { return !hiddenIn(out).isEmpty(); },
+        [&] { return isInWork(out, QStringLiteral("run.vmr")); },
+        [&] { return timeCourseIsInWork(out); }};
+    for (const auto &moment : moments) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            interrupted(signal, moment);
+            EXPECT_FALSE(QFile::exists(out));
+        }
+    }
+    // Nobody can clear away behind this one, but the next command does.
+    for (const auto &moment : moments) {
+        interrupted(SIGKILL, moment);
+        EXPECT_EQ(place.written().size(), 1);
+    }
+    place.put("run.nii.gz", runParts());
+    EXPECT_EQ(runCorvane(commandLine(place)).status, 0);
+    EXPECT_EQ(place.written(), (QStringList{QStringLiteral("run.vmr"), QStringLiteral("run.vtc")}));
 }
 
 TEST(ImportCommand, KnowsWrongUsage)

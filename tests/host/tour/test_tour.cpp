@@ -2,6 +2,7 @@
 //
 // The whole workflow in the real program with the real plugin.
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/interrupted_program.h"
 #include "tests/host/support/program.h"
 
 #include <QImage>
@@ -34,6 +35,37 @@ TEST(Tour, GoesThroughTheWholeWorkflowAndKeepsAPictureOfEachStep)
     for (const char *step : {"workbench", "dataset", "voi-selection", "results", "ring", "browser",
                              "line-plot", "exports", "distance"})
         EXPECT_EQ(pictures.filter(QString::fromLatin1(step)).size(), 1) << step;
+}
+
+TEST(Tour, LeavesNothingWhenASignalEndsIt)
+{
+    const TemporaryFolder temporary;
+    const TemporaryFolder folder;
+    qputenv("TMPDIR", temporary.path().toUtf8());
+    const QStringList arguments{QStringLiteral("tour"), QStringLiteral("--out"),
+                                folder.path("pictures")};
+    const auto datasetIsThere = [&] {
+        return isInWork(temporary.path(), QStringLiteral("example.vtc"));
+    };
+    const InterruptedRun run =
+        runInterrupted(QStringLiteral(CORVANE_PROGRAM), arguments, {{SIGTERM, datasetIsThere}});
+    EXPECT_EQ(run.signal, SIGTERM);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(hiddenIn(temporary.path()).isEmpty());
+    EXPECT_TRUE(folder.entries().isEmpty());
+
+    // What a killed tour has left goes with the next.
+    runInterrupted(QStringLiteral(CORVANE_PROGRAM), arguments, {{SIGKILL, datasetIsThere}});
+    const QStringList left = hiddenIn(temporary.path());
+    EXPECT_EQ(left.size(), 3); // settings, dataset, exports
+    const auto leftIsGone = [&] {
+        const QStringList now = hiddenIn(temporary.path());
+        return std::none_of(left.begin(), left.end(),
+                            [&](const QString &name) { return now.contains(name); });
+    };
+    runInterrupted(QStringLiteral(CORVANE_PROGRAM), arguments, {{SIGTERM, leftIsGone}});
+    EXPECT_TRUE(hiddenIn(temporary.path()).isEmpty());
+    qunsetenv("TMPDIR");
 }
 
 TEST(Tour, SaysThatItsPluginIsMissing)

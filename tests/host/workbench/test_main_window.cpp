@@ -172,6 +172,37 @@ TEST_F(MainWindowTest, TellsAllThatCannotBeOpenedInOneMessage)
     EXPECT_EQ(tabs->count(), 1);
 }
 
+/// Other programs write too. What is gone is not shown as if it were there.
+TEST_F(MainWindowTest, ClosesFilesThatBecameShorterAndSaysSoOnce)
+{
+    showWindow();
+    const QString vtc = folder.path("run.vtc");
+    putBytes(vtc, vtcBytes(smallVtcInfo(), numberedSamples<short>(smallVtcInfo())));
+    window.openFiles({first, second, vtc});
+    ASSERT_TRUE(QFile::resize(vtc, 0));
+    ASSERT_TRUE(QFile::resize(second, 0));
+    ModalDriver driver;
+    std::string said;
+    driver.expect<QMessageBox>([&](QMessageBox &box) {
+        said = box.text().toStdString();
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    // Reads what is gone before the window looks after its files.
+    window.grab();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !said.empty(); }));
+    const std::string end = "0 bytes: it became shorter while it was open, expected ";
+    EXPECT_THAT(said, HasSubstr(vtc.toStdString() + ": reading: found " + end));
+    EXPECT_THAT(said, HasSubstr(second.toStdString() + ": reading: found " + end));
+    EXPECT_THAT(said, HasSubstr("It is no longer open."));
+    EXPECT_THAT(said, testing::Not(HasSubstr("first")));
+    EXPECT_THAT(logged(), HasSubstr(said));
+    EXPECT_EQ(workspace.linkedVtc(), nullptr);
+    EXPECT_EQ(workspace.documentType(1), ClosedDocument);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return tabs->count() == 1; }));
+    EXPECT_EQ(current(), -1);
+    EXPECT_TRUE(workspace.closeShortened().isEmpty());
+}
+
 TEST_F(MainWindowTest, ShowsThePluginsMessagesOverTheActiveWindow)
 {
     showWindow();

@@ -52,6 +52,15 @@ TEST_F(TimeCourseReaderTest, NeverMakesTheAskerWait)
     EXPECT_THAT(received, ElementsAre(ElementsAre(8, 9, 10, 11)));
 }
 
+TEST_F(TimeCourseReaderTest, ReadsZerosOfARunThatBecameShorter)
+{
+    ASSERT_TRUE(QFile::resize(folder.path("a.vtc"), 0));
+    ask({60, 52, 62});
+    waitForSamples();
+    EXPECT_THAT(received, ElementsAre(ElementsAre(0, 0, 0, 0)));
+    EXPECT_FALSE(vtc->isIntact());
+}
+
 TEST_F(TimeCourseReaderTest, OfManyVoxelsOnlyTheLastCounts)
 {
     for (int i = 0; i < 100; ++i)

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+/// @file
+/// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Each
+/// function returns 0, or an error number as of errno.
+
+namespace corvane
+{
+
+/// Gives a file that length, with real room for it.
+int reserveRoom(int file, long long length);
+
+/// Waits until everything written to a file is on the disk.
+int syncToDisk(int file);
+
+/// Sets the time of the last change of a file or folder to now, by the clock of its file system.
+int touch(const std::string &path);
+
+} // namespace corvane

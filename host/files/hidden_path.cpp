@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/files/hidden_path.h"
+
+#include "host/files/disk.h"
+#include "host/files/hidden_name.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <set>
+
+namespace corvane
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct Registry {
+    std::recursive_mutex mutex;
+    std::set<HiddenPath *> paths;
+    quint64 made = 0;
+};
+
+/// Never destroyed: a signal may come while the process ends by itself.
+Registry &registry()
+{
+    static auto *const all = new Registry;
+    return *all;
+}
+
+QString newName()
+{
+    const auto lock = holdSignals();
+    return HiddenName{thisProcess(), registry().made++}.text();
+}
+
+void removeEmpty(const QStringList &folders)
+{
+    std::error_code isNotEmpty;
+    for (const QString &folder : folders)
+        if (!fs::remove(nativePath(folder), isNotEmpty))
+            return;
+}
+
+} // namespace
+
+HiddenPath::HiddenPath(const QString &folder, QStringList madeFolders)
+    : m_folder(folder), m_path(folder + QLatin1Char('/') + newName()),
+      m_madeFolders(std::move(madeFolders))
+{
+    const auto lock = holdSignals();
+    registry().paths.insert(this);
+}
+
+HiddenPath::~HiddenPath()
+{
+    const auto lock = holdSignals();
+    if (registry().paths.erase(this) > 0)
+        remove();
+}
+
+void HiddenPath::remove() const
+{
+    // Under another name, so that no thread puts something into a folder that is being emptied.
+    const fs::path aside = nativePath(m_folder + QLatin1Char('/') + newName());
+    std::error_code isNotThere;
+    fs::rename(nativePath(m_path), aside, isNotThere);
+    std::error_code ignored;
+    fs::remove_all(isNotThere ? nativePath(m_path) : aside, ignored);
+    removeEmpty(m_madeFolders);
+}
+
+std::error_code HiddenPath::renameTo(const QString &target)
+{
+    const auto lock = holdSignals();
+    std::error_code error;
+    fs::rename(nativePath(m_path), nativePath(target), error);
+    if (!error)
+        registry().paths.erase(this);
+    return error;
+}
+
+std::unique_lock<std::recursive_mutex> holdSignals()
+{
+    return std::unique_lock(registry().mutex);
+}
+
+void removeHiddenPaths()
+{
+    auto lock = holdSignals();
+    for (const HiddenPath *path : registry().paths)
+        path->remove();
+    lock.release(); // held until the end
+}
+
+void touchHiddenPaths()
+{
+    const auto lock = holdSignals();
+    for (const HiddenPath *path : registry().paths)
+        touch(path->path().toStdString());
+}
+
+void removeLeftBehind(const QString &folder, const HiddenPath &own)
+{
+    std::error_code error;
+    const auto now = fs::last_write_time(nativePath(own.path()), error);
+    const QStringList names =
+        QDir(folder).entryList({QLatin1String(hiddenPrefix) + QLatin1Char('*')},
+                               QDir::AllEntries | QDir::System | QDir::Hidden);
+    for (const QString &name : names) {
+        const std::optional<HiddenName> hidden = HiddenName::of(name);
+        if (!hidden)
+            continue;
+        const fs::path path = nativePath(folder + QLatin1Char('/') + name);
+        std::error_code isGone;
+        const auto touched = fs::last_write_time(path, isGone);
+        if (isGone || error)
+            continue;
+        // Of two processes that remove the same one comes too late. One of another user's stays.
+        if (hidden->isLeftBehind(std::chrono::duration_cast<std::chrono::seconds>(now - touched)))
+            fs::remove_all(path, isGone);
+    }
+}
+
+QStringList makeFolders(const QString &path)
+{
+    QStringList missing;
+    for (QString folder = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+         !QFileInfo::exists(folder) && !QFileInfo(folder).isRoot();
+         folder = QFileInfo(folder).path())
+        missing.prepend(folder);
+    QStringList made;
+    for (const QString &folder : qAsConst(missing)) {
+        std::error_code error;
+        if (fs::create_directory(nativePath(folder), error))
+            made.prepend(folder);
+        if (error) {
+            removeEmpty(made);
+            throw std::system_error(error);
+        }
+    }
+    return made;
+}
+
+} // namespace corvane

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <mutex>
+#include <system_error>
+
+namespace corvane
+{
+
+/// A name for a file or folder in work, beside what it is to become. Whatever its owner makes there
+/// is gone with this object, and also when a signal ends the process.
+class HiddenPath
+{
+public:
+    /// A name in a folder that no other process has. `madeFolders` were made for it: they go, too,
+    /// the first one first, if there is nothing else in them.
+    explicit HiddenPath(const QString &folder, QStringList madeFolders = {});
+    ~HiddenPath();
+    HiddenPath(const HiddenPath &) = delete;
+    HiddenPath &operator=(const HiddenPath &) = delete;
+
+    const QString &path() const { return m_path; }
+
+    /// Renames what is there, over a file of that name; it then stays. Neither is done when it
+    /// fails.
+    std::error_code renameTo(const QString &target);
+
+private:
+    void remove() const;
+    friend void removeHiddenPaths();
+
+    QString m_folder;
+    QString m_path;
+    QStringList m_madeFolders;
+};
+
+/// While the lock is held no signal ends the process: it waits. For steps that belong together and
+/// are short.
+[[nodiscard]] std::unique_lock<std::recursive_mutex> holdSignals();
+
+/// Removes what is at all hidden paths of this process, and lets no thread make another: for a
+/// process that is about to end.
+void removeHiddenPaths();
+
+/// Tells other machines that this process still works at its hidden paths.
+void touchHiddenPaths();
+
+/// Removes what processes that are gone have left at hidden paths of a folder. `own` was just made
+/// in it: its time is that of the file system's clock.
+void removeLeftBehind(const QString &folder, const HiddenPath &own);
+
+/// Makes a folder with those above it that are missing, and returns the ones that it made, the
+/// innermost first. Throws std::system_error, and then has made none.
+QStringList makeFolders(const QString &path);
+
+} // namespace corvane
