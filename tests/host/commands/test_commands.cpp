@@ -104,7 +104,7 @@ const std::vector<Command> &commands()
         {"example", "Corvane example WAY", "Throws.", runExample},
         {"import", "Corvane import FILE", "Writes.", runImport},
         {"compute", "Corvane compute FILE", "Prints.", runCompute},
-        {"graph", "Corvane graph MATRIX.csv [--mst] --out DIR", "Parses.", runGraph},
+        {"graph", "Corvane graph MATRIX.csv --out DIR", "Parses.", runGraph},
         {"tour", "Corvane tour DIR [thread|late]", "Writes on and on.", runTour}};
     return all;
 }
