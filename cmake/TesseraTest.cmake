@@ -1,44 +1,74 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # tessera_test(NAME SOURCES file... LINK target... [LABELS label...] [TIMEOUT seconds]
-#              [OWN_MAIN | GUI_MAIN] [AT_SCALE factor...])
+#              [OWN_MAIN | CORE_MAIN | GUI_MAIN] [OPTIMIZED] [TOGETHER suite...]
+#              [AT_SCALE factor... SCALED test...])
 #
-# GUI_MAIN takes the main function for tests with widgets, tests/gui_main.cpp. AT_SCALE 1.5 runs all
-# tests of the program once more with one and a half pixels per point, under the name
-# NAME_at_scale_1.5.
+# One test program with GoogleTest. Each of its tests becomes a test of ctest, see
+# DiscoverTests.cmake; one that calls GTEST_SKIP is reported as skipped. Tests run on Qt's offscreen
+# platform with a home folder of their own, so that no test sees or changes a user's settings.
+# Matrices of different sizes do not count as equal in them, see tests/support/eigen_checks.h.
 #
-# One test program with GoogleTest. Each of its tests becomes a test of ctest; one that calls
-# GTEST_SKIP is reported as skipped. Tests run on Qt's offscreen platform with a home folder of
-# their own, so that no test sees or changes a user's settings. Matrices of different sizes do not
-# count as equal in them, see tests/support/eigen_checks.h.
+# CORE_MAIN takes the main function for tests of programs without windows, tests/core_main.cpp,
+# GUI_MAIN that for tests with widgets, tests/gui_main.cpp. AT_SCALE 2 runs the tests that SCALED
+# names, in words of --gtest_filter, once more with two pixels per point, under the name
+# NAME_at_scale_2: those that paint, or look where things stand in a picture. TOGETHER names suites
+# whose tests run in one process, since they share what is dear to make.
+#
+# Sources of tests are most of what is compiled, and a test runs once: in a release build they are
+# compiled without optimization. OPTIMIZED is for those that compute much, or need the inline
+# functions of Eigen as they ship.
 
-include(GoogleTest)
 find_package(GTest REQUIRED)
 find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 
+set(eigen_checks ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
+set(plain_code $<$<CONFIG:Release>:-O0>)
+
+# tessera_test_main(NAME SOURCE LINK target... HEADERS header...): a library with a main function. The
+# headers are precompiled, for it and for the test programs that take it.
+function(tessera_test_main name source)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "LINK;HEADERS")
+    add_library(${name} STATIC ${source})
+    target_compile_options(${name} PRIVATE ${plain_code})
+    target_link_libraries(${name} PUBLIC ${arg_LINK} GTest::gmock PRIVATE tessera_flags)
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_precompile_headers(${name} PRIVATE ${eigen_checks} <gmock/gmock.h> ${arg_HEADERS})
+endfunction()
+
+# tessera_test_library(NAME SOURCES file... LINK target...): what several programs with GUI_MAIN share.
+function(tessera_test_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_compile_options(${name} PRIVATE ${plain_code})
+    target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tessera_flags)
+    tessera_take_main(${name} tessera_gui_main)
+endfunction()
+
 function(tessera_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;GUI_MAIN" "TIMEOUT" "SOURCES;LINK;LABELS;AT_SCALE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;CORE_MAIN;GUI_MAIN;OPTIMIZED" "TIMEOUT"
+        "SOURCES;LINK;LABELS;TOGETHER;AT_SCALE;SCALED")
     add_executable(${name} ${arg_SOURCES})
-    set_target_properties(${name} PROPERTIES AUTOMOC ON)
-    target_compile_options(${name} PRIVATE
-        -include ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
+    if(NOT arg_OPTIMIZED)
+        target_compile_options(${name} PRIVATE ${plain_code})
+    endif()
     if(arg_GUI_MAIN)
-        find_package(Qt5 REQUIRED COMPONENTS Test)
-        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/gui_main.cpp)
-        target_link_libraries(${name} PRIVATE Qt5::Test)
-    endif()
-    if(arg_OWN_MAIN OR arg_GUI_MAIN)
-        target_link_libraries(${name} PRIVATE GTest::gtest)
+        tessera_take_main(${name} tessera_gui_main)
+    elseif(arg_CORE_MAIN)
+        tessera_take_main(${name} tessera_core_main)
     else()
-        target_link_libraries(${name} PRIVATE GTest::gtest_main)
-    endif()
-    if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 300)
+        target_compile_options(${name} PRIVATE -include ${eigen_checks})
+        if(arg_OWN_MAIN)
+            target_link_libraries(${name} PRIVATE GTest::gtest)
+        else()
+            target_link_libraries(${name} PRIVATE GTest::gtest_main)
+        endif()
     endif()
     if((arg_GUI_MAIN OR "gui" IN_LIST arg_LABELS) AND NOT TESSERA_BUILD_GUI_TESTS)
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
         return()
     endif()
+
     set(home ${CMAKE_CURRENT_BINARY_DIR}/home_${name})
     file(MAKE_DIRECTORY ${home})
     set(environment
@@ -49,31 +79,33 @@ function(tessera_test name)
         ASAN_OPTIONS=detect_leaks=1
         LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
         UBSAN_OPTIONS=print_stacktrace=1)
-    tessera_discover(${name} ${name} "${environment}")
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 300)
+    endif()
+    set(calls "include(${PROJECT_SOURCE_DIR}/cmake/DiscoverTests.cmake)\n")
+    tessera_discovery(${name} * "${environment}")
     foreach(factor IN LISTS arg_AT_SCALE)
-        tessera_discover(${name} ${name}_at_scale_${factor} "${environment};QT_SCALE_FACTOR=${factor}")
+        tessera_discovery(${name}_at_scale_${factor} "${arg_SCALED}"
+            "${environment};QT_SCALE_FACTOR=${factor}")
     endforeach()
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}_tests.cmake)
+    file(GENERATE OUTPUT ${script} CONTENT "${calls}")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()
 
-# Makes a test of ctest of each test in a program; reads the arguments of tessera_test.
-#
-# Environment and labels are set in a file of its own that ctest reads behind the list of tests:
-# among the PROPERTIES of gtest_discover_tests a list falls apart, and only its first entry is set.
-macro(tessera_discover name prefix environment)
-    gtest_discover_tests(${name}
-        TEST_PREFIX "${prefix}."
-        TEST_LIST ${prefix}_tests
-        NO_PRETTY_VALUES
-        DISCOVERY_MODE PRE_TEST
-        DISCOVERY_TIMEOUT 60
-        PROPERTIES
-            TIMEOUT ${arg_TIMEOUT})
-    set(properties_file ${CMAKE_CURRENT_BINARY_DIR}/${prefix}_properties.cmake)
-    file(WRITE ${properties_file}
-        "if(${prefix}_tests)\n"
-        "    set_tests_properties(\${${prefix}_tests} PROPERTIES\n"
-        "        ENVIRONMENT \"${environment}\"\n"
-        "        LABELS \"${arg_LABELS}\")\n"
-        "endif()\n")
-    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${properties_file})
+# One more call in the script that ctest reads; reads the arguments of tessera_test.
+macro(tessera_discovery prefix filters environment)
+    string(APPEND calls "tessera_discover(${prefix} \"$<TARGET_FILE:${name}>\" \"${filters}\"\n"
+        "    \"${arg_TOGETHER}\" \"${environment}\" \"${arg_LABELS}\" ${arg_TIMEOUT})\n")
 endmacro()
+
+# Links a main function and compiles with the headers that are precompiled for it.
+function(tessera_take_main target main)
+    target_link_libraries(${target} PRIVATE ${main})
+    # Another optimization would need other precompiled headers.
+    if(arg_OPTIMIZED)
+        target_compile_options(${target} PRIVATE -include ${eigen_checks})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${main})
+    endif()
+endfunction()

@@ -70,8 +70,8 @@ build() {
         options+=("$1")
         shift
     done
-    # Equal sources in two checkouts share their compiler results.
-    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+    # Equal sources in two checkouts share their compiler results, those with precompiled headers too.
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
     mkdir -p build
     cmake --preset "$preset" "${options[@]}" >"build/configure-$preset.log" 2>&1 || {
         cat "build/configure-$preset.log"

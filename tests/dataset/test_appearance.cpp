@@ -12,7 +12,7 @@
 #include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 namespace
 {

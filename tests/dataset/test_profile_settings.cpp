@@ -9,7 +9,7 @@
 #include <QRadioButton>
 #include <QStandardItemModel>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 namespace
 {

@@ -16,7 +16,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <random>
@@ -24,7 +24,12 @@
 namespace
 {
 
+// A session of two hundred subjects proves no more where memory is not watched.
+#ifdef __SANITIZE_ADDRESS__
 constexpr int subjects = 200;
+#else
+constexpr int subjects = 50;
+#endif
 constexpr int mostDialogs = 10;
 
 /// A session of a user without a plan. It knows what the table and the list should hold.
@@ -233,7 +238,7 @@ protected:
     QString vois;
 };
 
-TEST_F(RandomDataset, TwoHundredSubjects)
+TEST_F(RandomDataset, StaysInStepThroughALongSession)
 {
     vois = addVois("set.voi");
     fake_host::Protocol protocol;
@@ -251,7 +256,7 @@ TEST_F(RandomDataset, TwoHundredSubjects)
     }
     EXPECT_EQ(finished.size(), subjects);
     EXPECT_GE(added, subjects);
-    EXPECT_GT(refused, 50);
+    EXPECT_GT(refused, subjects / 4);
     EXPECT_EQ(resultsDialogs().size(), mostDialogs);
     closeDialog();
     EXPECT_TRUE(resultsDialogs().isEmpty());

@@ -8,15 +8,17 @@
 #include "tests/support/other_user.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStandardItemModel>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 #include <gmock/gmock.h>
 

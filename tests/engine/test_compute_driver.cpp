@@ -12,11 +12,13 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QFile>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
+#include <QThreadPool>
 #include <nodalis/nodalis.h>
 
 #include <gmock/gmock.h>

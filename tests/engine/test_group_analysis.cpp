@@ -9,7 +9,7 @@
 #include <QCheckBox>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QtTest>
+#include <QTest>
 #include <nodalis/nodalis.h>
 
 #include <algorithm>

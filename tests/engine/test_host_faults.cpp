@@ -13,7 +13,7 @@
 #include <QDialogButtonBox>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QtTest>
+#include <QTest>
 
 #include <gmock/gmock.h>
 

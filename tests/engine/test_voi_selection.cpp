@@ -8,8 +8,8 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QListWidget>
+#include <QTest>
 #include <QVBoxLayout>
-#include <QtTest>
 
 namespace
 {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/plots/form_check.h"
 #include "tests/plots/line_plot_fixture.h"
+#include "tests/support/form_text.h"
 
 #include <QComboBox>
 #include <QDockWidget>
-#include <QGroupBox>
 #include <QMetaMethod>
 #include <QPointer>
 #include <QPushButton>
@@ -104,100 +103,51 @@ TEST_F(LinePlotTest, is_a_window_with_maximize_and_close_button_that_survives_it
     EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowCloseButtonHint));
     EXPECT_FALSE(window.windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
     EXPECT_FALSE(window.testAttribute(Qt::WA_DeleteOnClose));
-    EXPECT_EQ(window.size(), QSize(1114, 632));
-    EXPECT_EQ(window.objectName(), "LinePlot");
-    EXPECT_EQ(LinePlot(QString()).windowTitle(), "MainWindow");
 }
 
-TEST_F(LinePlotTest, has_its_legend_in_a_dock_and_a_second_dock_that_is_never_seen)
+TEST_F(LinePlotTest, has_the_form_that_is_described)
 {
-    const auto areas = Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea;
-    const auto features = QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable;
-    auto *legend = named<QDockWidget>("dw_Legend");
-    ASSERT_NE(legend, nullptr);
-    EXPECT_EQ(legend->windowTitle(), "Legend");
-    EXPECT_EQ(legend->minimumSize(), QSize(330, 227));
-    EXPECT_EQ(legend->maximumSize(), QSize(350, 524287));
-    EXPECT_EQ(legend->allowedAreas(), areas);
-    EXPECT_EQ(legend->features(), features);
-    EXPECT_EQ(window.dockWidgetArea(legend), Qt::LeftDockWidgetArea);
+    EXPECT_EQ('\n' + formText(LinePlot(QString())) + '\n', R"(
+LinePlot LinePlot "MainWindow" 1114x632
+  QWidget centralwidget
+    QHBoxLayout horizontalLayout spacing 6 margins 0 9 9 9
+      QVBoxLayout verticalLayout_3 spacing 6
+        spacer 20x40 Minimum/Expanding
+  QDockWidget dw_Legend "Legend" minimumSize 330x227 maximumSize 350x524287 features DockWidgetMovable|DockWidgetFloatable allowedAreas LeftDockWidgetArea|RightDockWidgetArea LeftDockWidgetArea
+    QWidget dockWidgetContents
+      QVBoxLayout verticalLayout spacing 6 margins 2 9 2 9
+        QGroupBox groupBox minimumSize 250x0 maximumSize 310x16777215 policy Maximum/Preferred
+          QVBoxLayout verticalLayout_2 spacing 6 margins 9 9 9 9 SetMinAndMaxSize
+            QHBoxLayout horizontalLayout_3 spacing 6
+              QComboBox cbox_Conditions minimumSize 150x0 accessibleName "Condition"
+              QPushButton btn_Show "Show" flat
+              QPushButton btn_Hide "Hide" flat
+            QFrame line frameShape HLine frameShadow Sunken policy Minimum/Fixed
+            QScrollArea scrollArea frameShape NoFrame widgetResizable policy Expanding/MinimumExpanding
+              QWidget scrollAreaWidgetContents autoFillBackground
+                QHBoxLayout horizontalLayout_2 spacing 6 margins 9 9 9 9
+                  QGridLayout gridLayoutAll spacing 6,6
+        spacer 20x40 Minimum/Expanding
+  QDockWidget dw_Sources "Sources" minimumSize 330x67 maximumSize 350x524287 features DockWidgetMovable|DockWidgetFloatable allowedAreas LeftDockWidgetArea|RightDockWidgetArea hidden LeftDockWidgetArea
+    QWidget dockWidgetContents_4
+      QVBoxLayout verticalLayout_4 spacing 6 margins 9 9 9 9
+        QGroupBox groupBox_2
+)");
+}
 
-    auto *sources = named<QDockWidget>("dw_Sources");
-    ASSERT_NE(sources, nullptr);
-    EXPECT_EQ(sources->windowTitle(), "Sources");
-    EXPECT_EQ(sources->minimumSize(), QSize(330, 67));
-    EXPECT_EQ(sources->maximumSize(), QSize(350, 524287));
-    EXPECT_EQ(sources->allowedAreas(), areas);
-    EXPECT_EQ(sources->features(), features);
-    EXPECT_EQ(window.dockWidgetArea(sources), Qt::LeftDockWidgetArea);
-    EXPECT_EQ(named<QGroupBox>("groupBox_2")->title(), "");
-
+TEST_F(LinePlotTest, shows_the_dock_of_its_legend_and_never_the_other)
+{
     show();
-    EXPECT_TRUE(legend->isVisible());
-    EXPECT_FALSE(sources->isVisible());
-}
-
-TEST_F(LinePlotTest, has_the_controls_of_its_legend)
-{
-    auto *group = named<QGroupBox>("groupBox");
-    ASSERT_NE(group, nullptr);
-    EXPECT_EQ(group->title(), "");
-    EXPECT_EQ(group->sizePolicy().horizontalPolicy(), QSizePolicy::Maximum);
-    EXPECT_EQ(group->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
-    EXPECT_EQ(group->minimumWidth(), 250);
-    EXPECT_EQ(group->maximumWidth(), 310);
-    EXPECT_EQ(group->layout()->objectName(), "verticalLayout_2");
-    EXPECT_EQ(group->layout()->sizeConstraint(), QLayout::SetMinAndMaxSize);
-
-    EXPECT_EQ(named<QComboBox>("cbox_Conditions")->minimumWidth(), 150);
-    for (const char *name : {"btn_Show", "btn_Hide"}) {
-        auto *button = named<QPushButton>(name);
-        ASSERT_NE(button, nullptr);
-        EXPECT_TRUE(button->isFlat());
-        EXPECT_EQ(button->text(), QLatin1String(name).mid(4));
-    }
-    EXPECT_EQ(named<QFrame>("line")->frameShape(), QFrame::HLine);
-    EXPECT_EQ(named<QFrame>("line")->frameShadow(), QFrame::Sunken);
-
-    auto *area = named<QScrollArea>("scrollArea");
-    EXPECT_EQ(area->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
-    EXPECT_EQ(area->sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
-    EXPECT_EQ(area->frameShape(), QFrame::NoFrame);
-    EXPECT_TRUE(area->widgetResizable());
-    EXPECT_EQ(area->widget()->objectName(), "scrollAreaWidgetContents");
+    EXPECT_TRUE(named<QDockWidget>("dw_Legend")->isVisible());
+    EXPECT_FALSE(named<QDockWidget>("dw_Sources")->isVisible());
 }
 
 TEST_F(LinePlotTest, puts_the_chart_behind_the_spacer_of_its_central_widget)
 {
-    QLayout *layout = window.centralWidget()->layout();
+    const QLayout *const layout = window.centralWidget()->layout();
     ASSERT_EQ(layout->count(), 2);
-    EXPECT_EQ(layout->objectName(), "horizontalLayout");
-    EXPECT_EQ(layout->contentsMargins().left(), 0);
-    EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
     EXPECT_EQ(layout->itemAt(1)->widget(), view());
 }
-
-TEST_F(LinePlotTest, has_each_part_of_its_form_in_its_place)
-{
-    EXPECT_EQ(window.centralWidget()->objectName(), "centralwidget");
-    EXPECT_EQ(named<QDockWidget>("dw_Legend")->widget()->objectName(), "dockWidgetContents");
-    EXPECT_EQ(named<QDockWidget>("dw_Sources")->widget()->objectName(), "dockWidgetContents_4");
-    const auto names = [this](const char *layout) { return namesIn(window, layout); };
-    EXPECT_EQ(names("verticalLayout_3"), "-");
-    EXPECT_EQ(names("verticalLayout"), "groupBox -");
-    EXPECT_EQ(names("verticalLayout_2"), "horizontalLayout_3 line scrollArea");
-    EXPECT_EQ(names("horizontalLayout_3"), "cbox_Conditions btn_Show btn_Hide");
-    EXPECT_EQ(names("horizontalLayout_2"), "gridLayoutAll");
-    EXPECT_EQ(names("verticalLayout_4"), "groupBox_2");
-    EXPECT_EQ(spacerIn(window, "verticalLayout_3", 0), QSize(20, 40));
-    EXPECT_EQ(spacerIn(window, "verticalLayout", 1), QSize(20, 40));
-    EXPECT_EQ(named<QDockWidget>("dw_Legend")->widget()->layout()->objectName(), "verticalLayout");
-    EXPECT_EQ(named<QWidget>("scrollAreaWidgetContents")->layout()->objectName(),
-              "horizontalLayout_2");
-    EXPECT_EQ(named<QDockWidget>("dw_Sources")->widget()->layout()->objectName(),
-              "verticalLayout_4");
-}
-
 TEST_F(LinePlotTest, declares_its_slots_in_order)
 {
     const QMetaObject &meta = LinePlot::staticMetaObject;

@@ -3,15 +3,13 @@
 
 #include "dataset/plugin_settings.h"
 #include "tests/gui_test.h"
-#include "tests/plots/form_check.h"
 #include "tests/plots/line_plot_fixture.h"
+#include "tests/support/form_text.h"
 #include "tests/support/qt_printers.h"
 
 #include <QApplication>
 #include <QComboBox>
-#include <QDockWidget>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -53,60 +51,37 @@ protected:
     TimeseriesLinePlot window{QStringLiteral("Global Efficiency")};
 };
 
-TEST_F(TimeseriesLinePlotTest, has_the_form_of_a_window_with_an_empty_legend)
+TEST_F(TimeseriesLinePlotTest, has_the_form_that_is_described)
 {
-    EXPECT_EQ(window.objectName(), "TimeseriesLineplot");
-    EXPECT_EQ(TimeseriesLinePlot(QString()).windowTitle(), "MainWindow");
-    EXPECT_EQ(window.size(), QSize(800, 600));
-    EXPECT_EQ(window.windowType(), Qt::Window);
-    EXPECT_FALSE(window.testAttribute(Qt::WA_DeleteOnClose));
-    EXPECT_TRUE(window.findChildren<QDockWidget *>().isEmpty());
-
-    auto *group = window.findChild<QGroupBox *>(QStringLiteral("groupBox"));
-    ASSERT_NE(group, nullptr);
-    EXPECT_EQ(group->title(), "Legend");
-    EXPECT_EQ(group->sizePolicy().horizontalPolicy(), QSizePolicy::Maximum);
-    EXPECT_EQ(group->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
-    EXPECT_EQ(group->minimumWidth(), 250);
-    EXPECT_EQ(group->maximumWidth(), 300);
-    EXPECT_EQ(window.findChild<QPushButton *>("btn_Show")->text(), "Show");
-    EXPECT_EQ(window.findChild<QPushButton *>("btn_Hide")->text(), "Hide");
-    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->count(), 0);
-    EXPECT_TRUE(window.findChild<QGridLayout *>("gridLayoutAll")->isEmpty());
-
-    QLayout *layout = window.centralWidget()->layout();
-    ASSERT_EQ(layout->count(), 2);
-    EXPECT_EQ(layout->itemAt(0)->layout()->objectName(), "verticalLayout_3");
-    EXPECT_EQ(layout->itemAt(1)->widget(), view());
+    EXPECT_EQ('\n' + formText(TimeseriesLinePlot(QString())) + '\n', R"(
+TimeseriesLinePlot TimeseriesLineplot "MainWindow" 800x600
+  QWidget centralwidget
+    QHBoxLayout horizontalLayout spacing 6 margins 9 9 9 9
+      QVBoxLayout verticalLayout_3 spacing 6
+        QGroupBox groupBox "Legend" minimumSize 250x0 maximumSize 300x16777215 policy Maximum/Preferred
+          QVBoxLayout verticalLayout_2 spacing 6 margins 9 9 9 9 SetMinAndMaxSize
+            QHBoxLayout horizontalLayout_3 spacing 6
+              QComboBox cbox_Conditions minimumSize 150x0 accessibleName "Condition"
+              QPushButton btn_Show "Show" flat
+              QPushButton btn_Hide "Hide" flat
+            QFrame line frameShape HLine frameShadow Sunken policy Minimum/Fixed
+            QScrollArea scrollArea frameShape NoFrame widgetResizable policy Expanding/MinimumExpanding
+              QWidget scrollAreaWidgetContents autoFillBackground
+                QHBoxLayout horizontalLayout_2 spacing 6 margins 9 9 9 9
+                  QGridLayout gridLayoutAll spacing 6,6
+        spacer 20x40 Minimum/Expanding
+)");
 }
 
-TEST_F(TimeseriesLinePlotTest, has_each_part_of_its_form_in_its_place)
+TEST_F(TimeseriesLinePlotTest, is_a_window_with_an_empty_legend_before_its_chart)
 {
-    EXPECT_EQ(window.centralWidget()->objectName(), "centralwidget");
-    EXPECT_EQ(window.centralWidget()->layout()->objectName(), "horizontalLayout");
-    const auto names = [this](const char *layout) { return namesIn(window, layout); };
-    EXPECT_EQ(names("verticalLayout_3"), "groupBox -");
-    EXPECT_EQ(names("verticalLayout_2"), "horizontalLayout_3 line scrollArea");
-    EXPECT_EQ(names("horizontalLayout_3"), "cbox_Conditions btn_Show btn_Hide");
-    EXPECT_EQ(names("horizontalLayout_2"), "gridLayoutAll");
-    EXPECT_EQ(spacerIn(window, "verticalLayout_3", 1), QSize(20, 40));
-
-    QLayout *inGroup = window.findChild<QGroupBox *>("groupBox")->layout();
-    EXPECT_EQ(inGroup->objectName(), "verticalLayout_2");
-    EXPECT_EQ(inGroup->sizeConstraint(), QLayout::SetMinAndMaxSize);
-    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->minimumWidth(), 150);
-    for (const char *name : {"btn_Show", "btn_Hide"})
-        EXPECT_TRUE(window.findChild<QPushButton *>(name)->isFlat()) << name;
-    EXPECT_EQ(window.findChild<QFrame *>("line")->frameShape(), QFrame::HLine);
-    EXPECT_EQ(window.findChild<QFrame *>("line")->frameShadow(), QFrame::Sunken);
-
-    auto *area = window.findChild<QScrollArea *>("scrollArea");
-    EXPECT_EQ(area->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
-    EXPECT_EQ(area->sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
-    EXPECT_EQ(area->frameShape(), QFrame::NoFrame);
-    EXPECT_TRUE(area->widgetResizable());
-    EXPECT_EQ(area->widget()->objectName(), "scrollAreaWidgetContents");
-    EXPECT_EQ(area->widget()->layout()->objectName(), "horizontalLayout_2");
+    EXPECT_EQ(window.windowType(), Qt::Window);
+    EXPECT_FALSE(window.testAttribute(Qt::WA_DeleteOnClose));
+    EXPECT_EQ(window.findChild<QComboBox *>("cbox_Conditions")->count(), 0);
+    EXPECT_TRUE(window.findChild<QGridLayout *>("gridLayoutAll")->isEmpty());
+    const QLayout *const layout = window.centralWidget()->layout();
+    ASSERT_EQ(layout->count(), 2);
+    EXPECT_EQ(layout->itemAt(1)->widget(), view());
 }
 
 TEST_F(TimeseriesLinePlotTest, shows_names_as_they_are_written)

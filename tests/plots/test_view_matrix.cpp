@@ -6,8 +6,8 @@
 #include "plots/vertical_header_view.h"
 #include "plots/view_matrix.h"
 #include "plots/view_matrix_table.h"
-#include "tests/plots/form_check.h"
 #include "tests/plots/plot_fixture.h"
+#include "tests/support/form_text.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -17,7 +17,6 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPointer>
-#include <QScrollArea>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTest>
@@ -179,269 +178,59 @@ std::vector<Eigen::MatrixXf> fourMatrices(int n = 6)
 
 // The form.
 
-TEST(BrowserForm, has_each_property_as_told)
+TEST(BrowserForm, is_the_one_that_is_described)
+{
+    Result result({});
+    EXPECT_EQ('\n' + formText(ViewMatrix(&result.dialog)) + '\n', R"(
+ViewMatrix ViewMatrix "Browse Connectivity Map" minimumSize 0x620 sizeGripEnabled policy MinimumExpanding/MinimumExpanding 1172x734
+  QHBoxLayout horizontalLayout_2 spacing 6 margins 11 11 11 11
+    QWidget widget_Conditions minimumSize 200x0 maximumSize 200x16777215 policy Fixed/Preferred
+      QVBoxLayout verticalLayout_3 spacing 0 margins 0 0 6 0
+        QGroupBox groupBox "Conditions" minimumSize 200x0 maximumSize 200x16777215 policy Preferred/Expanding
+          QVBoxLayout verticalLayout_6 spacing 6 margins 2 2 2 2
+            QScrollArea scrollArea frameShape NoFrame frameShadow Plain widgetResizable
+              QWidget scrollAreaWidgetContents autoFillBackground
+                QHBoxLayout horizontalLayout_3 spacing 6 margins 9 9 9 9
+                  QGridLayout gridLayout_Conditions spacing 2,2
+        spacer 20x40 Minimum/MinimumExpanding
+    QVBoxLayout verticalLayout spacing 0
+      ViewMatrixTable tableMatrix minimumSize 640x0 mouseTracking accessibleName "Connectivity matrix" autoFillBackground styleSheet "background-color { #ffffff; }" frameShape NoFrame no autoScroll editTriggers NoEditTriggers no tabKeyNavigation no showDropIndicator no dragDropOverwriteMode selectionMode NoSelection textElideMode ElideNone no showGrid rowCount 1 columnCount 1
+      QWidget widget_statusbar minimumSize 0x25 maximumSize 16777215x25 policy Minimum/Minimum
+        QHBoxLayout horizontalLayout spacing 5 margins 9 0 0 4
+          QLabel lbl_Color maximumSize 25x25
+          QLabel lbl_Value
+    QWidget widget minimumSize 300x0 maximumSize 300x16777215 policy Fixed/Minimum
+      QVBoxLayout verticalLayout_2 spacing 6 margins 0 9 9 9
+        QGroupBox groupBox_Visualization "Visualization" flat hidden
+          QGridLayout gridLayout spacing 6,6 margins 9 9 9 9
+            QCheckBox checkBox "Plot symmetric matrix" cell 0,0
+            QCheckBox checkBox_2 "Show values" cell 1,0
+        spacer 20x40 Minimum/Expanding
+        QGroupBox groupBox_Histogram "Histogram" minimumSize 300x200 maximumSize 300x16777215 styleSheet "visible: hidden;" flat policy Fixed/Fixed hidden
+          QVBoxLayout verticalLayout_5 spacing 0
+            Histogram histogram minimumSize 300x200 maximumSize 300x200 accessibleName "Histogram" autoFillBackground frameShape NoFrame verticalScrollBarPolicy ScrollBarAlwaysOff horizontalScrollBarPolicy ScrollBarAlwaysOff sceneRect 0,0 100x30 renderHints Antialiasing|TextAntialiasing
+            QHBoxLayout hlaout_2 spacing 0
+              QLabel lbl_Hist "TextLabel"
+            QHBoxLayout horizontalLayout_5 spacing 0
+              QSpinBox sbox_HistBins "10 bins" suffix " bins" minimum 10 value 10 disabled
+              spacer 40x20 Expanding/Minimum
+              QCheckBox cbox_HistNormalize "normalize" disabled
+        QGroupBox groupbox_Overview "Overview" minimumSize 300x260 maximumSize 300x260 flat
+          QVBoxLayout verticalLayout_4 spacing 0 SetFixedSize
+            QGraphicsView graphicsView minimumSize 300x290 maximumSize 300x290 accessibleName "Overview" frameShape NoFrame lineWidth 0 verticalScrollBarPolicy ScrollBarAlwaysOff horizontalScrollBarPolicy ScrollBarAlwaysOff sizeAdjustPolicy AdjustToContents sceneRect 0,0 250x250
+        spacer 20x5 Minimum/Minimum
+        QGroupBox groupbox_Legend flat
+          QHBoxLayout horizontalLayout_4 spacing 0
+)");
+}
+
+TEST(BrowserForm, has_headers_for_long_names)
 {
     Result result({});
     const ViewMatrix window(&result.dialog);
-    constexpr int unlimited = 16777215;
-
-    struct Row {
-        const char *object;
-        const char *property;
-        QVariant value;
-    };
-    const Row rows[] = {
-        {"ViewMatrix", "windowTitle", "Browse Connectivity Map"},
-        {"ViewMatrix", "size", QSize(1172, 734)},
-        {"ViewMatrix", "minimumSize", QSize(0, 620)},
-        {"ViewMatrix", "sizeGripEnabled", true},
-        {"widget_Conditions", "minimumSize", QSize(200, 0)},
-        {"widget_Conditions", "maximumSize", QSize(200, unlimited)},
-        {"groupBox", "title", "Conditions"},
-        {"groupBox", "minimumSize", QSize(200, 0)},
-        {"groupBox", "maximumSize", QSize(200, unlimited)},
-        {"scrollArea", "frameShape", int(QFrame::NoFrame)},
-        {"scrollArea", "frameShadow", int(QFrame::Plain)},
-        {"scrollArea", "widgetResizable", true},
-        {"tableMatrix", "minimumSize", QSize(640, 0)},
-        {"tableMatrix", "autoFillBackground", true},
-        {"tableMatrix", "styleSheet", "background-color { #ffffff; }"},
-        {"tableMatrix", "frameShape", int(QFrame::NoFrame)},
-        {"tableMatrix", "sizeAdjustPolicy", int(QAbstractScrollArea::AdjustIgnored)},
-        {"tableMatrix", "autoScroll", false},
-        {"tableMatrix", "editTriggers", int(QAbstractItemView::NoEditTriggers)},
-        {"tableMatrix", "tabKeyNavigation", false},
-        {"tableMatrix", "showDropIndicator", false},
-        {"tableMatrix", "dragDropOverwriteMode", false},
-        {"tableMatrix", "selectionMode", int(QAbstractItemView::NoSelection)},
-        {"tableMatrix", "selectionBehavior", int(QAbstractItemView::SelectItems)},
-        {"tableMatrix", "textElideMode", int(Qt::ElideNone)},
-        {"tableMatrix", "showGrid", false},
-        {"tableMatrix", "mouseTracking", true},
-        {"widget_statusbar", "minimumSize", QSize(0, 25)},
-        {"widget_statusbar", "maximumSize", QSize(unlimited, 25)},
-        {"lbl_Color", "maximumSize", QSize(25, 25)},
-        {"lbl_Color", "text", ""},
-        {"lbl_Color", "styleSheet", ""},
-        {"lbl_Value", "text", ""},
-        {"widget", "minimumSize", QSize(300, 0)},
-        {"widget", "maximumSize", QSize(300, unlimited)},
-        {"groupBox_Visualization", "title", "Visualization"},
-        {"groupBox_Visualization", "flat", true},
-        {"checkBox", "text", "Plot symmetric matrix"},
-        {"checkBox_2", "text", "Show values"},
-        {"groupBox_Histogram", "title", "Histogram"},
-        {"groupBox_Histogram", "flat", true},
-        {"groupBox_Histogram", "styleSheet", "visible: hidden;"},
-        {"groupBox_Histogram", "minimumSize", QSize(300, 200)},
-        {"groupBox_Histogram", "maximumSize", QSize(300, unlimited)},
-        {"histogram", "minimumSize", QSize(300, 200)},
-        {"histogram", "maximumSize", QSize(300, 200)},
-        {"lbl_Hist", "text", "TextLabel"},
-        {"sbox_HistBins", "enabled", false},
-        {"sbox_HistBins", "minimum", 10},
-        {"sbox_HistBins", "suffix", " bins"},
-        {"cbox_HistNormalize", "enabled", false},
-        {"cbox_HistNormalize", "text", "normalize"},
-        {"groupbox_Overview", "title", "Overview"},
-        {"groupbox_Overview", "flat", true},
-        {"groupbox_Overview", "minimumSize", QSize(300, 260)},
-        {"groupbox_Overview", "maximumSize", QSize(300, 260)},
-        {"graphicsView", "minimumSize", QSize(300, 290)},
-        {"graphicsView", "maximumSize", QSize(300, 290)},
-        {"graphicsView", "frameShape", int(QFrame::NoFrame)},
-        {"graphicsView", "lineWidth", 0},
-        {"graphicsView", "verticalScrollBarPolicy", int(Qt::ScrollBarAlwaysOff)},
-        {"graphicsView", "horizontalScrollBarPolicy", int(Qt::ScrollBarAlwaysOff)},
-        {"graphicsView", "sizeAdjustPolicy", int(QAbstractScrollArea::AdjustToContents)},
-        {"graphicsView", "sceneRect", QRectF(0, 0, 250, 250)},
-        {"groupbox_Legend", "title", ""},
-        {"groupbox_Legend", "flat", true},
-    };
-    for (const Row &row : rows) {
-        const QObject *const object = window.objectName() == QLatin1String(row.object)
-                                          ? &window
-                                          : window.findChild<QObject *>(QLatin1String(row.object));
-        ASSERT_NE(object, nullptr) << row.object;
-        const QVariant property = object->property(row.property);
-        ASSERT_TRUE(property.isValid()) << row.object << " " << row.property;
-        if (row.value.type() == QVariant::Int)
-            EXPECT_EQ(property.toInt(), row.value.toInt()) << row.object << " " << row.property;
-        else
-            EXPECT_EQ(property, row.value) << row.object << " " << row.property;
-    }
     const auto *const table = window.findChild<QTableWidget *>(QStringLiteral("tableMatrix"));
     EXPECT_FALSE(table->verticalHeader()->highlightSections());
     EXPECT_NE(dynamic_cast<VerticalHeaderView *>(table->horizontalHeader()), nullptr);
-    EXPECT_TRUE(window.findChild<QWidget *>(QStringLiteral("groupBox_Visualization"))->isHidden());
-    EXPECT_TRUE(window.findChild<QWidget *>(QStringLiteral("groupBox_Histogram"))->isHidden());
-}
-
-TEST(BrowserForm, has_each_class_in_its_parent)
-{
-    Result result({});
-    const ViewMatrix window(&result.dialog);
-    struct Row {
-        const char *object;
-        const char *className;
-        const char *parent; // of a nested layout: the widget that it is on
-    };
-    const Row rows[] = {
-        {"horizontalLayout_2", "QHBoxLayout", "ViewMatrix"},
-        {"widget_Conditions", "QWidget", "ViewMatrix"},
-        {"verticalLayout_3", "QVBoxLayout", "widget_Conditions"},
-        {"groupBox", "QGroupBox", "widget_Conditions"},
-        {"verticalLayout_6", "QVBoxLayout", "groupBox"},
-        {"scrollArea", "QScrollArea", "groupBox"},
-        {"scrollAreaWidgetContents", "QWidget", "qt_scrollarea_viewport"},
-        {"horizontalLayout_3", "QHBoxLayout", "scrollAreaWidgetContents"},
-        {"gridLayout_Conditions", "QGridLayout", "horizontalLayout_3"},
-        {"verticalLayout", "QVBoxLayout", "horizontalLayout_2"},
-        {"tableMatrix", "ViewMatrixTable", "ViewMatrix"},
-        {"widget_statusbar", "QWidget", "ViewMatrix"},
-        {"horizontalLayout", "QHBoxLayout", "widget_statusbar"},
-        {"lbl_Color", "QLabel", "widget_statusbar"},
-        {"lbl_Value", "QLabel", "widget_statusbar"},
-        {"widget", "QWidget", "ViewMatrix"},
-        {"verticalLayout_2", "QVBoxLayout", "widget"},
-        {"groupBox_Visualization", "QGroupBox", "widget"},
-        {"gridLayout", "QGridLayout", "groupBox_Visualization"},
-        {"checkBox", "QCheckBox", "groupBox_Visualization"},
-        {"checkBox_2", "QCheckBox", "groupBox_Visualization"},
-        {"groupBox_Histogram", "QGroupBox", "widget"},
-        {"verticalLayout_5", "QVBoxLayout", "groupBox_Histogram"},
-        {"histogram", "Histogram", "groupBox_Histogram"},
-        {"hlaout_2", "QHBoxLayout", "verticalLayout_5"},
-        {"lbl_Hist", "QLabel", "groupBox_Histogram"},
-        {"horizontalLayout_5", "QHBoxLayout", "verticalLayout_5"},
-        {"sbox_HistBins", "QSpinBox", "groupBox_Histogram"},
-        {"cbox_HistNormalize", "QCheckBox", "groupBox_Histogram"},
-        {"groupbox_Overview", "QGroupBox", "widget"},
-        {"verticalLayout_4", "QVBoxLayout", "groupbox_Overview"},
-        {"graphicsView", "QGraphicsView", "groupbox_Overview"},
-        {"groupbox_Legend", "QGroupBox", "widget"},
-        {"horizontalLayout_4", "QHBoxLayout", "groupbox_Legend"},
-    };
-    for (const Row &row : rows) {
-        const auto *const object = window.findChild<QObject *>(QLatin1String(row.object));
-        ASSERT_NE(object, nullptr) << row.object;
-        EXPECT_STREQ(object->metaObject()->className(), row.className) << row.object;
-        EXPECT_EQ(object->parent()->objectName(), QString::fromLatin1(row.parent)) << row.object;
-    }
-}
-
-TEST(BrowserForm, has_each_layout_as_told)
-{
-    Result result({});
-    const ViewMatrix window(&result.dialog);
-    const int unset = -1; // what the style says
-    struct Row {
-        const char *layout;
-        int spacing;
-        int left, top, right, bottom;
-    };
-    const Row rows[] = {
-        {"verticalLayout_3", 0, 0, 0, 6, 0},
-        {"verticalLayout_6", unset, 2, 2, 2, 2},
-        {"verticalLayout", 0, unset, unset, unset, unset},
-        {"horizontalLayout", 5, unset, 0, 0, 4},
-        {"verticalLayout_2", unset, 0, unset, unset, unset},
-        {"verticalLayout_5", 0, 0, 0, 0, 0},
-        {"hlaout_2", unset, unset, unset, unset, 0},
-        {"verticalLayout_4", 0, 0, 0, 0, 0},
-        {"horizontalLayout_4", 0, 0, 0, 0, 0},
-    };
-    for (const Row &row : rows) {
-        const auto *const layout = window.findChild<QLayout *>(QLatin1String(row.layout));
-        ASSERT_NE(layout, nullptr) << row.layout;
-        if (row.spacing != unset) {
-            EXPECT_EQ(layout->spacing(), row.spacing) << row.layout;
-        }
-        const bool nested = qobject_cast<QLayout *>(layout->parent()) != nullptr;
-        const auto wanted = [&](int told, QStyle::PixelMetric metric) {
-            return told != unset ? told : nested ? 0 : window.style()->pixelMetric(metric);
-        };
-        EXPECT_EQ(layout->contentsMargins(),
-                  QMargins(wanted(row.left, QStyle::PM_LayoutLeftMargin),
-                           wanted(row.top, QStyle::PM_LayoutTopMargin),
-                           wanted(row.right, QStyle::PM_LayoutRightMargin),
-                           wanted(row.bottom, QStyle::PM_LayoutBottomMargin)))
-            << row.layout;
-    }
-    const auto *const conditions =
-        window.findChild<QGridLayout *>(QStringLiteral("gridLayout_Conditions"));
-    EXPECT_EQ(conditions->horizontalSpacing(), 2);
-    EXPECT_EQ(conditions->verticalSpacing(), 2);
-    EXPECT_EQ(window.findChild<QLayout *>(QStringLiteral("verticalLayout_4"))->sizeConstraint(),
-              QLayout::SetFixedSize);
-}
-
-TEST(BrowserForm, has_each_size_policy_as_told)
-{
-    Result result({});
-    const ViewMatrix window(&result.dialog);
-    const QHash<QString, QSizePolicy> policies = {
-        {"widget_Conditions", {QSizePolicy::Fixed, QSizePolicy::Preferred}},
-        {"groupBox", {QSizePolicy::Preferred, QSizePolicy::Expanding}},
-        {"widget_statusbar", {QSizePolicy::Minimum, QSizePolicy::Minimum}},
-        {"widget", {QSizePolicy::Fixed, QSizePolicy::Minimum}},
-        {"groupBox_Histogram", {QSizePolicy::Fixed, QSizePolicy::Fixed}},
-    };
-    EXPECT_EQ(window.sizePolicy().horizontalPolicy(), QSizePolicy::MinimumExpanding);
-    EXPECT_EQ(window.sizePolicy().verticalPolicy(), QSizePolicy::MinimumExpanding);
-    for (auto policy = policies.begin(); policy != policies.end(); ++policy) {
-        const QSizePolicy actual = window.findChild<QWidget *>(policy.key())->sizePolicy();
-        EXPECT_EQ(actual.horizontalPolicy(), policy->horizontalPolicy())
-            << qPrintable(policy.key());
-        EXPECT_EQ(actual.verticalPolicy(), policy->verticalPolicy()) << qPrintable(policy.key());
-    }
-}
-
-TEST(BrowserForm, has_each_spacer_as_told)
-{
-    Result result({});
-    const ViewMatrix window(&result.dialog);
-    struct Row {
-        const char *layout;
-        int position;
-        QSize size;
-        Qt::Orientation orientation;
-        QSizePolicy::Policy policy;
-    };
-    const Row rows[] = {
-        {"verticalLayout_3", 1, {20, 40}, Qt::Vertical, QSizePolicy::MinimumExpanding},
-        {"verticalLayout_2", 1, {20, 40}, Qt::Vertical, QSizePolicy::Expanding},
-        {"horizontalLayout_5", 1, {40, 20}, Qt::Horizontal, QSizePolicy::Expanding},
-        {"verticalLayout_2", 4, {20, 5}, Qt::Vertical, QSizePolicy::Minimum},
-    };
-    for (const Row &row : rows) {
-        const auto *const layout = window.findChild<QLayout *>(QLatin1String(row.layout));
-        const QSpacerItem *const spacer = layout->itemAt(row.position)->spacerItem();
-        ASSERT_NE(spacer, nullptr) << row.layout;
-        EXPECT_EQ(spacer->sizeHint(), row.size) << row.layout;
-        EXPECT_EQ(row.orientation == Qt::Vertical ? spacer->sizePolicy().verticalPolicy()
-                                                  : spacer->sizePolicy().horizontalPolicy(),
-                  row.policy)
-            << row.layout;
-    }
-}
-
-TEST(BrowserForm, has_its_widgets_in_order)
-{
-    Result result({});
-    const ViewMatrix window(&result.dialog);
-    const auto names = [&](const char *layout) { return namesIn(window, layout); };
-    EXPECT_EQ(names("horizontalLayout_2"), "widget_Conditions verticalLayout widget");
-    EXPECT_EQ(names("verticalLayout_3"), "groupBox -");
-    EXPECT_EQ(names("verticalLayout"), "tableMatrix widget_statusbar");
-    EXPECT_EQ(names("horizontalLayout"), "lbl_Color lbl_Value");
-    EXPECT_EQ(names("verticalLayout_2"),
-              "groupBox_Visualization - groupBox_Histogram groupbox_Overview - groupbox_Legend");
-    EXPECT_EQ(names("verticalLayout_5"), "histogram hlaout_2 horizontalLayout_5");
-    EXPECT_EQ(names("horizontalLayout_5"), "sbox_HistBins - cbox_HistNormalize");
-    const auto *const grid = window.findChild<QGridLayout *>(QStringLiteral("gridLayout"));
-    EXPECT_EQ(grid->itemAtPosition(0, 0)->widget()->objectName(), QStringLiteral("checkBox"));
-    EXPECT_EQ(grid->itemAtPosition(1, 0)->widget()->objectName(), QStringLiteral("checkBox_2"));
 }
 
 TEST(BrowserForm, begins_with_one_cell_without_content)

@@ -5,7 +5,7 @@
 
 #include <QTabWidget>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 #include <random>
 

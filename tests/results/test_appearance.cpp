@@ -17,7 +17,7 @@
 #include <QSet>
 #include <QTabWidget>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 namespace
 {

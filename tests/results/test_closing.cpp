@@ -18,7 +18,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QTableWidget>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <bitset>

@@ -23,8 +23,8 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTest>
 #include <QtCharts/QChart>
-#include <QtTest>
 #include <nodalis/nodalis.h>
 
 namespace

@@ -16,11 +16,11 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QTableView>
+#include <QTest>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QChartView>
 #include <QtCharts/QLineSeries>
 #include <QtCharts/QValueAxis>
-#include <QtTest>
 #include <nodalis/nodalis.h>
 
 using namespace QtCharts;

@@ -15,8 +15,8 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTest>
 #include <QtCharts/QChartView>
-#include <QtTest>
 
 namespace
 {

@@ -21,10 +21,10 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTableWidget>
+#include <QTest>
 #include <QtCharts/QChart>
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QSplineSeries>
-#include <QtTest>
 
 using namespace QtCharts;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/results/results_fixture.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace
 {

@@ -10,7 +10,7 @@
 #include <QListWidget>
 #include <QTabWidget>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 DatasetFixture::DatasetFixture()
 {

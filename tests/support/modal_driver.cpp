@@ -7,7 +7,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QtTest>
+#include <QTest>
 
 #include <gtest/gtest.h>
 

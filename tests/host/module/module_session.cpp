@@ -9,6 +9,8 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
@@ -19,7 +21,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
-#include <QtTest>
+#include <QTest>
 
 // The class's type information is in the module alone.
 #if defined(__GNUC__)

@@ -19,8 +19,8 @@
 #include <QProgressDialog>
 #include <QSlider>
 #include <QTableView>
+#include <QTest>
 #include <QWindow>
-#include <QtTest>
 
 #include <algorithm>
 #include <bitset>

@@ -10,10 +10,11 @@
 #include "tests/support/reference_folder.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QLibrary>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QtTest>
+#include <QTest>
 #include <gmock/gmock.h>
 #include <nodalis/nodalis.h>
 

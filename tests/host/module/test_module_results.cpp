@@ -8,6 +8,7 @@
 #include "tests/support/reference_folder.h"
 #include "tests/support/slider_handle.h"
 
+#include <QDir>
 #include <QGraphicsSimpleTextItem>
 #include <QGraphicsTextItem>
 #include <QGraphicsView>
@@ -17,12 +18,12 @@
 #include <QSlider>
 #include <QTableView>
 #include <QTableWidget>
+#include <QTest>
 #include <QWindow>
 #include <QtCharts/QChart>
 #include <QtCharts/QChartView>
 #include <QtCharts/QLineSeries>
 #include <QtCharts/QSplineSeries>
-#include <QtTest>
 #include <nodalis/nodalis.h>
 
 #include <cstring>

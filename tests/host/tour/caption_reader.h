@@ -4,9 +4,9 @@
 #include <QApplication>
 #include <QLabel>
 #include <QStringList>
+#include <QTest>
 #include <QTimer>
 #include <QWindow>
-#include <QtTest>
 #include <functional>
 #include <utility>
 

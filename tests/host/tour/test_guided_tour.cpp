@@ -17,7 +17,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QSettings>
-#include <QtTest>
+#include <QTest>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 

@@ -14,7 +14,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
-#include <QtTest>
+#include <QTest>
 
 namespace corvane
 {

@@ -21,7 +21,7 @@
 #include <QPushButton>
 #include <QSemaphore>
 #include <QSettings>
-#include <QtTest>
+#include <QTest>
 
 namespace corvane
 {

@@ -10,7 +10,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QTabBar>
-#include <QtTest>
+#include <QTest>
 #include <gmock/gmock.h>
 
 namespace corvane

@@ -18,7 +18,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QtTest>
+#include <QTest>
 #include <cmath>
 #include <gtest/gtest.h>
 

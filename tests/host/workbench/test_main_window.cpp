@@ -14,7 +14,8 @@
 #include <QMimeData>
 #include <QSettings>
 #include <QSplitter>
-#include <QtTest>
+#include <QTest>
+#include <QUrl>
 #include <gmock/gmock.h>
 
 namespace corvane

@@ -11,6 +11,9 @@
 #include "tests/host/workbench/dropping.h"
 #include "tests/support/modal_driver.h"
 
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
@@ -18,7 +21,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
-#include <QtTest>
+#include <QTest>
 #include <gmock/gmock.h>
 
 namespace corvane

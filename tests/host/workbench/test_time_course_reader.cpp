@@ -2,7 +2,7 @@
 #include "host/workbench/time_course_reader.h"
 #include "tests/host/support/host_files.h"
 
-#include <QtTest>
+#include <QTest>
 #include <gmock/gmock.h>
 #include <optional>
 

@@ -13,9 +13,10 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QSpinBox>
+#include <QTest>
 #include <QWheelEvent>
-#include <QtTest>
 #include <gmock/gmock.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
