@@ -159,7 +159,6 @@ void moveTheCrossHair(benchmark::State &state)
         }
 
     Session session;
-    Workspace &workspace = session.workspace();
     MainWindow window(session);
     window.show();
     window.openFiles({file("vmr"), file("vtc"), file("voi")});
