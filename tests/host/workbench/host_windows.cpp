@@ -117,26 +117,30 @@ QPushButton *importButton(const ImportDialog &dialog)
     return nullptr;
 }
 
-ImportRequest exampleRequest(const TemporaryFolder &folder)
+/// The example's files, made once for all windows.
+ImportRequest exampleRequest()
 {
-    writeExample(folder.path());
-    ImportRequest request;
-    request.anatomy = folder.path("sub-01_T1w.nii.gz");
-    request.functional = folder.path("sub-01_task-movement_bold.nii.gz");
-    request.atlas = folder.path("sub-01_dseg.nii.gz");
-    request.labels = folder.path("sub-01_dseg.tsv");
-    request.events = folder.path("sub-01_task-movement_events.tsv");
-    request.folder = folder.path();
-    request.name = QStringLiteral("example");
+    static const TemporaryFolder folder;
+    static const ImportRequest request = [] {
+        writeExample(folder.path());
+        ImportRequest files;
+        files.anatomy = folder.path("sub-01_T1w.nii.gz");
+        files.functional = folder.path("sub-01_task-movement_bold.nii.gz");
+        files.atlas = folder.path("sub-01_dseg.nii.gz");
+        files.labels = folder.path("sub-01_dseg.tsv");
+        files.events = folder.path("sub-01_task-movement_events.tsv");
+        files.folder = folder.path();
+        files.name = QStringLiteral("example");
+        return files;
+    }();
     return request;
 }
 
 /// The dialog with its previews, before an import that would replace files.
 void withFilledDialog(const std::function<void(ImportDialog &)> &action)
 {
-    const TemporaryFolder folder;
     ImportDialog dialog;
-    dialog.setRequest(exampleRequest(folder));
+    dialog.setRequest(exampleRequest());
     dialog.show();
     ASSERT_TRUE(QTest::qWaitFor([&dialog] { return importButton(dialog)->isEnabled(); }, 30000));
     action(dialog);
