@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/graph_table.h"
 
+#include "dataset/counted.h"
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
 #include "host/files/limits.h"
@@ -419,9 +420,8 @@ GraphTable parseGraphTable(const QByteArray &bytes, const QString &path)
     Reader reader(bytes, path);
     GraphTable graph = Table(reader.rows(), path).graph();
     if (reader.comments() > 0)
-        graph.notes += QStringLiteral("%1: comments are skipped, %2 lines")
-                           .arg(printable(path, 4096))
-                           .arg(reader.comments());
+        graph.notes += QStringLiteral("%1: %2 skipped")
+                           .arg(printable(path, 4096), counted(reader.comments(), "comment line"));
     return graph;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/image_reader.h"
 
+#include "dataset/counted.h"
 #include "host/files/input_error.h"
 #include "host/files/nifti_stream.h"
 #include "host/files/output_file.h"
@@ -219,9 +220,8 @@ Image3d<qint32> readLabels(const QString &path, QStringList &notes)
     const auto broken = std::count_if(values.voxels.begin(), values.voxels.end(),
                                       [](double value) { return std::isnan(value); });
     if (broken > 0)
-        notes += QStringLiteral("%1: %2 voxels hold no number: they count as background")
-                     .arg(printable(path, 4096))
-                     .arg(broken);
+        notes += QStringLiteral("%1: %2 without a number taken for background")
+                     .arg(printable(path, 4096), counted(broken, "voxel"));
     return labels;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/tsv_table.h"
 
+#include "dataset/counted.h"
 #include "host/files/input_error.h"
 
 namespace corvane
@@ -55,10 +56,8 @@ TsvTable::TsvTable(const QString &path, const std::vector<TextLine> &lines) : m_
         throw InputError(path, QStringLiteral("content"), QStringLiteral("no line"),
                          QStringLiteral("a line with the names of the columns"));
     if (comments > 0)
-        m_notes += QStringLiteral("%1: comments above the names of the columns are skipped, %2 "
-                                  "lines")
-                       .arg(printable(path, 4096))
-                       .arg(comments);
+        m_notes += QStringLiteral("%1: %2 above the names of the columns skipped")
+                       .arg(printable(path, 4096), counted(comments, "comment line"));
 }
 
 int TsvTable::requiredColumn(const QString &name) const

@@ -152,18 +152,17 @@ void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
         }
         if (region.insideRun == region.inAtlas && !region.voi.voxels.empty())
             continue;
-        QString note = QStringLiteral("VOI %1: %2 voxels in the atlas, %3 of them inside the run")
-                           .arg(labelText(label, region), QString::number(region.inAtlas),
+        QString note = QStringLiteral("VOI %1: %2 in the atlas, %3 of them inside the run")
+                           .arg(labelText(label, region), counted(region.inAtlas, "voxel"),
                                 QString::number(region.insideRun));
         if (region.voi.voxels.empty())
             note += QStringLiteral(": no functional voxel has this label, the VOI is empty");
         notes += note;
     }
     if (!missing.isEmpty())
-        notes +=
-            QStringLiteral("%1: %2 labels of the table have no voxel, their VOIs are empty: %3")
-                .arg(printable(path, 4096), QString::number(missing.size()),
-                     missing.join(QStringLiteral(", ")));
+        notes += QStringLiteral("%1: %2 of the table without a voxel, whose VOIs are empty: %3")
+                     .arg(printable(path, 4096), counted(missing.size(), "label"),
+                          missing.join(QStringLiteral(", ")));
 }
 
 /// How often each sample of the run counts in a mean over a VOI.

@@ -231,7 +231,7 @@ std::vector<Table> tables()
          2,
          10,
          {{"a", {{1, 2}}}},
-         lines({"F: comments above the names of the columns are skipped, 1 lines"})},
+         lines({"F: 1 comment line above the names of the columns skipped"})},
         {"NoEvent", "onset\tduration\n", 2, 10, {}, {}},
         {"Overlap",
          "onset\tduration\ttrial_type\n0\t6\ta\n4\t4\tb\n5\t1\tc\n",

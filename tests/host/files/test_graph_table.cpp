@@ -109,7 +109,7 @@ TEST(GraphTable, SkipsCommentsAndSaysSo)
     const GraphTable table =
         parsed("# made by a program, in 2026; twice\n0 0.5\n  # half\n0.25 0\n");
     EXPECT_EQ(table.weights, pair());
-    EXPECT_EQ(table.notes, QStringList{QStringLiteral("m.csv: comments are skipped, 2 lines")});
+    EXPECT_EQ(table.notes, QStringList{QStringLiteral("m.csv: 2 comment lines skipped")});
     EXPECT_TRUE(parsed("0,0.5\n0.25,0\n").notes.isEmpty());
 }
 

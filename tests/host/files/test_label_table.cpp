@@ -87,9 +87,9 @@ TEST(LabelTable, SkipsCommentsAboveTheNamesOfTheColumnsAndSaysSo)
     EXPECT_EQ(table.at(1).name, QStringLiteral("a"));
     EXPECT_EQ(table.at(2).name, QStringLiteral("# b"));
     ASSERT_EQ(notes.size(), 1);
-    EXPECT_THAT(notes[0].toStdString(),
-                testing::EndsWith(
-                    "labels.tsv: comments above the names of the columns are skipped, 2 lines"));
+    EXPECT_THAT(
+        notes[0].toStdString(),
+        testing::EndsWith("labels.tsv: 2 comment lines above the names of the columns skipped"));
 }
 
 TEST(LabelTable, ReadsColourTables)

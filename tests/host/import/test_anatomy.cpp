@@ -461,7 +461,7 @@ TEST(ImageReader, TakesNotANumberForBackgroundAndSaysSoOnce)
     QStringList notes;
     EXPECT_EQ(readLabels(file, notes).voxels, (std::vector<qint32>{0, 7, 0, 0}));
     EXPECT_EQ(joined(notes),
-              file.toStdString() + ": 3 voxels hold no number: they count as background");
+              file.toStdString() + ": 3 voxels without a number taken for background");
 }
 
 class BadImage : public testing::TestWithParam<BadFile>

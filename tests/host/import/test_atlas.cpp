@@ -187,7 +187,7 @@ TEST(Atlas, LeavesOutWhatTheRunDidNotRecord)
               joined({QStringLiteral("VOI 1 \"1\": 863999 voxels in the atlas, %1 of them inside "
                                      "the run")
                           .arg(recorded * 27),
-                      QStringLiteral("VOI 2 \"2\": 1 voxels in the atlas, 0 of them inside the "
+                      QStringLiteral("VOI 2 \"2\": 1 voxel in the atlas, 0 of them inside the "
                                      "run: no functional voxel has this label, the VOI is "
                                      "empty")}));
 }
@@ -219,10 +219,10 @@ TEST(Atlas, SaysEveryVoiThatLosesVoxelsAndKeepsIt)
     }
     EXPECT_EQ(joined(notes),
               joined((QStringList{
-                  QStringLiteral("VOI 1 \"Outside\": 1 voxels in the atlas, 0 of them inside the "
+                  QStringLiteral("VOI 1 \"Outside\": 1 voxel in the atlas, 0 of them inside the "
                                  "run: no functional voxel has this label, the VOI is empty"),
                   QStringLiteral("VOI 2 \"Half\": 2 voxels in the atlas, 1 of them inside the run"),
-                  QStringLiteral("atlas.nii: 2 labels of the table have no voxel, their VOIs are "
+                  QStringLiteral("atlas.nii: 2 labels of the table without a voxel, whose VOIs are "
                                  "empty: 9 \"Absent\", 11 \"Absent too\"")})));
 }
 
@@ -235,7 +235,7 @@ TEST(Atlas, SaysAVoiThatFallsBetweenFunctionalVoxels)
     ASSERT_EQ(set.vois.size(), 1U);
     EXPECT_TRUE(set.vois[0].voxels.empty());
     EXPECT_EQ(joined(notes), joined(QStringList{QStringLiteral(
-                                 "VOI 4 \"4\": 1 voxels in the atlas, 1 of them inside the run: no "
+                                 "VOI 4 \"4\": 1 voxel in the atlas, 1 of them inside the run: no "
                                  "functional voxel has this label, the VOI is empty")}));
 }
 
