@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr double center = 320.0;
+constexpr double chartCenter = 320.0;
 constexpr double radius = 213.3333282470703;
 constexpr float radiansPerDegree = 0.017453292f;
 constexpr double labelPi = 3.14156; // labels are turned by this value of pi
@@ -38,8 +38,8 @@ Ring makeRing(quint32 n)
     for (quint32 i = 0; i < n; ++i) {
         angle += step;
         ring.angles.append(double(angle));
-        ring.positions.append(inSinglePrecision(std::cos(double(angle)) * radius + center,
-                                                std::sin(double(angle)) * radius + center));
+        ring.positions.append(inSinglePrecision(std::cos(double(angle)) * radius + chartCenter,
+                                                std::sin(double(angle)) * radius + chartCenter));
     }
     return ring;
 }

@@ -158,10 +158,12 @@ protected:
 TEST_P(ModuleClosingInOrder, OfAnySetOfPlots)
 {
     constexpr unsigned long all = (1u << kinds) - 1;
+    // Plots that disturb each other do so in twos or threes. A new dataset takes longer: then the
+    // same plots close before it in one order only.
+    const std::size_t mostInAnyOrder = GetParam() == End::Results ? 3 : 1;
     for (unsigned long set = 0; set <= all; ++set) {
         for (const std::vector<int> &order : ordersOf(set)) {
-            // A new dataset takes longer: then the same plots close before it in one order only.
-            if (GetParam() != End::Results && !std::is_sorted(order.begin(), order.end()))
+            if (order.size() > mostInAnyOrder && !std::is_sorted(order.begin(), order.end()))
                 continue;
             ASSERT_NO_FATAL_FAILURE(closeInOrder(set, order));
         }
