@@ -697,6 +697,7 @@ TEST_P(BrowserPictures, show_the_whole_table)
     const QTableWidget *const table = browser.table();
     const QSize whole(table->verticalHeader()->width() + 15 * n,
                       table->horizontalHeader()->height() + 15 * n);
+    EXPECT_EQ(picture.devicePixelRatio(), browser.window.devicePixelRatioF());
     EXPECT_EQ(picture.size(), whole * picture.devicePixelRatio());
     for (const auto &[row, column] : {std::pair(0, 0), {0, n - 1}, {n - 1, 0}, {n / 2, n - 1}}) {
         EXPECT_EQ(picture.pixelColor(cellInPicture(picture, n, row, column)).rgb(),
