@@ -740,6 +740,7 @@ protected:
 
 TEST_F(RingPicture, is_the_ring_as_it_is_seen)
 {
+    QFileDialog(nullptr, QString(), folder.path());
     dialogs.expectFile(path("ring.png"), [this](QDialog &dialog) {
         const auto &files = dynamic_cast<QFileDialog &>(dialog);
         EXPECT_EQ(files.windowTitle(), QStringLiteral("Save as..."));
@@ -748,6 +749,7 @@ TEST_F(RingPicture, is_the_ring_as_it_is_seen)
         EXPECT_EQ(files.defaultSuffix(), QStringLiteral("png"));
         EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptOpen);
         EXPECT_EQ(files.parent(), &plot.window);
+        EXPECT_EQ(files.directory(), QDir(folder.path())) << "where the dialog before was";
     });
     plot.window.saveImage();
     QImage saved;
