@@ -67,6 +67,8 @@ LinePlot::LinePlot(QString plotTitle, QWidget *parent)
 {
     ui->setupUi(this);
     ui->dw_Sources->hide();
+    // The menu of its docks could neither close the one nor show the other.
+    setContextMenuPolicy(Qt::NoContextMenu);
 }
 
 LinePlot::~LinePlot()

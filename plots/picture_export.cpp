@@ -25,18 +25,5 @@ void exportPicture(QWidget *window, QWidget *source)
 
 QString neutralStyleSheet()
 {
-    return QStringLiteral(R"(
-        * { background-color: palette(window); color: palette(window-text); }
-        QAbstractItemView, QLineEdit, QComboBox {
-            background-color: palette(base);
-            color: palette(text);
-        }
-        QAbstractButton { background-color: palette(button); color: palette(button-text); }
-        QMenu { border: 1px solid palette(mid); }
-        QMenu::item { padding: 4px 20px; }
-        QMenu::item:selected {
-            background-color: palette(highlight);
-            color: palette(highlighted-text);
-        }
-    )");
+    return QStringLiteral("* { background: none; }");
 }

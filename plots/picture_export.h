@@ -9,6 +9,7 @@ class QWidget;
 /// Silent whatever comes of it; a file that cannot be written whole is not left behind.
 void exportPicture(QWidget *window, QWidget *source);
 
-/// Puts menus and dialogs back to the colours of the palette where a window has a style sheet of
-/// its own, which reaches its children and would leave them unreadable in a dark palette.
+/// Lets menus and dialogs look as they do elsewhere where a window has a style sheet for its
+/// background, which reaches its children and would leave them white, and half of their controls
+/// undrawn.
 QString neutralStyleSheet();

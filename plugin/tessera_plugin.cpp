@@ -2,6 +2,7 @@
 #include "plugin/tessera_plugin.h"
 
 #include "dataset/tessera.h"
+#include "plots/bring_to_front.h"
 #include "plugin/exports.h"
 #include "plugin/host_data.h"
 #include "plugin/host_functions.h"
@@ -73,7 +74,7 @@ bool Tessera_Plugin::execute()
         dialog->setAttribute(Qt::WA_DeleteOnClose, true);
         dialog->plugin = this;
     }
-    dialog->show();
+    bringToFront(dialog);
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include "plots/timeseries_line_plot.h"
 #include "results/feature_plots.h"
 #include "results/graph_features_model.h"
+#include "results/wrapped_tool_tips.h"
 #include "ui_connectivity_object_ui.h"
 
 #include <QHeaderView>
@@ -68,6 +69,8 @@ void ConnectivityObjectUI::prepareGraphFeatures()
         model->setDynamic(true);
     view->setModel(model);
     view->hideColumn(GraphFeaturesModel::TypeColumn);
+    view->setItemDelegateForColumn(GraphFeaturesModel::DescriptionColumn,
+                                   new WrappedToolTips(view));
 
     const char *heading = "";
     for (const GraphMeasure &measure : graphMeasures()) {

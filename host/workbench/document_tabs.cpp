@@ -2,6 +2,7 @@
 #include "host/workbench/document_tabs.h"
 
 #include "host/session/workspace.h"
+#include "plots/plain_text.h"
 
 #include <QAbstractButton>
 #include <QFileInfo>
@@ -50,7 +51,7 @@ void DocumentTabs::refresh()
         QString label = file.fileName();
         insertTab(index, label.replace(QLatin1Char('&'), QLatin1String("&&")));
         setTabData(index, open[index]);
-        setTabToolTip(index, file.filePath());
+        setTabToolTip(index, asToolTip(file.filePath()));
         const auto side = static_cast<ButtonPosition>(
             style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, this));
         if (QWidget *const button = tabButton(index, side))

@@ -233,7 +233,9 @@ void ImportDialog::runImport()
         return;
     }
     if (!outcome.fault.isEmpty()) {
-        QMessageBox::warning(this, tr("Import"), outcome.fault);
+        QMessageBox box(QMessageBox::Warning, tr("Import"), outcome.fault, QMessageBox::Ok, this);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
         return;
     }
     for (const QString &line : report.notes + report.summary)

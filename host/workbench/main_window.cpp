@@ -15,6 +15,7 @@
 #include "host/workbench/time_course_view.h"
 #include "host/workbench/voi_list.h"
 #include "host/workbench/volume_view.h"
+#include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
 #include "host/workbench/example_files.h"
 #include "host/workbench/import_dialog.h"
@@ -446,7 +447,7 @@ void MainWindow::loadPluginFolder(const QString &folder)
                                   : tr("%1 (by %2)", "plugin, author").arg(plugin->name(), author);
         QAction *const action = m_pluginsMenu->addAction(menuText(label));
         action->setData(plugin->name());
-        action->setToolTip(plugin->path());
+        action->setToolTip(asToolTip(plugin->path()));
         connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
     }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/recent_files.h"
 
+#include "plots/plain_text.h"
+
 #include <QFileInfo>
 #include <QSettings>
 
@@ -40,7 +42,7 @@ void RecentFilesMenu::fill()
     for (const QString &path : paths) {
         QString label = QFileInfo(path).fileName();
         QAction *const action = addAction(label.replace(QLatin1Char('&'), QLatin1String("&&")));
-        action->setToolTip(path);
+        action->setToolTip(asToolTip(path));
         action->setStatusTip(path);
         action->setEnabled(QFileInfo::exists(path));
         connect(action, &QAction::triggered, this, [this, path] { Q_EMIT chosen(path); });

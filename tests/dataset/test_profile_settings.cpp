@@ -94,6 +94,36 @@ TEST_F(Profile, SettingsOfAllSurviveAndReachNoSubject)
     EXPECT_TRUE(isChecked("rbtn_PartialCorrelation")) << "it outlives the dialog";
 }
 
+TEST_F(Profile, SettingsOfAllReachNoRowThatComesLater)
+{
+    addReadyRow();
+    const int waiting = addRow();
+    click("rbtn_PartialCorrelation");
+    click("rbtn_NegativeMtx");
+    click("chkBox_ComputeMST");
+    dialog().configureVoxelToVoxel(1);
+    const int added = addRow();
+    const auto expectDefaults = [this](int row) {
+        EXPECT_EQ(subject(row).measure(), 1) << row;
+        EXPECT_EQ(subject(row).matrixValues(), 0) << row;
+        EXPECT_TRUE(subject(row).computeMst()) << row;
+        EXPECT_EQ(subject(row).scheme().voiIndex, -1) << row;
+        EXPECT_TRUE(subject(row).scheme().seedVois.isEmpty()) << row;
+    };
+    for (const int row : {waiting, added}) {
+        expectDefaults(row);
+        finishRow(row, addVtc("run.vtc"), addVois("set.voi"));
+        expectDefaults(row);
+        selectProfile(row);
+        expectDefaults(row);
+        EXPECT_TRUE(isChecked("rbtn_Correlation"));
+        EXPECT_TRUE(isChecked("rbtn_AbsoluteMtx"));
+        EXPECT_TRUE(isChecked("chkBox_ComputeMST"));
+        selectProfile(-1);
+    }
+    EXPECT_EQ(defaultProfile()->measure(), 2);
+}
+
 TEST_F(Profile, SelectionShowsTheRecord)
 {
     addReadyRow();

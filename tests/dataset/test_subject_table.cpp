@@ -392,6 +392,45 @@ TEST_F(Table, VtcWithProtocolLinksIt)
     EXPECT_TRUE(told);
 }
 
+TEST_F(Table, VtcWithoutProtocolLeavesTheOneThatWasLinkedBefore)
+{
+    addRow();
+    const QString linked = addLinkedVtc("run.vtc");
+    chooseFile(0, VtcColumn, linked);
+    const QString plain = addVtc("plain.vtc");
+    chooseFile(0, VtcColumn, plain);
+    EXPECT_EQ(subject(0).vtcFile(), plain);
+    EXPECT_EQ(fileButton(0, VtcColumn)->toolTip(), "plain.vtc");
+    EXPECT_EQ(fileButton(0, PrtColumn)->text(), "ok - autoloaded");
+    EXPECT_EQ(fileButton(0, PrtColumn)->toolTip(), linked + ".prt");
+    EXPECT_TRUE(fileButton(0, PrtColumn)->isEnabled());
+    EXPECT_TRUE(subject(0).protocolAutoloaded());
+    EXPECT_TRUE(subject(0).hasProtocol());
+    EXPECT_EQ(subject(0).prtFile, linked + ".prt");
+    EXPECT_EQ(subject(0).protocol().name, "task");
+
+    // One that links another protocol takes its place.
+    const QString other = addLinkedVtc("other.vtc");
+    chooseFile(0, VtcColumn, other);
+    EXPECT_EQ(fileButton(0, PrtColumn)->text(), "ok - autoloaded");
+    EXPECT_EQ(fileButton(0, PrtColumn)->toolTip(), other + ".prt");
+    EXPECT_EQ(subject(0).prtFile, other + ".prt");
+}
+
+TEST_F(Table, VtcWithoutProtocolLeavesTheOneThatWasChosenByHand)
+{
+    addRow();
+    useProtocol();
+    chooseFile(0, VtcColumn, addVtc("run.vtc"));
+    chooseFile(0, PrtColumn, addProtocol("task.prt", protocol()));
+    chooseFile(0, VtcColumn, addVtc("plain.vtc"));
+    EXPECT_EQ(fileButton(0, PrtColumn)->text(), "ok");
+    EXPECT_EQ(fileButton(0, PrtColumn)->toolTip(), "task.prt");
+    EXPECT_EQ(subject(0).prtFile, "task.prt");
+    EXPECT_TRUE(subject(0).hasProtocol());
+    EXPECT_FALSE(subject(0).protocolAutoloaded());
+}
+
 TEST_F(Table, VtcThatTheHostRefusesStaysChosenWithoutProtocol)
 {
     addRow();
@@ -515,6 +554,26 @@ TEST_F(Table, ReadyRowLocksTheUnsupportedOptions)
         EXPECT_TRUE(find<QWidget>(name)->isEnabled()) << name;
     EXPECT_EQ(profiles()->currentIndex(), 0);
     EXPECT_EQ(find<QPushButton>("btn_Compute")->text(), "Compute All");
+}
+
+TEST_F(Table, EveryRowThatBecomesReadyLocksThemAnew)
+{
+    const std::vector<const char *> locked = {
+        "rbtn_Covariance",      "rbtn_Tangent",      "rdBtn_Dynamic", "rbtn_VoxelToVoxel",
+        "btn_ConfigureDynamic", "cbox_ConfigureVOI", "btn_Compute"};
+    for (int row = 0; row < 3; ++row) {
+        addRow();
+        for (const char *name : locked)
+            find<QWidget>(name)->setEnabled(true);
+        find<QWidget>("btn_ConfigureVOIs")->setEnabled(false);
+        finishRow(row, addVtc("run.vtc"), addVois("set.voi"));
+        for (const char *name : locked)
+            EXPECT_FALSE(find<QWidget>(name)->isEnabled()) << name << " with row " << row;
+        EXPECT_TRUE(find<QWidget>("btn_ConfigureVOIs")->isEnabled()) << row;
+        // As a user meets it: the profile of the row before can be computed until then.
+        selectProfile(row);
+        EXPECT_TRUE(find<QWidget>("btn_Compute")->isEnabled()) << row;
+    }
 }
 
 TEST_F(Table, WithProtocolALinkedOneIsEnough)

@@ -435,6 +435,44 @@ TEST_F(Compute, ProgressDialogIsAsDescribed)
     EXPECT_EQ(dialog().findChild<QProgressDialog *>(), nullptr);
 }
 
+/// Notes the watcher of a future by what is sent to it: it belongs to the compute alone.
+class FutureWatcherFinder : public QObject
+{
+public:
+    FutureWatcherFinder() { QCoreApplication::instance()->installEventFilter(this); }
+    QPointer<QObject> watcher;
+
+private:
+    bool eventFilter(QObject *receiver, QEvent *) override
+    {
+        if (receiver->inherits("QFutureWatcherBase"))
+            watcher = receiver;
+        return false;
+    }
+};
+
+TEST_F(Compute, ProgressOfTheWorkWouldBeShown)
+{
+    addSelectedRow();
+    BusyPool pool;
+    FutureWatcherFinder finder;
+    modals.expect<QProgressDialog>([&](QProgressDialog &progress) {
+        EXPECT_TRUE(QTest::qWaitFor([&finder] { return !finder.watcher.isNull(); }));
+        const auto tell = [&finder](const char *signal, auto... values) {
+            return QMetaObject::invokeMethod(finder.watcher, signal, Qt::DirectConnection,
+                                             Q_ARG(int, values)...);
+        };
+        EXPECT_TRUE(tell("progressRangeChanged", 3, 17));
+        EXPECT_EQ(progress.minimum(), 3);
+        EXPECT_EQ(progress.maximum(), 17);
+        EXPECT_TRUE(tell("progressValueChanged", 11));
+        EXPECT_EQ(progress.value(), 11);
+        pool.release();
+    });
+    compute();
+    EXPECT_EQ(objects().size(), 1);
+}
+
 TEST_F(Compute, CancelledInTheQueueLeavesEverythingAsItWas)
 {
     addSelectedRow();
@@ -583,6 +621,42 @@ TEST_F(Compute, LogsItsFourLines)
     for (const LoggedMessage &message : takeMessages())
         texts.append(message.text);
     EXPECT_EQ(texts, (QStringList{"", "Available vois: 12", "Selected vois: 4", ""}));
+}
+
+/// Everything that writes verbose lines, from the first row to the comparison.
+TEST_F(Compute, WritesNothingWhileLoggingIsOff)
+{
+    ASSERT_FALSE(PluginSettings::instance()->verboseLogging);
+    takeMessages();
+    click("cbox_UseProtocol");
+    const QString vtc = addVtcWithProtocol("task.vtc", {{"A", {{1, 10}, {21, 30}}}});
+    for (int row = 0; row < 2; ++row) {
+        addRow();
+        vmrBox(row)->setCurrentIndex(1);
+        chooseFile(row, VtcColumn, vtc);
+        chooseFile(row, PrtColumn, addProtocol("task.prt", host.protocols.begin()->second));
+        chooseFile(row, VoiColumn, addVois("set.voi"));
+        computeRow(row, {0, 3, 5, 8});
+    }
+    showTab(results());
+    results()->selectAll();
+    click("btn_ComputeGraphDistance");
+    const QPoint place = results()->visualItemRect(results()->item(0)).center();
+    QTest::mouseClick(results()->viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(results()->viewport(), Qt::LeftButton, {}, place);
+    ASSERT_EQ(resultsDialogs().size(), 1);
+    addRow();
+    removeRow(2);
+    QTest::mouseClick(find<QPushButton>("btn_CloseDialog"), Qt::LeftButton);
+
+    // The one line that is always written: once for each row that links its protocol.
+    QStringList written;
+    for (const LoggedMessage &message : takeMessages()) {
+        if (message.type == QtDebugMsg || message.type == QtInfoMsg)
+            written += message.text;
+    }
+    const QString linked = "Linked proto file: " + vtc + ".prt";
+    EXPECT_EQ(written, (QStringList{linked, linked}));
 }
 
 TEST_F(Compute, OpensTheListedSubjectOnADoubleClick)

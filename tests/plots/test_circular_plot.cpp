@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plots/circular_plot.h"
 #include "plots/my_slider.h"
+#include "plots/picture_export.h"
 #include "plots/plot_source.h"
 #include "tests/gui_test.h"
 #include "tests/plots/plot_fixture.h"
@@ -11,14 +12,17 @@
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QMap>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <QWindow>
 
 #include <functional>
@@ -715,6 +719,8 @@ TEST(Closing, comes_with_the_results_dialog_while_a_label_is_hovered)
 
 // The picture.
 
+constexpr int manyFiles = 60; // more than a file dialog has room for
+
 class RingPicture : public testing::Test
 {
 protected:
@@ -734,6 +740,7 @@ protected:
 
 TEST_F(RingPicture, is_the_ring_as_it_is_seen)
 {
+    QFileDialog(nullptr, QString(), folder.path());
     dialogs.expectFile(path("ring.png"), [this](QDialog &dialog) {
         const auto &files = dynamic_cast<QFileDialog &>(dialog);
         EXPECT_EQ(files.windowTitle(), QStringLiteral("Save as..."));
@@ -742,6 +749,7 @@ TEST_F(RingPicture, is_the_ring_as_it_is_seen)
         EXPECT_EQ(files.defaultSuffix(), QStringLiteral("png"));
         EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptOpen);
         EXPECT_EQ(files.parent(), &plot.window);
+        EXPECT_EQ(files.directory(), QDir(folder.path())) << "where the dialog before was";
     });
     plot.window.saveImage();
     QImage saved;
@@ -832,15 +840,35 @@ TEST(RingMenuOfAWindow, that_dies_while_it_is_open_goes_too)
     EXPECT_TRUE(window.isNull());
 }
 
-TEST_F(RingPicture, is_saved_with_a_dialog_that_can_be_read_in_a_dark_palette)
+QPalette darkPalette()
 {
     QPalette dark;
     dark.setColor(QPalette::Window, QColor(40, 40, 40));
     dark.setColor(QPalette::WindowText, Qt::white);
     dark.setColor(QPalette::Base, QColor(25, 25, 25));
     dark.setColor(QPalette::Text, Qt::white);
+    dark.setColor(QPalette::Button, QColor(60, 60, 60));
+    dark.setColor(QPalette::ButtonText, Qt::white);
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, Qt::gray);
+    return dark;
+}
+
+/// Sets the palette for the length of a scope.
+class WithPalette
+{
+public:
+    explicit WithPalette(const QPalette &palette) { QApplication::setPalette(palette); }
+    ~WithPalette() { QApplication::setPalette(before); }
+    WithPalette(const WithPalette &) = delete;
+    WithPalette &operator=(const WithPalette &) = delete;
+
+private:
     const QPalette before = QApplication::palette();
-    QApplication::setPalette(dark);
+};
+
+TEST_F(RingPicture, is_saved_with_a_dialog_that_can_be_read_in_a_dark_palette)
+{
+    const WithPalette dark(darkPalette());
     dialogs.expect<QFileDialog>([](QFileDialog &dialog) {
         const QImage picture = dialog.grab().toImage();
         EXPECT_EQ(picture.pixelColor(2, 2), QColor(40, 40, 40));
@@ -850,7 +878,78 @@ TEST_F(RingPicture, is_saved_with_a_dialog_that_can_be_read_in_a_dark_palette)
         dialog.reject();
     });
     plot.window.saveImage();
-    QApplication::setPalette(before);
+}
+
+/// Pictures of the controls of a file dialog in a folder of many files, of its background, and of a
+/// menu, by their names.
+QMap<QString, QImage> dialogAndMenu(QWidget *parent, const QString &styleSheet,
+                                    const QString &folder)
+{
+    QFileDialog dialog(parent, QString(), folder);
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setStyleSheet(styleSheet);
+    dialog.setViewMode(QFileDialog::Detail);
+    dialog.setSidebarUrls({}); // they scroll or not by the name of the home folder
+    dialog.resize(700, 400);
+    dialog.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    const auto *const files = dialog.findChild<QTreeView *>(QStringLiteral("treeView"));
+    // The files come in portions, and with each the handle of the scroll bar is shorter.
+    EXPECT_TRUE(QTest::qWaitFor([files] {
+        return files->model()->rowCount(files->rootIndex()) == manyFiles &&
+               files->verticalScrollBar()->isVisible();
+    }));
+
+    QMap<QString, QImage> pictures;
+    pictures[QStringLiteral("background")] = dialog.grab(QRect(0, 0, 5, 5)).toImage();
+    int number = 0;
+    for (QWidget *control : dialog.findChildren<QWidget *>()) {
+        for (const char *kind : {"QSizeGrip", "QScrollBar", "QAbstractButton", "QComboBox",
+                                 "QLineEdit", "QLabel", "QHeaderView"}) {
+            if (control->isVisible() && control->inherits(kind))
+                pictures[QStringLiteral("%1 %2").arg(kind).arg(++number)] =
+                    control->grab().toImage();
+        }
+    }
+    QMenu menu(parent);
+    menu.setStyleSheet(styleSheet);
+    menu.addAction(QStringLiteral("Export to image..."));
+    menu.addAction(QStringLiteral("Greyed"))->setEnabled(false);
+    menu.setActiveAction(menu.actions()[0]);
+    pictures[QStringLiteral("menu")] = menu.grab().toImage();
+    return pictures;
+}
+
+TEST_F(RingPicture, is_asked_for_by_a_dialog_and_a_menu_that_look_as_they_do_elsewhere)
+{
+    QApplication::setCursorFlashTime(0);
+    for (int file = 0; file < manyFiles; ++file) {
+        QFile picture(path(qPrintable(QStringLiteral("ring%1.png").arg(file))));
+        ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
+    }
+    // The first dialog of all has no folder to go back to.
+    dialogAndMenu(nullptr, QString(), folder.path());
+    for (const QPalette &palette : {QApplication::palette(), darkPalette()}) {
+        const WithPalette chosen(palette);
+        QWidget elsewhere;
+        elsewhere.show();
+        const auto expected = dialogAndMenu(&elsewhere, QString(), folder.path());
+        const auto seen = dialogAndMenu(&plot.window, neutralStyleSheet(), folder.path());
+        EXPECT_GE(expected.size(), 19);
+        EXPECT_EQ(seen.keys(), expected.keys());
+        for (const QString &name : expected.keys())
+            EXPECT_TRUE(seen[name] == expected[name]) << qPrintable(name);
+    }
+    dialogs.expect<QFileDialog>([](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.styleSheet(), neutralStyleSheet());
+        dialog.reject();
+    });
+    plot.window.saveImage();
+    whenMenuOpens(&plot.window, [](QMenu &menu) {
+        EXPECT_EQ(menu.styleSheet(), neutralStyleSheet());
+        menu.close();
+    });
+    plot.window.showContextMenu(QPoint(10, 10));
 }
 
 } // namespace

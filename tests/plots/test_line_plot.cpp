@@ -3,12 +3,15 @@
 #include "tests/support/form_text.h"
 
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDockWidget>
+#include <QMenu>
 #include <QMetaMethod>
 #include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollArea>
+#include <QTimer>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QLegend>
 #include <QtCharts/QValueAxis>
@@ -108,7 +111,7 @@ TEST_F(LinePlotTest, is_a_window_with_maximize_and_close_button_that_survives_it
 TEST_F(LinePlotTest, has_the_form_that_is_described)
 {
     EXPECT_EQ('\n' + formText(LinePlot(QString())) + '\n', R"(
-LinePlot LinePlot "MainWindow" 1114x632
+LinePlot LinePlot "MainWindow" contextMenuPolicy NoContextMenu 1114x632
   QWidget centralwidget
     QHBoxLayout horizontalLayout spacing 6 margins 0 9 9 9
       QVBoxLayout verticalLayout_3 spacing 6
@@ -142,12 +145,33 @@ TEST_F(LinePlotTest, shows_the_dock_of_its_legend_and_never_the_other)
     EXPECT_FALSE(named<QDockWidget>("dw_Sources")->isVisible());
 }
 
+TEST_F(LinePlotTest, has_no_menu_on_its_legend)
+{
+    show();
+    QWidget *const legend = named<QDockWidget>("dw_Legend");
+    for (const QPoint &place :
+         {QPoint(20, 8), legend->rect().center(), legend->rect().bottomLeft() + QPoint(20, -20)}) {
+        QMenu *opened = nullptr;
+        QTimer::singleShot(0, &window, [&opened] {
+            opened = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            if (opened)
+                opened->close();
+        });
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, legend->mapToGlobal(place));
+        QApplication::sendEvent(legend, &event);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(opened, nullptr) << place.y();
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    }
+}
+
 TEST_F(LinePlotTest, puts_the_chart_behind_the_spacer_of_its_central_widget)
 {
     const QLayout *const layout = window.centralWidget()->layout();
     ASSERT_EQ(layout->count(), 2);
     EXPECT_EQ(layout->itemAt(1)->widget(), view());
 }
+
 TEST_F(LinePlotTest, declares_its_slots_in_order)
 {
     const QMetaObject &meta = LinePlot::staticMetaObject;

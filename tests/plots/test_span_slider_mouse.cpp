@@ -285,14 +285,20 @@ TEST_P(EveryLayout, without_tracking_the_values_come_with_the_release)
 class ShortLeash : public QProxyStyle
 {
 public:
-    ShortLeash() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+    explicit ShortLeash(int limit = 20)
+        : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))), distance(limit)
+    {
+    }
 
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
                     const QWidget *widget) const override
     {
-        return metric == PM_MaximumDragDistance ? 20
+        return metric == PM_MaximumDragDistance ? distance
                                                 : QProxyStyle::pixelMetric(metric, option, widget);
     }
+
+private:
+    int distance;
 };
 
 TEST_P(EveryLayout, dragged_too_far_a_handle_goes_back_to_where_it_was_pressed)
@@ -553,6 +559,27 @@ TEST_F(SpanSliderMouse, a_range_that_changes_during_a_drag_takes_the_span_with_i
     moveTo(300); // half a value per pixel now
     releaseAt(300);
     EXPECT_EQ(state(), "100 150 | 100 150");
+}
+
+TEST_F(SpanSliderMouse, a_limit_of_zero_ends_at_the_edge)
+{
+    ShortLeash style(0);
+    slider.setStyle(&style);
+    show(100, 300);
+    const QRect inside = slider.rect();
+    pressAt(100);
+    for (const int bottom : {inside.bottom(), inside.top()}) {
+        move(QPoint(pointOf(150).x(), bottom)); // the last pixel inside
+        EXPECT_EQ(state(), "150 300 | 150 300") << bottom;
+        move(QPoint(pointOf(150).x(), bottom == inside.top() ? -1 : bottom + 1));
+        EXPECT_EQ(state(), "100 300 | 100 300") << bottom;
+    }
+    move(QPoint(-1, pointOf(0).y()));
+    EXPECT_EQ(state(), "100 300 | 100 300");
+    move(QPoint(0, pointOf(0).y()));
+    EXPECT_EQ(state(), "0 300 | 0 300");
+    release(QPoint(0, pointOf(0).y()));
+    slider.setStyle(nullptr);
 }
 
 TEST_F(SpanSliderMouse, without_a_limit_no_distance_is_too_far)

@@ -178,6 +178,23 @@ TEST_F(PluginEntry, SecondExecuteShowsTheSameDialogWithItsState)
     EXPECT_FALSE(dialog->findChild<QCheckBox *>("chkBox_ComputeMST")->isChecked());
 }
 
+TEST_F(PluginEntry, SecondExecuteBringsADialogThatIsMinimisedOrCoveredToTheFront)
+{
+    ASSERT_TRUE(plugin->initPlugin());
+    plugin->execute();
+    Tessera *dialog = dialogs().first();
+    QWidget other;
+    for (const Qt::WindowState state : {Qt::WindowNoState, Qt::WindowMinimized}) {
+        dialog->setWindowState(state);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        plugin->execute();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog)) << int(state);
+        EXPECT_FALSE(dialog->isMinimized()) << int(state);
+    }
+}
+
 TEST_F(PluginEntry, ExecuteAfterTheDialogWasClosedMakesNewOne)
 {
     ASSERT_TRUE(plugin->initPlugin());

@@ -41,6 +41,7 @@ TEST_P(ExportButton, AsksForACsvFile)
     setNodes(2);
     addTimeseries(2);
     find<QWidget>("btn_exportMSTMatrix")->setEnabled(true);
+    QFileDialog(nullptr, QString(), folder.path());
     modals.expect<QFileDialog>([this](QFileDialog &dialog) {
         EXPECT_EQ(dialog.parent(), openDialog());
         EXPECT_EQ(dialog.windowTitle(), "Save as...");
@@ -48,6 +49,7 @@ TEST_P(ExportButton, AsksForACsvFile)
         EXPECT_EQ(dialog.fileMode(), QFileDialog::AnyFile);
         EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog.defaultSuffix(), "csv");
+        EXPECT_EQ(dialog.directory(), QDir(folder.path())) << "where the dialog before was";
         dialog.reject();
     });
     click(GetParam());

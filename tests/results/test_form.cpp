@@ -106,9 +106,9 @@ ConnectivityObjectUI ConnectivityObjectUI "Dialog" 641x640
           QGroupBox groupBox_6
             QVBoxLayout verticalLayout_8 spacing 6 margins 9 9 9 9
               QLabel label_13 "<html><head/><body><p><span style=" font-weight:600;">VTC file</span></p></body></html>"
-              QLabel lbl_VTC_filename "/data/run.vtc" toolTip "/data/run.vtc" textFormat PlainText policy Ignored/Preferred
+              PathLabel lbl_VTC_filename "/data/run.vtc" toolTip "/data/run.vtc" textFormat PlainText policy Ignored/Preferred
               QLabel label_17 "<html><head/><body><p><span style=" font-weight:600;">VOI file</span></p></body></html>"
-              QLabel lbl_VOI_filename "/data/atlas.voi" toolTip "/data/atlas.voi" textFormat PlainText policy Ignored/Preferred
+              PathLabel lbl_VOI_filename "/data/atlas.voi" toolTip "/data/atlas.voi" textFormat PlainText policy Ignored/Preferred
               QLabel label_23 "<html><head/><body><p><span style=" font-weight:600;">PRT file</span></p></body></html>"
               QLabel lbl_PRT_filename
           spacer 20x40 Minimum/Expanding
@@ -286,6 +286,30 @@ TEST_F(ResultsForm, ALongPathLeavesTheWindowItsSize)
     EXPECT_EQ(label->text(), path);
     EXPECT_EQ(asRead(label->toolTip()), path);
     EXPECT_EQ(label->textFormat(), Qt::PlainText);
+}
+
+TEST_F(ResultsForm, ALongPathIsCutInItsMiddle)
+{
+    const QString begin = "/home/someone/study & more/";
+    const QString end = "/sub-01/<b>run.vtc";
+    subject->setVtcFile(begin + QString(300, 'x') + end);
+    subject->setVoiFile("/data/atlas & <i>.voi");
+    for (const char *const name : {"lbl_VTC_filename", "lbl_VOI_filename"}) {
+        auto *const label = find<QLabel>(name);
+        showPage(label);
+        QLabel plain(label->parentWidget()); // with the text that is to be read
+        plain.setTextFormat(Qt::PlainText);
+        plain.setText(label->fontMetrics().elidedText(label->text(), Qt::ElideMiddle,
+                                                      label->contentsRect().width()));
+        plain.resize(label->size());
+        EXPECT_EQ(label->grab().toImage(), plain.grab().toImage()) << name;
+        if (name == std::string("lbl_VTC_filename")) {
+            EXPECT_TRUE(plain.text().startsWith(begin)) << qPrintable(plain.text());
+            EXPECT_TRUE(plain.text().endsWith(end)) << qPrintable(plain.text());
+        } else {
+            EXPECT_EQ(plain.text(), subject->voiFile());
+        }
+    }
 }
 
 /// Nothing that a user can do lights them up.

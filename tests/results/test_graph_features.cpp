@@ -9,14 +9,17 @@
 #include "results/graph_features_model.h"
 #include "tests/nodalis/reference_data.h"
 #include "tests/plots/line_plot_fixture.h"
+#include "tests/support/as_read.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QTableView>
 #include <QTest>
+#include <QToolTip>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QChartView>
 #include <QtCharts/QLineSeries>
@@ -480,6 +483,28 @@ TEST_F(GraphFeatures, GlobalEfficiencyOfSeveralIntervalsRepeatsThatOfTheFirst)
     const QString again = QStringLiteral("rest") + QChar(0x200b); // keeps a place of its own
     EXPECT_EQ(categoriesOf(*plot), QStringList({"rest", "task", again}));
     EXPECT_TRUE(windows<LinePlot>().isEmpty());
+}
+
+TEST_F(GraphFeatures, ToolTipsOfDescriptionsWrap)
+{
+    showPage(features());
+    for (const Row &measure : measures(false)) {
+        const QModelIndex cell =
+            featuresModel().index(rowOf(measure.key), GraphFeaturesModel::DescriptionColumn);
+        features()->scrollTo(cell);
+        const QPoint place = features()->visualRect(cell).center();
+        QHelpEvent hover(QEvent::ToolTip, place, features()->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(features()->viewport(), &hover);
+        EXPECT_EQ(asRead(QToolTip::text()), QString::fromUtf8(measure.description));
+        const auto windows = QApplication::topLevelWidgets();
+        const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
+            return window->inherits("QTipLabel") && window->isVisible();
+        });
+        ASSERT_NE(tip, windows.end()) << measure.key;
+        EXPECT_LT((*tip)->width(), 400) << measure.key;
+        QToolTip::hideText();
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+    }
 }
 
 TEST_F(GraphFeatures, PlotOverManyConditionsIsWideEnoughForTheirNames)

@@ -487,6 +487,28 @@ TEST_F(PlotControl, TheBrowserIsLoggedWhenLoggingIsOn)
     EXPECT_EQ(lines, 2);
 }
 
+TEST_F(PlotControl, NothingIsLoggedWhileLoggingIsOff)
+{
+    ASSERT_FALSE(PluginSettings::instance()->verboseLogging);
+    takeMessages();
+    setIntervals({{1, "rest"}, {11, "task"}});
+    ring();
+    browser();
+    for (const char *const key : {"strength", "global_efficiency"}) {
+        compute(key);
+        inspect(key);
+    }
+    modals.expectFile(folder.filePath("net.csv"));
+    click("btn_exportConnectivityMatrix");
+    closeDialog();
+    // Qt tells of the style sheet of a hidden group whatever is logged.
+    for (const LoggedMessage &message : takeMessages()) {
+        if (message.text == "Unknown property visible")
+            continue;
+        EXPECT_NE(message.type, QtDebugMsg) << qPrintable(message.text);
+    }
+}
+
 // From a plot to its result
 
 TEST_F(PlotControl, PlotsFindTheirResult)

@@ -189,6 +189,23 @@ TEST_F(ImportDialogTest, AsksBeforeItReplacesFiles)
     EXPECT_EQ(bytesOf(folder.path("run.voi")), "mine");
 }
 
+TEST_F(ImportDialogTest, TellsOfFoldersAsTheyAreWritten)
+{
+    ImportRequest request = exampleRequest();
+    putBytes(folder.path("<b>file"), "not a folder");
+    request.folder = folder.path("<b>file/out");
+    showWith(request);
+    waitForPreview();
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&](QMessageBox &box) {
+        EXPECT_TRUE(box.text().contains(folder.path("<b>file"))) << box.text().toStdString();
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_TRUE(dialog.isVisible());
+}
+
 TEST_F(ImportDialogTest, MayGoBeforeItsPreviewIsDone)
 {
     BusyPool pool;

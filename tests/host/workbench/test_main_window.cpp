@@ -6,6 +6,7 @@
 #include "host/workbench/main_window.h"
 #include "tests/gui_test.h"
 #include "tests/host/support/host_files.h"
+#include "tests/support/as_read.h"
 #include "tests/support/modal_driver.h"
 
 #include <QFileDialog>
@@ -293,6 +294,17 @@ TEST_F(MainWindowTest, RemembersRecentFilesNewestFirst)
     EXPECT_EQ(laterMenu->actions()[0]->text(), QStringLiteral("second.vmr"));
     laterMenu->actions().constLast()->trigger();
     EXPECT_FALSE(laterMenu->isEnabled());
+}
+
+TEST_F(MainWindowTest, ShowsPathsAsTheyAreWritten)
+{
+    const QString path = folder.path("<b>head & neck.vmr");
+    writeVmr(path, zeroVmr());
+    window.openFiles({path});
+    EXPECT_EQ(asRead(window.findChild<DocumentTabs *>()->tabToolTip(0)), path);
+    const auto *const menu = window.findChild<QMenu *>(QStringLiteral("recentFiles"));
+    EXPECT_EQ(asRead(menu->actions()[0]->toolTip()), path);
+    EXPECT_EQ(menu->actions()[0]->statusTip(), path);
 }
 
 TEST_F(MainWindowTest, RemembersItsPlaceAndPanes)

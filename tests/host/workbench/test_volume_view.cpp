@@ -245,6 +245,22 @@ TEST_F(VolumeViewTest, ListsShowsHidesAndJumpsToVois)
     EXPECT_EQ(view->scene().vois, nullptr);
 }
 
+TEST_F(VolumeViewTest, ShowsNamesOfVoisAsTheyAreWritten)
+{
+    VoiSet set;
+    set.vois = {Voi()};
+    set.vois[0].name = QStringLiteral("<b>left</b>");
+    set.vois[0].voxels = {{40, 90, 128}};
+    writeVoiFile(folder.path("areas.voi"), set);
+    window.openFiles({folder.path("areas.voi")});
+    click(sagittal, {40, 90, 0});
+    QTest::mouseMove(sagittal, sagittal->placeOf({40, 90, 0}).toPoint());
+    for (const char *const label : {"intensity", "mouse"}) {
+        EXPECT_TRUE(text(label).endsWith(QStringLiteral("0 (<b>left</b>)"))) << label;
+        EXPECT_EQ(child<QLabel>(label)->textFormat(), Qt::PlainText) << label;
+    }
+}
+
 TEST_F(VolumeViewTest, ListsVoisInTheirColoursSelectedOrNot)
 {
     writeVoiFile(folder.path("areas.voi"), smallVoiSet());
