@@ -23,8 +23,9 @@ struct Cleaned {
 /// Cleans a block of series of one run: Preparation, then the residuals of the design, then the
 /// standardisation.
 ///
-/// Each series for itself, so that a run may come in blocks. Without standardisation it is linear:
-/// the mean of cleaned series is the cleaned mean.
+/// A series that is constant over the kept volumes stays exactly constant, 0 where the design takes
+/// the mean. Each series for itself, so that a run may come in blocks. Without standardisation it
+/// is linear: the mean of cleaned series is the cleaned mean.
 ///
 /// \param series all volumes of the file x series; no series are allowed.
 /// \throws Error if there is not one row per volume, or a value is not finite, with its place.

@@ -7,7 +7,7 @@
 #include <numeric>
 #include <vector>
 
-#include "signals/gram.h"
+#include "signals/centring.h"
 #include "signals/text.h"
 
 namespace signals
@@ -21,20 +21,10 @@ using Index = Eigen::Index;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double largest_r = 1 - 1e-7;
 
-/// Sums of products of the centred series, both halves.
-Eigen::MatrixXd products(const Eigen::MatrixXd &series)
+/// Without the rounding that leads beyond; NaN stays, standing first in both comparisons.
+double within_one(double r)
 {
-    Eigen::MatrixXd centred = series;
-    if (series.rows() > 0) {
-        centred.rowwise() -= series.colwise().mean();
-    }
-    for (Index i = 0; i < series.cols(); ++i) {
-        // Rounding of the mean would leave a constant series a variance.
-        if (series.rows() > 0 && (series.col(i).array() == series(0, i)).all()) {
-            centred.col(i).setZero();
-        }
-    }
-    return gram(centred);
+    return std::min(std::max(r, -1.0), 1.0);
 }
 
 Eigen::VectorXd ranks(const Eigen::VectorXd &values)
@@ -63,7 +53,19 @@ Eigen::VectorXd ranks(const Eigen::VectorXd &values)
 
 Eigen::MatrixXd pearson(const Eigen::MatrixXd &series)
 {
-    return correlation_of(products(series));
+    Eigen::MatrixXd directions = centred(series);
+    for (auto column : directions.colwise()) {
+        // 0/0 for a constant series: a correlation that is none.
+        column /= column.stableNorm();
+    }
+    Eigen::MatrixXd r = gram(directions).unaryExpr(&within_one);
+    if (series.rows() == 0) {
+        r.setConstant(nan);
+    }
+    for (Index i = 0; i < r.cols(); ++i) {
+        r(i, i) = std::isnan(r(i, i)) ? nan : 1;
+    }
+    return r;
 }
 
 Eigen::MatrixXd spearman(const Eigen::MatrixXd &series)
@@ -95,7 +97,7 @@ Eigen::MatrixXd covariance(const Eigen::MatrixXd &series, double nu)
     if (!(nu > 0)) {
         throw Error("covariance with " + number(nu) + " degrees of freedom: expected more than 0");
     }
-    return products(series) / nu;
+    return gram(centred(series)) / nu;
 }
 
 Eigen::MatrixXd correlation_of(const Eigen::MatrixXd &covariance)
@@ -106,13 +108,12 @@ Eigen::MatrixXd correlation_of(const Eigen::MatrixXd &covariance)
     }
     const Eigen::ArrayXd deviations = covariance.diagonal().array().unaryExpr(
         [](double variance) { return variance > 0 ? std::sqrt(variance) : nan; });
-    Eigen::MatrixXd r = covariance;
+    Eigen::MatrixXd r(covariance.rows(), covariance.cols());
     for (Index j = 0; j < r.cols(); ++j) {
-        for (Index i = 0; i < r.rows(); ++i) {
-            // In two steps, since the product of two small deviations may vanish. max and min keep
-            // a NaN that stands first.
-            const double value = covariance(i, j) / deviations[i] / deviations[j];
-            r(i, j) = std::min(std::max(value, -1.0), 1.0);
+        for (Index i = 0; i < j; ++i) {
+            // In two steps, since the product of two small deviations may vanish.
+            r(i, j) = within_one(covariance(i, j) / deviations[i] / deviations[j]);
+            r(j, i) = r(i, j);
         }
         r(j, j) = std::isnan(deviations[j]) ? nan : 1;
     }

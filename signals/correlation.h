@@ -35,7 +35,8 @@ FisherZ fisher_z(const Eigen::MatrixXd &r);
 Eigen::MatrixXd covariance(const Eigen::MatrixXd &series, double nu);
 
 /// C_ij / sqrt(C_ii C_jj), diagonal exactly 1, clipped to -1 to 1; NaN where a variance is not
-/// above 0. \throws Error if the matrix is not square.
+/// above 0. Of a matrix that is not symmetric the upper half counts. \throws Error if the matrix is
+/// not square.
 Eigen::MatrixXd correlation_of(const Eigen::MatrixXd &covariance);
 
 } // namespace signals

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "signals/gram.h"
+#include "signals/centring.h"
 #include "signals/ledger.h"
 #include "signals/text.h"
 
@@ -32,20 +32,20 @@ Eigen::MatrixXd autocorrelations(const Eigen::MatrixXd &series, const std::vecto
         spread.row(rows[row] - rows.front()) = series.row(row);
         present[rows[row] - rows.front()] = 1;
     }
-    const Eigen::ArrayXd variance = spread.colwise().squaredNorm() / double(series.rows());
+    const double kept = double(series.rows());
+    const Eigen::RowVectorXd squares = spread.colwise().squaredNorm();
 
     Eigen::MatrixXd result = Eigen::MatrixXd::Zero(largest, series.cols());
     for (Index lag = 1; lag <= std::min(largest, span - 1); ++lag) {
         const Index overlap = span - lag;
         const double pairs = present.head(overlap).dot(present.tail(overlap));
         if (pairs > 0) {
-            const double share = double(overlap) / double(span);
             result.row(lag - 1) = spread.topRows(overlap)
                                       .cwiseProduct(spread.bottomRows(overlap))
                                       .colwise()
                                       .sum()
-                                      .array() /
-                                  variance.transpose() * (share / pairs);
+                                      .cwiseQuotient(squares) *
+                                  std::sqrt(kept / pairs);
         }
     }
     return result;
@@ -84,8 +84,7 @@ Eigen::MatrixXd serial_degrees(const Eigen::MatrixXd &series, const std::vector<
         return Eigen::MatrixXd::Constant(series.cols(), series.cols(),
                                          std::numeric_limits<double>::quiet_NaN());
     }
-    const Eigen::MatrixXd centred = series.rowwise() - series.colwise().mean();
-    const Eigen::MatrixXd a = autocorrelations(centred, rows, series.rows() / 5);
+    const Eigen::MatrixXd a = autocorrelations(centred(series), rows, series.rows() / 5);
     return gram(a).unaryExpr([nu](double product) {
         return std::isnan(product) ? product : nu / std::max(1.0, 1 + 2 * product);
     });

@@ -35,15 +35,17 @@ struct CorrelationInterval {
 /// \throws Error below nu = 3, and for an r beyond -1 to 1.
 CorrelationInterval correlation_interval(double r, double nu);
 
-/// nu* for every pair of series: nu / max(1, 1 + 2 sum_(l = 1..L) a_x(l) a_y(l)), L =
-/// floor(kept/5).
+/// nu* for every pair of series: nu / max(1, 1 + 2 sum_(l = 1..L) a_x(l) a_y(l)) with
+/// L = floor(kept/5).
 ///
-/// a(l) is the autocorrelation of the centred series at a distance of l volumes, taken over the
-/// pairs of kept volumes so far apart: (sum x_t x_(t+l) / pairs) / (sum x_t^2 / kept) (1 - l/span),
-/// span from the first to the last kept volume; 0 where there is no such pair. Two series that
-/// change slowly have fewer independent volumes than they have volumes. Not for series that went
-/// through a band-pass whose degrees of freedom are already those of the band: that is the same
-/// correction.
+/// a(l) is the autocorrelation of the centred series at a distance of l volumes, over the P(l)
+/// pairs of kept volumes so far apart: sum x_t x_(t+l) / sum x_t^2 sqrt(kept/P(l)), 0 where there
+/// is no such pair. The root gives each distance in the sum the weight P(l)/kept that it has in
+/// the variance of r; without gaps it is close to 1. Two series that change slowly have fewer
+/// independent volumes than they have volumes.
+///
+/// Not for series that went through a band-pass whose degrees of freedom are already those of the
+/// band: that is the same correction.
 ///
 /// \param series kept volumes x series. \param rows the kept volumes' numbers, ascending.
 /// \return series x series, symmetric; a pair with a constant series has NaN.

@@ -8,9 +8,9 @@
 
 #include <Eigen/Cholesky>
 
+#include "signals/centring.h"
 #include "signals/correlation.h"
 #include "signals/finite.h"
-#include "signals/gram.h"
 #include "signals/text.h"
 
 namespace signals
@@ -53,9 +53,9 @@ Shrunk ledoit_wolf(const Eigen::MatrixXd &series)
     }
     const double rows = double(series.rows());
     const double nodes = double(series.cols());
-    const Eigen::MatrixXd centred = series.rowwise() - series.colwise().mean();
+    const Eigen::MatrixXd values = centred(series);
     Shrunk result;
-    result.covariance = gram(centred) / rows;
+    result.covariance = gram(values) / rows;
     if (series.cols() == 0) {
         return result;
     }
@@ -68,7 +68,7 @@ Shrunk ledoit_wolf(const Eigen::MatrixXd &series)
             .squaredNorm() /
         nodes;
     if (distance > 0) {
-        const double fourth = centred.rowwise().squaredNorm().array().square().mean();
+        const double fourth = values.rowwise().squaredNorm().array().square().mean();
         const double noise = std::min(distance, std::max((fourth - norm) / (rows * nodes), 0.0));
         result.shrinkage = noise / distance;
     }
@@ -79,16 +79,11 @@ Shrunk ledoit_wolf(const Eigen::MatrixXd &series)
 
 Eigen::MatrixXd unit_variance(Eigen::MatrixXd series)
 {
-    if (series.rows() == 0) {
-        return series;
-    }
+    series = centred(std::move(series));
     for (auto column : series.colwise()) {
-        if ((column.array() == column[0]).all()) {
-            column.setZero();
-            continue;
+        if (!is_one_value(column)) {
+            column /= std::sqrt(column.squaredNorm() / double(column.size()));
         }
-        column.array() -= column.mean();
-        column /= std::sqrt(column.squaredNorm() / double(column.size()));
     }
     return series;
 }

@@ -8,6 +8,7 @@
 #include <Eigen/QR>
 #include <Eigen/SVD>
 
+#include "signals/centring.h"
 #include "signals/text.h"
 
 namespace signals
@@ -69,10 +70,7 @@ Eigen::MatrixXd residuals(Eigen::MatrixXd series, const Basis &basis)
 
 Eigen::MatrixXd zscored(Eigen::MatrixXd series)
 {
-    if (series.rows() == 0) {
-        return series;
-    }
-    series.rowwise() -= series.colwise().mean().eval();
+    series = centred(std::move(series));
     const double divisor = double(std::max<Index>(series.rows() - 1, 1));
     for (auto column : series.colwise()) {
         const double deviation = std::sqrt(column.squaredNorm() / divisor);

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "signals/gram.h"
+#include "signals/centring.h"
 #include "signals/text.h"
 
 namespace signals
