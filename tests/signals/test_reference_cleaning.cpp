@@ -198,6 +198,41 @@ TEST_F(ReferenceCleaning, OrderBandpassPadOverGaps)
     EXPECT_TRUE(relatively_near(cleaned(bandpass, volumes), wanted, 1e-9));
 }
 
+TEST_F(ReferenceCleaning, OrdersJointAndCosineDifferOnceVolumesAreLeftOut)
+{
+    // The line of the one runs over the volumes of the file, that of the other over the rows left.
+    for (const char *name : {"inner", "edge"}) {
+        const auto left = [&](Order order) {
+            return cleaned({order, 0.008, {}, true, Standardize::zscore}, without(name));
+        };
+        const Eigen::MatrixXd joint = left(Order::joint);
+        const Eigen::MatrixXd cosine = left(Order::cosine);
+        EXPECT_GT((joint - cosine).cwiseAbs().maxCoeff(), 0.5);
+        EXPECT_LT((joint - cosine).cwiseAbs().maxCoeff(), 0.7);
+        EXPECT_GT((pearson(joint) - pearson(cosine)).cwiseAbs().maxCoeff(), 0.03);
+        EXPECT_LT((pearson(joint) - pearson(cosine)).cwiseAbs().maxCoeff(), 0.06);
+    }
+}
+
+TEST_F(ReferenceCleaning, PercentOfTheToolRelateToWhatTheFitLeavesOfTheMean)
+{
+    // Ours relate to the level of the series before cleaning.
+    Settings settings = butterworth_z;
+    settings.standardize = Standardize::none;
+    const Eigen::MatrixXd left = cleaned(settings);
+    const Eigen::RowVectorXd means = left.colwise().mean();
+    const Eigen::MatrixXd percent =
+        100 * ((left.rowwise() - means).array().rowwise() / means.array().abs()).matrix();
+    const QJsonArray of_tool = facts["butter_conf_psc"].toObject()["row_100_first5"].toArray();
+    settings.standardize = Standardize::psc;
+    const Eigen::MatrixXd ours = cleaned(settings);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_NEAR(percent(100, i) / of_tool[i].toDouble(), 1, 1e-9);
+        EXPECT_NEAR(ours(100, i), 100 * (left(100, i) - means[i]) / std::abs(series.col(i).mean()),
+                    1e-9 * std::abs(ours(100, i)));
+    }
+}
+
 TEST_F(ReferenceCleaning, MeansOfNodesAreMeansOfCleanedVoxels)
 {
     for (const Order order : all_orders) {
