@@ -137,7 +137,7 @@ int run(const QStringList &arguments)
     const QString folder = requiredValue(parser, QStringLiteral("out"));
     Session session(anatomyOpener());
     ComputeResult result = compute(session, request);
-    OutputFolder files(folder);
+    OutputFolder files(folder, arguments.front());
     QStringList pictures;
     if (request.plots) {
         result.warnings += picturesLeftOut(result);

@@ -40,7 +40,7 @@ int run(const QStringList &arguments)
         return Done;
 
     const QString folder = requiredValue(parser, QStringLiteral("out"));
-    OutputFolder pictures(folder);
+    OutputFolder pictures(folder, arguments.front());
     // The user's own settings stay out of the pictures, and the tour out of them.
     const ScratchFolder settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());

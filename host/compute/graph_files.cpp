@@ -57,7 +57,7 @@ QByteArray matrixTable(const Eigen::MatrixXf &matrix, const QStringList &names)
 
 void writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
 {
-    OutputFolder folder(path);
+    OutputFolder folder(path, QStringLiteral("graph"));
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph));
     if (withTree) {
         const Eigen::MatrixXf tree =

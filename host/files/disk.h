@@ -16,6 +16,10 @@ int reserveRoom(int file, long long length);
 /// Waits until everything written to a file is on the disk.
 int syncToDisk(int file);
 
+/// What would keep another file from being renamed over this one, as far as that can be known. 0
+/// also when it is not there.
+int faultOfReplacing(const std::string &path);
+
 /// Sets the time of the last change of a file or folder to now, by the clock of its file system.
 int touch(const std::string &path);
 

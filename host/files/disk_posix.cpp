@@ -21,6 +21,26 @@ int syncToDisk(int file)
     return isDone ? 0 : errno;
 }
 
+int faultOfReplacing(const std::string &path)
+{
+    struct statx file {
+    };
+    constexpr unsigned wanted = STATX_UID | STATX_MODE;
+    if (statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, wanted, &file) != 0)
+        return errno == ENOENT ? 0 : errno;
+    if ((file.stx_attributes & (STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND)) != 0)
+        return EPERM;
+    struct statx folder {
+    };
+    const std::string above = path.substr(0, path.rfind('/') + 1) + '.';
+    if (statx(AT_FDCWD, above.c_str(), 0, wanted, &folder) != 0)
+        return errno;
+    const uid_t user = geteuid();
+    const bool isSticky = (folder.stx_mode & S_ISVTX) != 0;
+    const bool isOfOther = user != 0 && user != file.stx_uid && user != folder.stx_uid;
+    return isSticky && isOfOther ? EPERM : 0;
+}
+
 int touch(const std::string &path)
 {
     // Without a time: a server on the network takes its own.

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/disk.h"
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <io.h>
 #include <system_error>
+#include <windows.h>
 
 namespace corvane
 {
@@ -17,6 +19,19 @@ int reserveRoom(int file, long long length)
 int syncToDisk(int file)
 {
     return _commit(file) == 0 ? 0 : errno;
+}
+
+int faultOfReplacing(const std::string &path)
+{
+    // Another program may hold it open.
+    const HANDLE file = CreateFileW(std::filesystem::u8path(path).c_str(), DELETE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    if (file != INVALID_HANDLE_VALUE) {
+        CloseHandle(file);
+        return 0;
+    }
+    return GetLastError() == ERROR_FILE_NOT_FOUND ? 0 : EACCES;
 }
 
 int touch(const std::string &path)

@@ -102,25 +102,28 @@ void touchHiddenPaths()
         touch(path->path().toStdString());
 }
 
+std::chrono::seconds silenceOf(const QString &path, const HiddenPath &own)
+{
+    touch(own.path().toStdString());
+    std::error_code isGone;
+    const auto now = fs::last_write_time(nativePath(own.path()), isGone);
+    const auto then = fs::last_write_time(nativePath(path), isGone);
+    return isGone ? std::chrono::seconds(0)
+                  : std::chrono::duration_cast<std::chrono::seconds>(now - then);
+}
+
 void removeLeftBehind(const QString &folder, const HiddenPath &own)
 {
-    std::error_code error;
-    const auto now = fs::last_write_time(nativePath(own.path()), error);
     const QStringList names =
         QDir(folder).entryList({QLatin1String(hiddenPrefix) + QLatin1Char('*')},
                                QDir::AllEntries | QDir::System | QDir::Hidden);
     for (const QString &name : names) {
         const std::optional<HiddenName> hidden = HiddenName::of(name);
-        if (!hidden)
-            continue;
-        const fs::path path = nativePath(folder + QLatin1Char('/') + name);
-        std::error_code isGone;
-        const auto touched = fs::last_write_time(path, isGone);
-        if (isGone || error)
-            continue;
+        const QString path = folder + QLatin1Char('/') + name;
         // Of two processes that remove the same one comes too late. One of another user's stays.
-        if (hidden->isLeftBehind(std::chrono::duration_cast<std::chrono::seconds>(now - touched)))
-            fs::remove_all(path, isGone);
+        std::error_code ignored;
+        if (hidden && hidden->isLeftBehind(silenceOf(path, own)))
+            fs::remove_all(nativePath(path), ignored);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <mutex>
 #include <system_error>
 
@@ -48,8 +49,12 @@ void removeHiddenPaths();
 /// Tells other machines that this process still works at its hidden paths.
 void touchHiddenPaths();
 
-/// Removes what processes that are gone have left at hidden paths of a folder. `own` was just made
-/// in it: its time is that of the file system's clock.
+/// How long ago a file or folder was last touched. `own` stands in the same file system, whose
+/// clock is the one that counts.
+std::chrono::seconds silenceOf(const QString &path, const HiddenPath &own);
+
+/// Removes what processes that are gone have left at hidden paths of a folder, of which `own` is
+/// one.
 void removeLeftBehind(const QString &folder, const HiddenPath &own);
 
 /// Makes a folder with those above it that are missing, and returns the ones that it made, the

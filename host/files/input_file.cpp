@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/limits.h"
+#include "host/files/output_set.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -18,6 +19,7 @@ void openInput(QFile &file)
     if (path.isEmpty())
         throw InputError(QStringLiteral("(no file)"), place, QStringLiteral("an empty path"),
                          expected);
+    refuseUnfinished(path);
     const QFileInfo info(path);
     if (info.isDir())
         throw InputError(path, place, QStringLiteral("a folder"), expected);

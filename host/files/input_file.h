@@ -9,7 +9,8 @@ namespace corvane
 {
 
 /// Opens a regular file for reading, without a buffer. Throws InputError when there is no such
-/// file, when it is a folder or a device, and when it may not be read.
+/// file, when it is a folder or a device, when it may not be read, and when it belongs to a set of
+/// files of which a command that was ended has put only some in their place.
 void openInput(QFile &file);
 
 /// A regular file, open for reading into memory.

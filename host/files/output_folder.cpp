@@ -3,8 +3,8 @@
 
 #include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
+#include "host/files/output_set.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace corvane
@@ -39,13 +39,15 @@ QStringList madeFor(const QString &path)
 
 } // namespace
 
-OutputFolder::OutputFolder(const QString &path) : m_path(path), m_hidden(path, madeFor(path))
+OutputFolder::OutputFolder(const QString &path, const QString &writer)
+    : m_path(path), m_writer(writer), m_hidden(path, madeFor(path))
 {
     std::error_code error;
     fs::create_directory(nativePath(m_hidden.path()), error);
     if (error)
         failOnFolder(path, textOf(error));
     removeLeftBehind(path, m_hidden);
+    finishLeftSets(path, m_hidden);
 }
 
 QString OutputFolder::path(const QString &name) const
@@ -60,16 +62,7 @@ QString OutputFolder::finalPath(const QString &name) const
 
 void OutputFolder::commit()
 {
-    const auto lock = holdSignals();
-    const QStringList names = QDir(m_hidden.path()).entryList(QDir::Files | QDir::Hidden);
-    for (const QString &name : names) {
-        std::error_code error;
-        fs::rename(nativePath(path(name)), nativePath(finalPath(name)), error);
-        if (error) {
-            throw InputError(finalPath(name), QStringLiteral("writing"), textOf(error),
-                             QStringLiteral("a file that can be replaced"));
-        }
-    }
+    moveUp(m_hidden, m_path, m_writer);
 }
 
 } // namespace corvane

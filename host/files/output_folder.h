@@ -11,23 +11,28 @@ namespace corvane
 /// A set of files that appear in a folder together or not at all: they are written into a hidden
 /// folder inside it and moved up by commit(). Destroyed without a commit, or ended by a signal, it
 /// leaves nothing, and folders that it had to make are gone again. What a killed process has left
-/// there is removed.
+/// there is removed, or finished when it was on its way up (output_set.h).
 class OutputFolder
 {
 public:
-    /// Makes the folder when it is missing. Throws InputError when nothing can be written there.
-    explicit OutputFolder(const QString &path);
+    /// Makes the folder when it is missing. `writer` is the command, for messages, with the name
+    /// of its set where a folder may hold several ("import sub-01"). Throws InputError when nothing
+    /// can be written there.
+    OutputFolder(const QString &path, const QString &writer);
 
     /// Where to write files now, the file of that name, and where it will be after the commit.
     QString path() const { return m_hidden.path(); }
     QString path(const QString &name) const;
     QString finalPath(const QString &name) const;
 
-    /// Moves every file to its place, over older ones of the same name. Throws InputError.
+    /// Moves every file to its place, over older ones of the same name. Throws InputError: before
+    /// the first file is moved, where that can be known; else the files of the set are refused by
+    /// readers until a command that writes to this folder has finished it.
     void commit();
 
 private:
     QString m_path;
+    QString m_writer;
     HiddenPath m_hidden;
 };
 

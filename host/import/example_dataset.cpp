@@ -297,7 +297,7 @@ QString name(const char *text)
 
 ImportReport writeExample(const QString &folder, const ProgressWatch &watch)
 {
-    OutputFolder output(folder);
+    OutputFolder output(folder, QStringLiteral("example"));
     writeAnatomy(output.path(name(anatomyFile)));
     writeAtlas(output.path(name(atlasFile)));
     writeLabels(output.path(name(labelsFile)));

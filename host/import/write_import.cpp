@@ -105,7 +105,7 @@ void writeTimeCourse(const QString &path, const QString &protocol, const ImportP
 
 ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
 {
-    OutputFolder output(plan.request.folder);
+    OutputFolder output(plan.request.folder, QStringLiteral("import ") + plan.request.name);
     requireNoFolders(output, plan.files);
     ImportReport report;
     report.notes = plan.notes;

@@ -86,6 +86,12 @@ void checkDisk()
     using std::filesystem::last_write_time;
     const auto before = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
     last_write_time(name, before);
+    check(corvane::faultOfReplacing(name) == 0, "a file that can be replaced");
+    check(corvane::faultOfReplacing("no such file") == 0, "nothing to replace");
+    const HANDLE held =
+        CreateFileA(name, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    check(corvane::faultOfReplacing(name) != 0, "a file that another program holds");
+    CloseHandle(held);
     check(corvane::touch(name) == 0 && last_write_time(name) > before, "touch");
     check(corvane::touch("no such file") != 0, "touch of nothing");
     std::filesystem::remove(name);

@@ -67,7 +67,7 @@ int runCompute(const QStringList &arguments)
 /// windows, while this one handles events; with "late" nothing holds up the error.
 int runTour(const QStringList &arguments)
 {
-    auto folder = std::make_unique<OutputFolder>(arguments.value(1));
+    auto folder = std::make_unique<OutputFolder>(arguments.value(1), arguments.front());
     if (arguments.value(2) == QLatin1String("thread")) {
         std::thread([&] {
             try {

@@ -176,7 +176,7 @@ TEST(OutputFolder, RemovesWhatKilledProcessesLeft)
     putBytes(folder.path(stay[2]), "mine");
     putBytes(folder.path(stay[3]), "mine");
     {
-        const OutputFolder output(folder.path());
+        const OutputFolder output(folder.path(), {});
     }
     QStringList found = folder.entries();
     found.sort();
@@ -188,21 +188,21 @@ TEST(OutputFolder, LeavesNoFolderWhenNothingCanBeWritten)
 {
     const TemporaryFolder folder;
     putBytes(folder.path("file"), "x");
-    EXPECT_EQ(errorOf([&] { OutputFolder(folder.path("file")); }),
+    EXPECT_EQ(errorOf([&] { OutputFolder(folder.path("file"), {}); }),
               folder.path("file").toStdString() +
                   ": output folder: found a file, expected a folder that can be written to");
-    EXPECT_EQ(errorOf([&] { OutputFolder(folder.path("file/below")); }),
+    EXPECT_EQ(errorOf([&] { OutputFolder(folder.path("file/below"), {}); }),
               folder.path("file/below").toStdString() +
                   ": output folder: found Not a directory, expected a folder that can be written "
                   "to");
     // The second of two new folders has a name that is too long.
     const QString deep = folder.path("new/") + nameOf(256, "");
-    EXPECT_EQ(errorOf([&] { OutputFolder output(deep); }),
+    EXPECT_EQ(errorOf([&] { OutputFolder output(deep, {}); }),
               deep.toStdString() +
                   ": output folder: found File name too long, expected a folder that can be "
                   "written to");
     {
-        const OutputFolder output(folder.path("one/two/three"));
+        const OutputFolder output(folder.path("one/two/three"), {});
         EXPECT_TRUE(QFileInfo(folder.path("one/two/three")).isDir());
     }
     EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("file")});
@@ -216,7 +216,7 @@ TEST(OutputFolder, LeavesNoFolderWhenItsHiddenOneCannotBeMade)
     while (longest.size() < 4000 - 200)
         longest += QLatin1Char('/') + nameOf(200, "");
     longest += QLatin1Char('/') + nameOf(4090 - longest.size() - 1, "");
-    EXPECT_THAT(errorOf([&] { OutputFolder output(longest); }),
+    EXPECT_THAT(errorOf([&] { OutputFolder output(longest, {}); }),
                 testing::HasSubstr("found File name too long"));
     EXPECT_TRUE(folder.entries().isEmpty());
 }

@@ -2,6 +2,7 @@
 #include "host/files/graph_table.h"
 #include "host/files/input_file.h"
 #include "host/files/limits.h"
+#include "host/files/output_folder.h"
 #include "host/files/text_check.h"
 #include "host/files/tsv_table.h"
 #include "tests/host/support/host_files.h"
@@ -215,6 +216,27 @@ TEST(Writers, SayThatAFolderMayNotBeWritten)
     }
     EXPECT_TRUE(folder.entries().isEmpty());
     ASSERT_EQ(chmod(path.constData(), 0755), 0); // so that it can be removed
+}
+
+/// In a folder like /tmp only its owner may replace a file: found before the first of the set is.
+TEST(Writers, SayThatOneFileOfASetIsAnothersAndReplaceNone)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make files of two users";
+    const TemporaryFolder folder;
+    ASSERT_EQ(chmod(folder.path().toUtf8().constData(), 01777), 0);
+    putBytes(folder.path("b"), "root's");
+    EXPECT_EXIT(reportAsNobody([&] {
+                    OutputFolder output(folder.path(), QStringLiteral("test"));
+                    writeFile(output.path(QStringLiteral("a")), "new");
+                    writeFile(output.path(QStringLiteral("b")), "new");
+                    output.commit();
+                }),
+                testing::ExitedWithCode(1),
+                testing::HasSubstr("b: writing: found Operation not permitted, expected a file "
+                                   "that can be replaced"));
+    EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("b")});
+    EXPECT_EQ(bytesOf(folder.path("b")), "root's");
 }
 
 TEST(Writers, LeaveNothingOnAFullDisk)
