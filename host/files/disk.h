@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <string>
+#include <filesystem>
 
 /// @file
 /// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Each
@@ -18,9 +18,9 @@ int syncToDisk(int file);
 
 /// What would keep another file from being renamed over this one, as far as that can be known. 0
 /// also when it is not there.
-int faultOfReplacing(const std::string &path);
+int faultOfReplacing(const std::filesystem::path &path);
 
 /// Sets the time of the last change of a file or folder to now, by the clock of its file system.
-int touch(const std::string &path);
+int touch(const std::filesystem::path &path);
 
 } // namespace corvane

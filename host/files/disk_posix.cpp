@@ -21,7 +21,7 @@ int syncToDisk(int file)
     return isDone ? 0 : errno;
 }
 
-int faultOfReplacing(const std::string &path)
+int faultOfReplacing(const std::filesystem::path &path)
 {
     struct statx file {
     };
@@ -32,8 +32,7 @@ int faultOfReplacing(const std::string &path)
         return EPERM;
     struct statx folder {
     };
-    const std::string above = path.substr(0, path.rfind('/') + 1) + '.';
-    if (statx(AT_FDCWD, above.c_str(), 0, wanted, &folder) != 0)
+    if (statx(AT_FDCWD, (path.parent_path() / ".").c_str(), 0, wanted, &folder) != 0)
         return errno;
     const uid_t user = geteuid();
     const bool isSticky = (folder.stx_mode & S_ISVTX) != 0;
@@ -41,7 +40,7 @@ int faultOfReplacing(const std::string &path)
     return isSticky && isOfOther ? EPERM : 0;
 }
 
-int touch(const std::string &path)
+int touch(const std::filesystem::path &path)
 {
     // Without a time: a server on the network takes its own.
     return utimensat(AT_FDCWD, path.c_str(), nullptr, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;

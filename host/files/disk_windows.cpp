@@ -21,12 +21,12 @@ int syncToDisk(int file)
     return _commit(file) == 0 ? 0 : errno;
 }
 
-int faultOfReplacing(const std::string &path)
+int faultOfReplacing(const std::filesystem::path &path)
 {
     // Another program may hold it open.
-    const HANDLE file = CreateFileW(std::filesystem::u8path(path).c_str(), DELETE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
+    const HANDLE file =
+        CreateFileW(path.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
     if (file != INVALID_HANDLE_VALUE) {
         CloseHandle(file);
         return 0;
@@ -34,11 +34,10 @@ int faultOfReplacing(const std::string &path)
     return GetLastError() == ERROR_FILE_NOT_FOUND ? 0 : EACCES;
 }
 
-int touch(const std::string &path)
+int touch(const std::filesystem::path &path)
 {
     std::error_code error;
-    std::filesystem::last_write_time(std::filesystem::u8path(path),
-                                     std::filesystem::file_time_type::clock::now(), error);
+    std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now(), error);
     return error.default_error_condition().value();
 }
 

@@ -2,6 +2,7 @@
 #include "host/files/hidden_path.h"
 
 #include "host/files/disk.h"
+#include "host/files/file_system.h"
 #include "host/files/hidden_name.h"
 
 #include <QDir>
@@ -64,19 +65,17 @@ HiddenPath::~HiddenPath()
 void HiddenPath::remove() const
 {
     // Under another name, so that no thread puts something into a folder that is being emptied.
-    const fs::path aside = nativePath(m_folder + QLatin1Char('/') + newName());
+    const QString aside = m_folder + QLatin1Char('/') + newName();
     std::error_code isNotThere;
-    fs::rename(nativePath(m_path), aside, isNotThere);
-    std::error_code ignored;
-    fs::remove_all(isNotThere ? nativePath(m_path) : aside, ignored);
+    fs::rename(nativePath(m_path), nativePath(aside), isNotThere);
+    removeAll(isNotThere ? m_path : aside);
     removeEmpty(m_madeFolders);
 }
 
 std::error_code HiddenPath::renameTo(const QString &target)
 {
     const auto lock = holdSignals();
-    std::error_code error;
-    fs::rename(nativePath(m_path), nativePath(target), error);
+    const std::error_code error = renameOver(m_path, target);
     if (!error)
         registry().paths.erase(this);
     return error;
@@ -99,12 +98,12 @@ void touchHiddenPaths()
 {
     const auto lock = holdSignals();
     for (const HiddenPath *path : registry().paths)
-        touch(path->path().toStdString());
+        touch(nativePath(path->path()));
 }
 
 std::chrono::seconds silenceOf(const QString &path, const HiddenPath &own)
 {
-    touch(own.path().toStdString());
+    touch(nativePath(own.path()));
     std::error_code isGone;
     const auto now = fs::last_write_time(nativePath(own.path()), isGone);
     const auto then = fs::last_write_time(nativePath(path), isGone);
@@ -121,9 +120,8 @@ void removeLeftBehind(const QString &folder, const HiddenPath &own)
         const std::optional<HiddenName> hidden = HiddenName::of(name);
         const QString path = folder + QLatin1Char('/') + name;
         // Of two processes that remove the same one comes too late. One of another user's stays.
-        std::error_code ignored;
         if (hidden && hidden->isLeftBehind(silenceOf(path, own)))
-            fs::remove_all(nativePath(path), ignored);
+            removeAll(path);
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/output_folder.h"
 
-#include "host/files/hidden_name.h"
+#include "host/files/file_system.h"
 #include "host/files/input_error.h"
 #include "host/files/output_set.h"
 
@@ -14,11 +14,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-QString textOf(const std::error_code &error)
-{
-    return QString::fromStdString(error.message());
-}
 
 [[noreturn]] void failOnFolder(const QString &path, const QString &found)
 {
@@ -33,7 +28,7 @@ QStringList madeFor(const QString &path)
     try {
         return makeFolders(path);
     } catch (const std::system_error &error) {
-        failOnFolder(path, textOf(error.code()));
+        failOnFolder(path, wordsFor(error.code()));
     }
 }
 
@@ -45,7 +40,8 @@ OutputFolder::OutputFolder(const QString &path, const QString &writer)
     std::error_code error;
     fs::create_directory(nativePath(m_hidden.path()), error);
     if (error)
-        failOnFolder(path, textOf(error));
+        failOnFolder(path, wordsFor(error));
+    hideFolder(m_hidden.path());
     removeLeftBehind(path, m_hidden);
     finishLeftSets(path, m_hidden);
 }

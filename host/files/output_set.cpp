@@ -2,6 +2,7 @@
 #include "host/files/output_set.h"
 
 #include "host/files/disk.h"
+#include "host/files/file_system.h"
 #include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
@@ -75,11 +76,6 @@ std::vector<SetList> listsIn(const QString &folder)
     return lists;
 }
 
-QString textOf(const std::error_code &error)
-{
-    return QString::fromStdString(error.message());
-}
-
 [[noreturn]] void failToReplace(const QString &path, const QString &found)
 {
     throw InputError(path, QStringLiteral("writing"), found,
@@ -92,11 +88,10 @@ void finish(const SetList &set, const QString &folder)
     const QString unfinished = unfinishedIn(folder);
     for (const QString &file : set.files) {
         const QString target = folder + QLatin1Char('/') + file;
-        std::error_code error;
-        fs::rename(nativePath(unfinished + QLatin1Char('/') + file), nativePath(target), error);
+        const std::error_code error = renameOver(unfinished + QLatin1Char('/') + file, target);
         const bool wasMoved = error == std::errc::no_such_file_or_directory;
         if (error && !wasMoved)
-            failToReplace(target, textOf(error));
+            failToReplace(target, wordsFor(error));
     }
     std::error_code ignored;
     fs::remove(nativePath(set.path), ignored);
@@ -109,8 +104,8 @@ void requireReplaceable(const QString &path)
     std::error_code error;
     if (fs::is_directory(nativePath(path), error))
         failToReplace(path, QStringLiteral("a folder"));
-    if (const int fault = faultOfReplacing(path.toStdString()))
-        failToReplace(path, textOf(std::error_code(fault, std::generic_category())));
+    if (const int fault = faultOfReplacing(nativePath(path)))
+        failToReplace(path, wordsFor(std::error_code(fault, std::generic_category())));
 }
 
 bool isOwn(const ProcessIdentity &process)
@@ -141,7 +136,7 @@ void moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
                 return;
             }
             if (!QFileInfo::exists(unfinishedIn(folder)))
-                failToReplace(folder, textOf(error));
+                failToReplace(folder, wordsFor(error));
             finishLeftSets(folder, hidden);
         }
         if (waiting.hasExpired(longestWait))
