@@ -145,8 +145,8 @@ int run(const QStringList &arguments)
         pictures = writeComputePictures(files, request, result, progress.watch());
     }
     writeComputeTables(files, request, result, pictures);
-    files.commit();
-    for (const QString &warning : result.warnings)
+    const QStringList kept = files.commit();
+    for (const QString &warning : result.warnings + kept)
         std::fprintf(stderr, "%s\n", warning.toUtf8().constData());
     std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
                 counted(qint64(result.nodes.size()), "node").toUtf8().constData(),

@@ -36,8 +36,8 @@ int run(const QStringList &arguments)
 
     const QString folder = requiredValue(parser, QStringLiteral("out"));
     const GraphTable graph = readGraphTable(parser.positionalArguments().front());
-    writeGraphFiles(folder, graph, parser.isSet(QStringLiteral("mst")));
-    for (const QString &note : graph.notes + graphNotes(graph.weights))
+    const QStringList kept = writeGraphFiles(folder, graph, parser.isSet(QStringLiteral("mst")));
+    for (const QString &note : graph.notes + graphNotes(graph.weights) + kept)
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());
     std::printf("%s: %s\n", folder.toUtf8().constData(),
                 counted(graph.weights.rows(), "node").toUtf8().constData());

@@ -75,7 +75,8 @@ int run(const QStringList &arguments)
     progress.reset();
     if (!fault.isEmpty())
         throw std::runtime_error(fault.toStdString());
-    pictures.commit();
+    for (const QString &line : pictures.commit())
+        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     std::printf("%s: %d pictures, captions.md\n", folder.toUtf8().constData(), tour.pictures());
     return Done;
 }

@@ -55,7 +55,7 @@ QByteArray matrixTable(const Eigen::MatrixXf &matrix, const QStringList &names)
 
 } // namespace
 
-void writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
+QStringList writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
 {
     OutputFolder folder(path, QStringLiteral("graph"));
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph));
@@ -64,7 +64,7 @@ void writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree
             std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
         writeFile(folder.path(QStringLiteral("mst.csv")), matrixTable(tree, graph.names));
     }
-    folder.commit();
+    return folder.commit();
 }
 
 QStringList graphNotes(const Eigen::MatrixXf &weights)

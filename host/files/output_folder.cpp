@@ -43,7 +43,7 @@ OutputFolder::OutputFolder(const QString &path, const QString &writer)
         failOnFolder(path, wordsFor(error));
     hideFolder(m_hidden.path());
     removeLeftBehind(path, m_hidden);
-    finishLeftSets(path, m_hidden);
+    m_said = finishLeftSets(path, m_hidden);
 }
 
 QString OutputFolder::path(const QString &name) const
@@ -56,9 +56,9 @@ QString OutputFolder::finalPath(const QString &name) const
     return m_path + QLatin1Char('/') + name;
 }
 
-void OutputFolder::commit()
+QStringList OutputFolder::commit()
 {
-    moveUp(m_hidden, m_path, m_writer);
+    return m_said + moveUp(m_hidden, m_path, m_writer);
 }
 
 } // namespace corvane

@@ -15,9 +15,9 @@ namespace corvane
 class OutputFolder
 {
 public:
-    /// Makes the folder when it is missing. `writer` is the command, for messages, with the name
-    /// of its set where a folder may hold several ("import sub-01"). Throws InputError when nothing
-    /// can be written there.
+    /// Makes the folder when it is missing. `writer` is the command, with the name of its set where
+    /// a folder may hold several ("import sub-01"): a set replaces the one of the same writer.
+    /// Throws InputError when nothing can be written there.
     OutputFolder(const QString &path, const QString &writer);
 
     /// Where to write files now, the file of that name, and where it will be after the commit.
@@ -25,15 +25,18 @@ public:
     QString path(const QString &name) const;
     QString finalPath(const QString &name) const;
 
-    /// Moves every file to its place, over older ones of the same name. Throws InputError: before
+    /// Moves every file to its place, over older ones of the same name, and removes those that the
+    /// same writer put there before and not now. Returns lines for the user: what recordOutputs
+    /// says, and which set of a command that was killed is complete now. Throws InputError: before
     /// the first file is moved, where that can be known; else the files of the set are refused by
     /// readers until a command that writes to this folder has finished it.
-    void commit();
+    [[nodiscard]] QStringList commit();
 
 private:
     QString m_path;
     QString m_writer;
     HiddenPath m_hidden;
+    QStringList m_said; ///< of sets that others left
 };
 
 } // namespace corvane

@@ -6,6 +6,7 @@
 #include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
+#include "host/files/output_record.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -83,7 +84,7 @@ std::vector<SetList> listsIn(const QString &folder)
 }
 
 /// Any number of processes may do this at the same time: each step is made by one of them.
-void finish(const SetList &set, const QString &folder)
+QStringList finish(const SetList &set, const QString &folder)
 {
     const QString unfinished = unfinishedIn(folder);
     for (const QString &file : set.files) {
@@ -93,10 +94,12 @@ void finish(const SetList &set, const QString &folder)
         if (error && !wasMoved)
             failToReplace(target, wordsFor(error));
     }
+    QStringList said = recordOutputs(folder, set.writer, set.files);
     std::error_code ignored;
     fs::remove(nativePath(set.path), ignored);
     // Stays when the next set is in it already.
     fs::remove(nativePath(unfinished), ignored);
+    return said;
 }
 
 void requireReplaceable(const QString &path)
@@ -117,13 +120,16 @@ bool isOwn(const ProcessIdentity &process)
 
 } // namespace
 
-void moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
+QStringList moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
 {
     constexpr int longestWait = 60000; // ms; others need a few
-    const QStringList files = QDir(hidden.path()).entryList(QDir::Files | QDir::Hidden);
+    QDir inWork(hidden.path());
+    inWork.remove(QLatin1String(outputRecordName)); // of a command that this one made use of
+    const QStringList files = inWork.entryList(QDir::Files | QDir::Hidden);
     for (const QString &file : files)
         requireReplaceable(folder + QLatin1Char('/') + file);
     writeList(hidden, writer, files);
+    QStringList said;
     QElapsedTimer waiting;
     waiting.start();
     for (;;) {
@@ -132,12 +138,12 @@ void moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
             const std::error_code error = hidden.renameTo(unfinishedIn(folder));
             if (!error) {
                 for (const SetList &set : listsIn(folder))
-                    finish(set, folder);
-                return;
+                    said += finish(set, folder);
+                return said;
             }
             if (!QFileInfo::exists(unfinishedIn(folder)))
                 failToReplace(folder, wordsFor(error));
-            finishLeftSets(folder, hidden);
+            said += finishLeftSets(folder, hidden);
         }
         if (waiting.hasExpired(longestWait))
             throw InputError(unfinishedIn(folder), QStringLiteral("writing"),
@@ -147,16 +153,24 @@ void moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
     }
 }
 
-void finishLeftSets(const QString &folder, const HiddenPath &own)
+QStringList finishLeftSets(const QString &folder, const HiddenPath &own)
 {
     // While signals are held no other thread of this process moves files.
     const auto lock = holdSignals();
-    for (const SetList &set : listsIn(folder))
-        if (isOwn(set.name.owner) || set.name.isLeftBehind(silenceOf(unfinishedIn(folder), own)))
-            finish(set, folder);
+    QStringList said;
+    for (const SetList &set : listsIn(folder)) {
+        if (!isOwn(set.name.owner) && !set.name.isLeftBehind(silenceOf(unfinishedIn(folder), own)))
+            continue;
+        said += finish(set, folder);
+        said +=
+            QStringLiteral("%1: %2 was ended before all its files were in their place; now they "
+                           "are")
+                .arg(printable(shownPath(folder), 4096), quoted(set.writer));
+    }
     // Of one that came as far as that the empty folder is left.
     std::error_code isNotEmpty;
     fs::remove(nativePath(unfinishedIn(folder)), isNotEmpty);
+    return said;
 }
 
 void refuseUnfinished(const QString &path)

@@ -18,14 +18,15 @@
 namespace corvane
 {
 
-/// Moves all files of a hidden folder up into the folder that it stands in, over older ones.
-/// `writer` is the command, for messages. Waits while another process does the same there. Throws
-/// InputError when a file cannot be replaced: before the first one is, where that can be known.
-void moveUp(HiddenPath &hidden, const QString &folder, const QString &writer);
+/// Moves all files of a hidden folder up into the folder that it stands in, over older ones, and
+/// removes those that the same writer left there before (output_record.h). Returns what is to be
+/// said. Waits while another process does the same there. Throws InputError when a file cannot be
+/// replaced: before the first one is, where that can be known.
+QStringList moveUp(HiddenPath &hidden, const QString &folder, const QString &writer);
 
 /// Finishes a set that a process which is gone has left on its way. `own` is a hidden path in that
-/// folder. Throws InputError as moveUp does.
-void finishLeftSets(const QString &folder, const HiddenPath &own);
+/// folder. Returns what is to be said. Throws InputError as moveUp does.
+QStringList finishLeftSets(const QString &folder, const HiddenPath &own);
 
 /// Throws InputError when a file belongs to a set that is not finished.
 void refuseUnfinished(const QString &path);

@@ -317,7 +317,7 @@ ImportReport writeExample(const QString &folder, const ProgressWatch &watch)
     ImportReport report = writeImport(planImport(request), [&](qint64 done, qint64 total) {
         return !watch || watch(total + done, 2 * total);
     });
-    output.commit();
+    report.notes += output.commit();
     // Say where the files are now, not where they were made.
     const QString made = request.folder + QLatin1Char('/');
     for (QStringList *lines : {&report.notes, &report.summary, &report.files})

@@ -131,7 +131,7 @@ ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
         report.files += output.finalPath(file.name);
         report.summary += QStringLiteral("%1: %2").arg(report.files.last(), file.holds);
     }
-    output.commit();
+    report.notes += output.commit();
     return report;
 }
 

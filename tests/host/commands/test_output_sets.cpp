@@ -6,8 +6,11 @@
 #include "host/files/output_folder.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/left_behind.h"
+#include "tests/host/support/notes.h"
 #include "tests/host/support/program.h"
 #include "tests/host/support/traced_program.h"
+
+#include <QRegularExpression>
 
 #include <gmock/gmock.h>
 #include <map>
@@ -39,30 +42,34 @@ protected:
     {
         putBytes(folder.path("old.csv"), "0,1\n1,0\n");
         putBytes(folder.path("new.csv"), "0,1,2\n1,0,3\n2,3,0\n");
-        EXPECT_EQ(runCorvane(arguments("old.csv")).status, 0);
+        EXPECT_EQ(runCorvane(arguments("old.csv", true)).status, 0);
         oldSet = filesOf(out);
-        EXPECT_EQ(runCorvane(arguments("new.csv")).status, 0);
+        EXPECT_EQ(runCorvane(arguments("new.csv", true)).status, 0);
         newSet = filesOf(out);
         EXPECT_EQ(oldSet.size(), 2U);
         EXPECT_EQ(newSet.size(), 2U);
     }
 
-    QStringList arguments(const char *matrix) const
+    QStringList arguments(const char *matrix, bool withTree) const
     {
-        return {QStringLiteral("graph"), folder.path(matrix), QStringLiteral("--mst"),
-                QStringLiteral("--out"), out};
+        QStringList words{QStringLiteral("graph"), folder.path(matrix), QStringLiteral("--out"),
+                          out};
+        if (withTree)
+            words += QStringLiteral("--mst");
+        return words;
     }
     void putOldSet() const
     {
         EXPECT_TRUE(QDir(out).removeRecursively());
-        EXPECT_EQ(runCorvane(arguments("old.csv")).status, 0);
+        EXPECT_EQ(runCorvane(arguments("old.csv", true)).status, 0);
     }
 
     /// Writes the new set over the old one until the watcher ends it.
-    TracedRun replaceOldSet(const std::function<Fate(const SystemCall &call)> &watcher) const
+    TracedRun replaceOldSet(const std::function<Fate(const SystemCall &call)> &watcher,
+                            bool withTree = true) const
     {
         putOldSet();
-        return runTraced(QStringLiteral(CORVANE_PROGRAM), arguments("new.csv"),
+        return runTraced(QStringLiteral(CORVANE_PROGRAM), arguments("new.csv", withTree),
                          [&](const SystemCall &call) {
                              const bool isHere = QString::fromStdString(call.path).startsWith(out);
                              return isHere ? watcher(call) : Fate::GoesOn;
@@ -90,12 +97,44 @@ protected:
     /// What any other command does that writes to the folder, though nothing in the end.
     void visit() const { OutputFolder(out, QStringLiteral("visit")); }
 
-    /// Nothing but the set, and what tells of it.
-    QStringList hidden() const
+    /// Ends the command before each of its steps, one run for each. `fresh` is the new set as it is
+    /// without an old one.
+    void killEverywhere(bool withTree, const Files &fresh) const
     {
-        return QDir(out).entryList({QStringLiteral(".*")},
-                                   QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        int refusals = 0;
+        int finished = 0;
+        for (int step = 0;; ++step) {
+            int calls = 0;
+            const TracedRun run = replaceOldSet(
+                [&](const SystemCall &) { return calls++ == step ? Fate::IsKilled : Fate::GoesOn; },
+                withTree);
+            if (run.signal == 0) {
+                EXPECT_EQ(run.status, 0) << run.errors;
+                EXPECT_EQ(filesOf(out), fresh);
+                EXPECT_GT(step, 10);
+                break;
+            }
+            EXPECT_EQ(run.signal, SIGKILL);
+            const Files found = filesOf(out);
+            const QStringList names = refused();
+            if (names.isEmpty()) {
+                EXPECT_TRUE(found == oldSet || found == fresh) << step;
+            } else {
+                EXPECT_EQ(names.size(), static_cast<int>(fresh.size())) << step;
+                ++refusals;
+            }
+            visit();
+            const Files then = filesOf(out);
+            EXPECT_TRUE(then == (names.isEmpty() ? found : fresh)) << step;
+            EXPECT_TRUE(refused().isEmpty()) << step;
+            EXPECT_EQ(joined(hidden()), "") << step;
+            finished += then == fresh ? 1 : 0;
+        }
+        EXPECT_GT(refusals, 1);
+        EXPECT_GT(finished, refusals);
     }
+
+    QStringList hidden() const { return namesIn(out).filter(QRegularExpression("^\\.")); }
 
     const TemporaryFolder folder;
     const QString out = folder.path("out");
@@ -119,35 +158,14 @@ void leaveOnItsWay(const QString &out, const ProcessIdentity &owner)
 
 TEST_F(OutputSets, AreOldOrNewWhereverACommandIsKilled)
 {
-    int refusals = 0;
-    int finished = 0;
-    for (int step = 0;; ++step) {
-        int calls = 0;
-        const TracedRun run = replaceOldSet(
-            [&](const SystemCall &) { return calls++ == step ? Fate::IsKilled : Fate::GoesOn; });
-        if (run.signal == 0) {
-            EXPECT_EQ(run.status, 0) << run.errors;
-            EXPECT_GT(step, 10);
-            break;
-        }
-        EXPECT_EQ(run.signal, SIGKILL);
-        const Files found = filesOf(out);
-        const QStringList names = refused();
-        if (names.isEmpty()) {
-            EXPECT_TRUE(found == oldSet || found == newSet) << step;
-        } else {
-            EXPECT_EQ(names.size(), 2) << step;
-            ++refusals;
-        }
-        visit();
-        const Files then = filesOf(out);
-        EXPECT_TRUE(then == (names.isEmpty() ? found : newSet)) << step;
-        EXPECT_TRUE(refused().isEmpty()) << step;
-        EXPECT_TRUE(hidden().isEmpty()) << step << hidden().join(QLatin1Char(' ')).toStdString();
-        finished += then == newSet ? 1 : 0;
-    }
-    EXPECT_GT(refusals, 1);
-    EXPECT_GT(finished, refusals);
+    killEverywhere(true, newSet);
+}
+
+TEST_F(OutputSets, AreOldOrNewAlsoWhenTheNewOneHasFewerFiles)
+{
+    Files fresh = newSet;
+    fresh.erase(QStringLiteral("mst.csv"));
+    killEverywhere(false, fresh);
 }
 
 TEST_F(OutputSets, AreLeftAloneWhenOneFileCannotBeReplaced)
@@ -156,7 +174,7 @@ TEST_F(OutputSets, AreLeftAloneWhenOneFileCannotBeReplaced)
     ASSERT_TRUE(QFile::remove(out + QStringLiteral("/mst.csv")));
     ASSERT_TRUE(QDir(out).mkdir(QStringLiteral("mst.csv")));
     const Files before = filesOf(out);
-    const ProgramRun run = runCorvane(arguments("new.csv"));
+    const ProgramRun run = runCorvane(arguments("new.csv", true));
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errors.toStdString(),
               "Corvane: " + out.toStdString() +
@@ -230,7 +248,7 @@ TEST_F(OutputSets, WaitForEachOther)
     for (int n = 0; n < commands; ++n) {
         processes.push_back(std::make_unique<QProcess>());
         processes.back()->start(QStringLiteral(CORVANE_PROGRAM),
-                                arguments(n % 2 == 0 ? "old.csv" : "new.csv"));
+                                arguments(n % 2 == 0 ? "old.csv" : "new.csv", true));
     }
     for (const auto &process : processes) {
         EXPECT_TRUE(process->waitForFinished(60000));

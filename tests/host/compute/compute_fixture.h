@@ -132,11 +132,7 @@ protected:
         return readTable(folder.path("out/") + QString::fromUtf8(name));
     }
 
-    QStringList outputs() const
-    {
-        return QDir(folder.path("out"))
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
-    }
+    QStringList outputs() const { return namesIn(folder.path("out")); }
 
     TemporaryFolder folder;
 };

@@ -504,6 +504,38 @@ TEST_F(Compute, SaysThatARunBecameShorterWhileItWasOpen)
     }
 }
 
+/// Otherwise pictures and matrices of other settings stand among the new ones.
+TEST_F(Compute, RemovesWhatItWroteBeforeWithOtherSettings)
+{
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--no-mst")})).status, 0);
+    const QStringList fresh = outputs();
+    putBytes(folder.path("out/notes.txt"), "mine");
+    ASSERT_EQ(runCorvane(arguments({QStringLiteral("--use-protocol"), QStringLiteral("--plots")},
+                                   "linked.vtc"))
+                  .status,
+              0);
+    EXPECT_GT(outputs().size(), fresh.size() + 10);
+    const ProgramRun run = runCorvane(arguments({QStringLiteral("--no-mst")}));
+    EXPECT_EQ(run.status, 0);
+    QStringList found = outputs();
+    EXPECT_TRUE(found.removeOne(QStringLiteral("notes.txt")));
+    EXPECT_EQ(found, fresh);
+    EXPECT_FALSE(run.errors.contains("earlier run")) << run.errors.constData();
+}
+
+TEST_F(Compute, SaysWhichOfItsFilesItLeavesSinceTheyWereChanged)
+{
+    ASSERT_EQ(runCorvane(arguments()).status, 0);
+    putBytes(folder.path("out/mst.csv"), "mine");
+    const ProgramRun run = runCorvane(arguments({QStringLiteral("--no-mst")}));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.errors.toStdString(),
+                testing::EndsWith(folder.path("out/mst.csv").toStdString() +
+                                  ": an earlier run wrote it and this one did not; it stays, since "
+                                  "it was changed meanwhile\n"));
+    EXPECT_EQ(bytesOf(folder.path("out/mst.csv")), "mine");
+}
+
 TEST_F(Compute, LeavesNothingWhenTheDiskIsFull)
 {
     const ProgramRun run = runProgram(

@@ -4,24 +4,48 @@
 // the writers write them.
 #include "tests/host/support/host_files.h"
 
+#include <QDateTime>
+
 namespace corvane
 {
 
 namespace
 {
 
-/// The first fenced block below the heading of a format.
-QByteArray example(const QByteArray &format)
+/// The first fenced block below a heading.
+QByteArray blockBelow(const QByteArray &title)
 {
     const QByteArray page = bytesOf(QStringLiteral(FILE_FORMATS_PAGE));
-    const QByteArray heading = "\n## `." + format + "`\n";
+    const QByteArray heading = "\n## " + title + '\n';
     const int from = page.indexOf("\n```", page.indexOf(heading) + heading.size());
     EXPECT_GE(page.indexOf(heading), 0);
     const int start = page.indexOf('\n', from + 1) + 1;
     return page.mid(start, page.indexOf("\n```", start) + 1 - start);
 }
 
+QByteArray example(const QByteArray &format)
+{
+    return blockBelow("`." + format + '`');
+}
+
 } // namespace
+
+TEST(DocumentedFormats, ShowARecord)
+{
+    const TemporaryFolder folder;
+    QFile output(folder.path("connectivity.csv"));
+    ASSERT_TRUE(output.open(QIODevice::ReadWrite) && output.resize(1384));
+    ASSERT_TRUE(output.setFileTime(QDateTime({2026, 11, 21}, {9, 30, 12, 417}, Qt::UTC),
+                                   QFileDevice::FileModificationTime));
+    output.close();
+    const QByteArray record = blockBelow("The record of a folder");
+    const QString path = folder.path(outputRecordName);
+    putBytes(path, record);
+    EXPECT_EQ(recordOutputs(folder.path(), QStringLiteral("graph"), {}), QStringList());
+    EXPECT_EQ(bytesOf(path).toStdString(), record.toStdString());
+    EXPECT_EQ(recordOutputs(folder.path(), QStringLiteral("compute"), {}), QStringList());
+    EXPECT_TRUE(folder.entries().isEmpty());
+}
 
 TEST(DocumentedFormats, ShowAVmr)
 {

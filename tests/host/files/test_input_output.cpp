@@ -230,7 +230,7 @@ TEST(Writers, SayThatOneFileOfASetIsAnothersAndReplaceNone)
                     OutputFolder output(folder.path(), QStringLiteral("test"));
                     writeFile(output.path(QStringLiteral("a")), "new");
                     writeFile(output.path(QStringLiteral("b")), "new");
-                    output.commit();
+                    (void)output.commit();
                 }),
                 testing::ExitedWithCode(1),
                 testing::HasSubstr("b: writing: found Operation not permitted, expected a file "

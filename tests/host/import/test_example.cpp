@@ -122,9 +122,7 @@ TEST_F(Example, IsWrittenAndImportedWithoutADoubt)
                path("example.prt") + ": 3 conditions, 16 intervals\n" + path("example.vtc") +
                ": 72 x 60 x 60 samples 3 mm apart, 200 volumes 2 s apart, short, copied\n")
                   .toUtf8());
-    EXPECT_EQ(QDir(s_folder->path("out"))
-                  .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name)
-                  .join(QLatin1Char(' ')),
+    EXPECT_EQ(namesIn(s_folder->path("out")).join(QLatin1Char(' ')),
               QStringLiteral("README.txt correlations.tsv example.prt example.vmr example.voi "
                              "example.vtc sub-01_T1w.nii.gz sub-01_dseg.nii.gz sub-01_dseg.tsv "
                              "sub-01_task-movement_bold.nii.gz "

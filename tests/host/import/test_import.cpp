@@ -218,11 +218,7 @@ struct Workplace {
     }
     QString base() const { return request.folder + QStringLiteral("/sub"); }
     /// Names in the output folder; empty when there is none.
-    QStringList written() const
-    {
-        return QDir(request.folder)
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
-    }
+    QStringList written() const { return namesIn(request.folder); }
     QString outputPath(const char *name) const
     {
         return request.folder + QLatin1Char('/') + QString::fromLatin1(name);
@@ -381,6 +377,22 @@ TEST(Import, LeavesNothingWhenItsWatchStopsIt)
         EXPECT_THROW(writeImport(planImport(place.request), watch), WorkStopped);
         EXPECT_FALSE(QFile::exists(place.request.folder));
     }
+}
+
+TEST(Import, RemovesWhatItMadeBeforeUnderTheSameNameOnly)
+{
+    Workplace place;
+    place.useAll();
+    imported(place);
+    place.request.name = QStringLiteral("other");
+    imported(place);
+    EXPECT_EQ(place.written().size(), 8);
+    // A run of a task becomes one without: its protocol goes, that of the other run stays.
+    place.request.events.clear();
+    const ImportReport report = imported(place);
+    EXPECT_EQ(joined(report.notes), "");
+    EXPECT_EQ(joined(place.written()), "other.vmr\nother.voi\nother.vtc\nsub.prt\nsub.vmr\n"
+                                       "sub.voi\nsub.vtc");
 }
 
 // ---- how samples come over

@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
+#include "host/files/output_record.h"
 #include "host/files/prt_file.h"
 #include "host/files/vmr_file.h"
 #include "host/files/voi_file.h"
@@ -22,6 +23,16 @@
 namespace corvane
 {
 
+/// What is in a folder, hidden entries too, but for the record of what commands have written there,
+/// which has tests of its own.
+inline QStringList namesIn(const QString &folder)
+{
+    QStringList names = QDir(folder).entryList(
+        QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    names.removeAll(QLatin1String(outputRecordName));
+    return names;
+}
+
 class TemporaryFolder
 {
 public:
@@ -30,10 +41,7 @@ public:
     QString path() const { return m_folder.path(); }
     QString path(const QString &name) const { return m_folder.filePath(name); }
     QString path(const char *name) const { return path(QString::fromUtf8(name)); }
-    QStringList entries() const
-    {
-        return QDir(path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+    QStringList entries() const { return namesIn(path()); }
 
 private:
     QTemporaryDir m_folder;
