@@ -122,7 +122,8 @@ bool isOwn(const ProcessIdentity &process)
 
 QStringList moveUp(HiddenPath &hidden, const QString &folder, const QString &writer)
 {
-    constexpr int longestWait = 60000; // ms; others need a few
+    constexpr int longestWait = 60000;           // ms; others need a few
+    constexpr int longestWaitWithoutList = 2000; // the list is the last to go
     QDir inWork(hidden.path());
     inWork.remove(QLatin1String(outputRecordName)); // of a command that this one made use of
     const QStringList files = inWork.entryList(QDir::Files | QDir::Hidden);
@@ -145,10 +146,13 @@ QStringList moveUp(HiddenPath &hidden, const QString &folder, const QString &wri
                 failToReplace(folder, wordsFor(error));
             said += finishLeftSets(folder, hidden);
         }
-        if (waiting.hasExpired(longestWait))
+        const bool isListed = !listsIn(folder).empty();
+        if (waiting.hasExpired(isListed ? longestWait : longestWaitWithoutList))
             throw InputError(unfinishedIn(folder), QStringLiteral("writing"),
-                             QStringLiteral("files that another command moves up"),
-                             QStringLiteral("that it comes to its end"));
+                             isListed ? QStringLiteral("files that another command moves up")
+                                      : QStringLiteral("files that no list names"),
+                             isListed ? QStringLiteral("that it comes to its end")
+                                      : QStringLiteral("none: move them away by hand"));
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
 }

@@ -206,7 +206,10 @@ TEST_F(OutputSets, AreRefusedWhenOneFileCouldNotBeReplacedAndFinishedWhenItCan)
     // The way out is in the message.
     EXPECT_THAT(errorOf([&] { visit(); }), HasSubstr("mst.csv: writing: found Is a directory"));
     ASSERT_TRUE(QDir().rmdir(obstacle));
-    visit();
+    // Whatever writes there next tells of it.
+    EXPECT_EQ(joined(OutputFolder(out, QStringLiteral("visit")).commit()),
+              out.toStdString() + ": \"graph\" was ended before all its files were in their place; "
+                                  "now they are");
     EXPECT_EQ(filesOf(out), newSet);
     EXPECT_TRUE(refused().isEmpty());
     EXPECT_TRUE(hidden().isEmpty());
@@ -226,6 +229,23 @@ TEST_F(OutputSets, OfAProcessThatIsStillAtThemAreNotTouched)
     EXPECT_EQ(filesOf(out),
               (Files{{QStringLiteral("features.csv"), "new"}, {QStringLiteral("mst.csv"), "new"}}));
     EXPECT_TRUE(hidden().isEmpty());
+}
+
+TEST_F(OutputSets, StayWhereTheyAreWithoutTheirList)
+{
+    putOldSet();
+    const QString unfinished = out + QStringLiteral("/.corvane-unfinished");
+    ASSERT_TRUE(QDir().mkpath(unfinished));
+    putBytes(unfinished + QStringLiteral("/mst.csv"), "whose?");
+    const ProgramRun run = runCorvane(arguments("new.csv", true));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors.toStdString(),
+              "Corvane: " + unfinished.toStdString() +
+                  ": writing: found files that no list names, expected none: move them away by "
+                  "hand\n");
+    EXPECT_EQ(filesOf(out), oldSet);
+    EXPECT_EQ(bytesOf(unfinished + QStringLiteral("/mst.csv")), "whose?");
+    EXPECT_EQ(hidden(), QStringList{QStringLiteral(".corvane-unfinished")});
 }
 
 TEST_F(OutputSets, AreFinishedByTheirOwnProcessToo)
