@@ -42,7 +42,7 @@ QString seconds(double time)
 QString intervalText(const QString &condition, double from, double to)
 {
     return QStringLiteral("%1 %2-%3")
-        .arg(quoted(condition), QString::number(from, 'f', 0), QString::number(to, 'f', 0));
+        .arg(quoted(condition), readableNumber(from, 0), readableNumber(to, 0));
 }
 
 /// A time in seconds, unset for "n/a".

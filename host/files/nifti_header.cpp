@@ -2,6 +2,7 @@
 #include "host/files/nifti_header.h"
 
 #include "host/files/input_error.h"
+#include "host/files/text_check.h"
 
 #include <charconv>
 #include <cmath>
@@ -327,7 +328,7 @@ void Parser::fail(const QString &place, const QString &found, const QString &exp
 }
 
 template <typename Number>
-double shortestDecimal(Number stored)
+double asShortestDecimal(Number stored)
 {
     char text[64];
     const std::to_chars_result end = std::to_chars(text, text + sizeof text, stored);
@@ -370,7 +371,7 @@ double repetitionTimeSeconds(const NiftiHeader &header)
         return 0;
     const auto single = static_cast<float>(stored);
     const double decimal =
-        double(single) == stored ? shortestDecimal(single) : shortestDecimal(stored);
+        double(single) == stored ? asShortestDecimal(single) : asShortestDecimal(stored);
     // Division of two exact numbers gives the double nearest to the decimal quotient.
     if (header.timeUnit == TimeUnit::Millisecond)
         return decimal / 1e3;
@@ -387,7 +388,7 @@ QStringList orientationNotes(const NiftiHeader &header, const QString &path)
                     .arg(path)};
     if (header.formsApart > formTolerance)
         return {QStringLiteral("%1: sform and qform disagree by up to %2 mm: the sform is used")
-                    .arg(path, QString::number(header.formsApart, 'f', 1))};
+                    .arg(path, readableNumber(header.formsApart, 1))};
     if (!std::isfinite(header.formsApart))
         return {QStringLiteral("%1: the qform is damaged: the sform is used").arg(path)};
     return {};

@@ -66,4 +66,15 @@ QByteArray shortestDecimal(double number)
     return QByteArray::number(number, 'g', QLocale::FloatingPointShortest);
 }
 
+QString readableNumber(double number, int decimals)
+{
+    constexpr double large = 1e7;
+    if (!(std::abs(number) >= large))
+        return QString::number(number, 'f', decimals);
+    constexpr int digits = 3;
+    return QString::number(number, 'g', digits)
+        .replace(QLatin1String("e+0"), QLatin1String("e"))
+        .replace(QLatin1String("e+"), QLatin1String("e"));
+}
+
 } // namespace corvane

@@ -28,4 +28,7 @@ std::optional<QString> nameFault(const QString &name);
 /// The shortest decimal that reads back as the same number.
 QByteArray shortestDecimal(double number);
 
+/// A number for people, with that many decimals; a large one in three digits, as "1.15e31".
+QString readableNumber(double number, int decimals);
+
 } // namespace corvane

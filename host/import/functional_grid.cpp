@@ -2,6 +2,7 @@
 #include "host/import/functional_grid.h"
 
 #include "host/files/input_error.h"
+#include "host/files/text_check.h"
 
 #include <QStringList>
 #include <cmath>
@@ -16,9 +17,9 @@ QString boundsText(const Eigen::AlignedBox3d &bounds)
 {
     QStringList axes;
     for (int axis = 0; axis < 3; ++axis)
-        axes += QStringLiteral("%1 to %2")
-                    .arg(bounds.min()[axis], 0, 'f', 1)
-                    .arg(bounds.max()[axis], 0, 'f', 1);
+        axes +=
+            QStringLiteral("%1 to %2")
+                .arg(readableNumber(bounds.min()[axis], 1), readableNumber(bounds.max()[axis], 1));
     return axes.join(QStringLiteral(", "));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/volume_view.h"
 
+#include "host/files/text_check.h"
 #include "host/workbench/voi_overlay.h"
 #include "ui_slice_controls.h"
 
@@ -207,9 +208,8 @@ void VolumeView::tellCross()
     }
     const std::array<double, 3> world = worldPosition(m_scene.vmr, m_scene.cross);
     const auto side = [](double value, const QString &above, const QString &below) {
-        return QStringLiteral("%1 %2")
-            .arg(value < 0 ? below : above)
-            .arg(std::abs(value), 0, 'f', 1);
+        return QStringLiteral("%1 %2").arg(value < 0 ? below : above,
+                                           readableNumber(std::abs(value), 1));
     };
     m_ui->world->setText(tr("%1  %2  %3 mm")
                              .arg(side(world[0], QStringLiteral("R"), QStringLiteral("L")),

@@ -211,6 +211,12 @@ std::vector<Table> tables()
                 "F: 1 event is cut at the last of 10 volumes: line 2 (\"a\" 9-13)",
                 "protocol: 1 interval begins before an earlier one has ended, first \"a\" 9-10 "
                 "and \"b\" 10-10"})},
+        {"FarPastTheEnd",
+         "onset\tduration\ttrial_type\n16\t1e30\ta\n",
+         2,
+         10,
+         {{"a", {{9, 10}}}},
+         lines({"F: 1 event is cut at the last of 10 volumes: line 2 (\"a\" 9-5e29)"})},
         {"ManyPastTheEnd",
          "onset\tduration\ttrial_type\n2\t30\ta\n4\t30\tb\n6\t30\tc\n8\t30\td\n",
          2,

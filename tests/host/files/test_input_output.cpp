@@ -382,6 +382,23 @@ TEST(TextCheck, TakesFiniteNumbersOnly)
         EXPECT_FALSE(number(text)) << text;
 }
 
+TEST(TextCheck, WritesNumbersForPeople)
+{
+    const auto text = [](double number, int decimals) {
+        return readableNumber(number, decimals).toStdString();
+    };
+    EXPECT_EQ(text(0, 1), "0.0");
+    EXPECT_EQ(text(-12.34, 1), "-12.3");
+    EXPECT_EQ(text(250, 0), "250");
+    EXPECT_EQ(text(9999999, 1), "9999999.0");
+    EXPECT_EQ(text(1e7, 1), "1e7");
+    EXPECT_EQ(text(-123456789, 0), "-1.23e8");
+    EXPECT_EQ(text(11500000173045858521581921832960.0, 1), "1.15e31");
+    EXPECT_EQ(text(1e300, 1), "1e300");
+    EXPECT_EQ(text(std::numeric_limits<double>::quiet_NaN(), 1), "nan");
+    EXPECT_EQ(text(-std::numeric_limits<double>::infinity(), 1), "-inf");
+}
+
 TEST(TextCheck, KnowsUtf8)
 {
     EXPECT_EQ(fromStrictUtf8("gr\xc3\xbc\xc3\x9f"

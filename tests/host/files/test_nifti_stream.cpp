@@ -345,6 +345,9 @@ TEST(Orientation, SaysWhatItHadToChoose)
               joined(QStringList{
                   QStringLiteral("run.nii: sform and qform disagree by up to 5.0 mm: the sform is "
                                  "used")}));
+    parts.qform[3] = 4e30;
+    EXPECT_EQ(joined(notes(parts)),
+              "run.nii: sform and qform disagree by up to 4e30 mm: the sform is used");
     parts.qform[0] = notANumber;
     EXPECT_EQ(
         joined(notes(parts)),

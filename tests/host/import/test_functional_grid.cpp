@@ -267,6 +267,18 @@ TEST(FunctionalGrid, RefusesARunOutsideTheCube)
                 "overlaps the anatomy's cube, voxels 0 to 255");
 }
 
+TEST(FunctionalGrid, TellsOfARunFarAwayInShortNumbers)
+{
+    const double far = 1.15e31;
+    EXPECT_EQ(
+        errorOf([&] {
+            layFunctionalGrid(along({0, 1, 2}, {3, 3, 3}, {far, -far, 100}), {4, 4, 4}, 3, path);
+        }),
+        "run.nii: position relative to the anatomy: found a run that covers voxels 1.15e31 "
+        "to 1.15e31, -1.15e31 to -1.15e31, 98.5 to 110.5, none with its centre inside, "
+        "expected one that overlaps the anatomy's cube, voxels 0 to 255");
+}
+
 TEST(FunctionalGrid, RefusesARunOfWhichOnlyEdgesOfVoxelsReachIntoTheCube)
 {
     // Centres at -1 and below, outer faces at 1.
