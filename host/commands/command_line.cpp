@@ -3,6 +3,7 @@
 
 #include "host/commands/commands.h"
 #include "host/files/input_error.h"
+#include "host/files/text_check.h"
 
 #include <QSet>
 
@@ -25,6 +26,19 @@ QByteArray helpText(const QCommandLineParser &parser, const QString &command)
 }
 
 } // namespace
+
+QStringList argumentTexts(int argc, char **argv)
+{
+    QStringList texts;
+    for (int n = 1; n < argc; ++n) {
+        const std::optional<QString> text = fromStrictUtf8(argv[n]);
+        if (!text)
+            throw UsageError(QStringLiteral("argument %1: found %2, expected UTF-8")
+                                 .arg(QString::number(n), quoted(QByteArray(argv[n]))));
+        texts += *text;
+    }
+    return texts;
+}
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
                     const QStringList &plainArguments)

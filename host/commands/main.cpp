@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
 #include "host/files/file_kind.h"
 #include "host/files/housekeeping.h"
@@ -121,9 +122,7 @@ int run(const QStringList &arguments)
 /// Makes the application that the arguments ask for, and runs it.
 int runApplication(int &argc, char **argv)
 {
-    QStringList arguments;
-    for (int n = 1; n < argc; ++n)
-        arguments += QString::fromLocal8Bit(argv[n]);
+    QStringList arguments = argumentTexts(argc, argv);
     const bool hasNoCommand = asksForNoCommand(arguments);
     const Command *const command = hasNoCommand          ? &commandWithoutName()
                                    : arguments.isEmpty() ? nullptr

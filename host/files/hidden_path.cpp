@@ -128,7 +128,8 @@ void removeLeftBehind(const QString &folder, const HiddenPath &own)
 QStringList makeFolders(const QString &path)
 {
     QStringList missing;
-    for (QString folder = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    // Not from the root on: the current folder may have a name that is not UTF-8.
+    for (QString folder = QDir::cleanPath(path);
          !QFileInfo::exists(folder) && !QFileInfo(folder).isRoot();
          folder = QFileInfo(folder).path())
         missing.prepend(folder);

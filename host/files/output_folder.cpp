@@ -23,6 +23,8 @@ namespace fs = std::filesystem;
 
 QStringList madeFor(const QString &path)
 {
+    if (path.isEmpty())
+        failOnFolder(QStringLiteral("(no folder)"), QStringLiteral("an empty path"));
     if (QFileInfo::exists(path) && !QFileInfo(path).isDir())
         failOnFolder(path, QStringLiteral("a file"));
     try {

@@ -45,6 +45,14 @@ Outcome corvane(const QStringList &arguments)
     return runProgram(QStringLiteral(CORVANE_PROGRAM), arguments);
 }
 
+/// The program in a folder, with arguments as the shell understands them.
+Outcome inShell(const QString &folder, const QString &words)
+{
+    return runProgram(QStringLiteral("/bin/bash"),
+                      {QStringLiteral("-c"), QStringLiteral("cd \"$2\" && exec \"$1\" ") + words,
+                       QStringLiteral("bash"), QStringLiteral(CORVANE_PROGRAM), folder});
+}
+
 /// The program with the commands of the tests.
 Outcome testCommand(const QStringList &arguments)
 {
@@ -160,6 +168,53 @@ TEST(CommandLine, RefusesWrongUsageOfACommand)
     const Outcome good = testCommand({graph, QStringLiteral("m"), out, QStringLiteral("a")});
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.out, "m to a\n");
+}
+
+/// It would become the name of another file.
+TEST(CommandLine, RefusesArgumentsThatAreNotUtf8AndWritesNothing)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("m.csv"), "0,1\n1,0\n");
+    for (const char *words :
+         {"graph m.csv --out $'out\\xff'", "graph m.csv --out out $'--mst\\xff'", "$'m\\xff.vmr'",
+          "graph m.csv --out $'\\xed\\xa0\\x80'"}) {
+        const Outcome run = inShell(folder.path(), QString::fromLatin1(words));
+        EXPECT_EQ(run.status, 2) << words;
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err,
+                    testing::ContainsRegex("^Corvane: argument [0-9]: found \".*\\\\x.*\", "
+                                           "expected UTF-8\n$"));
+        EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("m.csv")});
+    }
+    EXPECT_EQ(inShell(folder.path(), QStringLiteral("graph m.csv --out $'\\xc3\\xa4'")).status, 0);
+    EXPECT_TRUE(QFile::exists(folder.path("\xc3\xa4/features.csv")));
+}
+
+/// Folders that are missing are made below it, not below one whose name is like it.
+TEST(CommandLine, WritesBelowACurrentFolderWhoseNameIsNotUtf8)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("m.csv"), "0,1\n1,0\n");
+    const Outcome run =
+        runProgram(QStringLiteral("/bin/bash"),
+                   {QStringLiteral("-c"),
+                    QStringLiteral("cd \"$2\" && mkdir $'\\xff' && cd $'\\xff' && \"$1\" "
+                                   "graph ../m.csv --out a/b && ls a/b && cd .. && "
+                                   "rm -r $'\\xff'"),
+                    QStringLiteral("bash"), QStringLiteral(CORVANE_PROGRAM), folder.path()});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "a/b: 2 nodes\nfeatures.csv\n");
+    EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("m.csv")});
+}
+
+TEST(CommandLine, RefusesAFolderWithoutAName)
+{
+    const Outcome run = corvane({QStringLiteral("example"), QString()});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err,
+              "Corvane: (no folder): output folder: found an empty path, expected a folder "
+              "that can be written to\n");
 }
 
 /// Of two values only one would count.
