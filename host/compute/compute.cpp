@@ -30,8 +30,13 @@ public:
                          [this](const QString &text) { add(text); });
     }
 
-    /// What was said, without the lines that only tell what goes on.
-    QStringList said() const { return m_said; }
+    /// What was said, each line once, without those that only tell what goes on.
+    QStringList said() const
+    {
+        QStringList lines = m_said;
+        lines.removeDuplicates(); // a file is opened more than once
+        return lines;
+    }
 
     /// The host's own words for what went wrong last: it says them before the plugin says that it
     /// failed.

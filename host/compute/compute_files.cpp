@@ -2,6 +2,7 @@
 #include "host/compute/compute_files.h"
 
 #include "engine/graph_measures.h"
+#include "host/compute/matrix_table.h"
 #include "host/files/csv_text.h"
 #include "host/files/file_system.h"
 #include "host/files/input_error.h"
@@ -20,15 +21,6 @@ namespace corvane
 
 namespace
 {
-
-void writeMatrix(const OutputFolder &folder, const QString &name, const Eigen::MatrixXf &matrix)
-{
-    const QString path = folder.path(name);
-    if (!nodalis::to_csv(matrix, path.toStdString())) {
-        throw InputError(folder.finalPath(name), QStringLiteral("writing"),
-                         QStringLiteral("an error"), QStringLiteral("room for the table"));
-    }
-}
 
 QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result)
 {
@@ -166,6 +158,19 @@ QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
     return QJsonDocument(document).toJson();
 }
 
+/// The beginning of a text, of whole characters, that fits into that many bytes of UTF-8.
+QString cutToBytes(const QString &text, int bytes)
+{
+    const QByteArray start = text.toUtf8();
+    if (start.size() <= bytes)
+        return text;
+    const auto isInsideCharacter = [](char byte) { return (byte & 0xc0) == 0x80; };
+    int end = bytes;
+    while (end > 0 && isInsideCharacter(start[end]))
+        --end;
+    return QString::fromUtf8(start.left(end));
+}
+
 } // namespace
 
 QString sliceFileName(const QString &kind, const QString &ending, const ComputeRequest &request,
@@ -173,25 +178,30 @@ QString sliceFileName(const QString &kind, const QString &ending, const ComputeR
 {
     if (!request.useProtocol)
         return kind + QLatin1Char('.') + ending;
-    constexpr int longest = 100; // a file name has room for 255 bytes on common file systems
-    QString safe = result.slices[slice].condition.left(longest);
+    constexpr int longest = 255; // bytes, on common file systems
+    const QString start = kind + QStringLiteral("_%1_").arg(slice);
+    const QString end = QLatin1Char('.') + ending;
+    QString safe = result.slices[slice].condition;
     for (QChar &c : safe) {
         if (!isForFileNames(c))
             c = QLatin1Char('_');
     }
-    return kind + QStringLiteral("_%1_").arg(slice) + safe + QLatin1Char('.') + ending;
+    return start + cutToBytes(safe, longest - (start + end).toUtf8().size()) + end;
 }
 
 void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
                         const ComputeResult &result, const QStringList &pictures)
 {
-    writeMatrix(folder, QStringLiteral("timeseries.csv"), result.timeseries);
+    writeMatrixTable(folder.path(QStringLiteral("timeseries.csv")), result.timeseries);
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
-        writeMatrix(folder, tableName(QStringLiteral("connectivity"), request, result, s),
-                    slice.connectivity);
+        const auto write = [&](const char *kind, const Eigen::MatrixXf &matrix) {
+            const QString name = tableName(QLatin1String(kind), request, result, s);
+            writeMatrixTable(folder.path(name), matrix);
+        };
+        write("connectivity", slice.connectivity);
         if (request.computeMst)
-            writeMatrix(folder, tableName(QStringLiteral("mst"), request, result, s), slice.mst);
+            write("mst", slice.mst);
     }
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(request, result));
     writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result, pictures));

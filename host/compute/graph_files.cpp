@@ -3,6 +3,7 @@
 
 #include "dataset/counted.h"
 #include "engine/graph_measures.h"
+#include "host/compute/matrix_table.h"
 #include "host/files/csv_text.h"
 #include "host/files/output_file.h"
 #include "host/files/output_folder.h"
@@ -36,23 +37,6 @@ QByteArray featureTable(const GraphTable &graph)
     return table;
 }
 
-/// A matrix with names, if there are any, in a header and an index.
-QByteArray matrixTable(const Eigen::MatrixXf &matrix, const QStringList &names)
-{
-    QByteArray table;
-    for (const QString &name : names)
-        table += ',' + csvField(name);
-    table += names.isEmpty() ? "" : "\n";
-    for (int row = 0; row < matrix.rows(); ++row) {
-        if (!names.isEmpty())
-            table += csvField(names[row]) + ',';
-        for (int column = 0; column < matrix.cols(); ++column)
-            table += (column > 0 ? "," : "") + csvField(matrix(row, column));
-        table += '\n';
-    }
-    return table;
-}
-
 } // namespace
 
 QStringList writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
@@ -62,7 +46,7 @@ QStringList writeGraphFiles(const QString &path, const GraphTable &graph, bool w
     if (withTree) {
         const Eigen::MatrixXf tree =
             std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
-        writeFile(folder.path(QStringLiteral("mst.csv")), matrixTable(tree, graph.names));
+        writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names);
     }
     return folder.commit();
 }

@@ -250,6 +250,7 @@ ImportPlan planImport(const ImportRequest &request)
     }
     checkPointsOutside(plan.grid, request.functional, plan.notes);
     planFile(plan, FileKind::Vtc, timeCourseText(plan));
+    plan.notes.removeDuplicates(); // one file may serve twice
     return plan;
 }
 

@@ -132,6 +132,7 @@ ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
         report.summary += QStringLiteral("%1: %2").arg(report.files.last(), file.holds);
     }
     report.notes += output.commit();
+    report.notes.removeDuplicates(); // files are opened more than once
     return report;
 }
 

@@ -5,6 +5,7 @@
 #include "host/files/output_file.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QKeyEvent>
 #include <QLabel>
@@ -39,6 +40,15 @@ QImage pictureOf(QWidget *window)
     QPixmap both = behind->grab();
     QPainter(&both).drawPixmap(behind->mapFromGlobal(window->mapToGlobal(QPoint(0, 0))), picture);
     return both.toImage();
+}
+
+void writePicture(const QString &path, const QImage &picture)
+{
+    QBuffer png;
+    if (!png.open(QIODevice::WriteOnly) || !picture.save(&png, "PNG"))
+        throw InputError(path, QStringLiteral("drawing"), QStringLiteral("an error"),
+                         QStringLiteral("memory for the picture"));
+    writeFile(path, png.data());
 }
 
 } // namespace
@@ -121,10 +131,10 @@ bool Tour::keepPicture(const TourStep &step)
     const QString file =
         QStringLiteral("%1-%2.png").arg(++m_pictures, 2, 10, QLatin1Char('0')).arg(step.picture);
     const QImage picture = std::exchange(m_picture, QImage());
-    if (!picture.save(QDir(m_folder).filePath(file))) {
-        finish(InputError(QDir(m_folder).filePath(file), tr("writing"), tr("a failure"),
-                          tr("room for a picture"))
-                   .what());
+    try {
+        writePicture(QDir(m_folder).filePath(file), picture);
+    } catch (const InputError &error) {
+        finish(QString::fromUtf8(error.what()));
         return false;
     }
     m_captions +=

@@ -2,6 +2,7 @@
 //
 // The command "compute" from files to tables, as a user runs it.
 #include "tests/host/compute/compute_fixture.h"
+#include "tests/host/support/notes.h"
 #include "tests/host/support/traced_program.h"
 
 #include <Eigen/LU>
@@ -540,12 +541,98 @@ TEST_F(Compute, LeavesNothingWhenTheDiskIsFull)
 {
     const ProgramRun run = runProgram(
         QStringLiteral("/bin/bash"),
-        QStringList{QStringLiteral("-c"), QStringLiteral("trap '' XFSZ; ulimit -f 1; exec \"$@\""),
+        QStringList{QStringLiteral("-c"), QStringLiteral("trap '' XFSZ; ulimit -f 0; exec \"$@\""),
                     QStringLiteral("bash"), QStringLiteral(CORVANE_PROGRAM)} +
             arguments());
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.errorLines(), 1) << run.errors.constData();
+    EXPECT_THAT(run.errors.toStdString(),
+                testing::StartsWith("Corvane: " + folder.path("out").toStdString() +
+                                    "/timeseries.csv: writing: found File too large, expected room "
+                                    "for "));
     EXPECT_FALSE(QDir(folder.path("out")).exists());
+}
+
+/// A disk of its own, with room for so many blocks of 4096 bytes and so many files.
+TEST_F(Compute, SaysWhyATableCannotBeWritten)
+{
+    const struct {
+        const char *options;
+        std::string says;
+    } rows[] = {
+        {"nr_blocks=3", "/out/features.csv: writing: found No space left on device, expected room "
+                        "for "},
+        {"nr_inodes=4", "/out/connectivity.csv: writing: found No space left on device, expected a "
+                        "place where a file can be written\n"},
+        {"nr_inodes=2",
+         "/out: output folder: found No space left on device, expected a folder that "
+         "can be written to\n"},
+    };
+    if (runProgram(QStringLiteral("unshare"), {QStringLiteral("-m"), QStringLiteral("true")})
+            .status != 0)
+        GTEST_SKIP() << "this user can make no disk";
+    const QString disk = folder.path("disk");
+    ASSERT_TRUE(QDir().mkpath(disk));
+    for (const auto &row : rows) {
+        QStringList words = arguments();
+        words.replace(words.indexOf(folder.path("out")), disk + QStringLiteral("/out"));
+        const ProgramRun run = runProgram(
+            QStringLiteral("unshare"),
+            QStringList{
+                QStringLiteral("-m"), QStringLiteral("bash"), QStringLiteral("-c"),
+                QStringLiteral("mount -t tmpfs -o \"$1\" tmpfs \"$2\" && disk=$2 && shift 2 "
+                               "&& \"$@\"; status=$?; ls -A \"$disk\"; exit $status"),
+                QStringLiteral("bash"), QString::fromLatin1(row.options), disk,
+                QStringLiteral(CORVANE_PROGRAM)} +
+                words);
+        EXPECT_EQ(run.status, 1) << row.options;
+        EXPECT_THAT(run.errors.toStdString(),
+                    testing::StartsWith("Corvane: " + disk.toStdString() + row.says))
+            << row.options;
+        EXPECT_EQ(run.errorLines(), 1);
+        EXPECT_EQ(run.output, "") << "something is left";
+    }
+}
+
+TEST_F(Compute, NamesFilesAfterConditionsAsFarAsTheFileSystemHasRoom)
+{
+    const QString plain(230, QLatin1Char('x'));
+    const QString accented = QString::fromUtf8("\xc3\xb6"); // two bytes
+    Prt prt;
+    prt.name = QStringLiteral("task");
+    prt.conditions = {{plain, {{1, 10}}},
+                      {accented.repeated(150), {{11, 20}}},
+                      {QLatin1Char('x') + accented.repeated(150), {{21, 30}}}};
+    writePrtFile(folder.path("long.prt"), prt);
+    const ProgramRun run =
+        runCorvane(arguments({QStringLiteral("--use-protocol"), QStringLiteral("--prt"),
+                              folder.path("long.prt"), QStringLiteral("--no-mst")}));
+    EXPECT_EQ(run.status, 0) << run.errors.constData();
+    // 255 bytes have room for "connectivity_0_", ".csv" and 236 more.
+    const QStringList names = outputs().filter(QStringLiteral("connectivity_"));
+    EXPECT_EQ(joined(names), "connectivity_0_" + plain.toStdString() + ".csv\nconnectivity_1_" +
+                                 accented.repeated(118).toStdString() + ".csv\nconnectivity_2_x" +
+                                 accented.repeated(117).toStdString() + ".csv");
+    QStringList named;
+    for (const QJsonValue slice : summary()[QStringLiteral("slices")].toArray())
+        named += slice.toObject()[QStringLiteral("connectivity")].toString();
+    EXPECT_EQ(joined(named), joined(names));
+}
+
+/// The file of VOIs is opened more than once.
+TEST_F(Compute, SaysAWarningOnce)
+{
+    VoiSet set = vois();
+    set.vois[1].name = QString(300, QLatin1Char('n'));
+    writeVoiFile(folder.path("set.voi"), set);
+    const ProgramRun run = runCorvane(arguments());
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors.count("is 300 bytes long, plugins get"), 1) << run.errors.constData();
+    QStringList warnings;
+    for (const QJsonValue warning : summary()[QStringLiteral("warnings")].toArray())
+        warnings += warning.toString();
+    EXPECT_EQ(warnings.size(), run.errorLines());
+    EXPECT_EQ(warnings.removeDuplicates(), 0);
 }
 
 } // namespace

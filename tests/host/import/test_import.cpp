@@ -379,6 +379,35 @@ TEST(Import, LeavesNothingWhenItsWatchStopsIt)
     }
 }
 
+TEST(Import, TakesNamesOfFilesAsLongAsTheFileSystemDoes)
+{
+    constexpr int longest = 255; // bytes
+    Workplace place;
+    place.useAll();
+    place.request.name = QString(longest - 4, QLatin1Char('n'));
+    EXPECT_EQ(imported(place).files.size(), 4);
+    EXPECT_EQ(place.written().size(), 4);
+    place.request.name += QLatin1Char('n');
+    EXPECT_THAT(errorOf([&] { imported(place); }),
+                HasSubstr(".vmr: writing: found File name too long, expected a place where a file "
+                          "can be written"));
+    EXPECT_EQ(place.written().size(), 4);
+}
+
+TEST(Import, SaysADoubtOnce)
+{
+    Workplace place;
+    NiftiParts both = atlasParts();
+    both.sformCode = 0;
+    place.put("both.nii", both);
+    place.request.anatomy = place.request.atlas = place.folder.path("both.nii");
+    const ImportReport report = imported(place);
+    EXPECT_EQ(report.notes.filter(QStringLiteral("the header tells no orientation")),
+              QStringList{place.request.atlas +
+                          QStringLiteral(": the header tells no orientation: its axes are taken to "
+                                         "run to the right, to the front and up")});
+}
+
 TEST(Import, RemovesWhatItMadeBeforeUnderTheSameNameOnly)
 {
     Workplace place;
