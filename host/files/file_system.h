@@ -7,8 +7,8 @@
 #include <system_error>
 
 /// @file
-/// What file systems and the standard library do not do alike on every system: file_system_posix.cpp
-/// and file_system_windows.cpp.
+/// What file systems and the standard library do not do alike on every system:
+/// file_system_posix.cpp and file_system_windows.cpp.
 
 namespace corvane
 {
