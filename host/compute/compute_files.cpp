@@ -3,6 +3,7 @@
 
 #include "engine/graph_measures.h"
 #include "host/files/csv_text.h"
+#include "host/files/disk.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
 
@@ -175,7 +176,7 @@ QString sliceFileName(const QString &kind, const QString &ending, const ComputeR
     constexpr int longest = 100; // a file name has room for 255 bytes on common file systems
     QString safe = result.slices[slice].condition.left(longest);
     for (QChar &c : safe) {
-        if (c == QLatin1Char('/') || c.category() == QChar::Other_Control)
+        if (!isForFileNames(c))
             c = QLatin1Char('_');
     }
     return kind + QStringLiteral("_%1_").arg(slice) + safe + QLatin1Char('.') + ending;

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QChar>
+
 #include <string>
 
 /// @file
-/// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Each
-/// function returns 0, or an error number as of errno.
+/// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Functions
+/// that can fail return 0, or an error number as of errno.
 
 namespace corvane
 {
+
+/// Whether names of files may hold it.
+bool isForFileNames(QChar c);
 
 /// Gives a file that length, with real room for it.
 int reserveRoom(int file, long long length);

@@ -9,6 +9,11 @@
 namespace corvane
 {
 
+bool isForFileNames(QChar c)
+{
+    return c != QLatin1Char('/') && c.category() != QChar::Other_Control;
+}
+
 int reserveRoom(int file, long long length)
 {
     return posix_fallocate(file, 0, length);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/disk.h"
 
+#include <QString>
 #include <chrono>
 #include <filesystem>
 #include <io.h>
@@ -8,6 +9,11 @@
 
 namespace corvane
 {
+
+bool isForFileNames(QChar c)
+{
+    return !QStringLiteral("<>:\"/\\|?*").contains(c) && c.category() != QChar::Other_Control;
+}
 
 int reserveRoom(int file, long long length)
 {
