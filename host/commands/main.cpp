@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/commands/commands.h"
 #include "host/commands/console.h"
+#include "host/files/disk.h"
 #include "host/files/file_kind.h"
 #include "host/files/housekeeping.h"
 #include "host/files/input_error.h"
@@ -8,7 +9,6 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <csignal>
 #include <cstdio>
 #include <new>
 #include <vector>
@@ -172,10 +172,7 @@ QString synopsisOf(const QString &command)
 int main(int argc, char **argv)
 {
     const corvane::Console console;
-#ifdef SIGXFSZ
-    // A file that may not grow is an error of writing, not the end of the process.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
+    corvane::surviveFullFiles();
     const int status = corvane::guardedRun(console, argc, argv);
     corvane::waitIfEnding();
     return status;

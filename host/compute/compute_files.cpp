@@ -3,7 +3,7 @@
 
 #include "engine/graph_measures.h"
 #include "host/files/csv_text.h"
-#include "host/files/disk.h"
+#include "host/files/file_system.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
 

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QChar>
-
-#include <string>
+#include <filesystem>
 
 /// @file
 /// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Functions
@@ -12,8 +10,8 @@
 namespace corvane
 {
 
-/// Whether names of files may hold it.
-bool isForFileNames(QChar c);
+/// From now on, a file that may not grow is an error of writing, not the end of the process.
+void surviveFullFiles();
 
 /// Gives a file that length, with real room for it.
 int reserveRoom(int file, long long length);
@@ -22,6 +20,6 @@ int reserveRoom(int file, long long length);
 int syncToDisk(int file);
 
 /// Sets the time of the last change of a file or folder to now, by the clock of its file system.
-int touch(const std::string &path);
+int touch(const std::filesystem::path &path);
 
 } // namespace corvane

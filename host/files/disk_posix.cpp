@@ -2,6 +2,7 @@
 #include "host/files/disk.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,9 +10,9 @@
 namespace corvane
 {
 
-bool isForFileNames(QChar c)
+void surviveFullFiles()
 {
-    return c != QLatin1Char('/') && c.category() != QChar::Other_Control;
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 int reserveRoom(int file, long long length)
@@ -26,7 +27,7 @@ int syncToDisk(int file)
     return isDone ? 0 : errno;
 }
 
-int touch(const std::string &path)
+int touch(const std::filesystem::path &path)
 {
     // Without a time: a server on the network takes its own.
     return utimensat(AT_FDCWD, path.c_str(), nullptr, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;

@@ -46,9 +46,4 @@ QString shownPath(const QString &path)
     return shown.join(QLatin1Char('/'));
 }
 
-std::filesystem::path nativePath(const QString &path)
-{
-    return std::filesystem::u8path(path.toStdString());
-}
-
 } // namespace corvane

@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <chrono>
-#include <filesystem>
 #include <optional>
 
 /// @file
@@ -38,8 +37,5 @@ constexpr auto hiddenPrefix = ".corvane-";
 
 /// A path without the hidden folders in it: where the file is for its user, once it is there.
 QString shownPath(const QString &path);
-
-/// For functions of the standard library.
-std::filesystem::path nativePath(const QString &path);
 
 } // namespace corvane

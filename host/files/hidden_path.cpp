@@ -2,6 +2,7 @@
 #include "host/files/hidden_path.h"
 
 #include "host/files/disk.h"
+#include "host/files/file_system.h"
 #include "host/files/hidden_name.h"
 
 #include <QDir>
@@ -64,19 +65,17 @@ HiddenPath::~HiddenPath()
 void HiddenPath::remove() const
 {
     // Under another name, so that no thread puts something into a folder that is being emptied.
-    const fs::path aside = nativePath(m_folder + QLatin1Char('/') + newName());
+    const QString aside = m_folder + QLatin1Char('/') + newName();
     std::error_code isNotThere;
-    fs::rename(nativePath(m_path), aside, isNotThere);
-    std::error_code ignored;
-    fs::remove_all(isNotThere ? nativePath(m_path) : aside, ignored);
+    fs::rename(nativePath(m_path), nativePath(aside), isNotThere);
+    removeAll(isNotThere ? m_path : aside);
     removeEmpty(m_madeFolders);
 }
 
 std::error_code HiddenPath::renameTo(const QString &target)
 {
     const auto lock = holdSignals();
-    std::error_code error;
-    fs::rename(nativePath(m_path), nativePath(target), error);
+    const std::error_code error = renameOver(m_path, target);
     if (!error)
         registry().paths.erase(this);
     return error;
@@ -99,7 +98,7 @@ void touchHiddenPaths()
 {
     const auto lock = holdSignals();
     for (const HiddenPath *path : registry().paths)
-        touch(path->path().toStdString());
+        touch(nativePath(path->path()));
 }
 
 void removeLeftBehind(const QString &folder, const HiddenPath &own)
@@ -113,14 +112,14 @@ void removeLeftBehind(const QString &folder, const HiddenPath &own)
         const std::optional<HiddenName> hidden = HiddenName::of(name);
         if (!hidden)
             continue;
-        const fs::path path = nativePath(folder + QLatin1Char('/') + name);
+        const QString path = folder + QLatin1Char('/') + name;
         std::error_code isGone;
-        const auto touched = fs::last_write_time(path, isGone);
+        const auto touched = fs::last_write_time(nativePath(path), isGone);
         if (isGone || error)
             continue;
         // Of two processes that remove the same one comes too late. One of another user's stays.
         if (hidden->isLeftBehind(std::chrono::duration_cast<std::chrono::seconds>(now - touched)))
-            fs::remove_all(path, isGone);
+            removeAll(path);
     }
 }
 

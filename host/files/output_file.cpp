@@ -2,7 +2,7 @@
 #include "host/files/output_file.h"
 
 #include "host/files/disk.h"
-#include "host/files/hidden_name.h"
+#include "host/files/file_system.h"
 #include "host/files/input_error.h"
 
 #include <QFileInfo>
@@ -13,14 +13,9 @@ namespace corvane
 namespace
 {
 
-QString textOf(const std::error_code &error)
+QString wordsForNumber(int error)
 {
-    return QString::fromStdString(error.message());
-}
-
-QString textOf(int error)
-{
-    return textOf(std::error_code(error, std::generic_category()));
+    return wordsFor(std::error_code(error, std::generic_category()));
 }
 
 } // namespace
@@ -38,7 +33,7 @@ OutputFile::OutputFile(const QString &path)
     if (std::filesystem::is_directory(nativePath(path), error))
         fail(place, QStringLiteral("a folder"), expected);
     if (error && error != std::errc::no_such_file_or_directory)
-        fail(place, textOf(error), expected);
+        fail(place, wordsFor(error), expected);
     if (!m_file.open(QIODevice::ReadWrite | QIODevice::NewOnly | QIODevice::Unbuffered))
         fail(place, m_file.errorString(), expected);
 }
@@ -59,7 +54,7 @@ void OutputFile::write(const char *bytes, qint64 length)
 void OutputFile::reserve(qint64 length)
 {
     if (const int error = reserveRoom(m_file.handle(), length))
-        fail(QStringLiteral("writing"), textOf(error),
+        fail(QStringLiteral("writing"), wordsForNumber(error),
              QStringLiteral("room for %1 bytes").arg(length));
 }
 
@@ -83,12 +78,12 @@ void OutputFile::commit()
     const QString expected = QStringLiteral("a file that can be completed");
     // On the disk before it gets its name, so that the name never stands for half a file.
     if (const int error = syncToDisk(m_file.handle()))
-        fail(QStringLiteral("finishing"), textOf(error), expected);
+        fail(QStringLiteral("finishing"), wordsForNumber(error), expected);
     m_file.close();
     if (m_file.error() != QFileDevice::NoError)
         fail(QStringLiteral("finishing"), m_file.errorString(), expected);
     if (const std::error_code error = m_hidden.renameTo(m_path))
-        fail(QStringLiteral("finishing"), textOf(error), expected);
+        fail(QStringLiteral("finishing"), wordsFor(error), expected);
 }
 
 void OutputFile::fail(const QString &place, const QString &found, const QString &expected) const

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/output_folder.h"
 
-#include "host/files/hidden_name.h"
+#include "host/files/file_system.h"
 #include "host/files/input_error.h"
 
 #include <QDir>
@@ -14,11 +14,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-QString textOf(const std::error_code &error)
-{
-    return QString::fromStdString(error.message());
-}
 
 [[noreturn]] void failOnFolder(const QString &path, const QString &found)
 {
@@ -33,7 +28,7 @@ QStringList madeFor(const QString &path)
     try {
         return makeFolders(path);
     } catch (const std::system_error &error) {
-        failOnFolder(path, textOf(error.code()));
+        failOnFolder(path, wordsFor(error.code()));
     }
 }
 
@@ -44,7 +39,8 @@ OutputFolder::OutputFolder(const QString &path) : m_path(path), m_hidden(path, m
     std::error_code error;
     fs::create_directory(nativePath(m_hidden.path()), error);
     if (error)
-        failOnFolder(path, textOf(error));
+        failOnFolder(path, wordsFor(error));
+    hideFolder(m_hidden.path());
     removeLeftBehind(path, m_hidden);
 }
 
@@ -63,10 +59,8 @@ void OutputFolder::commit()
     const auto lock = holdSignals();
     const QStringList names = QDir(m_hidden.path()).entryList(QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
-        std::error_code error;
-        fs::rename(nativePath(path(name)), nativePath(finalPath(name)), error);
-        if (error) {
-            throw InputError(finalPath(name), QStringLiteral("writing"), textOf(error),
+        if (const std::error_code error = renameOver(path(name), finalPath(name))) {
+            throw InputError(finalPath(name), QStringLiteral("writing"), wordsFor(error),
                              QStringLiteral("a file that can be replaced"));
         }
     }

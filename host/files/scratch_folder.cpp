@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/scratch_folder.h"
 
-#include "host/files/hidden_name.h"
+#include "host/files/file_system.h"
 #include "host/files/input_error.h"
 
 #include <QDir>
@@ -18,8 +18,7 @@ ScratchFolder::ScratchFolder() : m_hidden(QDir::tempPath())
     if (!error)
         fs::permissions(nativePath(path()), fs::perms::owner_all, error);
     if (error)
-        throw InputError(QDir::tempPath(), QStringLiteral("temporary files"),
-                         QString::fromStdString(error.message()),
+        throw InputError(QDir::tempPath(), QStringLiteral("temporary files"), wordsFor(error),
                          QStringLiteral("a folder that can be written to"));
     removeLeftBehind(QDir::tempPath(), m_hidden);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/file_system.h"
 #include "host/files/hidden_name.h"
 
 #include <QFile>
