@@ -52,7 +52,11 @@ BrandingText " "
     WriteRegStr HKCU "Software\Classes\Corvane.${ending}\shell\open\command" "" \
         '"$INSTDIR\bin\Corvane.exe" "%1"'
     WriteRegNone HKCU "Software\Classes\.${ending}\OpenWithProgids" "Corvane.${ending}"
-    ReadRegStr $0 HKCR ".${ending}" ""
+    ; Asked for the user first: not every system shows the user's types among all.
+    ReadRegStr $0 HKCU "Software\Classes\.${ending}" ""
+    ${If} $0 == ""
+        ReadRegStr $0 HKCR ".${ending}" ""
+    ${EndIf}
     ${If} $0 == ""
         WriteRegStr HKCU "Software\Classes\.${ending}" "" "Corvane.${ending}"
     ${EndIf}
