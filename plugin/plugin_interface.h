@@ -4,7 +4,7 @@
 #include "plugin/export.h"
 
 /// The host's plugin contract: the order of the virtual operations is part of it.
-class TESSERA_EXPORT CVZQPluginInterface
+class TESSERA_EXPORT_CLASS CVZQPluginInterface
 {
 public:
     // Defined out of line, or they would not be exported.

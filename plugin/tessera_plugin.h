@@ -16,15 +16,15 @@ class Tessera;
 class TESSERA_EXPORT_TYPE Tessera_Plugin : public CVZQPluginInterface
 {
 public:
-    TESSERA_EXPORT Tessera_Plugin();
-    TESSERA_EXPORT ~Tessera_Plugin() override; ///< leaves the dialog alone
+    TESSERA_EXPORT_MEMBER Tessera_Plugin();
+    TESSERA_EXPORT_MEMBER ~Tessera_Plugin() override; ///< leaves the dialog alone
 
     /// Shows the main dialog, creating it when there is none. Always true.
-    TESSERA_EXPORT bool execute() override;
+    TESSERA_EXPORT_MEMBER bool execute() override;
     /// Binds the host's functions, passes the version gate, requires an open VMR of 256 x 256 x 256
     /// and writes the start-up lines. False when the plugin may not run; a message box of the host
     /// says why, unless this is no host.
-    TESSERA_EXPORT bool initPlugin() override;
+    TESSERA_EXPORT_MEMBER bool initPlugin() override;
 
     // The host data access on a subject; see plugin/host_data.h.
     QHash<int, QString> vmrDocuments();

@@ -27,19 +27,6 @@ QByteArray helpText(const QCommandLineParser &parser, const QString &command)
 
 } // namespace
 
-QStringList argumentTexts(int argc, char **argv)
-{
-    QStringList texts;
-    for (int n = 1; n < argc; ++n) {
-        const std::optional<QString> text = fromStrictUtf8(argv[n]);
-        if (!text)
-            throw UsageError(QStringLiteral("argument %1: found %2, expected UTF-8")
-                                 .arg(QString::number(n), quoted(QByteArray(argv[n]))));
-        texts += *text;
-    }
-    return texts;
-}
-
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
                     const QStringList &plainArguments)
 {

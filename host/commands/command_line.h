@@ -10,10 +10,6 @@
 namespace corvane
 {
 
-/// The arguments behind the program's name. Throws UsageError when one is not UTF-8: it would
-/// become the name of another file.
-QStringList argumentTexts(int argc, char **argv);
-
 /// Parses the arguments of a subcommand, those that are no options by their names. Adds the help
 /// option; returns false when it was given and the help has been written to standard output. Throws
 /// UsageError for unknown options, for options without their value or given twice, and for

@@ -3,6 +3,7 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
+#include "host/commands/console.h"
 #include "host/session/session.h"
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
@@ -56,6 +57,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const QStringList &, int &argc
         throw UsageError(QStringLiteral("there is no display to open a window on (neither DISPLAY "
                                         "nor WAYLAND_DISPLAY is set); Corvane --help tells what "
                                         "works without one"));
+    leaveOwnConsole();
     return std::make_unique<Application>(argc, argv);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "host/commands/command_line.h"
 #include "host/commands/commands.h"
+#include "host/commands/console.h"
+#include "host/files/disk.h"
 #include "host/files/file_kind.h"
 #include "host/files/housekeeping.h"
 #include "host/files/input_error.h"
@@ -8,8 +9,6 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QTextCodec>
-#include <csignal>
 #include <cstdio>
 #include <new>
 #include <vector>
@@ -120,9 +119,8 @@ int run(const QStringList &arguments)
 }
 
 /// Makes the application that the arguments ask for, and runs it.
-int runApplication(int &argc, char **argv)
+int runApplication(QStringList arguments, int &argc, char **argv)
 {
-    QStringList arguments = argumentTexts(argc, argv);
     const bool hasNoCommand = asksForNoCommand(arguments);
     const Command *const command = hasNoCommand          ? &commandWithoutName()
                                    : arguments.isEmpty() ? nullptr
@@ -136,11 +134,11 @@ int runApplication(int &argc, char **argv)
 }
 
 /// Whatever goes wrong ends as one line and an exit status.
-int guardedRun(int &argc, char **argv)
+int guardedRun(const Console &console, int &argc, char **argv)
 {
     try {
         startHousekeeping();
-        return runApplication(argc, argv);
+        return runApplication(console.arguments(argc, argv), argc, argv);
     } catch (const UsageError &error) {
         printError({}, error.what());
         return WrongUsage;
@@ -173,15 +171,9 @@ QString synopsisOf(const QString &command)
 
 int main(int argc, char **argv)
 {
-#ifndef Q_OS_WIN
-    // Paths and arguments are UTF-8, also where the user's locale says otherwise.
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-#endif
-#ifdef SIGXFSZ
-    // A file that may not grow is an error of writing, not the end of the process.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
-    const int status = corvane::guardedRun(argc, argv);
+    const corvane::Console console;
+    corvane::surviveFullFiles();
+    const int status = corvane::guardedRun(console, argc, argv);
     corvane::waitIfEnding();
     return status;
 }

@@ -4,11 +4,14 @@
 #include <filesystem>
 
 /// @file
-/// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Each
-/// function returns 0, or an error number as of errno.
+/// What the standard library does not ask of a disk: disk_posix.cpp and disk_windows.cpp. Functions
+/// that can fail return 0, or an error number as of errno.
 
 namespace corvane
 {
+
+/// From now on, a file that may not grow is an error of writing, not the end of the process.
+void surviveFullFiles();
 
 /// Gives a file that length, with real room for it.
 int reserveRoom(int file, long long length);

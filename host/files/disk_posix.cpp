@@ -2,12 +2,18 @@
 #include "host/files/disk.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace corvane
 {
+
+void surviveFullFiles()
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 int reserveRoom(int file, long long length)
 {

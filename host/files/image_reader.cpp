@@ -3,6 +3,7 @@
 
 #include "dataset/counted.h"
 #include "host/files/input_error.h"
+#include "host/files/narrow_path.h"
 #include "host/files/nifti_stream.h"
 #include "host/files/output_file.h"
 #include "host/files/sample_conversion.h"
@@ -96,7 +97,11 @@ Image3d<Value> readNrrdFile(const QString &file, const QString &path, QStringLis
 {
     using ItkImage = itk::Image<Value, 3>;
     itk::Object::SetGlobalWarningDisplay(false);
-    const std::string name = file.toStdString();
+    const std::string name = narrowPath(file);
+    if (name.empty())
+        throw InputError(path, QStringLiteral("opening"),
+                         QStringLiteral("a path that only newer versions of Windows can open here"),
+                         QStringLiteral("a shorter path, of plain letters"));
     try {
         const auto io = itk::NrrdImageIO::New();
         io->SetFileName(name);

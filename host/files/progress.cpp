@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/progress.h"
 
-#include <cstdio>
+#include "host/files/terminal.h"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include <cstdio>
 
 namespace corvane
 {
@@ -16,15 +12,6 @@ namespace
 {
 
 constexpr qint64 millisecondsBetween = 100;
-
-bool standardErrorIsTerminal()
-{
-#ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(STDERR_FILENO) == 1;
-#endif
-}
 
 } // namespace
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/session/export.h"
 #include "plugin/host_records.h"
 
 /// @file
@@ -12,13 +13,6 @@
 /// Pointers that they return belong to the host and stay valid until the next load of their kind.
 /// Samples and voxels of the anatomy may lie in a private mapping of a file: writing to them
 /// changes no file.
-
-// Which of them an executable exports is the affair of cmake/CorvaneExports.cmake.
-#ifdef _WIN32
-#define CORVANE_EXPORT
-#else
-#define CORVANE_EXPORT __attribute__((visibility("default")))
-#endif
 
 #define HOST_CALL(result, name, arguments) extern "C" CORVANE_EXPORT result name arguments;
 #define HOST_NAME(name)

@@ -52,16 +52,6 @@ bool Application::notify(QObject *receiver, QEvent *event)
     return false;
 }
 
-bool thereIsADisplay()
-{
-#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-    return true;
-#else
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-#endif
-}
-
 std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv, bool canBeWatched)
 {
     qInstallMessageHandler(printErrorsOnly);
@@ -72,6 +62,8 @@ std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv,
     QApplication::setStyle(QStringLiteral("Fusion"));
     auto application = std::make_unique<Application>(argc, argv);
     QApplication::setPalette(QApplication::style()->standardPalette());
+    // Where nothing else says what stands for a font that is not there.
+    QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
     QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
     return application;
 }

@@ -18,7 +18,8 @@ public:
     bool notify(QObject *receiver, QEvent *event) override;
 };
 
-/// Whether windows can be opened: the environment names a display.
+/// Whether windows can be opened: the environment names a display, where that is needed
+/// (display_posix.cpp, display_windows.cpp).
 bool thereIsADisplay();
 
 /// The application for pictures of windows, with one look on each machine. It draws off any screen,

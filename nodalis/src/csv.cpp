@@ -10,6 +10,8 @@
 #include <random>
 #include <string_view>
 
+#include "files.h"
+
 namespace nodalis
 {
 namespace
@@ -82,27 +84,13 @@ bool write_text(const Eigen::MatrixXf &matrix, const fs::path &file)
     return !stream.fail();
 }
 
-void move_into_place(const fs::path &temporary, const fs::path &target)
-{
-    if (fs::exists(target)) {
-        fs::permissions(temporary, fs::status(target).permissions());
-    }
-    fs::rename(temporary, target);
-}
-
 bool write_atomically(const Eigen::MatrixXf &matrix, const fs::path &target)
 {
     const fs::path temporary = temporary_beside(target);
-    try {
-        if (write_text(matrix, temporary)) {
-            move_into_place(temporary, target);
-            return true;
-        }
-    } catch (const fs::filesystem_error &) {
-        // The clean-up below is the same as after a failed write.
+    if (write_text(matrix, temporary) && detail::move_into_place(temporary, target)) {
+        return true;
     }
-    std::error_code ignored;
-    fs::remove(temporary, ignored);
+    detail::remove_file(temporary);
     return false;
 }
 
@@ -115,7 +103,8 @@ bool to_csv(const Eigen::MatrixXf &matrix, const std::string &path)
 {
     try {
         return names_a_file(path) &&
-               write_atomically(matrix, fs::u8path(ends_in_csv(path) ? path : path + ".csv"));
+               write_atomically(matrix,
+                                detail::system_path(ends_in_csv(path) ? path : path + ".csv"));
     } catch (const std::exception &) {
         return false;
     }

@@ -13,57 +13,12 @@
 #include <sstream>
 #include <thread>
 
-#include <gtest/gtest.h>
-#include <nodalis/csv.h>
-
-#if defined(__unix__)
-#include <csignal>
-#include <sys/resource.h>
-#endif
+#include "tests/nodalis/csv_fixture.h"
 
 namespace
 {
 
 namespace fs = std::filesystem;
-
-std::string contents(const fs::path &file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-/// Each test has an empty folder of its own.
-class Csv : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        m_folder =
-            fs::temp_directory_path() / ("nodalis_csv_" + std::to_string(std::random_device{}()));
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
-    std::string path(const std::string &name) const { return (m_folder / name).string(); }
-    std::vector<std::string> files() const
-    {
-        std::vector<std::string> names;
-        for (const fs::directory_entry &entry : fs::directory_iterator(m_folder)) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
-    }
-    std::string written(const Eigen::MatrixXf &matrix) const
-    {
-        EXPECT_TRUE(nodalis::to_csv(matrix, path("matrix.csv")));
-        return contents(path("matrix.csv"));
-    }
-
-private:
-    fs::path m_folder;
-};
-
-using Names = std::vector<std::string>;
 
 TEST_F(Csv, HasALinePerRowAndACommaBetweenValues)
 {
@@ -195,28 +150,6 @@ TEST_F(Csv, SaysThatItCannotWrite)
     EXPECT_EQ(names, (Names{"file", "folder.csv"}));
     EXPECT_EQ(contents(path("file")), "text");
 }
-
-#if defined(__unix__)
-TEST_F(Csv, LeavesNothingBehindOnAFullDisk)
-{
-    std::ofstream(path("old.csv")) << "old";
-    struct rlimit before = {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    struct rlimit small = before;
-    small.rlim_cur = 4096;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const Eigen::MatrixXf matrix = Eigen::MatrixXf::Random(100, 100);
-    const bool replaced = nodalis::to_csv(matrix, path("old.csv"));
-    const bool created = nodalis::to_csv(matrix, path("new.csv"));
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(replaced);
-    EXPECT_FALSE(created);
-    EXPECT_EQ(files(), Names{"old.csv"});
-    EXPECT_EQ(contents(path("old.csv")), "old");
-}
-#endif
 
 TEST_F(Csv, IsWholeWhoeverWritesLast)
 {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <regex>
 #include <stdexcept>
 #include <string>
 
@@ -225,7 +226,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Version, IsThreeNumbers)
 {
-    EXPECT_THAT(nodalis::version(), testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
+    const std::regex three_numbers("[0-9]+\\.[0-9]+\\.[0-9]+");
+    EXPECT_TRUE(std::regex_match(nodalis::version(), three_numbers)) << nodalis::version();
 }
 
 } // namespace

@@ -198,7 +198,40 @@ TEST_P(KernelsOf, HalfProductAddsUpInOrder)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Widths, KernelsOf, testing::Values("plain", "avx2", "avx512"),
+/// Acts with the stack by so many bytes further down.
+template <typename Action>
+void with_stack_moved(std::size_t bytes, Action act)
+{
+    auto *const room = static_cast<volatile char *>(__builtin_alloca(bytes));
+    room[0] = 0;
+    act();
+}
+
+TEST_P(KernelsOf, NeedNoMoreAlignmentOfTheStackThanTheSystemGives)
+{
+    graphs::Random random(65);
+    const Rows in = random_rows(tile_size, random);
+    const Rows x = finite(random_rows(16, random));
+    const Rows y = finite(random_rows(16, random));
+    const std::vector<float> column(40, 0.5F);
+    for (const std::size_t bytes : {16, 32, 48, 64}) {
+        with_stack_moved(bytes, [&] {
+            Rows out(tile_size);
+            wide().min_plus(out[0].value, in[0].value, x[0].value, y[0].value, 16);
+            wide().multiply(out[0].value, x[0].value, y[0].value, 16);
+            wide().divide(out[0].value, in[0].value, x[0].value);
+            std::vector<double> roots(column.size());
+            wide().cube_roots(roots.data(), column.data(), 40);
+            EXPECT_NEAR(roots[0], std::cbrt(0.5), 1e-14);
+            std::vector<double> sums(column.size());
+            EXPECT_EQ(
+                wide().half_product(sums.data(), roots.data(), 2.0, column.data(), 40),
+                plain_kernels.half_product(sums.data(), roots.data(), 2.0, column.data(), 40));
+        });
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, KernelsOf, testing::Values("plain", "vector16", "avx2", "avx512"),
                          [](const auto &width) { return std::string(width.param); });
 
 TEST(Kernels, OfUnknownNamesAreNone)

@@ -24,7 +24,7 @@ unset DISPLAY WAYLAND_DISPLAY
 case $action in
 build)
     cmake -G Ninja -S "$here/cross" -B "$folder" -DCMAKE_BUILD_TYPE=Release \
-        -DCMAKE_TOOLCHAIN_FILE="$here/../../cmake/mingw-w64-x86_64.cmake"
+        -DCMAKE_TOOLCHAIN_FILE="$here/../../packaging/windows/toolchain.cmake"
     cmake --build "$folder"
     # Makes the prefix; a complaint about syswow64 is harmless, no 32-bit part is installed.
     [ -d "$WINEPREFIX/drive_c" ] || wine wineboot -i </dev/null >"$folder/wineboot.log" 2>&1

@@ -13,7 +13,7 @@ namespace
 const Kernels &choose()
 {
     const char *const wanted = std::getenv("NODALIS_KERNELS");
-    for (const char *const name : {wanted, "avx512", "avx2"}) {
+    for (const char *const name : {wanted, "avx512", "avx2", "vector16"}) {
         const Kernels *const found = name != nullptr ? kernels_named(name) : nullptr;
         if (found != nullptr) {
             return *found;
@@ -32,6 +32,11 @@ const Kernels *kernels_named(const char *name)
     }
     if (std::strcmp(name, "avx2") == 0 && __builtin_cpu_supports("avx2")) {
         return &avx2_kernels;
+    }
+#endif
+#if defined(NODALIS_VECTOR_KERNELS)
+    if (std::strcmp(name, "vector16") == 0) {
+        return &vector16_kernels;
     }
 #endif
     return std::strcmp(name, "plain") == 0 ? &plain_kernels : nullptr;

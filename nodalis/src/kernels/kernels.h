@@ -2,9 +2,9 @@
 #pragma once
 
 /// \file
-/// The inner loops, on tiles of 16 x 16 doubles. They exist once per width of the processor's
-/// vector units; all widths do the same operations on each element in the same order, so that
-/// their results agree bit by bit.
+/// The inner loops, on tiles of 16 x 16 doubles. They exist in standard C++, and once per width of
+/// the processor's vector units where the compiler has such vectors; all do the same operations on
+/// each element in the same order, so that their results agree bit by bit.
 ///
 /// The wide ones are compiled with flags that nothing else has. Hence raw pointers and neither
 /// templates nor inline functions of other headers in their files: those would be emitted as weak
@@ -42,11 +42,12 @@ struct Kernels {
 };
 
 extern const Kernels plain_kernels;
+extern const Kernels vector16_kernels;
 extern const Kernels avx2_kernels;
 extern const Kernels avx512_kernels;
 
 /// The widest kernels that this processor runs. The environment variable NODALIS_KERNELS can name
-/// narrower ones ("plain", "avx2"), for comparing them.
+/// others ("plain", "vector16", "avx2"), for comparing them.
 const Kernels &kernels();
 
 /// The kernels of that name, or null if this processor or build lacks them.

@@ -2,9 +2,6 @@
 #include "host/files/vtc_writer.h"
 #include "tests/host/support/host_files.h"
 
-#include <csignal>
-#include <sys/resource.h>
-
 namespace corvane
 {
 
@@ -113,39 +110,6 @@ TEST(VtcWriter, RefusesPlacesWhereNoFileCanBe)
     EXPECT_EQ(errorOf([&] { VtcWriter writer(folder.path(), info); }),
               folder.path().toStdString() +
                   ": writing: found a folder, expected a place where a file can be written");
-}
-
-/// Files of this process may have this many bytes as long as the object lives.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before{};
-};
-
-TEST(VtcWriter, NoticesAFullDiskBeforeTheWork)
-{
-    const TemporaryFolder folder;
-    const VtcInfo info = runInfo(VtcInfo::Short, 30);
-    const QString path = folder.path("run.vtc");
-    std::string error;
-    {
-        const FileSizeLimit limit(30000);
-        error = errorOf([&] { VtcWriter writer(path, info); });
-    }
-    const auto length = vtcFileHeader(info).size() + info.sampleCount() * 2;
-    EXPECT_EQ(error, path.toStdString() + ": writing: found File too large, expected room for " +
-                         std::to_string(length) + " bytes");
-    EXPECT_TRUE(folder.entries().isEmpty());
 }
 
 // ---- the checksum

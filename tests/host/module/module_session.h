@@ -45,6 +45,8 @@ protected:
     ModuleSession();
     ~ModuleSession() override;
 
+    TemporaryFolder folder; ///< outlives the session, which keeps files of it open
+
     // The workbench
     void openWorkbench(const QStringList &anatomies); ///< with the plugins of the build
     void closeWorkbench();                            ///< as a user does; it is gone then
@@ -107,7 +109,6 @@ protected:
     static QPushButton *measureButton(const QWidget *dialog, const QString &key,
                                       const QString &text);
 
-    TemporaryFolder folder;
     ModalDriver modals;
 
 private:

@@ -79,6 +79,19 @@ Eigen::MatrixXf samplesAt(const VtcFile &vtc, const Voi &voi)
 class ModuleResults : public ModuleSession
 {
 protected:
+    /// For who compares what two systems have exported.
+    void TearDown() override
+    {
+        const QString kept = qEnvironmentVariable("TESSERA_KEEP_EXPORTS");
+        if (kept.isEmpty())
+            return;
+        const QString test = testing::UnitTest::GetInstance()->current_test_info()->name();
+        const QDir place(kept + QLatin1Char('/') + test);
+        ASSERT_TRUE(place.mkpath(QStringLiteral(".")));
+        for (const QString &name : QDir(exported("")).entryList(QDir::Files))
+            EXPECT_TRUE(QFile::copy(exported(qPrintable(name)), place.filePath(name)));
+    }
+
     /// Adds the recording, computes it and opens its results.
     void computeRecording(const SubjectFiles &recorded, bool useProtocol)
     {

@@ -26,6 +26,12 @@ struct ProgramRun {
     int errorLines() const { return errors.count('\n'); }
 };
 
+/// What a program prints, with the ends of its lines as here.
+inline QByteArray printed(QByteArray text)
+{
+    return text.replace("\r\n", "\n");
+}
+
 /// Runs `program` with the arguments until it ends. Programs under a sanitizer end with a status
 /// of their own, which no test expects.
 inline ProgramRun runProgram(const QString &program, const QStringList &arguments)
@@ -34,8 +40,8 @@ inline ProgramRun runProgram(const QString &program, const QStringList &argument
     process.start(program, arguments);
     const bool ended = process.waitForStarted() && process.waitForFinished(120000);
     const bool normally = ended && process.exitStatus() == QProcess::NormalExit;
-    return {normally ? process.exitCode() : -1, process.readAllStandardOutput(),
-            process.readAllStandardError()};
+    return {normally ? process.exitCode() : -1, printed(process.readAllStandardOutput()),
+            printed(process.readAllStandardError())};
 }
 
 inline ProgramRun runCorvane(const QStringList &arguments)

@@ -1,11 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Toolchain: 64-bit Windows with Debian's mingw-w64. The posix variant, which has std::thread.
+#   -D TESSERA_WINDOWS_LIBRARIES="DIR;DIR"   where Qt and what the import needs were installed
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TESSERA_WINDOWS_LIBRARIES)
+set(CMAKE_PREFIX_PATH ${TESSERA_WINDOWS_LIBRARIES})
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${TESSERA_WINDOWS_LIBRARIES})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
