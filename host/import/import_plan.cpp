@@ -3,15 +3,14 @@
 
 #include "dataset/counted.h"
 #include "host/files/events_table.h"
+#include "host/files/functional_run.h"
+#include "host/files/image_grid.h"
 #include "host/files/image_reader.h"
 #include "host/files/input_error.h"
-#include "host/files/limits.h"
-#include "host/files/nifti_stream.h"
 #include "host/files/sample_conversion.h"
 #include "host/files/text_check.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace corvane
 {
@@ -26,27 +25,6 @@ QString decimal(double number)
     return QString::fromLatin1(shortestDecimal(number));
 }
 
-/// A size in millimetres, which comes out of a matrix and is not exact.
-QString millimetres(double length)
-{
-    return QString::number(std::round(length * 1000) / 1000, 'g', 6);
-}
-
-QString voxelText(const Eigen::Affine3d &toWorld)
-{
-    QStringList sizes;
-    for (int axis = 0; axis < 3; ++axis)
-        sizes += millimetres(toWorld.linear().col(axis).norm());
-    return sizes.join(QStringLiteral(" x ")) + QStringLiteral(" mm");
-}
-
-QString gridText(const GridSize &size, const Eigen::Affine3d &toWorld)
-{
-    return QStringLiteral("%1 x %2 x %3 voxels of %4")
-        .arg(QString::number(size[0]), QString::number(size[1]), QString::number(size[2]),
-             voxelText(toWorld));
-}
-
 QString noteOn(const QString &path, const QString &text)
 {
     return QStringLiteral("%1: %2").arg(printable(path, 4096), text);
@@ -57,54 +35,6 @@ QString noteOn(const QString &path, const QString &text)
 GridSize gridSize(const NiftiHeader &run)
 {
     return {run.dim[0], run.dim[1], run.dim[2]};
-}
-
-NiftiHeader readRunHeader(const QString &path, QStringList &notes)
-{
-    const NiftiHeader header = NiftiStream(path).header();
-    const QString place = QStringLiteral("header, dim");
-    if (header.dimensions != 4)
-        throw InputError(path, place,
-                         header.dimensions < 4
-                             ? QStringLiteral("one volume")
-                             : QStringLiteral("%1 dimensions").arg(header.dimensions),
-                         QStringLiteral("4 dimensions, two or more volumes"));
-    requireAtMost(header.dim[3], largestCount, QStringLiteral("volumes"), path, place);
-    requireAtMost(header.voxelsPerVolume(), largestCount, QStringLiteral("voxels"), path, place);
-    notes += orientationNotes(header, path);
-    return header;
-}
-
-double repetitionTime(const ImportRequest &request, const NiftiHeader &header, QStringList &notes)
-{
-    const QString &path = request.functional;
-    const double stored = repetitionTimeSeconds(header);
-    if (request.repetitionTime) {
-        const double told = *request.repetitionTime;
-        if (stored > 0 && stored != told)
-            notes +=
-                noteOn(path, QStringLiteral("the repetition time is %1 s as given, not %2 s as "
-                                            "in the header")
-                                 .arg(decimal(told), decimal(stored)));
-        return told;
-    }
-    if (stored == 0)
-        throw InputError(path, QStringLiteral("header, pixdim[4]"),
-                         QStringLiteral("repetition time %1%2")
-                             .arg(header.repetitionTime)
-                             .arg(header.timeUnit == TimeUnit::NoTime
-                                      ? QStringLiteral(" in a unit that is not one of time")
-                                      : QString()),
-                         QStringLiteral("a time above 0, or --tr SECONDS"));
-    if (header.timeUnit == TimeUnit::Unknown)
-        notes += noteOn(path, QStringLiteral("the header gives the repetition time without a unit: "
-                                             "it is taken for %1 s")
-                                  .arg(decimal(stored)));
-    if (stored < 0.05 || stored > 60)
-        notes += noteOn(path, QStringLiteral("the repetition time of %1 s is unusual; --tr SECONDS "
-                                             "gives another")
-                                  .arg(decimal(stored)));
-    return stored;
 }
 
 FunctionalGrid layRun(const ImportRequest &request, const NiftiHeader &run, const Anatomy &anatomy,
@@ -223,7 +153,8 @@ ImportPlan planImport(const ImportRequest &request)
     ImportPlan plan;
     plan.request = request;
     plan.run = readRunHeader(request.functional, plan.notes);
-    plan.repetitionTime = repetitionTime(request, plan.run, plan.notes);
+    plan.repetitionTime =
+        runRepetitionTime(request.functional, plan.run, request.repetitionTime, plan.notes);
     // What is quickly known to be wrong is found before the long work.
     const EventsTable events =
         request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
