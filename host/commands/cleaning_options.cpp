@@ -151,6 +151,20 @@ bool toldStrategies(const QCommandLineParser &parser)
     return true;
 }
 
+void requireClean(const QCommandLineParser &parser)
+{
+    if (parser.isSet(QStringLiteral("clean")))
+        return;
+    requireStrategy(parser);
+    for (const char *option :
+         {"order", "high-pass", "low-pass", "no-detrend", "standardize", "fd-threshold",
+          "dvars-threshold", "min-segment", "censor", "dummy-scans", "components", "motion-order",
+          "min-volumes", "min-seconds"})
+        if (parser.isSet(QLatin1String(option)))
+            throw UsageError(QStringLiteral("--%1 goes with --clean, which is missing")
+                                 .arg(QLatin1String(option)));
+}
+
 CleaningRequest cleaningRequest(const QCommandLineParser &parser)
 {
     requireStrategy(parser);

@@ -17,6 +17,9 @@ void addCleaningOptions(QCommandLineParser &parser);
 /// Whether --clean asks for the table of strategies; then it has been written to standard output.
 bool toldStrategies(const QCommandLineParser &parser);
 
+/// Throws UsageError when there is one of them without --clean.
+void requireClean(const QCommandLineParser &parser);
+
 /// What they ask for; without --clean nothing is cleaned. Throws UsageError, also for an option
 /// that has nothing to work on.
 CleaningRequest cleaningRequest(const QCommandLineParser &parser);

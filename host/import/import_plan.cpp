@@ -9,6 +9,7 @@
 #include "host/files/input_error.h"
 #include "host/files/sample_conversion.h"
 #include "host/files/text_check.h"
+#include "host/import/cleaned_run.h"
 
 #include <algorithm>
 
@@ -127,12 +128,15 @@ QString timeCourseText(const ImportPlan &plan)
     return QStringLiteral("%1 x %2 x %3 samples %4 mm apart, %5 volumes %6 s apart, %7, %8")
         .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
              QString::number(grid.size[2]), QString::number(grid.resolution),
-             QString::number(plan.volumes()), decimal(plan.repetitionTime),
+             QString::number(plan.keptVolumes()), decimal(plan.repetitionTime),
              plannedVtc(plan).type == VtcInfo::Short ? QStringLiteral("short")
                                                      : QStringLiteral("float"),
-             grid.copied
-                 ? QStringLiteral("copied")
-                 : QStringLiteral("interpolated from voxels of ") + voxelText(plan.run.toWorld));
+             (grid.copied
+                  ? QStringLiteral("copied")
+                  : QStringLiteral("interpolated from voxels of ") + voxelText(plan.run.toWorld)) +
+                 (plan.cleaning ? QStringLiteral(", cleaned: ") +
+                                      cleaningText(*plan.request.cleaning, *plan.cleaning)
+                                : QString()));
 }
 
 void planFile(ImportPlan &plan, FileKind kind, const QString &holds)
@@ -148,6 +152,11 @@ bool ImportPlan::writes(FileKind kind) const
                        [kind](const PlannedFile &file) { return file.kind == kind; });
 }
 
+int ImportPlan::keptVolumes() const
+{
+    return cleaning ? static_cast<int>(cleaning->design.rows.size()) : volumes();
+}
+
 ImportPlan planImport(const ImportRequest &request)
 {
     ImportPlan plan;
@@ -156,6 +165,9 @@ ImportPlan planImport(const ImportRequest &request)
     plan.repetitionTime =
         runRepetitionTime(request.functional, plan.run, request.repetitionTime, plan.notes);
     // What is quickly known to be wrong is found before the long work.
+    if (request.cleaning)
+        plan.cleaning = std::make_shared<const RunCleaning>(
+            planImportCleaning(*request.cleaning, plan.volumes(), plan.repetitionTime, plan.notes));
     const EventsTable events =
         request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
     const LabelTable labels =
@@ -177,6 +189,9 @@ ImportPlan planImport(const ImportRequest &request)
     if (!request.events.isEmpty()) {
         plan.protocol = protocolFromEvents(events, request.name, plan.repetitionTime,
                                            plan.volumes(), plan.notes);
+        if (plan.cleaning)
+            plan.protocol =
+                renumberedProtocol(plan.protocol, plan.cleaning->design.rows, plan.notes);
         planFile(plan, FileKind::Prt, protocolText(plan.protocol));
     }
     checkPointsOutside(plan.grid, request.functional, plan.notes);
@@ -185,7 +200,7 @@ ImportPlan planImport(const ImportRequest &request)
     return plan;
 }
 
-VtcInfo plannedVtc(const ImportPlan &plan)
+VtcInfo uncleanedVtc(const ImportPlan &plan)
 {
     const FunctionalGrid &grid = plan.grid;
     const auto end = [&](int axis) { return grid.start[axis] + grid.resolution * grid.size[axis]; };
@@ -200,6 +215,17 @@ VtcInfo plannedVtc(const ImportPlan &plan)
     info.nrOfVolumes = plan.volumes();
     info.type = grid.copied && fitsShort(plan.run) ? VtcInfo::Short : VtcInfo::Float;
     info.repetitionTime = plan.repetitionTime;
+    return info;
+}
+
+VtcInfo plannedVtc(const ImportPlan &plan)
+{
+    VtcInfo info = uncleanedVtc(plan);
+    if (plan.cleaning) {
+        info.nrOfVolumes = plan.keptVolumes();
+        info.type = VtcInfo::Float;
+        info.cleaning = ledgerOf(*plan.request.cleaning, *plan.cleaning);
+    }
     return info;
 }
 
