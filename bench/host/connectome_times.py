@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""connectome_times.py BUILD [REPETITIONS]: what a whole connectome takes, process and all.
+"""connectome_times.py BUILD [REPETITIONS [run|large]]: what a whole connectome takes, process and all.
 
 Runs Corvane connectome with 36 regressors on 60 x 72 x 60 x 300 samples of 16 bits and 100 nodes, and
 on 97 x 115 x 97 x 300 of single precision and 400 nodes (made once, in BUILD/bench/host/run), and
@@ -19,6 +19,7 @@ import time
 
 BUILD = pathlib.Path(sys.argv[1])
 REPETITIONS = int(sys.argv[2]) if len(sys.argv) > 2 else 7
+ONLY = sys.argv[3] if len(sys.argv) > 3 else None
 WORK = BUILD / "bench" / "host" / "run"
 CORVANE = str(BUILD / "bin" / "Corvane")
 VOLUMES = 300
@@ -32,7 +33,8 @@ def make_data():
                    check=True, stdout=subprocess.DEVNULL)
     make_run = str(BUILD / "bench" / "host" / "make_run")
     for name, arguments in (("run", ()), ("large", ("large",)), ("atlas400", ("atlases",))):
-        if not (WORK / f"{name}.nii.gz").exists():
+        wanted = ONLY in (None, name) or name == "atlas400"
+        if wanted and not (WORK / f"{name}.nii.gz").exists():
             subprocess.run([make_run, str(WORK), *arguments], check=True)
     columns = {}
     for number, name in enumerate(SIGNALS):
@@ -84,6 +86,8 @@ def main():
     make_data()
     out = WORK / "connectome"
     for run, nodes, most in (("run", 100, 60), ("large", 400, 150)):
+        if ONLY not in (None, run):
+            continue
         path = str(WORK / f"{run}.nii.gz")
         pathlib.Path(path).read_bytes()  # into the cache
         unpacking = medians(["igzip", "-dc", path])
