@@ -2,6 +2,8 @@
 //
 // make_run FOLDER [half-a-voxel-off]: writes run.nii.gz, 60 x 72 x 60 x 300 samples of 16 bits, and
 // anatomy.nii.gz, 180 x 216 x 180 voxels of 1 mm, packed as gzip does it by default.
+// make_run FOLDER large: writes large.nii.gz, 97 x 115 x 97 x 300 samples of single precision.
+// make_run FOLDER atlases: writes atlas100.nii.gz and atlas400.nii.gz, on the grids of these runs.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -110,6 +112,53 @@ void writeRun(const std::string &path, double shift)
     gzclose(file);
 }
 
+const Grid largeGrid{97, 115, 97, 300, 2, -96, -132, -78};
+
+/// Zeros around a head of full precision, as a pipeline resamples it.
+void writeLargeRun(const std::string &path)
+{
+    const Grid &grid = largeGrid;
+    const gzFile file = gzopen(path.c_str(), "wb1");
+    const Bytes start = header(grid, 16, 32);
+    gzwrite(file, start.data(), static_cast<unsigned>(start.size()));
+    std::vector<float> volume;
+    for (int t = 0; t < grid.volumes; ++t) {
+        volume.clear();
+        for (int k = 0; k < grid.z; ++k)
+            for (int j = 0; j < grid.y; ++j)
+                for (int i = 0; i < grid.x; ++i) {
+                    const double radius = squaredRadius(grid, i, j, k);
+                    const double noise = static_cast<double>(nextBits() >> 11) / 9007199254740992.0;
+                    volume.push_back(
+                        radius < 1 ? static_cast<float>(900 + 100 * radius + 50 * noise) : 0.0f);
+                }
+        gzwrite(file, volume.data(), static_cast<unsigned>(volume.size() * sizeof volume[0]));
+    }
+    gzclose(file);
+}
+
+/// Boxes of one size with running labels, in the head.
+void writeAtlas(const std::string &path, Grid grid, int labels)
+{
+    grid.volumes = 1;
+    const gzFile file = gzopen(path.c_str(), "wb6");
+    const Bytes start = header(grid, 4, 16);
+    gzwrite(file, start.data(), static_cast<unsigned>(start.size()));
+    const int perAxis = labels == 100 ? 5 : 8; // 5 x 5 x 4 boxes, 8 x 8 x 7 less the last ones
+    const int layers = (labels + perAxis * perAxis - 1) / (perAxis * perAxis);
+    std::vector<std::int16_t> volume;
+    for (int k = 0; k < grid.z; ++k)
+        for (int j = 0; j < grid.y; ++j)
+            for (int i = 0; i < grid.x; ++i) {
+                const int box = i * perAxis / grid.x + perAxis * (j * perAxis / grid.y) +
+                                perAxis * perAxis * (k * layers / grid.z);
+                const bool inside = squaredRadius(grid, i, j, k) < 1 && box < labels;
+                volume.push_back(static_cast<std::int16_t>(inside ? box + 1 : 0));
+            }
+    gzwrite(file, volume.data(), static_cast<unsigned>(volume.size() * sizeof volume[0]));
+    gzclose(file);
+}
+
 void writeAnatomy(const std::string &path)
 {
     const Grid grid{180, 216, 180, 1, 1, -89.5, -125.5, -71.5};
@@ -133,11 +182,21 @@ void writeAnatomy(const std::string &path)
 int main(int argc, char **argv)
 {
     if (argc < 2) {
-        std::fputs("usage: make_run FOLDER [half-a-voxel-off]\n", stderr);
+        std::fputs("usage: make_run FOLDER [half-a-voxel-off|large|atlases]\n", stderr);
         return 2;
     }
     const std::string folder = argv[1];
-    writeRun(folder + "/run.nii.gz", argc > 2 ? 0.5 : 0);
+    const std::string what = argc > 2 ? argv[2] : "";
+    if (what == "large") {
+        writeLargeRun(folder + "/large.nii.gz");
+        return 0;
+    }
+    if (what == "atlases") {
+        writeAtlas(folder + "/atlas100.nii.gz", {60, 72, 60, 1, 3, -88.5, -124.5, -70.5}, 100);
+        writeAtlas(folder + "/atlas400.nii.gz", largeGrid, 400);
+        return 0;
+    }
+    writeRun(folder + "/run.nii.gz", what.empty() ? 0 : 0.5);
     writeAnatomy(folder + "/anatomy.nii.gz");
     return 0;
 }

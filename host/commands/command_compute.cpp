@@ -4,6 +4,7 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
+#include "host/commands/option_values.h"
 #include "host/compute/compute.h"
 #include "host/compute/compute_files.h"
 #include "host/files/file_kind.h"
@@ -23,29 +24,6 @@ namespace corvane
 
 namespace
 {
-
-template <typename Value, std::size_t Count>
-QStringList namesOf(const NamedValue<Value> (&values)[Count])
-{
-    QStringList names;
-    for (const NamedValue<Value> &entry : values)
-        names += QLatin1String(entry.name);
-    return names;
-}
-
-/// The value that an option gives, of those that it may take.
-template <typename Value, std::size_t Count>
-Value chosen(const QCommandLineParser &parser, const QString &option,
-             const NamedValue<Value> (&values)[Count])
-{
-    const QString name = parser.value(option);
-    for (const NamedValue<Value> &entry : values) {
-        if (name == QLatin1String(entry.name))
-            return entry.value;
-    }
-    throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
-                         .arg(option, name, namesOf(values).join(QStringLiteral(", "))));
-}
 
 /// The seeds of "all" or of a list of numbers: empty for all.
 QVector<int> seeds(const QString &text)
@@ -87,8 +65,8 @@ ComputeRequest requestOf(const QCommandLineParser &parser)
     request.prt = parser.value(QStringLiteral("prt"));
     request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
     request.seeds = seeds(parser.value(QStringLiteral("seeds")));
-    request.measure = chosen(parser, QStringLiteral("measure"), measureNames);
-    request.matrixValues = chosen(parser, QStringLiteral("values"), matrixValuesNames);
+    request.measure = chosenValue(parser, QStringLiteral("measure"), measureNames);
+    request.matrixValues = chosenValue(parser, QStringLiteral("values"), matrixValuesNames);
     request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
     request.allowSingular = parser.isSet(QStringLiteral("allow-singular"));
     request.plots = parser.isSet(QStringLiteral("plots"));
@@ -114,9 +92,9 @@ int run(const QStringList &arguments)
          QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0."),
          QStringLiteral("all|0,3,5"), QStringLiteral("all")},
         {QStringLiteral("measure"), QStringLiteral("The connectivity measure."),
-         namesOf(measureNames).join(QLatin1Char('|')), QLatin1String(measureNames[0].name)},
+         valueNames(measureNames).join(QLatin1Char('|')), QLatin1String(measureNames[0].name)},
         {QStringLiteral("values"), QStringLiteral("Which signs stay."),
-         namesOf(matrixValuesNames).join(QLatin1Char('|')),
+         valueNames(matrixValuesNames).join(QLatin1Char('|')),
          QLatin1String(matrixValuesNames[0].name)},
         {QStringLiteral("no-mst"), QStringLiteral("No minimum spanning trees.")},
         {QStringLiteral("allow-singular"),

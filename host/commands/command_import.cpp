@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/commands/cleaning_options.h"
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
@@ -60,6 +61,15 @@ QString importName(const QCommandLineParser &parser, const QString &functional)
     return name;
 }
 
+/// Null without --clean: then samples stay as they are.
+std::shared_ptr<const CleaningRequest> cleaningOf(const QCommandLineParser &parser)
+{
+    requireClean(parser);
+    return parser.isSet(QStringLiteral("clean"))
+               ? std::make_shared<const CleaningRequest>(cleaningRequest(parser))
+               : nullptr;
+}
+
 ImportRequest requestOf(const QCommandLineParser &parser)
 {
     ImportRequest request;
@@ -74,6 +84,7 @@ ImportRequest requestOf(const QCommandLineParser &parser)
     request.resolution = resolution(parser);
     request.repetitionTime = repetitionTime(parser);
     request.voiGrid = voiGrid(parser);
+    request.cleaning = cleaningOf(parser);
     request.name = importName(parser, request.functional);
     request.folder = requiredValue(parser, QStringLiteral("out"));
     return request;
@@ -117,13 +128,16 @@ int run(const QStringList &arguments)
         {QStringLiteral("out"), QStringLiteral("The folder for the files."),
          QStringLiteral("folder")},
     });
-    if (!parseArguments(parser, arguments))
+    addCleaningOptions(parser);
+    if (!parseArguments(parser, arguments) || toldStrategies(parser))
         return Done;
 
     ImportReport report;
-    {
+    try {
         TerminalProgress progress(QStringLiteral("importing the run"));
         report = writeImport(planImport(requestOf(parser)), progress.watch());
+    } catch (const signals::UsageError &error) {
+        throw UsageError(QString::fromUtf8(error.what()));
     }
     printReport(report);
     return Done;
@@ -136,7 +150,11 @@ Command importCommand()
     return {"import",
             R"(Corvane import --anatomy F --functional F [--atlas F [--labels F]] [--events F]
                  [--resolution N] [--tr SECONDS] [--voi-grid functional|anatomy]
-                 [--name NAME] --out DIR)",
+                 [--confounds F] [--clean NAME|help] [--order NAME] [--high-pass HZ]
+                 [--low-pass HZ] [--no-detrend] [--standardize UNIT] [--fd-threshold MM]
+                 [--dvars-threshold X] [--min-segment N] [--censor F] [--dummy-scans N|auto]
+                 [--components N] [--motion-order PACKAGE] [--min-volumes N]
+                 [--min-seconds S] [--name NAME] --out DIR)",
             "Makes .vmr, .vtc, .voi and .prt files from NIfTI, NRRD and TSV files.", run};
 }
 

@@ -10,11 +10,11 @@ const std::vector<Command> &commands()
 {
     static const std::vector<Command> all{
 #ifdef CORVANE_IMPORT
-        exampleCommand(), importCommand(),
+        exampleCommand(),    importCommand(),
 #endif
-        computeCommand(), graphCommand(),
+        computeCommand(),    graphCommand(),
 #ifdef CORVANE_IMPORT
-        tourCommand(),
+        connectomeCommand(), tourCommand(),
 #endif
     };
     return all;

@@ -10,6 +10,7 @@ namespace corvane
 struct Command;
 
 Command computeCommand();
+Command connectomeCommand();
 Command exampleCommand();
 Command graphCommand();
 Command importCommand();

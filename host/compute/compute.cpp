@@ -236,6 +236,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     result.slices = computeSlices(subject, result.timeseries);
     result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
     result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
+    result.cleaning = workspace.linkedVtc()->file.info().cleaning;
     result.protocolFile = protocolInUse(subject, request, workspace);
     result.warnings = log.said() + withoutMeaning;
     return result;

@@ -3,6 +3,7 @@
 
 #include "dataset/subject.h"
 #include "engine/compute_settings.h"
+#include "host/files/cleaning_ledger.h"
 #include "host/session/session.h"
 
 #include <Eigen/Core>
@@ -11,6 +12,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
 #include <vector>
 
 /// @file
@@ -56,9 +58,10 @@ struct ComputeResult {
     std::vector<ComputedNode> nodes;
     Eigen::MatrixXf timeseries; ///< nodes x volumes
     std::vector<ComputedSlice> slices;
-    double repetitionTime = 0; ///< seconds
-    QString vtcChecksum;       ///< as its header has it
-    QString protocolFile;      ///< the one in use, empty without
+    double repetitionTime = 0;              ///< seconds
+    QString vtcChecksum;                    ///< as its header has it
+    std::optional<CleaningLedger> cleaning; ///< likewise; unset for a run that was not cleaned
+    QString protocolFile;                   ///< the one in use, empty without
     /// What the host and the plugin said while it went on, and what of the result is without
     /// meaning.
     QStringList warnings;

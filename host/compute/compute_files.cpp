@@ -142,6 +142,25 @@ QJsonArray slices(const ComputeRequest &request, const ComputeResult &result)
     return all;
 }
 
+QJsonValue numberOrNull(const std::optional<double> &number)
+{
+    return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonObject cleaning(const CleaningLedger &ledger)
+{
+    return {{QStringLiteral("method"), ledger.method},
+            {QStringLiteral("volumes"), ledger.volumes},
+            {QStringLiteral("non-steady volumes"), ledger.nonSteady},
+            {QStringLiteral("censored volumes"), ledger.censored},
+            {QStringLiteral("kept volumes"), ledger.kept},
+            {QStringLiteral("rank"), ledger.rank},
+            {QStringLiteral("degrees of freedom"), ledger.degreesOfFreedom},
+            {QStringLiteral("seconds kept"), ledger.secondsKept},
+            {QStringLiteral("mean FD before"), numberOrNull(ledger.meanFdBefore)},
+            {QStringLiteral("mean FD after"), numberOrNull(ledger.meanFdAfter)}};
+}
+
 QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
                    const QStringList &pictures)
 {
@@ -153,6 +172,8 @@ QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
                          {QStringLiteral("slices"), slices(request, result)},
                          {QStringLiteral("versions"), versions()},
                          {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)}};
+    if (result.cleaning)
+        document.insert(QStringLiteral("cleaning"), cleaning(*result.cleaning));
     if (request.plots)
         document.insert(QStringLiteral("pictures"), QJsonArray::fromStringList(pictures));
     return QJsonDocument(document).toJson();

@@ -122,6 +122,13 @@ std::optional<BrokenRule> brokenRule(const CleaningLedger &ledger)
     return std::nullopt;
 }
 
+QString ledgerText(const CleaningLedger &ledger)
+{
+    return QStringLiteral("%1: %2 of %3 volumes kept, %4 degrees of freedom left")
+        .arg(ledger.method, text(ledger.kept), text(ledger.volumes),
+             QString::number(ledger.degreesOfFreedom, 'g', 4));
+}
+
 void addCleaning(NrrdWriter &header, const CleaningLedger &ledger)
 {
     header.key(methodKey, ledger.method)

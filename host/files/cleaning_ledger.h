@@ -32,6 +32,9 @@ QStringList cleaningKeys();
 /// The first rule that a ledger breaks.
 std::optional<BrokenRule> brokenRule(const CleaningLedger &ledger);
 
+/// In one line: "36P, order joint: 154 of 200 volumes kept, 110 degrees of freedom left".
+QString ledgerText(const CleaningLedger &ledger);
+
 void addCleaning(NrrdWriter &header, const CleaningLedger &ledger);
 
 /// The ledger of a header, unset when it has none of the keys. Throws InputError when some are

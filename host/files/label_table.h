@@ -24,6 +24,9 @@ struct LabelEntry {
 /// Names of the labels of an atlas, by label. Label 0 is the background and has none.
 using LabelTable = std::map<qint32, LabelEntry>;
 
+/// An image with more labels than this is something else than an atlas.
+constexpr std::size_t mostLabels = 20000;
+
 /// Reads the names of labels, and their colours where there are any, in one of two forms:
 ///
 /// - tab-separated text with the columns "index" and "name", or in older files "label" in its

@@ -2,6 +2,7 @@
 #include "host/import/atlas.h"
 
 #include "dataset/counted.h"
+#include "host/files/image_grid.h"
 #include "host/files/input_error.h"
 
 #include <algorithm>
@@ -12,12 +13,6 @@ namespace corvane
 
 namespace
 {
-
-/// An image with more labels than this is something else than an atlas.
-constexpr std::size_t mostLabels = 20000;
-
-/// Keeps voxels that stand on the border between two from falling on either side by chance.
-constexpr double borderSlack = 1e-6;
 
 struct Region : LabelCount {
     Voi voi;
@@ -63,19 +58,6 @@ void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCub
                 if (grid.recordedPoint(atlasToCube * voxel))
                     ++region->insideRun;
             }
-}
-
-/// The label at a place of the atlas by nearest neighbour, 0 outside.
-qint32 labelAt(const Image3d<qint32> &atlas, const Eigen::Vector3d &place)
-{
-    qint64 index[3];
-    for (int axis = 0; axis < 3; ++axis) {
-        const double nearest = std::floor(place[axis] + 0.5 + borderSlack);
-        if (!(nearest >= 0 && nearest < static_cast<double>(atlas.size[axis])))
-            return 0;
-        index[axis] = static_cast<qint64>(nearest);
-    }
-    return atlas.at(index[0], index[1], index[2]);
 }
 
 /// Cube voxels, all or those `step` apart, from `first` to `last` on each axis.

@@ -4,14 +4,14 @@
 #include "host/files/gzip_file.h"
 #include "host/files/output_folder.h"
 #include "host/files/text_check.h"
+#include "host/import/example_head.h"
+#include "host/import/example_rest.h"
 #include "host/import/example_signals.h"
 
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
-#include <nifti/nifti1.h>
 
 namespace corvane
 {
@@ -27,107 +27,18 @@ constexpr auto eventsFile = "sub-01_task-movement_events.tsv";
 constexpr auto atlasFile = "sub-01_dseg.nii.gz";
 constexpr auto labelsFile = "sub-01_dseg.tsv";
 constexpr auto correlationsFile = "correlations.tsv";
+constexpr auto restCorrelationsFile = "rest_correlations.tsv";
 constexpr auto readmeFile = "README.txt";
 constexpr auto importName = "example";
 
-/// A grid whose axes run to the right, to the front and up.
-struct Grid {
-    int size[3];
-    double voxel;    ///< mm
-    double first[3]; ///< centre of the first voxel, mm
-
-    int voxelCount() const { return size[0] * size[1] * size[2]; }
-    double place(int axis, int index) const { return first[axis] + voxel * index; }
-};
-
 const Grid anatomyGrid{{180, 216, 180}, 1, {-89.5, -125.5, -71.5}};
 const Grid runGrid{{60, 72, 60}, 3, {-88.5, -124.5, -70.5}};
-
-/// Calls `visit(x, y, z)` for each voxel in the order of the file.
-template <typename Visit>
-void forEachVoxel(const Grid &grid, Visit visit)
-{
-    for (int k = 0; k < grid.size[2]; ++k)
-        for (int j = 0; j < grid.size[1]; ++j)
-            for (int i = 0; i < grid.size[0]; ++i)
-                visit(grid.place(0, i), grid.place(1, j), grid.place(2, k));
-}
-
-nifti_1_header niftiHeader(const Grid &grid, int volumes, int datatype, int bits)
-{
-    nifti_1_header header{};
-    header.sizeof_hdr = sizeof header;
-    header.dim[0] = volumes > 1 ? 4 : 3;
-    header.pixdim[0] = 1;
-    for (int axis = 0; axis < 3; ++axis) {
-        header.dim[axis + 1] = static_cast<short>(grid.size[axis]);
-        header.pixdim[axis + 1] = static_cast<float>(grid.voxel);
-    }
-    header.dim[4] = static_cast<short>(volumes);
-    header.pixdim[4] = volumes > 1 ? static_cast<float>(repetitionTime) : 0;
-    for (int axis = 5; axis < 8; ++axis)
-        header.dim[axis] = 1;
-    header.datatype = static_cast<short>(datatype);
-    header.bitpix = static_cast<short>(bits);
-    header.vox_offset = 352;
-    header.xyzt_units = NIFTI_UNITS_MM | NIFTI_UNITS_SEC;
-    header.qform_code = NIFTI_XFORM_SCANNER_ANAT;
-    header.sform_code = NIFTI_XFORM_SCANNER_ANAT;
-    header.qoffset_x = header.srow_x[3] = static_cast<float>(grid.first[0]);
-    header.qoffset_y = header.srow_y[3] = static_cast<float>(grid.first[1]);
-    header.qoffset_z = header.srow_z[3] = static_cast<float>(grid.first[2]);
-    header.srow_x[0] = header.srow_y[1] = header.srow_z[2] = static_cast<float>(grid.voxel);
-    std::memcpy(header.magic, "n+1", 4);
-    return header;
-}
-
-void writeHeader(GzipFile &file, const nifti_1_header &header)
-{
-    file.write(&header, sizeof header);
-    const char noExtension[4] = {0, 0, 0, 0};
-    file.write(noExtension, sizeof noExtension);
-}
-
-enum Tissue { Air, Scalp, Skull, Fluid, Grey, White };
-
-double squaredRadius(double x, double y, double z, const std::array<double, 3> &centre,
-                     const std::array<double, 3> &radii)
-{
-    const double a = (x - centre[0]) / radii[0];
-    const double b = (y - centre[1]) / radii[1];
-    const double c = (z - centre[2]) / radii[2];
-    return a * a + b * b + c * c;
-}
-
-/// A zigzag between -1 and 1 with a period of 1.
-double zigzag(double place)
-{
-    return 4 * std::abs(place - std::floor(place + 0.5)) - 1;
-}
-
-/// A head of shells, with a folded border between grey and white matter and two ventricles.
-Tissue tissueAt(double x, double y, double z)
-{
-    const std::array<double, 3> centre{0, -18, 14};
-    const double brain = squaredRadius(x, y, z, centre, {68, 86, 66});
-    if (brain > 1) {
-        if (squaredRadius(x, y, z, centre, {71, 89, 69}) <= 1)
-            return Fluid;
-        if (squaredRadius(x, y, z, centre, {76, 94, 74}) <= 1)
-            return Skull;
-        return squaredRadius(x, y, z, centre, {81, 99, 79}) <= 1 ? Scalp : Air;
-    }
-    if (squaredRadius(std::abs(x), y, z, {10, -14, 16}, {5, 26, 8}) <= 1)
-        return Fluid;
-    const double folds = zigzag(x / 19) + zigzag(y / 23) + zigzag(z / 17);
-    return std::sqrt(brain) > 0.88 + 0.03 * folds ? Grey : White;
-}
 
 void writeAnatomy(const QString &path)
 {
     const std::array<int, 6> brightness{4, 70, 25, 45, 110, 165};
     GzipFile file(path);
-    writeHeader(file, niftiHeader(anatomyGrid, 1, NIFTI_TYPE_UINT8, 8));
+    writeHeader(file, anatomyGrid, 1, Bytes);
     Random random(2);
     std::vector<quint8> plane;
     forEachVoxel(anatomyGrid, [&](double x, double y, double z) {
@@ -139,16 +50,6 @@ void writeAnatomy(const QString &path)
         }
     });
     file.commit();
-}
-
-/// The label of the region at a place, 0 outside all of them.
-quint8 labelAt(double x, double y, double z)
-{
-    for (int number = 0; number < regionCount; ++number)
-        if (squaredRadius(x, y, z, regions[number].centre,
-                          {regionRadius, regionRadius, regionRadius}) <= 1)
-            return static_cast<quint8>(number + 1);
-    return 0;
 }
 
 std::vector<quint8> labels()
@@ -164,7 +65,7 @@ void writeAtlas(const QString &path)
 {
     const std::vector<quint8> voxels = labels();
     GzipFile file(path);
-    writeHeader(file, niftiHeader(runGrid, 1, NIFTI_TYPE_UINT8, 8));
+    writeHeader(file, runGrid, 1, Bytes);
     file.write(voxels.data(), static_cast<qint64>(voxels.size()));
     file.commit();
 }
@@ -190,9 +91,8 @@ void writeEvents(const QString &path)
     writeFile(path, text);
 }
 
-void writeCorrelations(const QString &path)
+void writeCorrelations(const QString &path, const std::array<Series, regionCount> &series)
 {
-    const std::array<Series, regionCount> series = regionSeries();
     QByteArray text = "name";
     for (const Region &region : regions)
         text += QByteArray("\t") + region.name;
@@ -240,7 +140,7 @@ void writeRun(const QString &path, const ProgressWatch &watch)
                  [&](double x, double y, double z) { models.push_back(voxelModel(x, y, z)); });
 
     GzipFile file(path);
-    writeHeader(file, niftiHeader(runGrid, volumeCount, NIFTI_TYPE_INT16, 16));
+    writeHeader(file, runGrid, volumeCount, Shorts);
     std::vector<qint16> volume(models.size());
     for (int t = 0; t < volumeCount; ++t) {
         std::array<float, regionCount + 1> signal{};
@@ -281,6 +181,11 @@ correlations.tsv                  correlations of the regions' signals over the 
                                   drift, breathing, pulse and noise were added
 example.vmr, .vtc, .voi, .prt     the same, imported
 
+sub-01_task-rest_...              a run at rest as a preprocessing pipeline leaves it: 6 mm, with
+                                  motion, drift, breathing and the start of the scanner in it; its
+                                  mask, and the table of confounds that tells of them
+rest_correlations.tsv             correlations of the regions' signals in that run, before all this
+
 The 16 regions form four networks: visual, motor, attention and default. The signals of two regions
 of one network correlate with about 0.7. The visual and the attention network correlate with each
 other, the attention and the default network have opposite signs, and the motor network follows the
@@ -302,9 +207,11 @@ ImportReport writeExample(const QString &folder, const ProgressWatch &watch)
     writeAtlas(output.path(name(atlasFile)));
     writeLabels(output.path(name(labelsFile)));
     writeEvents(output.path(name(eventsFile)));
-    writeCorrelations(output.path(name(correlationsFile)));
+    writeCorrelations(output.path(name(correlationsFile)), regionSeries());
+    writeCorrelations(output.path(name(restCorrelationsFile)), restSeries());
     writeReadme(output.path(name(readmeFile)));
     writeRun(output.path(name(runFile)), watch);
+    writeRestingRun(output);
 
     ImportRequest request;
     request.anatomy = output.path(name(anatomyFile));

@@ -57,18 +57,25 @@ void subtractMean(Series &series)
         value -= sum / volumeCount;
 }
 
+/// A random series of mean 0 that keeps a part of its past from volume to volume.
+Series walk(Random &random, double part)
+{
+    Series series(volumeCount);
+    double value = 0;
+    for (double &sample : series) {
+        value = part * value + random.normal();
+        sample = value;
+    }
+    subtractMean(series);
+    return series;
+}
+
 /// Slow random series of mean 0 and variance 1, none of which correlates with another one.
 std::vector<Series> independentSeries(int count, Random &random)
 {
     std::vector<Series> all;
     for (int number = 0; number < count; ++number) {
-        Series series(volumeCount);
-        double value = 0;
-        for (double &sample : series) {
-            value = persistence * value + random.normal();
-            sample = value;
-        }
-        subtractMean(series);
+        Series series = walk(random, persistence);
         for (const Series &earlier : all) {
             const double shared = scalarProduct(series, earlier) / volumeCount;
             for (int t = 0; t < volumeCount; ++t)
@@ -118,11 +125,29 @@ std::array<Series, networkCount> networkSeries(const std::vector<Series> &indepe
     // No part of the visual series, so that the two do not correlate.
     const double part = attentionDefault / remainder(visualAttention);
     series[Default] = mixed(independent[2], part, independent[3], remainder(part));
+    return series;
+}
+
+/// While the subject moves, the motor network also follows the visual one.
+void coupleInMovement(std::array<Series, networkCount> &series)
+{
     for (int t = 0; t < volumeCount; ++t)
         if (isDuring("movement", t * repetitionTime))
             series[Motor][t] = couplingInMovement * series[Visual][t] +
                                remainder(couplingInMovement) * series[Motor][t];
-    return series;
+}
+
+/// Each region has a part of its network's series and a part of its own.
+std::array<Series, regionCount> withOwnParts(const std::array<Series, networkCount> &networks,
+                                             const std::vector<Series> &independent)
+{
+    const double shared = amplitude * std::sqrt(correlationWithinNetwork);
+    const double own = amplitude * std::sqrt(1 - correlationWithinNetwork);
+    std::array<Series, regionCount> all;
+    for (int number = 0; number < regionCount; ++number)
+        all[number] = mixed(networks[regions[number].network], shared,
+                            independent[networkCount + number], own);
+    return all;
 }
 
 /// A sine wave with a step of one volume, made by turning a point: the sine function of the
@@ -193,14 +218,9 @@ std::array<Series, regionCount> regionSeries()
 {
     Random random(1);
     const std::vector<Series> independent = independentSeries(networkCount + regionCount, random);
-    const std::array<Series, networkCount> networks = networkSeries(independent);
-    const double shared = amplitude * std::sqrt(correlationWithinNetwork);
-    const double own = amplitude * std::sqrt(1 - correlationWithinNetwork);
-
-    std::array<Series, regionCount> all;
-    for (int number = 0; number < regionCount; ++number)
-        all[number] = mixed(networks[regions[number].network], shared,
-                            independent[networkCount + number], own);
+    std::array<Series, networkCount> networks = networkSeries(independent);
+    coupleInMovement(networks);
+    std::array<Series, regionCount> all = withOwnParts(networks, independent);
     for (const TaskEvent &event : taskEvents()) {
         if (std::strcmp(event.condition, "cue") != 0)
             continue;
@@ -211,6 +231,22 @@ std::array<Series, regionCount> regionSeries()
                 all[number][volume] += cueResponse;
     }
     return all;
+}
+
+std::array<Series, regionCount> restSeries()
+{
+    Random random(5);
+    const std::vector<Series> independent = independentSeries(networkCount + regionCount, random);
+    return withOwnParts(networkSeries(independent), independent);
+}
+
+Series persistentSeries(Random &random, double part)
+{
+    Series series = walk(random, part);
+    const double deviation = std::sqrt(scalarProduct(series, series) / volumeCount);
+    for (double &sample : series)
+        sample /= deviation;
+    return series;
 }
 
 double correlation(const Series &a, const Series &b)

@@ -58,6 +58,9 @@ using Series = std::vector<double>; ///< volumeCount values
 /// its network and one of its own. Networks are correlated as networkCorrelation says.
 std::array<Series, regionCount> regionSeries();
 
+/// The same at rest: no movement, no cues, other series.
+std::array<Series, regionCount> restSeries();
+
 /// Correlation between the shared series of two networks. While the subject moves, the motor
 /// network also follows the visual one.
 double networkCorrelation(Network a, Network b);
@@ -67,6 +70,9 @@ constexpr double correlationWithinNetwork = 0.7;
 
 /// Pearson's correlation of two series.
 double correlation(const Series &a, const Series &b);
+
+/// A series of mean 0 and variance 1 that keeps a part of its past from volume to volume.
+Series persistentSeries(Random &random, double part);
 
 /// What is not from the brain's networks, common to all voxels up to a factor.
 struct Nuisance {

@@ -3,15 +3,15 @@
 
 #include "dataset/counted.h"
 #include "host/files/events_table.h"
+#include "host/files/functional_run.h"
+#include "host/files/image_grid.h"
 #include "host/files/image_reader.h"
 #include "host/files/input_error.h"
-#include "host/files/limits.h"
-#include "host/files/nifti_stream.h"
 #include "host/files/sample_conversion.h"
 #include "host/files/text_check.h"
+#include "host/import/cleaned_run.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace corvane
 {
@@ -26,27 +26,6 @@ QString decimal(double number)
     return QString::fromLatin1(shortestDecimal(number));
 }
 
-/// A size in millimetres, which comes out of a matrix and is not exact.
-QString millimetres(double length)
-{
-    return QString::number(std::round(length * 1000) / 1000, 'g', 6);
-}
-
-QString voxelText(const Eigen::Affine3d &toWorld)
-{
-    QStringList sizes;
-    for (int axis = 0; axis < 3; ++axis)
-        sizes += millimetres(toWorld.linear().col(axis).norm());
-    return sizes.join(QStringLiteral(" x ")) + QStringLiteral(" mm");
-}
-
-QString gridText(const GridSize &size, const Eigen::Affine3d &toWorld)
-{
-    return QStringLiteral("%1 x %2 x %3 voxels of %4")
-        .arg(QString::number(size[0]), QString::number(size[1]), QString::number(size[2]),
-             voxelText(toWorld));
-}
-
 QString noteOn(const QString &path, const QString &text)
 {
     return QStringLiteral("%1: %2").arg(printable(path, 4096), text);
@@ -57,54 +36,6 @@ QString noteOn(const QString &path, const QString &text)
 GridSize gridSize(const NiftiHeader &run)
 {
     return {run.dim[0], run.dim[1], run.dim[2]};
-}
-
-NiftiHeader readRunHeader(const QString &path, QStringList &notes)
-{
-    const NiftiHeader header = NiftiStream(path).header();
-    const QString place = QStringLiteral("header, dim");
-    if (header.dimensions != 4)
-        throw InputError(path, place,
-                         header.dimensions < 4
-                             ? QStringLiteral("one volume")
-                             : QStringLiteral("%1 dimensions").arg(header.dimensions),
-                         QStringLiteral("4 dimensions, two or more volumes"));
-    requireAtMost(header.dim[3], largestCount, QStringLiteral("volumes"), path, place);
-    requireAtMost(header.voxelsPerVolume(), largestCount, QStringLiteral("voxels"), path, place);
-    notes += orientationNotes(header, path);
-    return header;
-}
-
-double repetitionTime(const ImportRequest &request, const NiftiHeader &header, QStringList &notes)
-{
-    const QString &path = request.functional;
-    const double stored = repetitionTimeSeconds(header);
-    if (request.repetitionTime) {
-        const double told = *request.repetitionTime;
-        if (stored > 0 && stored != told)
-            notes +=
-                noteOn(path, QStringLiteral("the repetition time is %1 s as given, not %2 s as "
-                                            "in the header")
-                                 .arg(decimal(told), decimal(stored)));
-        return told;
-    }
-    if (stored == 0)
-        throw InputError(path, QStringLiteral("header, pixdim[4]"),
-                         QStringLiteral("repetition time %1%2")
-                             .arg(header.repetitionTime)
-                             .arg(header.timeUnit == TimeUnit::NoTime
-                                      ? QStringLiteral(" in a unit that is not one of time")
-                                      : QString()),
-                         QStringLiteral("a time above 0, or --tr SECONDS"));
-    if (header.timeUnit == TimeUnit::Unknown)
-        notes += noteOn(path, QStringLiteral("the header gives the repetition time without a unit: "
-                                             "it is taken for %1 s")
-                                  .arg(decimal(stored)));
-    if (stored < 0.05 || stored > 60)
-        notes += noteOn(path, QStringLiteral("the repetition time of %1 s is unusual; --tr SECONDS "
-                                             "gives another")
-                                  .arg(decimal(stored)));
-    return stored;
 }
 
 FunctionalGrid layRun(const ImportRequest &request, const NiftiHeader &run, const Anatomy &anatomy,
@@ -197,12 +128,15 @@ QString timeCourseText(const ImportPlan &plan)
     return QStringLiteral("%1 x %2 x %3 samples %4 mm apart, %5 volumes %6 s apart, %7, %8")
         .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
              QString::number(grid.size[2]), QString::number(grid.resolution),
-             QString::number(plan.volumes()), decimal(plan.repetitionTime),
+             QString::number(plan.keptVolumes()), decimal(plan.repetitionTime),
              plannedVtc(plan).type == VtcInfo::Short ? QStringLiteral("short")
                                                      : QStringLiteral("float"),
-             grid.copied
-                 ? QStringLiteral("copied")
-                 : QStringLiteral("interpolated from voxels of ") + voxelText(plan.run.toWorld));
+             (grid.copied
+                  ? QStringLiteral("copied")
+                  : QStringLiteral("interpolated from voxels of ") + voxelText(plan.run.toWorld)) +
+                 (plan.cleaning ? QStringLiteral(", cleaned: ") +
+                                      cleaningText(*plan.request.cleaning, *plan.cleaning)
+                                : QString()));
 }
 
 void planFile(ImportPlan &plan, FileKind kind, const QString &holds)
@@ -218,13 +152,22 @@ bool ImportPlan::writes(FileKind kind) const
                        [kind](const PlannedFile &file) { return file.kind == kind; });
 }
 
+int ImportPlan::keptVolumes() const
+{
+    return cleaning ? static_cast<int>(cleaning->design.rows.size()) : volumes();
+}
+
 ImportPlan planImport(const ImportRequest &request)
 {
     ImportPlan plan;
     plan.request = request;
     plan.run = readRunHeader(request.functional, plan.notes);
-    plan.repetitionTime = repetitionTime(request, plan.run, plan.notes);
+    plan.repetitionTime =
+        runRepetitionTime(request.functional, plan.run, request.repetitionTime, plan.notes);
     // What is quickly known to be wrong is found before the long work.
+    if (request.cleaning)
+        plan.cleaning = std::make_shared<const RunCleaning>(
+            planImportCleaning(*request.cleaning, plan.volumes(), plan.repetitionTime, plan.notes));
     const EventsTable events =
         request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
     const LabelTable labels =
@@ -246,6 +189,9 @@ ImportPlan planImport(const ImportRequest &request)
     if (!request.events.isEmpty()) {
         plan.protocol = protocolFromEvents(events, request.name, plan.repetitionTime,
                                            plan.volumes(), plan.notes);
+        if (plan.cleaning)
+            plan.protocol =
+                renumberedProtocol(plan.protocol, plan.cleaning->design.rows, plan.notes);
         planFile(plan, FileKind::Prt, protocolText(plan.protocol));
     }
     checkPointsOutside(plan.grid, request.functional, plan.notes);
@@ -254,7 +200,7 @@ ImportPlan planImport(const ImportRequest &request)
     return plan;
 }
 
-VtcInfo plannedVtc(const ImportPlan &plan)
+VtcInfo uncleanedVtc(const ImportPlan &plan)
 {
     const FunctionalGrid &grid = plan.grid;
     const auto end = [&](int axis) { return grid.start[axis] + grid.resolution * grid.size[axis]; };
@@ -269,6 +215,17 @@ VtcInfo plannedVtc(const ImportPlan &plan)
     info.nrOfVolumes = plan.volumes();
     info.type = grid.copied && fitsShort(plan.run) ? VtcInfo::Short : VtcInfo::Float;
     info.repetitionTime = plan.repetitionTime;
+    return info;
+}
+
+VtcInfo plannedVtc(const ImportPlan &plan)
+{
+    VtcInfo info = uncleanedVtc(plan);
+    if (plan.cleaning) {
+        info.nrOfVolumes = plan.keptVolumes();
+        info.type = VtcInfo::Float;
+        info.cleaning = ledgerOf(*plan.request.cleaning, *plan.cleaning);
+    }
     return info;
 }
 

@@ -8,6 +8,7 @@
 #include "host/import/atlas.h"
 #include "host/import/resample_anatomy.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -17,6 +18,9 @@
 
 namespace corvane
 {
+
+struct CleaningRequest; // host/extract/run_cleaning.h
+struct RunCleaning;
 
 /// What to import and how. Paths that are not given are empty.
 struct ImportRequest {
@@ -28,6 +32,7 @@ struct ImportRequest {
     std::optional<int> resolution;        ///< cube voxels per sample; else nearestResolution
     std::optional<double> repetitionTime; ///< seconds; else the header's
     VoiGrid voiGrid = VoiGrid::Functional;
+    std::shared_ptr<const CleaningRequest> cleaning; ///< null: samples stay as they are
     QString name;   ///< of the files that are written, without ending
     QString folder; ///< where they are written; made when it is missing
 };
@@ -45,21 +50,26 @@ struct ImportPlan {
     double repetitionTime = 0; ///< seconds
     Vmr anatomy;
     FunctionalGrid grid;
-    VoiSet vois;                         ///< without an atlas none
-    std::vector<LabelCount> labelCounts; ///< one for each VOI
-    Prt protocol;                        ///< without events empty
-    std::vector<PlannedFile> files;      ///< in the order in which they are written
-    QStringList notes;                   ///< what the user should look at, one line each
+    VoiSet vois;                                 ///< without an atlas none
+    std::vector<LabelCount> labelCounts;         ///< one for each VOI
+    std::shared_ptr<const RunCleaning> cleaning; ///< null: samples stay as they are
+    Prt protocol;                   ///< without events empty; on the volumes that are kept
+    std::vector<PlannedFile> files; ///< in the order in which they are written
+    QStringList notes;              ///< what the user should look at, one line each
 
+    /// In the run, and in the .vtc: those that the cleaning keeps.
     int volumes() const { return static_cast<int>(run.dim[3]); }
+    int keptVolumes() const;
     bool writes(FileKind kind) const;
 };
 
 /// Looks at all files of an import and writes nothing. The samples of the run are not read. Throws
-/// InputError.
+/// InputError, and with a cleaning what planImportCleaning throws.
 ImportPlan planImport(const ImportRequest &request);
 
-/// What a .vtc of the plan will hold, but for its protocol's path and its checksum.
+/// What a .vtc of the plan will hold, but for its protocol's path and its checksum; and what it
+/// would hold without the cleaning.
 VtcInfo plannedVtc(const ImportPlan &plan);
+VtcInfo uncleanedVtc(const ImportPlan &plan);
 
 } // namespace corvane

@@ -6,6 +6,7 @@
 #include "host/files/output_folder.h"
 #include "host/files/sample_conversion.h"
 #include "host/files/vtc_writer.h"
+#include "host/import/cleaned_run.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -81,11 +82,10 @@ qint64 streamVolumes(NiftiStream &run, const FunctionalGrid &grid, VtcWriter &wr
     return broken;
 }
 
-void writeTimeCourse(const QString &path, const QString &protocol, const ImportPlan &plan,
-                     const ProgressWatch &watch, QStringList &notes)
+/// The samples as they were recorded. Returns how many are no finite numbers.
+qint64 writeSamples(const QString &path, const VtcInfo &info, const ImportPlan &plan,
+                    const ProgressWatch &watch, QStringList &notes)
 {
-    VtcInfo info = plannedVtc(plan);
-    info.linkedProtocol = linkedProtocolText(path, protocol);
     NiftiStream run = openRun(plan);
     VtcWriter writer(path, info);
     const qint64 broken =
@@ -94,10 +94,52 @@ void writeTimeCourse(const QString &path, const QString &protocol, const ImportP
             : streamVolumes(run, plan.grid, writer, &VtcWriter::floatVolume, watch);
     run.finish(notes);
     writer.commit();
+    return broken;
+}
+
+void writeTimeCourse(const QString &path, const VtcInfo &info, const ImportPlan &plan,
+                     const ProgressWatch &watch, QStringList &notes)
+{
+    const qint64 broken = writeSamples(path, info, plan, watch, notes);
     if (broken > 0)
         notes += QStringLiteral("%1: %2 samples are not finite numbers, nor are the means of VOIs "
                                 "that hold them")
-                     .arg(printable(run.path(), 4096))
+                     .arg(printable(plan.request.functional, 4096))
+                     .arg(broken);
+}
+
+/// A file of the import that is gone when the work on it ends.
+class PassingFile
+{
+public:
+    explicit PassingFile(const QString &path) : m_path(path) {}
+    ~PassingFile() { QFile::remove(m_path); }
+    PassingFile(const PassingFile &) = delete;
+    PassingFile &operator=(const PassingFile &) = delete;
+
+    const QString &path() const { return m_path; }
+
+private:
+    QString m_path;
+};
+
+/// The run is laid down with the time fastest, as it is, and cleaned from there voxel by voxel.
+void writeCleanedTimeCourse(const QString &path, const VtcInfo &info, const ImportPlan &plan,
+                            const ProgressWatch &watch, QStringList &notes)
+{
+    const PassingFile uncleaned(path + QStringLiteral(".uncleaned"));
+    const auto half = [&](qint64 begun) {
+        return [&watch, begun](qint64 done, qint64 total) {
+            return !watch || watch(begun * total + done, 2 * total);
+        };
+    };
+    writeSamples(uncleaned.path(), uncleanedVtc(plan), plan, half(0), notes);
+    const qint64 broken =
+        writeCleanedRun(path, info, VtcFile(uncleaned.path()), plan.cleaning->design, half(1));
+    if (broken > 0)
+        notes += QStringLiteral("%1: %2 voxels hold samples that are not finite numbers and have "
+                                "none that is, nor have VOIs that hold them")
+                     .arg(printable(plan.request.functional, 4096))
                      .arg(broken);
 }
 
@@ -126,7 +168,10 @@ ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
             protocol = path;
             break;
         default:
-            writeTimeCourse(path, protocol, plan, watch, report.notes);
+            VtcInfo info = plannedVtc(plan);
+            info.linkedProtocol = linkedProtocolText(path, protocol);
+            (plan.cleaning ? writeCleanedTimeCourse : writeTimeCourse)(path, info, plan, watch,
+                                                                       report.notes);
         }
         report.files += output.finalPath(file.name);
         report.summary += QStringLiteral("%1: %2").arg(report.files.last(), file.holds);

@@ -330,6 +330,8 @@ void MainWindow::showTimeCourse()
     }
     scene.repetitionTime = vtc->file.info().repetitionTime;
     scene.hint = tr("The cross-hair lies outside the functional run.");
+    if (vtc->file.info().cleaning)
+        scene.cleaning = ledgerText(*vtc->file.info().cleaning);
     // What is shown stays until the samples are there.
     m_reader->ask(vtc->file, m_volume->scene().cross,
                   [this, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {

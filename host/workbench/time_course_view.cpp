@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/time_course_view.h"
 
+#include "plots/plain_text.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
@@ -73,6 +75,7 @@ void TimeCourseView::show(TimeCourseScene scene)
 {
     m_scene = std::move(scene);
     m_marked = std::min(m_marked, volumes());
+    setToolTip(asToolTip(m_scene.cleaning));
     setAccessibleDescription(m_scene.samples.empty() ? m_scene.hint : markedText());
     update();
 }
@@ -108,6 +111,12 @@ QString TimeCourseView::markedText() const
     if (!conditions.isEmpty())
         text += QStringLiteral(", ") + conditions;
     return text;
+}
+
+QString TimeCourseView::caption() const
+{
+    const QString unit = tr("Volume (one each %1 s)").arg(m_scene.repetitionTime);
+    return m_scene.cleaning.isEmpty() ? unit : tr("%1, cleaned: %2").arg(unit, m_scene.cleaning);
 }
 
 // ---- painting
@@ -210,7 +219,8 @@ void TimeCourseView::paintAxes(QPainter &painter, const Frame &frame) const
     painter.setPen(palette().color(QPalette::Text));
     painter.drawText(
         QRectF(frame.plot.left(), frame.plot.bottom() + 3 + line, frame.plot.width(), line),
-        Qt::AlignCenter, tr("Volume (one each %1 s)").arg(m_scene.repetitionTime));
+        Qt::AlignCenter,
+        fontMetrics().elidedText(caption(), Qt::ElideRight, int(frame.plot.width())));
 }
 
 void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame) const

@@ -16,6 +16,7 @@ struct TimeCourseScene {
     double repetitionTime = 0;   ///< seconds
     std::vector<PrtCondition> conditions;
     QString hint;
+    QString cleaning; ///< what was done to the run, in one line; empty for nothing
 };
 
 /// The colour of a condition, the same wherever conditions are drawn.
@@ -34,6 +35,8 @@ public:
     using QWidget::show;
 
     const TimeCourseScene &scene() const { return m_scene; }
+    /// What stands below the plot: the unit of its axis, and how the run was cleaned.
+    QString caption() const;
     /// What the marker tells of its volume; empty without one.
     QString markedText() const;
 

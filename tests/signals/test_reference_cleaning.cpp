@@ -233,6 +233,32 @@ TEST_F(ReferenceCleaning, PercentOfTheToolRelateToWhatTheFitLeavesOfTheMean)
     }
 }
 
+/// The mean correlation of the pairs of one region left and right, and of all other pairs: 14
+/// regions of the left come first, then the same of the right.
+std::pair<double, double> homotopic_and_other(const Eigen::MatrixXd &r)
+{
+    double homotopic = 0;
+    double other = 0;
+    for (Eigen::Index i = 0; i < 28; ++i) {
+        for (Eigen::Index j = i + 1; j < 28; ++j) {
+            (j == i + 14 ? homotopic : other) += r(i, j);
+        }
+    }
+    return {homotopic / 14, other / (378 - 14)};
+}
+
+TEST_F(ReferenceCleaning, HomotopicPairsStandOutAndCleaningKeepsThem)
+{
+    // The numbers stand in docs/cleaning.md.
+    const auto [pairs_before, others_before] = homotopic_and_other(pearson(series));
+    EXPECT_NEAR(pairs_before, 0.517, 0.001);
+    EXPECT_NEAR(others_before, 0.072, 0.001);
+    const auto [pairs, others] =
+        homotopic_and_other(pearson(cleaned({Order::joint, 0.008, {}, true, Standardize::none})));
+    EXPECT_NEAR(pairs, 0.515, 0.001);
+    EXPECT_NEAR(others, 0.071, 0.001);
+}
+
 TEST_F(ReferenceCleaning, MeansOfNodesAreMeansOfCleanedVoxels)
 {
     for (const Order order : all_orders) {

@@ -124,9 +124,13 @@ TEST_F(Example, IsWrittenAndImportedWithoutADoubt)
                   .toUtf8());
     EXPECT_EQ(namesIn(s_folder->path("out")).join(QLatin1Char(' ')),
               QStringLiteral("README.txt correlations.tsv example.prt example.vmr example.voi "
-                             "example.vtc sub-01_T1w.nii.gz sub-01_dseg.nii.gz sub-01_dseg.tsv "
-                             "sub-01_task-movement_bold.nii.gz "
-                             "sub-01_task-movement_events.tsv"));
+                             "example.vtc rest_correlations.tsv sub-01_T1w.nii.gz "
+                             "sub-01_dseg.nii.gz sub-01_dseg.tsv "
+                             "sub-01_task-movement_bold.nii.gz sub-01_task-movement_events.tsv "
+                             "sub-01_task-rest_desc-confounds_timeseries.json "
+                             "sub-01_task-rest_desc-confounds_timeseries.tsv "
+                             "sub-01_task-rest_space-T1w_desc-brain_mask.nii.gz "
+                             "sub-01_task-rest_space-T1w_desc-preproc_bold.nii.gz"));
 }
 
 TEST_F(Example, IsTheSameOnEveryMachine)
@@ -141,7 +145,11 @@ TEST_F(Example, IsTheSameOnEveryMachine)
           File{"sub-01_dseg.nii.gz", "1320e7d21685c0cf"},
           File{"sub-01_dseg.tsv", "46bf13491601984e"}, File{"correlations.tsv", "c6d34ccf8e8a743f"},
           File{"sub-01_task-movement_bold.nii.gz", "d14727b57962d712"},
-          File{"sub-01_task-movement_events.tsv", "0d93366330616a35"}})
+          File{"sub-01_task-movement_events.tsv", "0d93366330616a35"},
+          File{"rest_correlations.tsv", "a6fe268232847c02"},
+          File{"sub-01_task-rest_desc-confounds_timeseries.json", "6d19accec2e848cf"},
+          File{"sub-01_task-rest_space-T1w_desc-brain_mask.nii.gz", "130c9364f1dbfbcf"},
+          File{"sub-01_task-rest_space-T1w_desc-preproc_bold.nii.gz", "26cbe9265f58d004"}})
         EXPECT_EQ(digest(unpackedBytes(path(file.name))).toStdString(), file.digest) << file.name;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/files/cleaning_ledger.h"
 #include "host/workbench/time_course_view.h"
 
 #include <QImage>
@@ -38,6 +39,26 @@ TEST(TimeCourseViewTest, DrawsVoxelsThatNeverChange)
 {
     for (double value : {0.0, 100.0, -3.0e4, 1e30, -std::numeric_limits<double>::max() / 4})
         EXPECT_TRUE(hasLine(picture(std::vector<double>(20, value), {400, 200}))) << value;
+}
+
+TEST(TimeCourseViewTest, TellsHowTheRunWasCleaned)
+{
+    TimeCourseView view;
+    TimeCourseScene scene;
+    scene.samples = {1, 2, 3};
+    scene.repetitionTime = 2;
+    view.show(scene);
+    EXPECT_EQ(view.caption(), QStringLiteral("Volume (one each 2 s)"));
+    CleaningLedger ledger;
+    ledger.method = QStringLiteral("36P, order joint");
+    ledger.volumes = 200;
+    ledger.kept = 154;
+    ledger.degreesOfFreedom = 110;
+    scene.cleaning = ledgerText(ledger);
+    view.show(scene);
+    EXPECT_EQ(view.caption(),
+              QStringLiteral("Volume (one each 2 s), cleaned: 36P, order joint: 154 of 200 volumes "
+                             "kept, 110 degrees of freedom left"));
 }
 
 TEST(TimeCourseViewTest, DrawsNothingWhereThereIsNoRoom)

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/extract/connectome_files.h"
+
+#include "engine/graph_measures.h"
+#include "host/extract/connectome_sidecar.h"
+#include "host/extract/output_names.h"
+#include "host/files/output_file.h"
+#include "host/files/text_check.h"
+
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+using Eigen::MatrixXd;
+using Index = Eigen::Index;
+
+QByteArray cell(double value)
+{
+    return std::isfinite(value) ? shortestDecimal(value) : QByteArray("n/a");
+}
+
+QByteArray rowText(const QList<QByteArray> &cells)
+{
+    return cells.join('\t') + '\n';
+}
+
+/// A table with the names of its columns in the first line.
+QByteArray columnTable(const QList<QByteArray> &names, const MatrixXd &values)
+{
+    QByteArray table = rowText(names);
+    for (Index row = 0; row < values.rows(); ++row) {
+        QList<QByteArray> cells;
+        for (Index column = 0; column < values.cols(); ++column)
+            cells += cell(values(row, column));
+        table += rowText(cells);
+    }
+    return table;
+}
+
+QList<QByteArray> nodeNames(const std::vector<Node> &nodes)
+{
+    QList<QByteArray> names;
+    for (const Node &node : nodes)
+        names += node.name.toUtf8();
+    return names;
+}
+
+/// A table with a row for each node, its name in the column "Node".
+QByteArray nodeTable(const QList<QByteArray> &nodes, const QList<QByteArray> &columns,
+                     const MatrixXd &values)
+{
+    QByteArray table = rowText(QList<QByteArray>{"Node"} + columns);
+    for (Index row = 0; row < values.rows(); ++row) {
+        QList<QByteArray> cells{nodes[int(row)]};
+        for (Index column = 0; column < values.cols(); ++column)
+            cells += cell(values(row, column));
+        table += rowText(cells);
+    }
+    return table;
+}
+
+QByteArray coverageTable(const Connectome &connectome)
+{
+    const Eigen::Map<const Eigen::VectorXd> shares(connectome.coverage.data(),
+                                                   Index(connectome.coverage.size()));
+    return nodeTable(nodeNames(connectome.nodes), {"coverage"}, shares);
+}
+
+/// FD, standardised DVARS and the motion parameters, as far as the table of confounds knows them.
+QByteArray motionTable(const RunCleaning &cleaning)
+{
+    const signals::Volumes &volumes = cleaning.selection.volumes;
+    QList<QByteArray> names{"framewise_displacement"};
+    MatrixXd values(volumes.count(), 8);
+    values.col(0).setConstant(std::numeric_limits<double>::quiet_NaN());
+    if (volumes.fd.size() > 0)
+        values.col(0) = volumes.fd;
+    Index next = 1;
+    std::vector<std::string> wanted{"std_dvars"};
+    wanted.insert(wanted.end(), signals::motion_columns().begin(), signals::motion_columns().end());
+    for (const std::string &name : wanted)
+        if (const auto column = signals::column_named(cleaning.table, name)) {
+            names += QByteArray::fromStdString(name);
+            values.col(next++) = cleaning.table.values.col(*column);
+        }
+    return columnTable(names, values.leftCols(next));
+}
+
+QByteArray outlierTable(const signals::Volumes &volumes)
+{
+    QByteArray table = "outlier\n";
+    const signals::Flags kept = volumes.kept();
+    for (Index volume = 0; volume < kept.size(); ++volume)
+        table += kept[volume] ? "0\n" : "1\n";
+    return table;
+}
+
+QByteArray designTable(const signals::Design &design)
+{
+    QList<QByteArray> names;
+    for (const std::string &name : design.names)
+        names += QByteArray::fromStdString(name);
+    return columnTable(names, design.columns);
+}
+
+/// The measures of the network of Pearson correlations without their signs, of the nodes that have
+/// values.
+QByteArray graphTable(const Connectome &connectome)
+{
+    const NodeMatrix pearson = matrixOf(connectome.cleaned, connectome.matrices.front().part,
+                                        Relationship::Pearson, false);
+    std::vector<Index> nodes;
+    for (Index node = 0; node < pearson.values.cols(); ++node)
+        if (!std::isnan(pearson.values(node, node)))
+            nodes.push_back(node);
+    const Eigen::MatrixXf weights = pearson.values(nodes, nodes).cwiseAbs().cast<float>();
+    const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
+    QList<QByteArray> names;
+    MatrixXd values = MatrixXd::Constant(pearson.values.cols(), Index(measures.size()),
+                                         std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t m = 0; m < measures.size(); ++m) {
+        names += measures[m].column;
+        values(nodes, Index(m)) = columnOf(measures[m], weights).cast<double>();
+    }
+    return nodeTable(nodeNames(connectome.nodes), names, values);
+}
+
+void writeMatrix(const OutputFolder &folder, const QString &stem, const QList<QByteArray> &nodes,
+                 const MatrixXd &values, const QByteArray &sidecar)
+{
+    writeFile(folder.path(stem + QStringLiteral("_relmat.tsv")), nodeTable(nodes, nodes, values));
+    writeFile(folder.path(stem + QStringLiteral("_relmat.json")), sidecar);
+}
+
+} // namespace
+
+QString ConnectomeNames::stem() const
+{
+    return prefix + QStringLiteral("_atlas-") + atlas;
+}
+
+QString ConnectomeNames::file(const QString &rest) const
+{
+    return stem() + QLatin1Char('_') + rest;
+}
+
+ConnectomeNames namesOf(const ConnectomeRequest &request)
+{
+    return {runPrefix(request.run), atlasName(request.atlas), {}};
+}
+
+QString matrixStem(const ConnectomeNames &names, const PartMatrix &matrix)
+{
+    const QString part =
+        matrix.part.entity.isEmpty() ? QString() : matrix.part.entity + QLatin1Char('_');
+    return names.file(part + QStringLiteral("stat-") +
+                      QLatin1String(factsOf(matrix.relationship).stat));
+}
+
+void writeConnectomeTables(const OutputFolder &folder, const ConnectomeRequest &request,
+                           const ConnectomeNames &names, const Connectome &connectome)
+{
+    const QList<QByteArray> nodes = nodeNames(connectome.nodes);
+    const auto write = [&](const char *rest, const QByteArray &bytes) {
+        writeFile(folder.path(names.file(QLatin1String(rest))), bytes);
+    };
+    write("stat-mean_timeseries.tsv", columnTable(nodes, connectome.cleaned.values));
+    write("stat-mean_timeseries.json", seriesSidecar(request, names, connectome));
+    write("stat-coverage_bold.tsv", coverageTable(connectome));
+    write("motion.tsv", motionTable(connectome.cleaning));
+    write("outliers.tsv", outlierTable(connectome.cleaning.selection.volumes));
+    write("design.tsv", designTable(connectome.cleaning.design));
+    write("stat-graphmeasures_nodes.tsv", graphTable(connectome));
+    for (const PartMatrix &matrix : connectome.matrices)
+        writeMatrix(folder, matrixStem(names, matrix), nodes, matrix.matrix.values,
+                    matrixSidecar(request, names, connectome, matrix));
+    const PartMatrix uncleaned{connectome.matrices.front().part, Relationship::Pearson,
+                               matrixOf(connectome.uncleaned, connectome.matrices.front().part,
+                                        Relationship::Pearson, false)};
+    writeMatrix(folder, names.file(QStringLiteral("desc-uncleaned")), nodes,
+                uncleaned.matrix.values, uncleanedSidecar(request, names, connectome, uncleaned));
+}
+
+} // namespace corvane

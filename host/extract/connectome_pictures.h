@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/extract/connectome_files.h"
+
+namespace corvane
+{
+
+/// Draws matrix and ring of each measure of the whole run into PNG files. Needs a QGuiApplication.
+/// Throws InputError.
+void writeConnectomePictures(const OutputFolder &folder, const ConnectomeNames &names,
+                             const Connectome &connectome);
+
+} // namespace corvane

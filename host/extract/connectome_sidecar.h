@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/extract/connectome_files.h"
+
+/// @file
+/// What the JSON beside a table says: what it holds, how it was made, and what that cost.
+
+namespace corvane
+{
+
+QByteArray seriesSidecar(const ConnectomeRequest &request, const ConnectomeNames &names,
+                         const Connectome &connectome);
+
+QByteArray matrixSidecar(const ConnectomeRequest &request, const ConnectomeNames &names,
+                         const Connectome &connectome, const PartMatrix &matrix);
+
+/// Of the matrix of the same volumes before cleaning.
+QByteArray uncleanedSidecar(const ConnectomeRequest &request, const ConnectomeNames &names,
+                            const Connectome &connectome, const PartMatrix &matrix);
+
+} // namespace corvane

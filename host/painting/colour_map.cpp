@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/painting/colour_map.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+using Channels = std::array<double, 3>;
+
+/// From -limit to limit, evenly spaced.
+constexpr std::array<Channels, 9> stops{{{33, 102, 172},
+                                         {67, 147, 195},
+                                         {146, 197, 222},
+                                         {209, 229, 240},
+                                         {255, 255, 255},
+                                         {253, 219, 199},
+                                         {244, 165, 130},
+                                         {214, 96, 77},
+                                         {178, 24, 43}}};
+
+} // namespace
+
+QColor divergingColour(double value, double limit)
+{
+    if (std::isnan(value))
+        return {200, 200, 200};
+    const double share = limit > 0 ? std::clamp(value / limit, -1.0, 1.0) : 0;
+    const double place = (share + 1) / 2 * double(stops.size() - 1);
+    const auto lower = std::min(std::size_t(place), stops.size() - 2);
+    const double rest = place - double(lower);
+    const auto channel = [&](std::size_t n) {
+        return int(std::lround(stops[lower][n] + rest * (stops[lower + 1][n] - stops[lower][n])));
+    };
+    return {channel(0), channel(1), channel(2)};
+}
+
+} // namespace corvane

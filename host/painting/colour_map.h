@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+
+namespace corvane
+{
+
+/// The colour of a value on a scale from -limit (blue) over 0 (white) to limit (red), which people
+/// with any vision of colours tell apart: the scheme RdBu of Brewer and Harrower 2003,
+/// doi:10.1179/000870403235002042. Values beyond are those of the limit, no value is grey.
+QColor divergingColour(double value, double limit);
+
+} // namespace corvane

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/painting/labels.h"
+
+#include "host/painting/colour_map.h"
+
+#include <QFontMetricsF>
+#include <algorithm>
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+constexpr int smallest = 7;
+constexpr int largest = 14;
+/// Height of a line in sizes of its font.
+constexpr double lineHeight = 1.15;
+
+} // namespace
+
+LabelFit fitLabels(double spacing)
+{
+    LabelFit fit;
+    fit.every = std::max(1, int(std::ceil(smallest * lineHeight / spacing)));
+    fit.fontSize = std::clamp(int(spacing * fit.every / lineHeight), smallest, largest);
+    return fit;
+}
+
+QFont labelFont(const QPainter &painter, int pixels)
+{
+    QFont font = painter.font();
+    font.setPixelSize(pixels);
+    return font;
+}
+
+double widestLabel(const QFont &font, const QStringList &names, int every)
+{
+    const QFontMetricsF metrics(font);
+    double widest = 0;
+    for (int node = 0; node < names.size(); node += every)
+        widest = std::max(widest, metrics.horizontalAdvance(names[node]));
+    return widest;
+}
+
+void paintTitle(QPainter &painter, const QRectF &area, const QString &text)
+{
+    painter.save();
+    painter.setFont(labelFont(painter, int(area.height() * 0.6)));
+    painter.setPen(Qt::black);
+    painter.drawText(area, Qt::AlignCenter, text);
+    painter.restore();
+}
+
+void paintScale(QPainter &painter, const QRectF &area, double limit)
+{
+    painter.save();
+    const QRectF bar(area.left(), area.top(), area.width(), area.height() / 2);
+    QLinearGradient gradient(bar.topLeft(), bar.topRight());
+    for (int stop = 0; stop <= 16; ++stop)
+        gradient.setColorAt(stop / 16.0, divergingColour(limit * (stop / 8.0 - 1), limit));
+    painter.fillRect(bar, gradient);
+    painter.setPen(Qt::black);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(bar);
+    painter.setFont(labelFont(painter, largest));
+    const QRectF numbers(area.left(), bar.bottom() + 2, area.width(), area.height() / 2);
+    painter.drawText(numbers, Qt::AlignLeft | Qt::AlignTop, QString::number(-limit, 'g', 3));
+    painter.drawText(numbers, Qt::AlignHCenter | Qt::AlignTop, QStringLiteral("0"));
+    painter.drawText(numbers, Qt::AlignRight | Qt::AlignTop, QString::number(limit, 'g', 3));
+    painter.restore();
+}
+
+} // namespace corvane

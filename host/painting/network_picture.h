@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <Eigen/Core>
+#include <QStringList>
+
+namespace corvane
+{
+
+/// What a picture of a network shows.
+struct NetworkPicture {
+    QString title;
+    QStringList names;      ///< of the nodes
+    Eigen::MatrixXd values; ///< nodes x nodes; NaN where there is none
+    double limit = 1;       ///< of the scale of colours, above 0
+};
+
+} // namespace corvane
