@@ -3,6 +3,7 @@
 // The selection of finished subjects and their comparison.
 #include "dataset/plugin_settings.h"
 #include "engine/connectivity_object.h"
+#include "statistics/distances.h"
 #include "tests/gui_test.h"
 #include "tests/support/dataset_fixture.h"
 
@@ -149,6 +150,29 @@ TEST_F(Group, TwoOfEqualSize)
     EXPECT_EQ(second.at(0), "0");
     EXPECT_EQ(second.at(1), "0");
     EXPECT_EQ(lines.at(4), "") << "a line feed behind the last row too";
+}
+
+TEST_F(Group, DistancesAreThoseThatTheGroupStatisticsTake)
+{
+    for (const int first : {0, 4, 2})
+        add(4, true, first);
+    selectAll();
+    compare();
+    const Eigen::MatrixXd distances =
+        statistics::all_distances(3, [this](Eigen::Index i, Eigen::Index j) {
+            Eigen::MatrixXf a = object(int(i))->matrices()[0];
+            Eigen::MatrixXf b = object(int(j))->matrices()[0];
+            return double(nodalis::distances::spectral_euclidean(a, b, 4));
+        });
+    const QStringList lines = output().split('\n');
+    ASSERT_EQ(lines.size(), 6);
+    for (int i = 0; i < 3; ++i) {
+        const QStringList cells = lines.at(2 + i).split('\t');
+        for (int j = i + 1; j < 3; ++j) {
+            EXPECT_EQ(cells.at(j), QString::number(distances(i, j), 'g', 6));
+            EXPECT_GT(distances(i, j), 0.0);
+        }
+    }
 }
 
 TEST_F(Group, RowsStandInTheOrderOfTheSelection)

@@ -10,7 +10,7 @@ import re
 import sys
 
 ROOT = pathlib.Path(sys.argv[1]).resolve()
-MODULES = ("nodalis", "signals", "plugin", "dataset", "engine", "results", "plots", "update", "host")
+MODULES = ("nodalis", "signals", "statistics", "plugin", "dataset", "engine", "results", "plots", "update", "host")
 
 
 def read_layers():
