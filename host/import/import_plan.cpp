@@ -12,6 +12,7 @@
 #include "host/import/cleaned_run.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace corvane
 {
@@ -155,6 +156,19 @@ bool ImportPlan::writes(FileKind kind) const
 int ImportPlan::keptVolumes() const
 {
     return cleaning ? static_cast<int>(cleaning->design.rows.size()) : volumes();
+}
+
+VolumeChoice ImportPlan::volumeChoice() const
+{
+    const signals::Volumes &all = cleaning->selection.volumes;
+    const signals::Flags kept = all.kept();
+    VolumeChoice choice;
+    choice.displacement.assign(std::size_t(volumes()), std::numeric_limits<double>::quiet_NaN());
+    std::copy(all.fd.begin(), all.fd.end(), choice.displacement.begin());
+    for (const bool stays : kept)
+        choice.leftOut.push_back(!stays);
+    choice.fdThreshold = cleaning->selection.thresholds.fd;
+    return choice;
 }
 
 ImportPlan planImport(const ImportRequest &request)

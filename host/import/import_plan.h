@@ -37,6 +37,13 @@ struct ImportRequest {
     QString folder; ///< where they are written; made when it is missing
 };
 
+/// What a cleaning looked at in each volume of the run.
+struct VolumeChoice {
+    std::vector<double> displacement; ///< framewise, in mm; not a number where there is none
+    std::vector<bool> leftOut;
+    double fdThreshold = 0; ///< mm; 0 for none
+};
+
 /// One file of an import.
 struct PlannedFile {
     FileKind kind;
@@ -60,6 +67,8 @@ struct ImportPlan {
     /// In the run, and in the .vtc: those that the cleaning keeps.
     int volumes() const { return static_cast<int>(run.dim[3]); }
     int keptVolumes() const;
+    /// Of an import that is cleaned.
+    VolumeChoice volumeChoice() const;
     bool writes(FileKind kind) const;
 };
 

@@ -2,6 +2,7 @@
 #include "host/workbench/import_dialog.h"
 
 #include "host/files/file_kind.h"
+#include "host/import/cleaning_choice.h"
 #include "host/import/import_name.h"
 #include "host/import/write_import.h"
 #include "host/session/log.h"
@@ -46,8 +47,8 @@ ImportDialog::ImportDialog(QWidget *parent)
     m_ui->vois->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_ui->vois->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
 
-    for (FileField *field :
-         {m_ui->anatomy, m_ui->functional, m_ui->atlas, m_ui->labels, m_ui->events, m_ui->folder})
+    for (FileField *field : {m_ui->anatomy, m_ui->functional, m_ui->atlas, m_ui->labels,
+                             m_ui->events, m_ui->confounds, m_ui->folder})
         connect(field, &FileField::changed, this, &ImportDialog::inputChanged);
     connect(m_ui->name, &QLineEdit::textChanged, this, &ImportDialog::inputChanged);
     connect(m_ui->repetitionTime, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
@@ -55,6 +56,16 @@ ImportDialog::ImportDialog(QWidget *parent)
     connect(m_ui->resolution, QOverload<int>::of(&QSpinBox::valueChanged), this,
             &ImportDialog::inputChanged);
     connect(m_ui->voiGrid, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &ImportDialog::inputChanged);
+    const QStringList strategies = strategyNames();
+    for (const QString &name : strategies) {
+        m_ui->strategy->addItem(name);
+        m_ui->strategy->setItemData(m_ui->strategy->count() - 1, strategyText(name),
+                                    Qt::ToolTipRole);
+    }
+    connect(m_ui->strategy, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            &ImportDialog::inputChanged);
+    connect(m_ui->fdThreshold, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
             &ImportDialog::inputChanged);
     connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &ImportDialog::runImport);
     connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -86,9 +97,21 @@ ImportRequest ImportDialog::request() const
     if (m_ui->repetitionTime->value() > 0)
         request.repetitionTime = m_ui->repetitionTime->value();
     request.voiGrid = m_ui->voiGrid->currentIndex() == 0 ? VoiGrid::Functional : VoiGrid::Anatomy;
+    request.cleaning = cleaning();
     request.name = m_ui->name->text();
     request.folder = m_ui->folder->path();
     return request;
+}
+
+/// Null without a table or a strategy.
+std::shared_ptr<const CleaningRequest> ImportDialog::cleaning() const
+{
+    if (m_ui->confounds->path().isEmpty() || m_ui->strategy->currentIndex() == 0)
+        return nullptr;
+    CleaningChoice choice{m_ui->confounds->path(), m_ui->strategy->currentText(), {}};
+    if (m_ui->fdThreshold->value() > 0)
+        choice.fdThreshold = m_ui->fdThreshold->value();
+    return cleaningOf(choice);
 }
 
 void ImportDialog::setRequest(const ImportRequest &request)
@@ -101,13 +124,35 @@ void ImportDialog::setRequest(const ImportRequest &request)
     m_ui->resolution->setValue(request.resolution.value_or(0));
     m_ui->repetitionTime->setValue(request.repetitionTime.value_or(0));
     m_ui->voiGrid->setCurrentIndex(request.voiGrid == VoiGrid::Functional ? 0 : 1);
+    if (request.cleaning) {
+        const CleaningChoice choice = choiceOf(*request.cleaning);
+        m_ui->confounds->setPath(choice.confounds);
+        m_ui->strategy->setCurrentText(choice.strategy);
+        m_ui->fdThreshold->setValue(choice.fdThreshold.value_or(0));
+    }
     m_ui->folder->setPath(request.folder);
     if (!request.name.isEmpty())
         m_ui->name->setText(request.name);
 }
 
+/// The table beside the run stands there until the user gives another.
+void ImportDialog::suggestConfounds()
+{
+    const QString suggestion = confoundsBeside(m_ui->functional->path());
+    if (suggestion == m_suggestedConfounds)
+        return;
+    const bool follows = m_ui->confounds->path() == m_suggestedConfounds;
+    m_suggestedConfounds = suggestion;
+    if (follows)
+        m_ui->confounds->setPath(suggestion);
+}
+
 void ImportDialog::inputChanged()
 {
+    suggestConfounds();
+    const bool hasTable = !m_ui->confounds->path().isEmpty();
+    m_ui->strategy->setEnabled(hasTable);
+    m_ui->fdThreshold->setEnabled(hasTable && m_ui->strategy->currentIndex() > 0);
     // The name follows the run until the user gives another.
     const QString suggestion = defaultImportName(m_ui->functional->path());
     if (m_ui->name->text() == m_suggestedName && suggestion != m_suggestedName) {
@@ -150,6 +195,7 @@ void ImportDialog::clearPlan(const QString &state)
     m_ui->grids->clear();
     m_ui->vois->setRowCount(0);
     m_ui->conditions->show(Prt(), 0);
+    m_ui->motion->hide();
     m_ui->notes->clear();
 }
 
@@ -171,11 +217,12 @@ void ImportDialog::showPlan()
                              .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
                                   QString::number(grid.size[2]), QString::number(grid.resolution),
                                   grid.copied ? tr("copied as they are") : tr("interpolated"),
-                                  QString::number(plan.volumes()),
+                                  QString::number(plan.keptVolumes()),
                                   QString::number(plan.repetitionTime)));
     m_ui->grids->show(plan);
     showVois(plan);
-    m_ui->conditions->show(plan.protocol, plan.volumes());
+    m_ui->conditions->show(plan.protocol, plan.keptVolumes());
+    showCleaning(plan);
     m_ui->notes->setPlainText(plan.notes.isEmpty() ? tr("Nothing to note.")
                                                    : plan.notes.join(QLatin1Char('\n')));
     const bool isName = isImportName(m_ui->name->text());
@@ -184,6 +231,16 @@ void ImportDialog::showPlan()
         m_ui->state->setText(tr("The name of the files is missing or cannot be used."));
     else if (m_ui->folder->path().isEmpty())
         m_ui->state->setText(m_ui->state->text() + tr(". Choose a folder to import into."));
+}
+
+void ImportDialog::showCleaning(const ImportPlan &plan)
+{
+    m_ui->motion->setVisible(plan.cleaning != nullptr);
+    if (plan.cleaning) {
+        m_ui->motion->show(plan.volumeChoice());
+        m_ui->state->setText(
+            tr("%1\nCleaned: %2").arg(m_ui->state->text(), ledgerText(*plannedVtc(plan).cleaning)));
+    }
 }
 
 void ImportDialog::showVois(const ImportPlan &plan)

@@ -42,9 +42,12 @@ private:
         QString fault;
     };
 
+    std::shared_ptr<const CleaningRequest> cleaning() const;
+    void suggestConfounds();
     void inputChanged();
     void startPlanning();
     void showPlan();
+    void showCleaning(const ImportPlan &plan);
     void showVois(const ImportPlan &plan);
     void clearPlan(const QString &state);
     void runImport();
@@ -52,6 +55,7 @@ private:
     std::unique_ptr<Ui::ImportDialog> m_ui;
     QPushButton *m_import;
     QString m_suggestedName;
+    QString m_suggestedConfounds;
     QTimer m_planSoon;
     QFutureWatcher<PlanOutcome> m_planning;
     std::shared_ptr<const ImportPlan> m_plan; ///< what is shown, null when nothing is

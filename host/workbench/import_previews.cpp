@@ -5,6 +5,8 @@
 #include "host/workbench/voi_overlay.h"
 
 #include <QPainter>
+#include <algorithm>
+#include <cmath>
 
 namespace corvane
 {
@@ -151,6 +153,56 @@ void ConditionTimeline::paintEvent(QPaintEvent *)
     painter.drawText(QRectF(left, y, width() - left - 6, line), Qt::AlignCenter, tr("Volume"));
     painter.drawText(QRectF(left, y, width() - left - 6, line), Qt::AlignRight | Qt::AlignVCenter,
                      QString::number(m_volumes));
+}
+
+// ---- motion
+
+MotionPreview::MotionPreview(QWidget *parent) : QWidget(parent)
+{
+    setAccessibleName(tr("Framewise displacement and volumes that are left out"));
+}
+
+void MotionPreview::show(const VolumeChoice &choice)
+{
+    m_choice = choice;
+    const auto gone = std::count(choice.leftOut.begin(), choice.leftOut.end(), true);
+    setAccessibleDescription(
+        tr("%1 of %2 volumes are left out").arg(gone).arg(choice.leftOut.size()));
+    update();
+}
+
+void MotionPreview::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().base());
+    double largest = m_choice.fdThreshold;
+    for (const double value : m_choice.displacement)
+        largest = std::max(largest, std::isfinite(value) ? value : 0);
+    painter.setPen(palette().color(QPalette::Text));
+    if (!(largest > 0)) {
+        painter.drawText(rect(), Qt::AlignCenter, tr("Framewise displacement is not known"));
+        return;
+    }
+    const QString scale = tr("FD, up to %1 mm").arg(largest, 0, 'f', 2);
+    const double margin = fontMetrics().horizontalAdvance(scale) + 12;
+    painter.drawText(QRectF(4, 0, margin, height()), Qt::AlignVCenter, scale);
+    const QRectF plot(margin, 4, width() - margin - 4, height() - 8);
+    const double step = plot.width() / double(m_choice.displacement.size());
+    for (std::size_t volume = 0; volume < m_choice.displacement.size(); ++volume) {
+        const QRectF slot(plot.left() + double(volume) * step, plot.top(), step, plot.height());
+        if (m_choice.leftOut[volume])
+            painter.fillRect(slot, QColor(213, 94, 0, 110));
+        const double value = m_choice.displacement[volume];
+        if (std::isfinite(value))
+            painter.fillRect(QRectF(slot.left(), plot.bottom() - value / largest * plot.height(),
+                                    std::max(1.0, step - 1), value / largest * plot.height()),
+                             palette().color(QPalette::Text));
+    }
+    if (m_choice.fdThreshold > 0) {
+        const double y = plot.bottom() - m_choice.fdThreshold / largest * plot.height();
+        painter.setPen(QPen(QColor(0, 114, 178), 1, Qt::DashLine));
+        painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+    }
 }
 
 } // namespace corvane

@@ -58,4 +58,26 @@ private:
     int m_volumes = 0;
 };
 
+/// Framewise displacement over the volumes of a run, with the threshold, and the volumes that are
+/// left out shaded.
+class MotionPreview : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit MotionPreview(QWidget *parent = nullptr);
+
+    void show(const VolumeChoice &choice);
+    using QWidget::show;
+
+    QSize sizeHint() const override { return {300, 50}; }
+    QSize minimumSizeHint() const override { return {200, 40}; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    VolumeChoice m_choice;
+};
+
 } // namespace corvane

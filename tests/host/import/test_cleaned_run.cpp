@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A protocol on the volumes that are kept, and what a header tells of a cleaning.
 #include "host/import/cleaned_run.h"
+#include "host/import/cleaning_choice.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/notes.h"
 #include "tests/signals/error_text.h"
 
+#include <QFileInfo>
 #include <gmock/gmock.h>
 
 namespace corvane
@@ -60,6 +62,60 @@ TEST(RenumberedProtocol, AnIntervalThatOnlyMovesIsNotTold)
     EXPECT_THAT(found.conditions[0].intervals,
                 ElementsAre(std::make_pair(1, 5), std::make_pair(9, 13)));
     EXPECT_EQ(joined(notes), "");
+}
+
+class ConfoundsBeside : public testing::Test
+{
+protected:
+    void make(std::initializer_list<const char *> names) const
+    {
+        for (const char *name : names)
+            putBytes(m_folder.path(name), "csf\n1\n");
+    }
+    std::string found(const char *run) const
+    {
+        const QString path = confoundsBeside(m_folder.path(run));
+        return path.isEmpty() ? "none" : QFileInfo(path).fileName().toStdString();
+    }
+
+private:
+    TemporaryFolder m_folder;
+};
+
+TEST_F(ConfoundsBeside, AreThoseWithTheMostOfTheRunsEntities)
+{
+    make({"sub-01_task-rest_desc-confounds_timeseries.tsv",
+          "sub-01_task-rest_run-2_desc-confounds_timeseries.tsv",
+          "sub-01_task-rest_run-3_desc-confounds_timeseries.tsv",
+          "sub-02_task-rest_desc-confounds_timeseries.tsv"});
+    EXPECT_EQ(found("sub-01_task-rest_run-2_space-T1w_desc-preproc_bold.nii.gz"),
+              "sub-01_task-rest_run-2_desc-confounds_timeseries.tsv");
+    EXPECT_EQ(found("sub-01_task-rest_space-T1w_desc-preproc_bold.nii.gz"),
+              "sub-01_task-rest_desc-confounds_timeseries.tsv");
+    EXPECT_EQ(found("sub-03_task-rest_bold.nii.gz"), "none");
+}
+
+TEST_F(ConfoundsBeside, OfAnOlderPipelineAreFoundAndTwoAsGoodAreNone)
+{
+    make({"sub-01_task-rest_desc-confounds_regressors.tsv"});
+    EXPECT_EQ(found("sub-01_task-rest_bold.nii.gz"),
+              "sub-01_task-rest_desc-confounds_regressors.tsv");
+    make({"sub-01_task-rest_desc-confounds_timeseries.tsv"});
+    EXPECT_EQ(found("sub-01_task-rest_bold.nii.gz"), "none");
+}
+
+TEST(CleaningChoice, BecomesARequestAndBack)
+{
+    const auto request = cleaningOf({QStringLiteral("a.tsv"), QStringLiteral("36P"), 0.4});
+    EXPECT_EQ(request->strategy.strategy, "36P");
+    EXPECT_EQ(request->strategy.fd_threshold, 0.4);
+    const CleaningChoice choice = choiceOf(*request);
+    EXPECT_EQ(choice.confounds, QStringLiteral("a.tsv"));
+    EXPECT_EQ(choice.strategy, QStringLiteral("36P"));
+    EXPECT_EQ(choice.fdThreshold, 0.4);
+    EXPECT_TRUE(strategyNames().contains(QStringLiteral("36P")));
+    EXPECT_FALSE(strategyNames().join(QLatin1Char(' ')).contains(QLatin1String("columns")));
+    EXPECT_TRUE(strategyText(QStringLiteral("scrubbing")).contains(QLatin1String("left out: FD")));
 }
 
 TEST(ImportCleaning, KeepsTheUnitOfTheRun)

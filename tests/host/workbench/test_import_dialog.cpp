@@ -2,13 +2,16 @@
 //
 // The import dialog on the example dataset.
 #include "host/files/vtc_file.h"
+#include "host/import/cleaning_choice.h"
 #include "host/import/example_dataset.h"
+#include "host/workbench/file_field.h"
 #include "host/workbench/import_dialog.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/workbench/dropping.h"
 #include "tests/support/busy_pool.h"
 #include "tests/support/modal_driver.h"
 
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
@@ -108,6 +111,52 @@ TEST_F(ImportDialogTest, ShowsWhatGoesWhereAndImportsIt)
     for (const QString &file : dialog.importedFiles())
         EXPECT_TRUE(QFileInfo::exists(file)) << file.toStdString();
     EXPECT_EQ(VtcFile(dialog.importedFiles().last()).info().nrOfVolumes, 200);
+}
+
+TEST_F(ImportDialogTest, CleansByTheConfoundsBesideTheRun)
+{
+    ImportRequest request = exampleRequest();
+    request.functional = source->path("sub-01_task-rest_space-T1w_desc-preproc_bold.nii.gz");
+    request.events.clear();
+    showWith(request);
+    waitForPreview();
+    // Found by its name; nothing is cleaned before a strategy is chosen.
+    auto *const confounds = dialog.findChild<FileField *>(QStringLiteral("confounds"));
+    EXPECT_EQ(confounds->path(), source->path("sub-01_task-rest_desc-confounds_timeseries.tsv"));
+    auto *const motion = dialog.findChild<QWidget *>(QStringLiteral("motion"));
+    EXPECT_FALSE(motion->isVisible());
+
+    dialog.findChild<QComboBox *>(QStringLiteral("strategy"))
+        ->setCurrentText(QStringLiteral("36P"));
+    dialog.findChild<QDoubleSpinBox *>(QStringLiteral("fdThreshold"))->setValue(0.5);
+    EXPECT_FALSE(importButton()->isEnabled());
+    waitForPreview();
+    EXPECT_TRUE(motion->isVisible());
+    EXPECT_TRUE(state().endsWith(QStringLiteral(
+        "154 volumes, one each 2 s\nCleaned: 36P, order joint, FD > 0.5 mm left out: "
+        "154 of 200 volumes kept, 110 degrees of freedom left")))
+        << state().toStdString();
+    EXPECT_EQ(motion->accessibleDescription(), QStringLiteral("46 of 200 volumes are left out"));
+
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    const VtcFile vtc(dialog.importedFiles().last());
+    EXPECT_EQ(vtc.info().nrOfVolumes, 154);
+    ASSERT_TRUE(vtc.info().cleaning.has_value());
+    EXPECT_EQ(vtc.info().cleaning->kept, 154);
+}
+
+TEST_F(ImportDialogTest, TellsWhatTheConfoundsLack)
+{
+    ImportRequest request = exampleRequest();
+    request.cleaning =
+        cleaningOf({source->path("sub-01_task-movement_events.tsv"), QStringLiteral("36P"), {}});
+    showWith(request);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return state().contains(QStringLiteral("sub-01_task-movement_events.tsv: ")); },
+        30000))
+        << state().toStdString();
+    EXPECT_FALSE(importButton()->isEnabled());
 }
 
 TEST_F(ImportDialogTest, ACancelledImportLeavesNothing)
