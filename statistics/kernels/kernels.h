@@ -41,8 +41,8 @@ extern const Kernels plain_kernels;
 extern const Kernels avx2_kernels;
 extern const Kernels avx512_kernels;
 
-/// The widest kernels that this processor runs. The environment variable STATISTICS_KERNELS can name
-/// narrower ones, for comparing them.
+/// The widest kernels that this processor runs. The environment variable STATISTICS_KERNELS can
+/// name narrower ones, for comparing them.
 const Kernels &kernels();
 
 /// The kernels of that name ("plain", "avx2", "avx512"), or null if this processor or build lacks
