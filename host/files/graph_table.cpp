@@ -232,27 +232,40 @@ private:
 
 // ---- what cells hold
 
-/// A number of single precision, or "nan", "inf" and "-inf" in any case of letters.
-std::optional<float> numberOf(Cell cell)
+/// A number, or "nan", "inf" and "-inf" in any case of letters.
+std::optional<double> anyNumber(Cell cell)
 {
-    // By way of double: numbers below the smallest float are 0, not out of range.
     double value = 0.0;
     const char *const end = cell.data() + cell.size();
     const auto result = std::from_chars(cell.data(), end, value);
     const bool isNumber = result.ec == std::errc() && result.ptr == end;
-    const bool fits = std::isinf(value) || !(std::abs(value) > std::numeric_limits<float>::max());
-    return isNumber && fits ? std::optional(static_cast<float>(value)) : std::nullopt;
+    return isNumber ? std::optional(value) : std::nullopt;
 }
 
-bool isText(Cell cell)
+/// The numbers that a table may hold.
+struct Numbers {
+    std::optional<double> (*of)(Cell cell);
+    const char *name;
+};
+
+/// Those that fit into single precision; numbers below the smallest float are 0 there, not out of
+/// range.
+std::optional<double> singleNumber(Cell cell)
 {
-    return !cell.empty() && !numberOf(cell);
+    const std::optional<double> number = anyNumber(cell);
+    const bool fits =
+        number && (std::isinf(*number) || !(std::abs(*number) > std::numeric_limits<float>::max()));
+    return fits ? number : std::nullopt;
 }
 
-bool areTexts(const std::vector<Cell> &cells)
+std::optional<double> numberOrMissing(Cell cell)
 {
-    return !cells.empty() && std::all_of(cells.begin(), cells.end(), isText);
+    return cell == "n/a" ? std::optional(std::numeric_limits<double>::quiet_NaN())
+                         : anyNumber(cell);
 }
+
+constexpr Numbers singleNumbers{singleNumber, "a number of single precision"};
+constexpr Numbers numbersOrMissing{numberOrMissing, "a number or n/a"};
 
 /// Numbers that name things: whole and all different.
 bool areCounters(const std::vector<Cell> &cells)
@@ -284,7 +297,8 @@ QString nameOf(Cell cell, const QString &path, const QString &where)
 class Table
 {
 public:
-    Table(std::vector<Row> rows, const QString &path) : m_path(path), m_rows(std::move(rows))
+    Table(std::vector<Row> rows, const QString &path, const Numbers &numbers)
+        : m_path(path), m_numbers(numbers), m_rows(std::move(rows))
     {
         if (m_rows.empty())
             throw InputError(m_path, QStringLiteral("row 1, column 1"),
@@ -295,9 +309,16 @@ public:
         requireSquare();
     }
 
-    GraphTable graph() const { return {names(), weights(), {}}; }
+    MatrixTable matrix() const { return {names(), values(), {}}; }
 
 private:
+    bool isText(Cell cell) const { return !cell.empty() && !m_numbers.of(cell); }
+    bool areTexts(const std::vector<Cell> &cells) const
+    {
+        return !cells.empty() &&
+               std::all_of(cells.begin(), cells.end(), [this](Cell cell) { return isText(cell); });
+    }
+
     /// A header above an index may lack the corner.
     bool lacksCorner() const { return m_rows.front().cells.size() + 1 == m_width; }
     std::size_t size() const { return m_rows.size() - m_firstRow; }
@@ -325,7 +346,7 @@ private:
         }
         const std::vector<Cell> others(first.begin() + 1, first.end());
         const bool isNumbered = first.front().empty() && areCounters(others);
-        const bool isNamed = !numberOf(first.front()) && (others.empty() || areTexts(others));
+        const bool isNamed = !m_numbers.of(first.front()) && (others.empty() || areTexts(others));
         const bool mayBeHeader = m_rows.size() > 1 && (isNamed || isNumbered);
         m_firstRow = mayBeHeader ? 1 : 0;
 
@@ -375,15 +396,15 @@ private:
         }
     }
 
-    Eigen::MatrixXf weights() const
+    Eigen::MatrixXd values() const
     {
         const auto n = static_cast<Eigen::Index>(size());
-        Eigen::MatrixXf matrix(n, n);
+        Eigen::MatrixXd matrix(n, n);
         for (Eigen::Index i = 0; i < n; ++i) {
             const Row &row = m_rows[m_firstRow + static_cast<std::size_t>(i)];
             for (Eigen::Index j = 0; j < n; ++j) {
                 const std::size_t column = m_firstColumn + static_cast<std::size_t>(j);
-                const std::optional<float> number = numberOf(row.cells[column]);
+                const std::optional<double> number = m_numbers.of(row.cells[column]);
                 if (!number)
                     throw InputError(m_path, place(row, column), found(row.cells[column]),
                                      expected(row.cells[column]));
@@ -393,9 +414,9 @@ private:
         return matrix;
     }
 
-    static QString expected(Cell cell)
+    QString expected(Cell cell) const
     {
-        const QString number = QStringLiteral("a number of single precision");
+        const QString number = QLatin1String(m_numbers.name);
         return cell.find_first_of("; ") == Cell::npos
                    ? number
                    : number + QStringLiteral(", and commas or tabs between numbers");
@@ -407,28 +428,41 @@ private:
     }
 
     QString m_path;
+    const Numbers &m_numbers;
     std::vector<Row> m_rows;
     std::size_t m_width = 0;
     std::size_t m_firstRow = 0;    ///< of the matrix: 1 below a header
     std::size_t m_firstColumn = 0; ///< 1 beside an index
 };
 
+MatrixTable parseTable(const QByteArray &bytes, const QString &path, const Numbers &numbers)
+{
+    Reader reader(bytes, path);
+    MatrixTable table = Table(reader.rows(), path, numbers).matrix();
+    if (reader.comments() > 0)
+        table.notes += QStringLiteral("%1: %2 skipped")
+                           .arg(printable(path, 4096), counted(reader.comments(), "comment line"));
+    return table;
+}
+
 } // namespace
 
 GraphTable parseGraphTable(const QByteArray &bytes, const QString &path)
 {
-    Reader reader(bytes, path);
-    GraphTable graph = Table(reader.rows(), path).graph();
-    if (reader.comments() > 0)
-        graph.notes += QStringLiteral("%1: %2 skipped")
-                           .arg(printable(path, 4096), counted(reader.comments(), "comment line"));
-    return graph;
+    const MatrixTable table = parseTable(bytes, path, singleNumbers);
+    return {table.names, table.values.cast<float>(), table.notes};
 }
 
 GraphTable readGraphTable(const QString &path)
 {
     const InputFile file(path);
     return parseGraphTable(file.all(largestText), path);
+}
+
+MatrixTable readMatrixTable(const QString &path)
+{
+    const InputFile file(path);
+    return parseTable(file.all(largestText), path, numbersOrMissing);
 }
 
 } // namespace corvane

@@ -16,6 +16,13 @@ struct GraphTable {
     QStringList notes; ///< what was skipped, one line for each kind
 };
 
+/// The same in double precision, NaN where a cell holds no number.
+struct MatrixTable {
+    QStringList names;
+    Eigen::MatrixXd values;
+    QStringList notes;
+};
+
 /// Reads a square matrix from text. Between its cells stand tabs, commas or semicolons, whichever
 /// of these, in this order, the first line holds, or else blanks. A header row of names, an index
 /// column of names, or both may stand around it; the corner above an index may be empty, hold a
@@ -30,5 +37,8 @@ GraphTable readGraphTable(const QString &path);
 
 /// The same from the bytes of a file, whose path is for messages only.
 GraphTable parseGraphTable(const QByteArray &bytes, const QString &path);
+
+/// Reads such a table with numbers of double precision and "n/a" among them.
+MatrixTable readMatrixTable(const QString &path);
 
 } // namespace corvane
