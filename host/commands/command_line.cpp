@@ -28,7 +28,7 @@ QByteArray helpText(const QCommandLineParser &parser, const QString &command)
 } // namespace
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
-                    const QStringList &plainArguments)
+                    const QStringList &plainArguments, const QStringList &repeatable)
 {
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Tells all this."));
@@ -40,7 +40,7 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
         std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
         return false;
     }
-    refuseRepeatedOptions(parser);
+    refuseRepeatedOptions(parser, repeatable);
     const QStringList plain = parser.positionalArguments();
     const int wanted = plainArguments.size();
     if (plain.size() > wanted)
@@ -50,11 +50,11 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
     return true;
 }
 
-void refuseRepeatedOptions(const QCommandLineParser &parser)
+void refuseRepeatedOptions(const QCommandLineParser &parser, const QStringList &repeatable)
 {
     QSet<QString> seen;
     for (const QString &option : parser.optionNames()) {
-        if (seen.contains(option))
+        if (seen.contains(option) && !repeatable.contains(option))
             throw UsageError(QStringLiteral("--%1 is given twice").arg(option));
         seen.insert(option);
     }

@@ -12,7 +12,7 @@ const std::vector<Command> &commands()
 #ifdef CORVANE_IMPORT
         exampleCommand(),    importCommand(),
 #endif
-        computeCommand(),    graphCommand(),
+        computeCommand(),    graphCommand(),  groupCommand(),
 #ifdef CORVANE_IMPORT
         connectomeCommand(), tourCommand(),
 #endif

@@ -13,6 +13,7 @@ Command computeCommand();
 Command connectomeCommand();
 Command exampleCommand();
 Command graphCommand();
+Command groupCommand();
 Command importCommand();
 Command tourCommand();
 Command workbenchCommand();

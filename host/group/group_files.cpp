@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/group/group_files.h"
+
+#include "host/files/output_file.h"
+#include "host/files/text_check.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cmath>
+
+namespace corvane
+{
+
+namespace
+{
+
+using statistics::Index;
+
+QByteArray cell(double number)
+{
+    return std::isnan(number) ? QByteArray("n/a") : shortestDecimal(number);
+}
+
+QByteArray cell(const std::string &text)
+{
+    return QByteArray::fromStdString(text);
+}
+
+QByteArray cell(Index number)
+{
+    return QByteArray::number(qlonglong(number));
+}
+
+QByteArray line(const QByteArrayList &cells)
+{
+    return cells.join('\t') + '\n';
+}
+
+/// The design after the first contrast's rows: those of pairs if participants are paired.
+QByteArray designTable(const ContrastResult &result)
+{
+    QByteArrayList head{"participant_id"};
+    for (const std::string &column : result.hypothesis.columns)
+        head += cell(column);
+    QByteArray table = line(head);
+    for (Index row = 0; row < result.hypothesis.design.rows(); ++row) {
+        QByteArrayList cells{cell(result.participants[row])};
+        for (Index column = 0; column < result.hypothesis.design.cols(); ++column)
+            cells += cell(result.hypothesis.design(row, column));
+        table += line(cells);
+    }
+    return table;
+}
+
+QByteArray edgeTable(const GroupData &data, const std::vector<ContrastResult> &results)
+{
+    const auto pairs = statistics::node_pairs(static_cast<int>(data.nodes.size()));
+    QByteArray table = line(
+        {"contrast", "node_1", "node_2", "estimate", "t", "F", "df", "p", "p_perm", "p_fwe", "q"});
+    for (const ContrastResult &result : results) {
+        const statistics::GlmResult &model = result.test.model;
+        const bool isF = result.hypothesis.is_f();
+        for (Index e = 0; e < model.statistic.size(); ++e) {
+            const QByteArray statistic = cell(model.statistic(e));
+            table += line({cell(result.hypothesis.name), cell(data.nodes[pairs[e].first]),
+                           cell(data.nodes[pairs[e].second]),
+                           isF ? QByteArray("n/a") : cell(model.estimate(e)),
+                           isF ? QByteArray("n/a") : statistic, isF ? statistic : QByteArray("n/a"),
+                           cell(model.df), cell(model.p(e)), cell(result.test.p_permuted(e)),
+                           cell(result.test.p_fwe(e)), cell(result.test.q(e))});
+        }
+    }
+    return table;
+}
+
+QByteArray sideName(statistics::Side side)
+{
+    switch (side) {
+    case statistics::Side::greater:
+        break;
+    case statistics::Side::less:
+        return "less";
+    case statistics::Side::both:
+        return "both";
+    }
+    return "greater";
+}
+
+/// The edges of a component: pairs of the nodes' places in the table of edges, from 0.
+QByteArray members(const statistics::Component &component,
+                   const std::vector<statistics::NodePair> &pairs)
+{
+    QByteArrayList edges;
+    for (const Index e : component.edges)
+        edges += QByteArray::number(pairs[e].first) + '-' + QByteArray::number(pairs[e].second);
+    return edges.join(' ');
+}
+
+QByteArray componentTable(const GroupData &data, const std::vector<ContrastResult> &results)
+{
+    const auto pairs = statistics::node_pairs(static_cast<int>(data.nodes.size()));
+    QByteArray table = line({"contrast", "threshold", "side", "edges", "intensity", "p_extent",
+                             "p_intensity", "members"});
+    for (const ContrastResult &result : results) {
+        for (const statistics::NetworkResult &network : result.test.networks) {
+            for (const statistics::Component &component : network.components) {
+                table += line({cell(result.hypothesis.name), cell(network.threshold),
+                               sideName(component.side), cell(Index(component.edges.size())),
+                               cell(component.intensity), cell(component.p_extent),
+                               cell(component.p_intensity), members(component, pairs)});
+            }
+        }
+    }
+    return table;
+}
+
+/// The two nodes of an edge, or "n/a" without one.
+QByteArrayList nodesOf(Index edge, const GroupData &data,
+                       const std::vector<statistics::NodePair> &pairs)
+{
+    if (edge < 0)
+        return {"n/a", "n/a"};
+    return {cell(data.nodes[pairs[edge].first]), cell(data.nodes[pairs[edge].second])};
+}
+
+QByteArray influenceTable(const GroupData &data, const std::vector<ContrastResult> &results,
+                          bool withNetworks)
+{
+    const auto pairs = statistics::node_pairs(static_cast<int>(data.nodes.size()));
+    QByteArray table = line({"contrast", "participant_id", "leverage", "t_change", "node_1",
+                             "node_2", "edges", "jaccard"});
+    for (const ContrastResult &result : results) {
+        for (std::size_t i = 0; i < result.influences.size(); ++i) {
+            const statistics::Influence &without = result.influences[i];
+            const bool hasNetworks = withNetworks && without.t_edge >= 0;
+            table += line(QByteArrayList{cell(result.hypothesis.name), cell(result.participants[i]),
+                                         cell(without.leverage), cell(without.t_change)} +
+                          nodesOf(without.t_edge, data, pairs) +
+                          QByteArrayList{hasNetworks ? cell(without.extent) : "n/a",
+                                         hasNetworks ? cell(without.jaccard) : "n/a"});
+        }
+    }
+    return table;
+}
+
+QJsonArray texts(const std::vector<std::string> &values)
+{
+    QJsonArray array;
+    for (const std::string &value : values)
+        array += QString::fromStdString(value);
+    return array;
+}
+
+QJsonObject contrastFacts(const ContrastResult &result)
+{
+    QJsonArray weights;
+    for (Index row = 0; row < result.hypothesis.contrast.rows(); ++row) {
+        QJsonArray values;
+        for (Index column = 0; column < result.hypothesis.contrast.cols(); ++column)
+            values += result.hypothesis.contrast(row, column);
+        weights += values;
+    }
+    return {
+        {QStringLiteral("Name"), QString::fromStdString(result.hypothesis.name)},
+        {QStringLiteral("Columns"), texts(result.hypothesis.columns)},
+        {QStringLiteral("Weights"), weights},
+        {QStringLiteral("Statistic"),
+         result.hypothesis.is_f() ? QStringLiteral("F") : QStringLiteral("t")},
+        {QStringLiteral("DegreesOfFreedom"), result.hypothesis.df},
+        {QStringLiteral("Exchange"),
+         result.bySigns ? QStringLiteral("signs") : QStringLiteral("permutations")},
+        {QStringLiteral("Rearrangements"), qint64(result.test.rearrangements)},
+        {QStringLiteral("AllRearrangements"), result.test.is_exhaustive},
+        {QStringLiteral("ConstantEdges"), qint64(result.test.model.constant_edges.size())},
+    };
+}
+
+QJsonObject settings(const GroupRequest &request, const GroupData &data)
+{
+    QJsonArray thresholds;
+    for (const double threshold : request.thresholds)
+        thresholds += threshold;
+    return {
+        {QStringLiteral("Table"), request.table},
+        {QStringLiteral("Formula"), request.formula},
+        {QStringLiteral("Contrasts"), QJsonArray::fromStringList(request.contrasts)},
+        {QStringLiteral("Sides"), nameOf(request.sides)},
+        {QStringLiteral("Thresholds"), thresholds},
+        {QStringLiteral("Permutations"), request.permutations},
+        // As text: JSON has no whole numbers of 64 bits.
+        {QStringLiteral("Seed"), QString::number(request.seed)},
+        {QStringLiteral("PermutationFile"), request.permutationFile},
+        {QStringLiteral("Blocks"), request.blocks},
+        {QStringLiteral("Paired"), request.paired},
+        {QStringLiteral("FisherZ"), nameOf(request.fisherZ)},
+        {QStringLiteral("FisherZApplied"), data.isFisherZ},
+        {QStringLiteral("MinNodeSubjects"), request.minNodeSubjects},
+    };
+}
+
+QByteArray sidecar(const GroupRequest &request, const GroupData &data,
+                   const std::vector<ContrastResult> &results)
+{
+    QJsonArray contrasts;
+    for (const ContrastResult &result : results)
+        contrasts += contrastFacts(result);
+    const QJsonObject json{
+        {QStringLiteral("Settings"), settings(request, data)},
+        {QStringLiteral("Participants"), texts(data.participants)},
+        {QStringLiteral("Nodes"), texts(data.nodes)},
+        {QStringLiteral("LeftOut"), QJsonArray::fromStringList(data.left)},
+        {QStringLiteral("ClippedCorrelations"), data.clipped},
+        {QStringLiteral("Contrasts"), contrasts},
+    };
+    return QJsonDocument(json).toJson();
+}
+
+} // namespace
+
+QString nameOf(statistics::Sides sides)
+{
+    switch (sides) {
+    case statistics::Sides::each:
+        break;
+    case statistics::Sides::both:
+        return QStringLiteral("both");
+    case statistics::Sides::greater:
+        return QStringLiteral("greater");
+    case statistics::Sides::less:
+        return QStringLiteral("less");
+    }
+    return QStringLiteral("each");
+}
+
+QString nameOf(FisherZ use)
+{
+    switch (use) {
+    case FisherZ::Auto:
+        break;
+    case FisherZ::Yes:
+        return QStringLiteral("yes");
+    case FisherZ::No:
+        return QStringLiteral("no");
+    }
+    return QStringLiteral("auto");
+}
+
+void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, const GroupData &data,
+                     const std::vector<ContrastResult> &results)
+{
+    const bool hasNetworks = !request.thresholds.empty();
+    bool hasInfluences = false;
+    for (const ContrastResult &result : results)
+        hasInfluences = hasInfluences || !result.influences.empty();
+
+    writeFile(folder.path(QStringLiteral("design.tsv")), designTable(results.front()));
+    writeFile(folder.path(QStringLiteral("edges.tsv")), edgeTable(data, results));
+    if (hasNetworks)
+        writeFile(folder.path(QStringLiteral("components.tsv")), componentTable(data, results));
+    if (hasInfluences)
+        writeFile(folder.path(QStringLiteral("influence.tsv")),
+                  influenceTable(data, results, hasNetworks));
+    writeFile(folder.path(QStringLiteral("group.json")), sidecar(request, data, results));
+}
+
+} // namespace corvane

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/group/group_tests.h"
+
+#include "host/files/input_error.h"
+#include "host/files/text_lines.h"
+#include "statistics/error.h"
+#include "statistics/paired.h"
+
+#include <QRegularExpression>
+
+namespace corvane
+{
+
+namespace
+{
+
+using statistics::Index;
+
+/// Rows of whole numbers with tabs, commas or blanks between them.
+Eigen::MatrixXi readPermutations(const QString &path)
+{
+    static const QRegularExpression between(QStringLiteral("[\\s,;]+"));
+    const std::vector<TextLine> lines = readTextLines(path);
+    Eigen::MatrixXi permutations;
+    for (std::size_t row = 0; row < lines.size(); ++row) {
+        const QStringList cells = lines[row].text.split(between, Qt::SkipEmptyParts);
+        if (row == 0)
+            permutations.resize(static_cast<Index>(lines.size()), cells.size());
+        const QString place = QStringLiteral("line %1").arg(lines[row].number);
+        if (cells.size() != permutations.cols())
+            throw InputError(path, place, QStringLiteral("%1 numbers").arg(cells.size()),
+                             QStringLiteral("%1 as in the first line").arg(permutations.cols()));
+        for (int column = 0; column < cells.size(); ++column) {
+            bool isNumber = false;
+            permutations(static_cast<Index>(row), column) = cells[column].toInt(&isNumber);
+            if (!isNumber)
+                throw InputError(path, place, quoted(cells[column]),
+                                 QStringLiteral("the number of a participant, from 0"));
+        }
+    }
+    if (lines.empty())
+        throw InputError(path, QStringLiteral("content"), QStringLiteral("no line"),
+                         QStringLiteral("a permutation in each line"));
+    return permutations;
+}
+
+statistics::RearrangementOptions rearrangementsOf(const GroupData &data,
+                                                  const GroupRequest &request)
+{
+    statistics::RearrangementOptions options;
+    options.count = request.permutations;
+    options.seed = request.seed;
+    options.blocks = data.blocks;
+    if (!request.permutationFile.isEmpty())
+        options.given = readPermutations(request.permutationFile);
+    return options;
+}
+
+/// The column that a contrast of pairs is about.
+std::string testedColumn(const statistics::Contrast &contrast, const statistics::Design &design)
+{
+    std::string tested;
+    for (std::size_t c = 0; c < design.columns.size(); ++c) {
+        if ((contrast.weights.col(static_cast<Index>(c)).array() == 0.0).all())
+            continue;
+        if (!tested.empty())
+            throw statistics::Error("contrast " + contrast.name +
+                                    ": one of pairs is about a single column, this one about " +
+                                    tested + " and " + design.columns[c]);
+        tested = design.columns[c];
+    }
+    return tested;
+}
+
+/// A contrast's model and the data that it is of.
+struct Model {
+    statistics::Hypothesis hypothesis;
+    statistics::EdgeData edges;
+    std::vector<std::string> participants;
+};
+
+Model modelOf(const GroupData &data, bool paired, const QString &text)
+{
+    const statistics::Contrast contrast =
+        statistics::read_contrast(text.toStdString(), data.design.columns);
+    if (!paired)
+        return {statistics::make_hypothesis(data.design.matrix, data.design.columns, contrast),
+                data.edges, data.participants};
+    const statistics::PairedDesign pairs =
+        statistics::pair_rows(data.design, data.participants, testedColumn(contrast, data.design));
+    const statistics::Contrast ofPairs =
+        statistics::read_contrast(text.toStdString(), pairs.columns);
+    return {statistics::make_hypothesis(pairs.matrix, pairs.columns, ofPairs),
+            statistics::differences(data.edges, pairs), pairs.participants};
+}
+
+} // namespace
+
+ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
+                            const QString &contrast, const ProgressWatch &watch)
+{
+    Model model = modelOf(data, request.paired, contrast);
+    const statistics::Rearrangements rearrangements(model.hypothesis,
+                                                    rearrangementsOf(data, request));
+    statistics::PermutationTestOptions options;
+    options.sides = request.sides;
+    options.thresholds = request.thresholds;
+    options.threads = request.threads;
+    options.progress = [&](Index done, Index count) { tellProgress(watch, done, count); };
+
+    ContrastResult result;
+    result.bySigns = rearrangements.has_signs();
+    result.test =
+        statistics::permutation_test(model.edges, model.hypothesis, rearrangements, options);
+    if (!model.hypothesis.is_f() && model.hypothesis.df > 1.0) {
+        const auto threshold =
+            request.thresholds.empty() ? std::nullopt : std::optional(request.thresholds.front());
+        result.influences = statistics::LeaveOneOut(model.edges, model.hypothesis)
+                                .influences(threshold, request.sides, request.threads);
+    }
+    result.hypothesis = std::move(model.hypothesis);
+    result.participants = std::move(model.participants);
+    return result;
+}
+
+} // namespace corvane
