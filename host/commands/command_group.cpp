@@ -158,6 +158,9 @@ int run(const QStringList &arguments)
     std::vector<ContrastResult> results;
     for (const QString &contrast : request.contrasts)
         results.push_back(testContrast(data, request, contrast, progress.watch()));
+    for (const ContrastResult &result : results)
+        for (const QString &line : result.notes)
+            std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     OutputFolder files(folder, arguments.front());
     writeGroupFiles(files, request, data, results);
     for (const QString &line : files.commit())

@@ -173,6 +173,7 @@ QJsonObject contrastFacts(const ContrastResult &result)
         {QStringLiteral("Rearrangements"), qint64(result.test.rearrangements)},
         {QStringLiteral("AllRearrangements"), result.test.is_exhaustive},
         {QStringLiteral("ConstantEdges"), qint64(result.test.model.constant_edges.size())},
+        {QStringLiteral("Notes"), QJsonArray::fromStringList(result.notes)},
     };
 }
 

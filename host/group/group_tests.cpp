@@ -94,6 +94,31 @@ Model modelOf(const GroupData &data, bool paired, const QString &text)
             statistics::differences(data.edges, pairs), pairs.participants};
 }
 
+/// Whether the reduced model has what is common to the rows of each block.
+bool holdsBlocks(const statistics::Hypothesis &hypothesis, const std::vector<std::string> &blocks)
+{
+    for (const std::string &label : blocks) {
+        Eigen::VectorXd inBlock(static_cast<Index>(blocks.size()));
+        for (std::size_t i = 0; i < blocks.size(); ++i)
+            inBlock(static_cast<Index>(i)) = blocks[i] == label ? 1.0 : 0.0;
+        const double explained = (hypothesis.nuisance.transpose() * inBlock).squaredNorm();
+        if (explained < inBlock.squaredNorm() * (1.0 - 1e-9))
+            return false;
+    }
+    return true;
+}
+
+QStringList notesOf(const statistics::Hypothesis &hypothesis, const GroupData &data,
+                    const QString &blocks)
+{
+    const bool hasCovariates = hypothesis.nuisance.cols() > 1;
+    if (!hasCovariates || holdsBlocks(hypothesis, data.blocks))
+        return {};
+    return {QStringLiteral("contrast %1: with covariates the formula should name the blocks as "
+                           "well, as in \"+ C(%2)\"; else p values are only rough")
+                .arg(QString::fromStdString(hypothesis.name), blocks)};
+}
+
 } // namespace
 
 ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
@@ -109,6 +134,7 @@ ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
     options.progress = [&](Index done, Index count) { tellProgress(watch, done, count); };
 
     ContrastResult result;
+    result.notes = notesOf(model.hypothesis, data, request.blocks);
     result.bySigns = rearrangements.has_signs();
     result.test =
         statistics::permutation_test(model.edges, model.hypothesis, rearrangements, options);

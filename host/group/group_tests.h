@@ -17,6 +17,7 @@ struct ContrastResult {
     statistics::PermutationTestResult test;
     /// For each participant what the result would be without; empty for F.
     std::vector<statistics::Influence> influences;
+    QStringList notes; ///< what the user should know, one line each
 };
 
 /// Tests one contrast at all edges, and networks above the thresholds. Throws InputError for a file

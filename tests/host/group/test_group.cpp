@@ -242,6 +242,24 @@ TEST_F(Group, PairsAreTestedBySigns)
     EXPECT_TRUE(contrast.value(QStringLiteral("AllRearrangements")).toBool());
 }
 
+TEST_F(Group, BlocksThatTheFormulaLacksBesideCovariatesAreTold)
+{
+    writeStudy();
+    const auto errors = [&](const char *formula) {
+        const ProgramRun done =
+            run({QStringLiteral("--formula"), QLatin1String(formula), QStringLiteral("--contrast"),
+                 QStringLiteral("g=group[Patient]"), QStringLiteral("--blocks"),
+                 QStringLiteral("site"), QStringLiteral("--permutations"), QStringLiteral("99")});
+        EXPECT_EQ(done.status, 0) << done.errors.toStdString();
+        return done.errors;
+    };
+    EXPECT_EQ(errors("group"), "");
+    EXPECT_EQ(errors("group + age + site"), "");
+    EXPECT_EQ(errors("group + age"),
+              "contrast g: with covariates the formula should name the blocks as well, as in \"+ "
+              "C(site)\"; else p values are only rough\n");
+}
+
 TEST_F(Group, SeveralContrastsAndF)
 {
     writeStudy();
