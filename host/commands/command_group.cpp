@@ -3,6 +3,7 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
+#include "host/commands/option_values.h"
 #include "host/files/input_error.h"
 #include "host/files/output_folder.h"
 #include "host/files/text_check.h"
@@ -10,30 +11,14 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
 #include <cstdio>
-#include <limits>
 
 namespace corvane
 {
 
 namespace
 {
-
-/// The value of an option, of those that it may take by their names.
-template <typename Value>
-Value chosen(const QCommandLineParser &parser, const QString &option,
-             std::initializer_list<Value> values)
-{
-    const QString found = parser.value(option);
-    QStringList names;
-    for (const Value value : values) {
-        if (nameOf(value) == found)
-            return value;
-        names += nameOf(value);
-    }
-    throw UsageError(QStringLiteral("--%1: found \"%2\", expected one of: %3")
-                         .arg(option, found, names.join(QStringLiteral(", "))));
-}
 
 std::vector<double> thresholds(const QString &text)
 {
@@ -51,49 +36,33 @@ std::vector<double> thresholds(const QString &text)
     return numbers;
 }
 
-qint64 wholeValue(const QCommandLineParser &parser, const QString &option, qint64 least,
-                  qint64 most)
+double shareValue(const QCommandLineParser &parser, const char *option)
 {
-    const std::optional<qint64> number = wholeNumber(parser.value(option));
-    if (!number || *number < least || *number > most)
-        throw UsageError(QStringLiteral("--%1: found \"%2\", expected a whole number from %3 to %4")
-                             .arg(option, parser.value(option))
-                             .arg(least)
-                             .arg(most));
-    return *number;
-}
-
-double shareValue(const QCommandLineParser &parser, const QString &option)
-{
-    const std::optional<double> number = finiteNumber(parser.value(option));
-    if (!number || *number < 0 || *number > 1)
-        throw UsageError(QStringLiteral("--%1: found \"%2\", expected a share from 0 to 1")
-                             .arg(option, parser.value(option)));
-    return *number;
+    const double share = *numberValue(parser, option, 0);
+    if (share > 1)
+        throw UsageError(QStringLiteral("--%1: found %2, expected a share from 0 to 1")
+                             .arg(QLatin1String(option))
+                             .arg(share));
+    return share;
 }
 
 GroupRequest requestOf(const QCommandLineParser &parser)
 {
-    using statistics::Sides;
     GroupRequest request;
     request.table = requiredValue(parser, QStringLiteral("table"));
     request.formula = requiredValue(parser, QStringLiteral("formula"));
     requiredValue(parser, QStringLiteral("contrast"));
     request.contrasts = parser.values(QStringLiteral("contrast"));
-    request.sides = chosen(parser, QStringLiteral("sides"),
-                           {Sides::each, Sides::both, Sides::greater, Sides::less});
+    request.sides = chosenValue(parser, QStringLiteral("sides"), sidesNames);
     request.thresholds = thresholds(parser.value(QStringLiteral("threshold")));
-    request.permutations =
-        static_cast<int>(wholeValue(parser, QStringLiteral("permutations"), 1, 100000000));
-    request.seed = static_cast<std::uint64_t>(
-        wholeValue(parser, QStringLiteral("seed"), 0, std::numeric_limits<qint64>::max()));
+    request.permutations = *wholeValue(parser, "permutations", 1);
+    request.seed = static_cast<std::uint64_t>(*wholeValue(parser, "seed", 0));
     request.permutationFile = parser.value(QStringLiteral("permutation-file"));
     request.blocks = parser.value(QStringLiteral("blocks"));
     request.paired = parser.isSet(QStringLiteral("paired"));
-    request.fisherZ =
-        chosen(parser, QStringLiteral("fisher-z"), {FisherZ::Auto, FisherZ::Yes, FisherZ::No});
-    request.minNodeSubjects = shareValue(parser, QStringLiteral("min-node-subjects"));
-    request.threads = static_cast<int>(wholeValue(parser, QStringLiteral("threads"), 0, 1024));
+    request.fisherZ = chosenValue(parser, QStringLiteral("fisher-z"), fisherZNames);
+    request.minNodeSubjects = shareValue(parser, "min-node-subjects");
+    request.threads = static_cast<int>(std::min<qint64>(*wholeValue(parser, "threads", 0), 1024));
     return request;
 }
 
@@ -115,7 +84,7 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("threshold"),
          QStringLiteral("Of t or F, for networks; several with commas between them."), number},
         {QStringLiteral("sides"), QStringLiteral("Which effects count."),
-         QStringLiteral("each|both|greater|less"), QStringLiteral("each")},
+         valueNames(sidesNames).join(QLatin1Char('|')), QLatin1String(sidesNames[0].name)},
         {QStringLiteral("permutations"), QStringLiteral("How many."), number,
          QStringLiteral("5000")},
         {QStringLiteral("seed"), QStringLiteral("Of the permutations."), number,
@@ -128,7 +97,7 @@ void addOptions(QCommandLineParser &parser)
          QStringLiteral("column")},
         {QStringLiteral("paired"), QStringLiteral("Two rows for each participant.")},
         {QStringLiteral("fisher-z"), QStringLiteral("Whether correlations become Fisher's z."),
-         QStringLiteral("auto|yes|no"), QStringLiteral("auto")},
+         valueNames(fisherZNames).join(QLatin1Char('|')), QLatin1String(fisherZNames[0].name)},
         {QStringLiteral("min-node-subjects"),
          QStringLiteral("The share of participants that must have a node."), number,
          QStringLiteral("0.9")},

@@ -186,7 +186,7 @@ QJsonObject settings(const GroupRequest &request, const GroupData &data)
         {QStringLiteral("Table"), request.table},
         {QStringLiteral("Formula"), request.formula},
         {QStringLiteral("Contrasts"), QJsonArray::fromStringList(request.contrasts)},
-        {QStringLiteral("Sides"), nameOf(request.sides)},
+        {QStringLiteral("Sides"), QLatin1String(nameOf(request.sides, sidesNames))},
         {QStringLiteral("Thresholds"), thresholds},
         {QStringLiteral("Permutations"), request.permutations},
         // As text: JSON has no whole numbers of 64 bits.
@@ -194,7 +194,7 @@ QJsonObject settings(const GroupRequest &request, const GroupData &data)
         {QStringLiteral("PermutationFile"), request.permutationFile},
         {QStringLiteral("Blocks"), request.blocks},
         {QStringLiteral("Paired"), request.paired},
-        {QStringLiteral("FisherZ"), nameOf(request.fisherZ)},
+        {QStringLiteral("FisherZ"), QLatin1String(nameOf(request.fisherZ, fisherZNames))},
         {QStringLiteral("FisherZApplied"), data.isFisherZ},
         {QStringLiteral("MinNodeSubjects"), request.minNodeSubjects},
     };
@@ -218,34 +218,6 @@ QByteArray sidecar(const GroupRequest &request, const GroupData &data,
 }
 
 } // namespace
-
-QString nameOf(statistics::Sides sides)
-{
-    switch (sides) {
-    case statistics::Sides::each:
-        break;
-    case statistics::Sides::both:
-        return QStringLiteral("both");
-    case statistics::Sides::greater:
-        return QStringLiteral("greater");
-    case statistics::Sides::less:
-        return QStringLiteral("less");
-    }
-    return QStringLiteral("each");
-}
-
-QString nameOf(FisherZ use)
-{
-    switch (use) {
-    case FisherZ::Auto:
-        break;
-    case FisherZ::Yes:
-        return QStringLiteral("yes");
-    case FisherZ::No:
-        return QStringLiteral("no");
-    }
-    return QStringLiteral("auto");
-}
 
 void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, const GroupData &data,
                      const std::vector<ContrastResult> &results)

@@ -13,8 +13,4 @@ namespace corvane
 void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, const GroupData &data,
                      const std::vector<ContrastResult> &results);
 
-/// The names that the command line and the tables have for sides and for the use of Fisher's z.
-QString nameOf(statistics::Sides sides);
-QString nameOf(FisherZ use);
-
 } // namespace corvane

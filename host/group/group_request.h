@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/compute_settings.h"
 #include "statistics/glm.h"
 
 #include <QString>
@@ -18,6 +19,15 @@ enum class FisherZ {
     No,
 };
 
+/// The names of values on the command line and in files.
+inline constexpr NamedValue<FisherZ> fisherZNames[] = {
+    {FisherZ::Auto, "auto"}, {FisherZ::Yes, "yes"}, {FisherZ::No, "no"}};
+inline constexpr NamedValue<statistics::Sides> sidesNames[] = {
+    {statistics::Sides::each, "each"},
+    {statistics::Sides::both, "both"},
+    {statistics::Sides::greater, "greater"},
+    {statistics::Sides::less, "less"}};
+
 /// What is asked about a group.
 struct GroupRequest {
     QString table; ///< path; its columns participant_id and matrix, and those of the formula
@@ -25,7 +35,7 @@ struct GroupRequest {
     QStringList contrasts; ///< NAME=SUM
     statistics::Sides sides = statistics::Sides::each;
     std::vector<double> thresholds; ///< of networks; none for none
-    int permutations = 5000;
+    qint64 permutations = 5000;
     std::uint64_t seed = 1;
     QString permutationFile; ///< path, or empty
     QString blocks;          ///< a column of the table, or empty
