@@ -12,7 +12,6 @@
 #include "host/files/output_folder.h"
 #include "host/pictures/compute_pictures.h"
 #include "host/session/session.h"
-#include "host/workbench/application.h"
 
 #include <QCommandLineParser>
 #include <QLoggingCategory>
@@ -133,16 +132,6 @@ int run(const QStringList &arguments)
     return Done;
 }
 
-/// Pictures are those of windows.
-std::unique_ptr<QCoreApplication> makeApplication(const QStringList &arguments, int &argc,
-                                                  char **argv)
-{
-    if (!arguments.contains(QStringLiteral("--plots")))
-        return makePlainApplication(arguments, argc, argv);
-    argc = 1; // the arguments are those of a command, none is Qt's
-    return makePictureApplication(argc, argv, false);
-}
-
 } // namespace
 
 Command computeCommand()
@@ -153,7 +142,7 @@ Command computeCommand()
                   [--values absolute|positive|negative] [--no-mst] [--allow-singular] [--plots]
                   --out DIR)",
             "Computes connectivity, spanning trees and graph measures; with --plots, draws them.",
-            run, makeApplication};
+            run, makePlotsApplication};
 }
 
 } // namespace corvane

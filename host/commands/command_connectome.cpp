@@ -10,7 +10,6 @@
 #include "host/extract/output_names.h"
 #include "host/files/input_error.h"
 #include "host/files/progress.h"
-#include "host/workbench/application.h"
 #include "signals/ledger.h"
 
 #include <cstdio>
@@ -247,16 +246,6 @@ int run(const QStringList &arguments)
     return Done;
 }
 
-/// Pictures need fonts, and no window.
-std::unique_ptr<QCoreApplication> makeApplication(const QStringList &arguments, int &argc,
-                                                  char **argv)
-{
-    if (!arguments.contains(QStringLiteral("--plots")))
-        return makePlainApplication(arguments, argc, argv);
-    argc = 1; // the arguments are those of a command, none is Qt's
-    return makePictureApplication(argc, argv, false);
-}
-
 } // namespace
 
 Command connectomeCommand()
@@ -272,7 +261,7 @@ Command connectomeCommand()
                   [--events F [--delay S] [--per-interval] [--centre-intervals]] [--plots]
                   [--atlas-name NAME] [--dataset-root DIR] --out DIR)",
             "Makes matrices of a run and an atlas, cleaned by a pipeline's confounds.", run,
-            makeApplication};
+            makePlotsApplication};
 }
 
 } // namespace corvane

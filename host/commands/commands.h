@@ -31,6 +31,10 @@ using ApplicationMaker = std::unique_ptr<QCoreApplication> (*)(const QStringList
 std::unique_ptr<QCoreApplication> makePlainApplication(const QStringList &arguments, int &argc,
                                                        char **argv);
 
+/// That of a command with the option --plots: pictures need fonts, and no display.
+std::unique_ptr<QCoreApplication> makePlotsApplication(const QStringList &arguments, int &argc,
+                                                       char **argv);
+
 struct Command {
     const char *name;     ///< null for what runs without the name of a command
     const char *synopsis; ///< its further lines indented as in the usage of the program
