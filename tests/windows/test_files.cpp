@@ -48,9 +48,9 @@ void writeTable(const QString &path)
 void writeIntoFolder(const QString &path)
 {
     const QFileInfo place(path);
-    OutputFolder folder(place.path());
+    OutputFolder folder(place.path(), QStringLiteral("test"));
     writeFile(folder.path(place.fileName()), "text\n");
-    folder.commit();
+    EXPECT_EQ(folder.commit(), QStringList());
 }
 
 std::vector<Writer> writers()
