@@ -82,7 +82,10 @@ std::optional<BrokenRule> brokenRule(const VtcInfo &info)
                           QStringLiteral("16 lower-case hexadecimal digits")};
     if (auto broken = brokenRule(info.provenance))
         return broken;
-    return info.cleaning ? brokenRule(*info.cleaning) : std::nullopt;
+    if (info.cleaning)
+        if (auto broken = brokenRule(*info.cleaning))
+            return broken;
+    return info.uncleaned ? brokenRule(*info.uncleaned, info.nrOfVolumes) : std::nullopt;
 }
 
 VtcInfo::SampleType sampleType(const NrrdHeader &header)
@@ -115,7 +118,7 @@ void readSpacings(const NrrdHeader &header, VtcInfo &info)
 
 VtcInfo readHeader(const NrrdHeader &header, const QString &path)
 {
-    header.version(name(versionKey), provenanceKeys() + cleaningKeys());
+    header.version(name(versionKey), provenanceKeys() + cleaningKeys() + uncleanedKeys());
     header.require(QStringLiteral("dimension"), QStringLiteral("4"));
     header.require(QStringLiteral("kinds"), name(kinds));
     header.require(QStringLiteral("units"), name(units));
@@ -144,15 +147,20 @@ VtcInfo readHeader(const NrrdHeader &header, const QString &path)
     info.checksum = header.text(name(checksumKey));
     if (info.checksum.isEmpty())
         header.fail(name(checksumKey), QStringLiteral("16 lower-case hexadecimal digits"));
+    const auto resolved = [folder = QFileInfo(path).absoluteDir()](const QString &stored) {
+        return QDir::cleanPath(folder.absoluteFilePath(stored));
+    };
     if (header.has(name(protocolKey))) {
         const QString stored = header.text(name(protocolKey));
         if (stored.isEmpty())
             header.fail(name(protocolKey), QStringLiteral("a path"));
-        const QDir folder = QFileInfo(path).absoluteDir();
-        info.linkedProtocol = QDir::cleanPath(folder.absoluteFilePath(stored));
+        info.linkedProtocol = resolved(stored);
     }
     info.provenance = header.provenance();
     info.cleaning = readCleaning(header);
+    info.uncleaned = readUncleaned(header);
+    if (info.uncleaned && !info.uncleaned->path.isEmpty())
+        info.uncleaned->path = resolved(info.uncleaned->path);
     if (const auto broken = brokenRule(info))
         header.fail(*broken);
     return info;
@@ -211,6 +219,8 @@ QByteArray vtcFileHeader(const VtcInfo &info)
     header.keys(info.provenance);
     if (info.cleaning)
         addCleaning(header, *info.cleaning);
+    if (info.uncleaned)
+        addUncleaned(header, *info.uncleaned);
     return header.finished();
 }
 
@@ -234,7 +244,7 @@ VtcFile::VtcFile(const QString &path) : m_file(std::make_shared<const MappedFile
         QStringLiteral("endian"), QStringLiteral("encoding"),  QStringLiteral("content")};
     static const QStringList keys =
         QStringList{name(versionKey), name(boxStartKey), name(protocolKey), name(checksumKey)} +
-        provenanceKeys() + cleaningKeys();
+        provenanceKeys() + cleaningKeys() + uncleanedKeys();
 
     const NrrdHeader header(path, m_file->head(NrrdHeader::longest), fields, keys);
     m_info = readHeader(header, path);

@@ -3,6 +3,7 @@
 
 #include "host/files/cleaning_ledger.h"
 #include "host/files/provenance.h"
+#include "host/files/uncleaned_run.h"
 
 #include <QByteArray>
 #include <QString>
@@ -40,6 +41,9 @@ struct VtcInfo {
 
     Provenance provenance;
     std::optional<CleaningLedger> cleaning; ///< unset: as it was imported
+    /// Of a cleaned file, unless it says nothing of the run. Its path is given and taken as
+    /// `linkedProtocol` is.
+    std::optional<UncleanedRun> uncleaned;
 
     /// Checksum of the samples, 16 lower-case hexadecimal digits (host/files/vtc_checksum.h).
     QString checksum;

@@ -143,6 +143,26 @@ void writeCleanedTimeCourse(const QString &path, const VtcInfo &info, const Impo
                      .arg(broken);
 }
 
+/// What a cleaned file says of its run; unset where so many volumes come and go that the header
+/// could not hold them.
+std::optional<UncleanedRun> uncleanedRun(const ImportPlan &plan, const QString &vtcPath)
+{
+    constexpr int longest = 1 << 14;
+    UncleanedRun run;
+    for (const Eigen::Index row : plan.cleaning->design.rows)
+        run.volumes.push_back(static_cast<int>(row) + 1);
+    if (volumesText(run.volumes).size() > longest)
+        return std::nullopt;
+    const QString &path = plan.request.functional;
+    run.path = linkedProtocolText(vtcPath, path);
+    run.bytes = QFileInfo(path).size();
+    run.signature = runSignature(path);
+    run.toRun = plan.grid.toSource;
+    if (plan.grid.copied) // lattice points are voxels, but for the roundings of headers
+        run.toRun.affine() = run.toRun.affine().array().round();
+    return run;
+}
+
 } // namespace
 
 ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
@@ -170,6 +190,8 @@ ImportReport writeImport(ImportPlan plan, const ProgressWatch &watch)
         default:
             VtcInfo info = plannedVtc(plan);
             info.linkedProtocol = linkedProtocolText(path, protocol);
+            if (plan.cleaning)
+                info.uncleaned = uncleanedRun(plan, output.finalPath(file.name));
             (plan.cleaning ? writeCleanedTimeCourse : writeTimeCourse)(path, info, plan, watch,
                                                                        report.notes);
         }

@@ -7,6 +7,7 @@
 #include "host/session/host_version.h"
 #include "host/session/log.h"
 #include "host/session/session.h"
+#include "host/workbench/before_cleaning.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
 #include "host/workbench/log_pane.h"
@@ -172,7 +173,14 @@ QWidget *MainWindow::makeVolumePage()
     m_volume = new VolumeView;
     m_timeCourse = new TimeCourseView;
     m_parts->addWidget(m_volume);
-    m_parts->addWidget(m_timeCourse);
+    m_before = new BeforeCleaning;
+    auto *const course = new QWidget;
+    auto *const rows = new QVBoxLayout(course);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(m_timeCourse, 1);
+    rows->addWidget(m_before);
+    m_parts->addWidget(course);
+    connect(m_before, &QCheckBox::toggled, this, &MainWindow::showTimeCourse);
     m_parts->setStretchFactor(0, 1);
     m_parts->setChildrenCollapsible(false);
     connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showTimeCourse);
@@ -285,6 +293,8 @@ void MainWindow::refresh()
     }
     if (const Vmr *const vmr = m_workspace.currentVmr())
         m_volume->showVolume(current, *vmr);
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    m_before->setRun(vtc != nullptr ? &vtc->file : nullptr);
     showPage(isOpen ? VolumePage : WelcomePage);
     showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
@@ -323,6 +333,7 @@ void MainWindow::showTimeCourse()
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
     if (vtc == nullptr) {
         m_reader->forget();
+        m_before->forget();
         scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
                         "time course at the cross-hair.");
         m_timeCourse->show(std::move(scene));
@@ -332,13 +343,21 @@ void MainWindow::showTimeCourse()
     scene.hint = tr("The cross-hair lies outside the functional run.");
     if (vtc->file.info().cleaning)
         scene.cleaning = ledgerText(*vtc->file.info().cleaning);
-    // What is shown stays until the samples are there.
-    m_reader->ask(vtc->file, m_volume->scene().cross,
-                  [this, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
-                      TimeCourseScene complete = scene;
-                      complete.samples = samples;
-                      m_timeCourse->show(std::move(complete));
-                  });
+    // What is shown stays until the samples are there; the course before the cleaning follows.
+    const CubeVoxel cross = m_volume->scene().cross;
+    m_before->forget();
+    m_reader->ask(
+        vtc->file, cross,
+        [this, cross, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
+            TimeCourseScene complete = scene;
+            complete.samples = samples;
+            m_timeCourse->show(complete);
+            m_before->ask(cross, [this, complete](const TimeCourseReader::Samples &before) {
+                TimeCourseScene both = complete;
+                both.before = before;
+                m_timeCourse->show(std::move(both));
+            });
+        });
 }
 
 void MainWindow::open(const QString &path)

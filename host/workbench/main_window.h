@@ -17,6 +17,7 @@ class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
 class Session;
+class BeforeCleaning;
 class TimeCourseReader;
 class TimeCourseView;
 class VoiList;
@@ -97,6 +98,7 @@ private:
     QSplitter *m_parts = nullptr; ///< of the volume's page
     VolumeView *m_volume = nullptr;
     TimeCourseView *m_timeCourse = nullptr;
+    BeforeCleaning *m_before = nullptr;
     TimeCourseReader *m_reader;
     int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;

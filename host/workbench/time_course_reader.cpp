@@ -15,12 +15,20 @@ TimeCourseReader::TimeCourseReader(QObject *parent) : QObject(parent)
 
 TimeCourseReader::~TimeCourseReader()
 {
+    forget();
     m_watcher.waitForFinished();
 }
 
 void TimeCourseReader::ask(const VtcFile &vtc, const CubeVoxel &voxel, Receiver receiver)
 {
-    m_asked = [vtc, voxel] { return timeCourseAt(vtc, voxel); };
+    ask([vtc, voxel](const std::atomic<bool> &) { return timeCourseAt(vtc, voxel); },
+        std::move(receiver));
+}
+
+void TimeCourseReader::ask(Reading reading, Receiver receiver)
+{
+    forget();
+    m_asked = std::move(reading);
     m_receiver = std::move(receiver);
     if (!m_isReading)
         read();
@@ -28,6 +36,8 @@ void TimeCourseReader::ask(const VtcFile &vtc, const CubeVoxel &voxel, Receiver 
 
 void TimeCourseReader::forget()
 {
+    if (m_isOutdated)
+        *m_isOutdated = true;
     m_asked = nullptr;
     m_receiver = nullptr;
 }
@@ -35,7 +45,10 @@ void TimeCourseReader::forget()
 void TimeCourseReader::read()
 {
     m_isReading = true;
-    m_watcher.setFuture(QtConcurrent::run(&m_thread, std::exchange(m_asked, nullptr)));
+    m_isOutdated = std::make_shared<std::atomic<bool>>(false);
+    m_watcher.setFuture(
+        QtConcurrent::run(&m_thread, [reading = std::exchange(m_asked, nullptr),
+                                      isOutdated = m_isOutdated] { return reading(*isOutdated); }));
 }
 
 void TimeCourseReader::deliver()

@@ -6,7 +6,9 @@
 #include <QFutureWatcher>
 #include <QObject>
 #include <QThreadPool>
+#include <atomic>
 #include <functional>
+#include <memory>
 
 namespace corvane
 {
@@ -22,21 +24,27 @@ public:
     using Samples = std::vector<double>;
     using Receiver = std::function<void(const Samples &)>;
 
+    /// Gives samples; nobody wants them any more once its argument is true. Throws nothing.
+    using Reading = std::function<Samples(const std::atomic<bool> &)>;
+
     explicit TimeCourseReader(QObject *parent = nullptr);
     ~TimeCourseReader() override;
 
     /// Reads what timeCourseAt gives and hands it to the receiver, from the event loop, unless
     /// something else is asked for or forgotten before. The run may be closed in the meantime.
     void ask(const VtcFile &vtc, const CubeVoxel &voxel, Receiver receiver);
+    /// The same with another reading than timeCourseAt.
+    void ask(Reading reading, Receiver receiver);
     void forget();
 
 private:
     void read();
     void deliver();
 
-    std::function<Samples()> m_asked; ///< empty unless a reading is still to begin
-    Receiver m_receiver;              ///< empty when nothing is waited for
+    Reading m_asked;     ///< empty unless a reading is still to begin
+    Receiver m_receiver; ///< empty when nothing is waited for
     bool m_isReading = false;
+    std::shared_ptr<std::atomic<bool>> m_isOutdated; ///< of the reading under way
     QThreadPool m_thread;
     QFutureWatcher<Samples> m_watcher;
 };

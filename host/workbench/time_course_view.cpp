@@ -30,6 +30,9 @@ struct TimeCourseView::Frame {
 namespace
 {
 
+/// Readable on light and on dark, and none of the conditions' colours.
+const QColor beforeColour(200, 60, 60);
+
 /// A round number near a fifth of a span.
 double tickStep(double span)
 {
@@ -107,6 +110,10 @@ QString TimeCourseView::markedText() const
         tr("Volume %1 (%2 s): %3")
             .arg(QString::number(m_marked), QString::number(seconds, 'g', 6),
                  QString::number(m_scene.samples[static_cast<std::size_t>(m_marked - 1)], 'g', 6));
+    if (!m_scene.before.empty())
+        text += tr(", before cleaning %1")
+                    .arg(QString::number(m_scene.before[static_cast<std::size_t>(m_marked - 1)],
+                                         'g', 6));
     const QString conditions = conditionsAt(m_marked);
     if (!conditions.isEmpty())
         text += QStringLiteral(", ") + conditions;
@@ -125,10 +132,12 @@ TimeCourseView::Frame TimeCourseView::frame() const
 {
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
-    for (double sample : m_scene.samples) {
-        if (std::isfinite(sample)) {
-            low = std::min(low, sample);
-            high = std::max(high, sample);
+    for (const std::vector<double> *samples : {&m_scene.samples, &m_scene.before}) {
+        for (double sample : *samples) {
+            if (std::isfinite(sample)) {
+                low = std::min(low, sample);
+                high = std::max(high, sample);
+            }
         }
     }
     if (!(low < high)) {
@@ -157,7 +166,9 @@ void TimeCourseView::paintEvent(QPaintEvent *)
         painter.setRenderHint(QPainter::Antialiasing);
         paintBands(painter, where);
         paintAxes(painter, where);
-        paintSamples(painter, where);
+        if (!m_scene.before.empty())
+            paintSamples(painter, where, m_scene.before, beforeColour);
+        paintSamples(painter, where, m_scene.samples, palette().color(QPalette::Text));
         paintLegend(painter, where);
         paintMarker(painter, where);
     }
@@ -223,7 +234,8 @@ void TimeCourseView::paintAxes(QPainter &painter, const Frame &frame) const
         fontMetrics().elidedText(caption(), Qt::ElideRight, int(frame.plot.width())));
 }
 
-void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame) const
+void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame,
+                                  const std::vector<double> &samples, const QColor &colour) const
 {
     // Single lines: one long path is many times slower to draw. A sample between two that are no
     // numbers is a dot.
@@ -231,7 +243,7 @@ void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame) const
     QPointF last;
     bool isGap = true;
     for (int volume = 1; volume <= frame.volumes; ++volume) {
-        const double sample = m_scene.samples[static_cast<std::size_t>(volume - 1)];
+        const double sample = samples[static_cast<std::size_t>(volume - 1)];
         if (!std::isfinite(sample)) {
             isGap = true;
             continue;
@@ -241,14 +253,34 @@ void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame) const
         last = point;
         isGap = false;
     }
-    painter.setPen(QPen(palette().color(QPalette::Text), 1.3, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(colour, 1.3, Qt::SolidLine, Qt::RoundCap));
     painter.drawLines(lines);
+}
+
+/// Which line is which, where there are two; gives where the names end.
+double TimeCourseView::paintCourseNames(QPainter &painter, const Frame &frame) const
+{
+    double x = frame.plot.left();
+    if (m_scene.before.empty())
+        return x;
+    const int line = fontMetrics().height();
+    const std::pair<QString, QColor> courses[] = {{tr("cleaned"), palette().color(QPalette::Text)},
+                                                  {tr("before cleaning"), beforeColour}};
+    for (const auto &[name, colour] : courses) {
+        const double width = fontMetrics().horizontalAdvance(name);
+        painter.setPen(QPen(colour, 2));
+        painter.drawLine(QPointF(x, 4 + line * 0.5), QPointF(x + line, 4 + line * 0.5));
+        painter.setPen(palette().color(QPalette::Text));
+        painter.drawText(QRectF(x + 1.4 * line, 4, width + 2, line), Qt::AlignVCenter, name);
+        x += width + 3.4 * line;
+    }
+    return x;
 }
 
 void TimeCourseView::paintLegend(QPainter &painter, const Frame &frame) const
 {
     const int line = fontMetrics().height();
-    double x = frame.plot.left();
+    double x = paintCourseNames(painter, frame);
     for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
         const QString &name = m_scene.conditions[n].name;
         const double width = fontMetrics().horizontalAdvance(name);

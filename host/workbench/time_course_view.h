@@ -13,6 +13,7 @@ namespace corvane
 /// What a time course view shows.
 struct TimeCourseScene {
     std::vector<double> samples; ///< one per volume; empty: `hint` is shown instead
+    std::vector<double> before;  ///< the same volumes before the cleaning; empty: not shown
     double repetitionTime = 0;   ///< seconds
     std::vector<PrtCondition> conditions;
     QString hint;
@@ -60,7 +61,9 @@ private:
     QString conditionsAt(int volume) const;
     void paintBands(QPainter &painter, const Frame &frame) const;
     void paintAxes(QPainter &painter, const Frame &frame) const;
-    void paintSamples(QPainter &painter, const Frame &frame) const;
+    void paintSamples(QPainter &painter, const Frame &frame, const std::vector<double> &samples,
+                      const QColor &colour) const;
+    double paintCourseNames(QPainter &painter, const Frame &frame) const;
     void paintLegend(QPainter &painter, const Frame &frame) const;
     void paintMarker(QPainter &painter, const Frame &frame) const;
 

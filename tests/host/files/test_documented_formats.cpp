@@ -65,7 +65,7 @@ TEST(DocumentedFormats, ShowAVtc)
     const TemporaryFolder folder;
     const QByteArray header = example("vtc");
     putBytes(folder.path("a.vtc"), header);
-    const qint64 samples = qint64(300) * 60 * 72 * 60;
+    const qint64 samples = qint64(274) * 60 * 72 * 60;
     ASSERT_TRUE(QFile::resize(folder.path("a.vtc"), header.size() + 2 * samples));
     const VtcFile file(folder.path("a.vtc"));
     EXPECT_EQ(file.info().sampleCount(), samples);
@@ -74,6 +74,9 @@ TEST(DocumentedFormats, ShowAVtc)
     EXPECT_EQ(info.provenance.space, QStringLiteral("MNI152NLin2009cAsym"));
     ASSERT_TRUE(info.cleaning);
     EXPECT_EQ(info.cleaning->kept, 274);
+    ASSERT_TRUE(info.uncleaned);
+    EXPECT_EQ(info.uncleaned->volumes.size(), 274U);
+    EXPECT_EQ(info.uncleaned->volumes[16], 43);
     info.linkedProtocol = linkedProtocolText(file.path(), info.linkedProtocol);
     EXPECT_EQ(vtcFileHeader(info).toStdString(), header.toStdString());
 }

@@ -2,6 +2,7 @@
 #include "tests/host/support/host_files.h"
 
 #include <cmath>
+#include <gmock/gmock.h>
 #include <limits>
 
 namespace corvane
@@ -30,6 +31,25 @@ VtcInfo cleanedVtcInfo()
     ledger.meanFdAfter = 0.125;
     info.cleaning = ledger;
     return info;
+}
+
+/// Of the four volumes that the small file has.
+UncleanedRun smallUncleanedRun()
+{
+    UncleanedRun run;
+    run.path = QString::fromUtf8("Läufe/rest.nii.gz");
+    run.bytes = 5000000000;
+    run.signature = QString(40, QLatin1Char('a'));
+    run.toRun.matrix().topRows<3>() << 0, -1, 0, 7, 0.1, 0, 0, 0, 0, 0, 1.0 / 3, -2;
+    run.volumes = {3, 4, 5, 9};
+    return run;
+}
+
+QByteArray uncleanedVtcBytes()
+{
+    VtcInfo info = cleanedVtcInfo();
+    info.uncleaned = smallUncleanedRun();
+    return vtcBytes(info, numberedSamples<short>(info));
 }
 
 QByteArray cleanedVtcBytes()
@@ -128,6 +148,48 @@ TEST(VtcFile, KeepsSubjectSpaceAndTheLedgerOfItsCleaning)
     EXPECT_EQ(info.cleaning->secondsKept, 194.4);
     EXPECT_EQ(info.cleaning->meanFdBefore, std::nullopt);
     EXPECT_EQ(info.cleaning->meanFdAfter, 0.125);
+}
+
+TEST(VtcFile, KeepsWhereTheRunWasThatItWasCleanedFrom)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("run.vtc"), uncleanedVtcBytes());
+    const auto run = VtcFile(folder.path("run.vtc")).info().uncleaned;
+    const UncleanedRun written = smallUncleanedRun();
+    ASSERT_TRUE(run);
+    EXPECT_EQ(run->path, folder.path("Läufe/rest.nii.gz"));
+    EXPECT_EQ(run->bytes, written.bytes);
+    EXPECT_EQ(run->signature, written.signature);
+    EXPECT_EQ(run->toRun.matrix(), written.toRun.matrix());
+    EXPECT_EQ(run->volumes, written.volumes);
+    EXPECT_THAT(uncleanedVtcBytes().toStdString(),
+                testing::HasSubstr("uncleaned run volumes:=3-5 9\n"));
+}
+
+TEST(UncleanedRun, IsAtHandWhileItsFileIsWhatItWas)
+{
+    const TemporaryFolder folder;
+    // Longer than what the signature covers at each end.
+    QByteArray bytes(200000, 'x');
+    putBytes(folder.path("rest.nii.gz"), bytes);
+    UncleanedRun run = smallUncleanedRun();
+    run.path = folder.path("rest.nii.gz");
+    run.bytes = bytes.size();
+    run.signature = runSignature(run.path);
+    EXPECT_EQ(uncleanedFault(run), std::nullopt);
+    const QString changed =
+        QStringLiteral("The run at %1 has changed since it was imported.").arg(run.path);
+    for (const int place : {0, 65535, 200000 - 65536, 199999}) {
+        QByteArray other = bytes;
+        other[place] = 'y';
+        putBytes(run.path, other);
+        EXPECT_EQ(uncleanedFault(run), changed) << place;
+    }
+    // As many bytes more in the middle leave the signature alone.
+    putBytes(run.path, bytes + QByteArray(4, 'x'));
+    EXPECT_EQ(uncleanedFault(run), changed);
+    ASSERT_TRUE(QFile::remove(run.path));
+    EXPECT_EQ(uncleanedFault(run), QStringLiteral("The run is not at %1 any more.").arg(run.path));
 }
 
 TEST(VtcFile, HoldsFloatsAsTheyAre)
@@ -344,7 +406,42 @@ INSTANTIATE_TEST_SUITE_P(
                 "protocol, samples checksum, subject, space name, cleaning, cleaning volumes, "
                 "cleaning non-steady volumes, cleaning censored volumes, cleaning kept volumes, "
                 "cleaning rank, cleaning degrees of freedom, cleaning seconds kept, cleaning mean "
-                "FD before, cleaning mean FD after"},
+                "FD before, cleaning mean FD after, uncleaned run, uncleaned run bytes, uncleaned "
+                "run signature, uncleaned run transform, uncleaned run volumes"},
+        BadFile{"HalfAnUncleanedRun",
+                altered("vtc version:=2", "vtc version:=2\nuncleaned run bytes:=3"),
+                "header: found no \"uncleaned run\", expected it once"},
+        BadFile{"UncleanedRunOfVersion1",
+                altered("vtc version:=2", "vtc version:=1\nuncleaned run:=a"),
+                "line 11 (uncleaned run): found \"a\", expected a file of version 2 for that key"},
+        BadFile{"UncleanedRunNowhere",
+                replaced(uncleanedVtcBytes(), "uncleaned run:=L\xc3\xa4ufe/rest.nii.gz",
+                         "uncleaned run:="),
+                "line 23 (uncleaned run): found \"\", expected a path"},
+        BadFile{"UncleanedRunOfNegativeSize",
+                replaced(uncleanedVtcBytes(), "bytes:=5000000000", "bytes:=-1"),
+                "line 24 (uncleaned run bytes): found -1, expected 0 or more"},
+        BadFile{
+            "UncleanedRunOfNoSize",
+            replaced(uncleanedVtcBytes(), "bytes:=5000000000", "bytes:=5 GB"),
+            "line 24 (uncleaned run bytes): found \"5 GB\", expected a whole number, 0 or more"},
+        BadFile{"UnsignedUncleanedRun",
+                replaced(uncleanedVtcBytes(), "signature:=a", "signature:="),
+                "line 25 (uncleaned run signature): found "
+                "\"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\", expected 40 lower-case hexadecimal "
+                "digits"},
+        BadFile{"TransformOfWords", replaced(uncleanedVtcBytes(), " 0.1 ", " nan "),
+                "line 26 (uncleaned run transform): found \"nan\", expected a finite number"},
+        BadFile{"VolumesOfNoRun", replaced(uncleanedVtcBytes(), "volumes:=3-5 9", "volumes:=0-2 9"),
+                "line 27 (uncleaned run volumes): found \"0-2\", expected ascending volumes and "
+                "ranges of volumes, as in \"5-20 23\""},
+        BadFile{"VolumesBackwards",
+                replaced(uncleanedVtcBytes(), "volumes:=3-5 9", "volumes:=3-5 5"),
+                "line 27 (uncleaned run volumes): found \"5\", expected ascending volumes and "
+                "ranges of volumes, as in \"5-20 23\""},
+        BadFile{"MoreVolumesThanTheFile",
+                replaced(uncleanedVtcBytes(), "volumes:=3-5 9", "volumes:=3-7"),
+                "line 27 (uncleaned run volumes): found 5 volumes, expected the 4 of the file"},
         BadFile{"FirstVersionWithASpace",
                 altered("vtc version:=2", "vtc version:=1\nspace name:=T1w"),
                 "line 11 (space name): found \"T1w\", expected a file of version 2 for that key"},

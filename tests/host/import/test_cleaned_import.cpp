@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Corvane import --clean, by the program itself: samples, ledger, protocol, and what compute says.
+#include "host/files/input_error.h"
+#include "host/import/uncleaned_course.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/support/program.h"
@@ -149,6 +151,58 @@ TEST_F(CleanedImport, SamplesAreCleanedAndKeepTheirLevel)
     EXPECT_EQ(broken, 1);
     EXPECT_EQ(constant, 1);
     EXPECT_THAT(ran.errors.toStdString(), HasSubstr("1 voxels hold samples that are not finite"));
+}
+
+// At every lattice point, copied and interpolated.
+TEST_F(CleanedImport, TheCourseBeforeTheCleaningIsThatOfTheImportWithoutIt)
+{
+    for (const char *resolution : {"3", "2"}) {
+        const QStringList more{QStringLiteral("--resolution"), QLatin1String(resolution)};
+        ASSERT_EQ(import(more).status, 0);
+        const VtcFile plain(path("out/s.vtc"));
+        const auto samples = [&](int point, int t) {
+            const qint64 at = qint64(point) * volumes + t;
+            return plain.info().type == VtcInfo::Short ? float(plain.shortSamples()[at])
+                                                       : plain.floatSamples()[at];
+        };
+        EXPECT_FALSE(plain.info().uncleaned.has_value());
+        ASSERT_EQ(import(cleaned() + more).status, 0);
+        const VtcInfo info = VtcFile(path("out/s.vtc")).info();
+        ASSERT_TRUE(info.uncleaned.has_value());
+        EXPECT_EQ(info.uncleaned->path, path("run.nii"));
+        ASSERT_EQ(info.uncleaned->volumes.size(), 39U);
+        int point = 0;
+        const std::atomic<bool> outdated(false);
+        for (int k = 0; k < info.dimZ(); ++k)
+            for (int j = 0; j < info.dimY(); ++j)
+                for (int i = 0; i < info.dimX(); ++i, ++point) {
+                    const auto course = uncleanedCourseAt(info, {i, j, k}, outdated);
+                    ASSERT_EQ(course.size(), 39U);
+                    for (int row = 0; row < 39; ++row) {
+                        const float expected = samples(point, row < left ? row : row + 1);
+                        if (std::isfinite(expected)) {
+                            EXPECT_NEAR(course[std::size_t(row)], double(expected), 1e-2)
+                                << resolution << ' ' << point << ' ' << row;
+                        }
+                    }
+                }
+        EXPECT_GT(point, 20);
+    }
+}
+
+TEST_F(CleanedImport, TheCourseBeforeTheCleaningIsOfNoOtherRun)
+{
+    ASSERT_EQ(import(cleaned()).status, 0);
+    const VtcInfo info = VtcFile(path("out/s.vtc")).info();
+    std::atomic<bool> outdated(true);
+    EXPECT_TRUE(uncleanedCourseAt(info, {0, 0, 0}, outdated).empty());
+    outdated = false;
+    QByteArray run = bytesOf(path("run.nii"));
+    run[run.size() - 1] = char(run[run.size() - 1] ^ 1);
+    putBytes(path("run.nii"), run);
+    EXPECT_THROW(uncleanedCourseAt(info, {0, 0, 0}, outdated), InputError);
+    ASSERT_TRUE(QFile::remove(path("run.nii")));
+    EXPECT_THROW(uncleanedCourseAt(info, {0, 0, 0}, outdated), InputError);
 }
 
 TEST_F(CleanedImport, TheHeaderHasTheLedger)

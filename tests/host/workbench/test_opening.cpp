@@ -6,11 +6,14 @@
 #include "host/workbench/log_pane.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/slice_view.h"
+#include "host/workbench/time_course_view.h"
+#include "host/workbench/volume_view.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/workbench/dropping.h"
 #include "tests/support/modal_driver.h"
 
+#include <QCheckBox>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -167,6 +170,96 @@ TEST_F(Opening, ACancelledExampleDatasetLeavesNothing)
     for (const QString &part : exampleFolder())
         EXPECT_TRUE(QDir(folder.path("data/") + part).isEmpty()) << qPrintable(part);
     EXPECT_THAT(window.log().text().toStdString(), Not(HasSubstr("stopped")));
+}
+
+/// A run of nine volumes, 100 v + t at voxel v, and what a cleaning kept of it.
+class CleanedRunOpened : public Opening
+{
+protected:
+    CleanedRunOpened()
+    {
+        NiftiParts parts;
+        parts.setSize({3, 2, 2, 9});
+        std::vector<float> samples;
+        for (int t = 0; t < 9; ++t)
+            for (int v = 0; v < 12; ++v)
+                samples.push_back(float(100 * v + t));
+        setSamples(parts, samples);
+        putBytes(run, niftiBytes(parts));
+        info.cleaning = CleaningLedger();
+        info.cleaning->method = QStringLiteral("24P, order joint");
+        info.cleaning->volumes = 9;
+        info.cleaning->censored = 5;
+        info.cleaning->kept = 4;
+        UncleanedRun uncleaned;
+        uncleaned.path = run;
+        uncleaned.bytes = QFileInfo(run).size();
+        uncleaned.signature = runSignature(run);
+        uncleaned.volumes = {3, 4, 5, 9};
+        info.uncleaned = uncleaned;
+    }
+    void openRun()
+    {
+        putBytes(folder.path("run.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+        window.openFiles({folder.path("head.vmr"), folder.path("run.vtc")});
+        window.findChild<VolumeView *>()->setCross({60, 52, 62});
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !view()->scene().samples.empty(); }));
+    }
+    TimeCourseView *view() const { return window.findChild<TimeCourseView *>(); }
+    QCheckBox *box() const { return child<QCheckBox>("beforeCleaning"); }
+
+    const QString run = folder.path("rest.nii");
+    VtcInfo info = smallVtcInfo();
+};
+
+TEST_F(CleanedRunOpened, ShowsTheCourseBeforeTheCleaningWhenAsked)
+{
+    openRun();
+    EXPECT_TRUE(box()->isVisible());
+    ASSERT_TRUE(box()->isEnabled());
+    EXPECT_TRUE(view()->scene().before.empty());
+    box()->click();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !view()->scene().before.empty(); }));
+    EXPECT_THAT(view()->scene().samples, testing::ElementsAre(8, 9, 10, 11));
+    EXPECT_THAT(view()->scene().before, testing::ElementsAre(702, 703, 704, 708));
+    window.findChild<VolumeView *>()->setCross({57, 52, 59});
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] { return !view()->scene().before.empty() && view()->scene().before.front() == 2; }));
+    box()->click();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return view()->scene().before.empty(); }));
+}
+
+TEST_F(CleanedRunOpened, SaysWhyTheCourseBeforeTheCleaningCannotBeShown)
+{
+    putBytes(run, bytesOf(run) + "more");
+    openRun();
+    EXPECT_TRUE(box()->isVisible());
+    EXPECT_FALSE(box()->isEnabled());
+    EXPECT_THAT(box()->toolTip().toStdString(), HasSubstr("has changed since it was imported"));
+    info.uncleaned.reset();
+    openRun();
+    EXPECT_FALSE(box()->isEnabled());
+    EXPECT_THAT(box()->toolTip().toStdString(), HasSubstr("does not say of which run"));
+}
+
+// The run goes while it is looked at.
+TEST_F(CleanedRunOpened, LeavesTheCourseOutWhenItsRunHasGone)
+{
+    openRun();
+    ASSERT_TRUE(box()->isEnabled());
+    ASSERT_TRUE(QFile::remove(run));
+    box()->click();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !box()->isEnabled(); }));
+    EXPECT_TRUE(view()->scene().before.empty());
+    EXPECT_THAT(box()->toolTip().toStdString(), HasSubstr("is not at"));
+}
+
+TEST_F(CleanedRunOpened, OffersNothingForARunThatWasNotCleaned)
+{
+    info.cleaning.reset();
+    info.uncleaned.reset();
+    openRun();
+    EXPECT_FALSE(box()->isVisible());
 }
 
 } // namespace corvane

@@ -2,7 +2,9 @@
 #include "host/files/cleaning_ledger.h"
 #include "host/workbench/time_course_view.h"
 
+#include <QCoreApplication>
 #include <QImage>
+#include <QKeyEvent>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -59,6 +61,36 @@ TEST(TimeCourseViewTest, TellsHowTheRunWasCleaned)
     EXPECT_EQ(view.caption(),
               QStringLiteral("Volume (one each 2 s), cleaned: 36P, order joint: 154 of 200 volumes "
                              "kept, 110 degrees of freedom left"));
+}
+
+// The second line has a colour of its own, a name, and room on the axis.
+TEST(TimeCourseViewTest, DrawsTheCourseBeforeTheCleaningWithItsName)
+{
+    TimeCourseView view;
+    view.resize(600, 200);
+    TimeCourseScene scene;
+    scene.samples = {1, 2, 3, 2};
+    scene.repetitionTime = 2;
+    const auto reds = [&](bool above) {
+        view.show(scene);
+        QImage image(view.size(), QImage::Format_RGB32);
+        view.render(&image);
+        const int border = view.fontMetrics().height() + 6;
+        int count = 0;
+        for (int y = above ? 0 : border; y < (above ? border : image.height()); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour(image.pixel(x, y));
+                count += colour.red() > 150 && colour.green() < 110 && colour.blue() < 110;
+            }
+        return count;
+    };
+    EXPECT_EQ(reds(false) + reds(true), 0);
+    scene.before = {10, 20, 30, 15};
+    EXPECT_GT(reds(false), 300);
+    EXPECT_GT(reds(true), 10);
+    QKeyEvent home(QEvent::KeyPress, Qt::Key_Home, Qt::NoModifier);
+    QCoreApplication::sendEvent(&view, &home);
+    EXPECT_EQ(view.markedText(), QStringLiteral("Volume 1 (0 s): 1, before cleaning 10"));
 }
 
 TEST(TimeCourseViewTest, DrawsNothingWhereThereIsNoRoom)
