@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Corvane connectome: from a run, an atlas and confounds to matrices, by the program itself.
+#include "tests/host/extract/json_schema.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/support/program.h"
@@ -277,6 +278,15 @@ TEST_F(ConnectomeCommand, ANodeWithoutCoverageKeepsItsPlace)
         QJsonArray{QStringLiteral("C")});
 }
 
+TEST_F(ConnectomeCommand, ANodeWithJustTheLeastCoverageIsThere)
+{
+    const ProgramRun ran = run({QStringLiteral("--min-coverage"), QStringLiteral("1")});
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    EXPECT_EQ(
+        readJson(output("stat-pearsoncorrelation_relmat.json"))[QLatin1String("UncoveredNodes")],
+        QJsonArray());
+}
+
 TEST_F(ConnectomeCommand, SeveralMeasuresWindowsAndConditions)
 {
     putBytes(path("events.tsv"),
@@ -307,6 +317,66 @@ TEST_F(ConnectomeCommand, SeveralMeasuresWindowsAndConditions)
     // Eight volumes of rest are too few.
     EXPECT_EQ(readTsv(output("cond-rest_stat-fisherz_relmat.tsv")).rows[0][1], QByteArray("n/a"));
     EXPECT_THAT(ran.errors.toStdString(), HasSubstr("hold the shared response to the stimulus"));
+}
+
+TEST_F(ConnectomeCommand, SidecarsAreAsTheirSchemasSay)
+{
+    putBytes(path("events.tsv"), "onset\tduration\ttrial_type\n0\t40\twork\n");
+    const QStringList measures{QStringLiteral("--measure"), QStringLiteral("fisherz,covariance"),
+                               QStringLiteral("--shrinkage"), QStringLiteral("ledoit-wolf")};
+    const QStringList runs[] = {
+        cleaned() + QStringList{QStringLiteral("--fd-threshold"), QStringLiteral("0.5")},
+        measures + QStringList{QStringLiteral("--window"), QStringLiteral("40"),
+                               QStringLiteral("--step"), QStringLiteral("20")},
+        measures + QStringList{QStringLiteral("--events"), path("events.tsv")}};
+    const QJsonObject matrix =
+        readJson(QStringLiteral(SCHEMA_FOLDER) + QStringLiteral("/relmat.schema.json"));
+    const QJsonObject series =
+        readJson(QStringLiteral(SCHEMA_FOLDER) + QStringLiteral("/timeseries.schema.json"));
+    int matrices = 0;
+    for (const QStringList &options : runs) {
+        const ProgramRun ran = run(options);
+        ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+        EXPECT_EQ(schemaFaults(readJson(output("stat-mean_timeseries.json")), series),
+                  QStringList());
+        const QDir out(path("out"));
+        for (const QString &name : out.entryList({QStringLiteral("*_relmat.json")})) {
+            EXPECT_EQ(schemaFaults(readJson(out.filePath(name)), matrix), QStringList())
+                << name.toStdString();
+            ++matrices;
+        }
+    }
+    EXPECT_GT(matrices, 10);
+}
+
+// The check sees what it is to see.
+TEST_F(ConnectomeCommand, ASchemaFindsWhatIsMissingTooMuchOrOfAnotherKind)
+{
+    ASSERT_EQ(run().status, 0);
+    const QJsonObject schema =
+        readJson(QStringLiteral(SCHEMA_FOLDER) + QStringLiteral("/relmat.schema.json"));
+    const QJsonObject good = readJson(output("stat-pearsoncorrelation_relmat.json"));
+    const auto faults = [&](auto change) {
+        QJsonObject json = good;
+        change(json);
+        return schemaFaults(json, schema).join(QLatin1Char(';')).toStdString();
+    };
+    EXPECT_EQ(faults([](QJsonObject &json) { json.remove(QLatin1String("Ledger")); }),
+              ": no Ledger");
+    EXPECT_EQ(faults([](QJsonObject &json) { json[QLatin1String("Extra")] = 1; }),
+              ": Extra is not known");
+    EXPECT_EQ(faults([](QJsonObject &json) { json[QLatin1String("Directed")] = 0; }),
+              "/Directed: another type");
+    EXPECT_EQ(faults([](QJsonObject &json) { json[QLatin1String("Sources")] = QJsonArray{1}; }),
+              "/Sources/0: another type");
+    EXPECT_EQ(faults([](QJsonObject &json) { json[QLatin1String("MinCoverage")] = -1; }),
+              "/MinCoverage: too small");
+    EXPECT_EQ(faults([](QJsonObject &json) {
+                  QJsonObject cleaning = json[QLatin1String("Cleaning")].toObject();
+                  cleaning[QLatin1String("Order")] = QStringLiteral("random");
+                  json[QLatin1String("Cleaning")] = cleaning;
+              }),
+              "/Cleaning/Order: another value");
 }
 
 TEST_F(ConnectomeCommand, PicturesOfTheMatrix)
