@@ -182,6 +182,18 @@ TEST(DesignCosine, OwnCosinesAreLeftOutIfOneResemblesARegressor)
     EXPECT_EQ(design(regressors, with_order(Order::cosine), 150).names.size(), 7U);
 }
 
+TEST(DesignCosine, ARegressorResemblesACosineAboveACorrelationOfPointNine)
+{
+    for (const double correlation : {0.89, 0.91}) {
+        Regressors regressors = noise_regressors(150, 2);
+        append(regressors, "drift",
+               correlation * cosines(150, {2}) +
+                   std::sqrt(1 - correlation * correlation) * cosines(150, {100}));
+        const Design found = design(regressors, with_order(Order::cosine), 150);
+        EXPECT_EQ(found.names.size(), correlation > 0.9 ? 3U : 7U) << correlation;
+    }
+}
+
 TEST(DesignCosine, RankAndDegrees)
 {
     Settings settings = with_order(Order::cosine);
