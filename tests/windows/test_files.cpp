@@ -113,7 +113,8 @@ TEST_P(Places, EveryFileIsWrittenAndReplaced)
         EXPECT_GT(QFileInfo(path(writer.name)).size(), 3) << writer.name;
         EXPECT_EQ(errorOf([&] { writer.write(path(writer.name)); }), "no error") << writer.name;
     }
-    EXPECT_EQ(entries().join(' ').toStdString(), "a.csv a.txt a.vmr a.voi a.vtc");
+    EXPECT_EQ(entries().join(' ').toStdString(),
+              ".corvane-outputs.json a.csv a.txt a.vmr a.voi a.vtc");
     EXPECT_EQ(readVmr(path("a.vmr")).type, Vmr::UChar);
     EXPECT_TRUE(verifyVtcChecksum(VtcFile(path("a.vtc"))));
     EXPECT_TRUE(readVoiFile(path("a.voi")) == smallVoiSet());
