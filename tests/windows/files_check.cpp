@@ -108,11 +108,11 @@ void checkDisk()
     CloseHandle(held);
     check(corvane::touch(name) == 0 && last_write_time(name) > before, "touch");
     check(corvane::touch("no such file") != 0, "touch of nothing");
-    std::filesystem::create_directory("files_check");
-    makeOld("files_check");
-    check(corvane::touch("files_check") == 0 && last_write_time("files_check") > before,
+    std::filesystem::create_directory("touched");
+    makeOld("touched");
+    check(corvane::touch("touched") == 0 && last_write_time("touched") > before,
           "touch of a folder");
-    std::filesystem::remove("files_check");
+    std::filesystem::remove("touched");
     std::filesystem::remove(name);
 }
 

@@ -5,7 +5,7 @@ set -euo pipefail
 . "$(dirname "$0")/wine.sh"
 work=$1
 need_product "$work"
-use_prefix "$work/wine"
+use_prefix "$work/wine-installer" # without the settings of the tests
 setup=$(realpath "$work"/corvane-tessera-*-setup.exe)
 user=$WINEPREFIX/drive_c/users/$(id -un)
 folder=$user/AppData/Local/Programs/Corvane
