@@ -34,6 +34,9 @@ inline Eigen::MatrixXd centred(Eigen::MatrixXd series)
 inline Eigen::MatrixXd gram(const Eigen::MatrixXd &columns)
 {
     Eigen::MatrixXd products = Eigen::MatrixXd::Zero(columns.cols(), columns.cols());
+    if (columns.size() == 0) {
+        return products; // whose data Eigen would ask for
+    }
     products.selfadjointView<Eigen::Lower>().rankUpdate(columns.transpose());
     products.triangularView<Eigen::StrictlyUpper>() = products.transpose();
     return products;
