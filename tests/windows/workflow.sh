@@ -70,7 +70,17 @@ settings() {
 rm -rf "$(documents)/diagnostics"
 settings linux/home/Documents "$PWD/linux/home/Documents/diagnostics"
 settings "$(documents)" "C:/users/$(id -un)/Documents/diagnostics"
+# The tour neither goes by where the user's dialogs were last, here in a folder that is gone, nor leaves
+# its own files in the user's list.
+own='HKCU\Software\Corvane\Corvane'
+dialogs='HKCU\Software\QtProject\OrganizationDefaults\FileDialog'
+gone="C:/users/$(id -un)/Temp/.gone"
+under_wine registry.txt reg add "$own" /v folder /d "$gone" /f || fail "$(cat registry.txt)"
+under_wine registry.txt reg add "$dialogs" /v lastVisited /d "file:///$gone" /f
+under_wine before.txt reg query "$own" || fail "$(cat before.txt)"
 both tour --out tour
+under_wine after.txt reg query "$own" || fail "$(cat after.txt)"
+diff before.txt after.txt || fail "the tour changes the user's settings"
 rm "$(documents)/CVExtensions/Plugins_64/tessera_plugin.ini"
 "$compare_pictures" linux/tour windows/tour || fail "the pictures of the tour differ"
 
