@@ -7,7 +7,7 @@
 #include "host/commands/option_values.h"
 #include "host/extract/connectome_files.h"
 #include "host/extract/connectome_pictures.h"
-#include "host/extract/output_names.h"
+#include "host/derivatives/bids_names.h"
 #include "host/files/input_error.h"
 #include "host/files/progress.h"
 #include "signals/ledger.h"
