@@ -2,8 +2,8 @@
 #include "host/extract/connectome_files.h"
 
 #include "engine/graph_measures.h"
+#include "host/derivatives/bids_names.h"
 #include "host/extract/connectome_sidecar.h"
-#include "host/extract/output_names.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 
