@@ -87,7 +87,12 @@ TEST_F(CleaningPlan, ErrorsOfTheTableNameItsFile)
     const std::string file = request.confounds.toStdString() + ": ";
     write(motionTable(29));
     EXPECT_EQ(error_text<signals::Error>([&] { plan(); }),
-              file + "the table has 29 rows: expected 30, one for each volume of the run");
+              file + "column framewise_displacement ends before row 29 (from 0): the table has 29 "
+                     "rows: expected 30, "
+                     "one for each volume of the run");
+    write(motionTable(31));
+    EXPECT_EQ(error_text<signals::Error>([&] { plan(); }),
+              file + "the table has 31 rows: expected 30, one for each volume of the run");
     write(motionTable());
     request.strategy.strategy = "simple";
     EXPECT_THAT(error_text<signals::Error>([&] { plan(); }),
