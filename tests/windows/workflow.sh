@@ -61,6 +61,13 @@ for folder in protocol partial graph; do
 done
 "$compare_pictures" linux/protocol windows/protocol || fail "the pictures differ"
 
+both connectome --bold ../run001_bold_25mm.nii.gz --atlas ../atlas.nii --labels ../atlas.nii.tsv \
+    --mask ../mask_25mm_brain.nii.gz --events ../events.tsv --clean none --high-pass 0.01 \
+    --measure pearson,partial --shrinkage ledoit-wolf --plots --out connectome
+echo "connectome:"
+"$here/compare_tables.py" linux/connectome windows/connectome || fail "connectome differs"
+"$compare_pictures" linux/connectome windows/connectome || fail "the pictures of connectome differ"
+
 # settings HOME_DOCUMENTS FOLDER: the plugin's settings file, with the log and the dumps in FOLDER.
 settings() {
     mkdir -p "$1/CVExtensions/Plugins_64" "$1/diagnostics"

@@ -316,6 +316,7 @@ TEST_F(ConnectomeCommand, SeveralMeasuresWindowsAndConditions)
     EXPECT_EQ(part[QLatin1String("Volumes")].toArray()[0].toInt(), 10);
     // Eight volumes of rest are too few.
     EXPECT_EQ(readTsv(output("cond-rest_stat-fisherz_relmat.tsv")).rows[0][1], QByteArray("n/a"));
+    EXPECT_THAT(ran.errors.toStdString(), HasSubstr("6 matrices are n/a: fewer than 10 volumes"));
     EXPECT_THAT(ran.errors.toStdString(), HasSubstr("hold the shared response to the stimulus"));
 }
 
