@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/painting/carpet_painting.h"
 
+#include "host/painting/grey_cells.h"
 #include "host/painting/group_bar.h"
 #include "host/painting/labels.h"
 #include "host/painting/volume_axis.h"
 
-#include <QImage>
-#include <algorithm>
 #include <cmath>
 
 namespace corvane
@@ -16,18 +15,11 @@ namespace
 {
 
 constexpr double barWidth = 10;
+/// Beside each other hardly more are told apart.
+constexpr int levels = 16;
 
-/// Grey in 64 steps, more than are told apart beside each other: the picture's file is smaller.
-QRgb greyOf(double value, double limit)
+QImage cells(const Eigen::MatrixXd &values, double limit)
 {
-    const double share = limit > 0 ? std::clamp((value / limit + 1) / 2, 0.0, 1.0) : 0.5;
-    const int grey = int(std::lround(share * 63)) * 255 / 63;
-    return qRgb(grey, grey, grey);
-}
-
-QImage cells(const CarpetPicture &picture)
-{
-    const Eigen::MatrixXd &values = picture.values;
     QImage image(int(values.cols()), int(values.rows()), QImage::Format_ARGB32);
     for (int node = 0; node < image.height(); ++node) {
         auto *line = reinterpret_cast<QRgb *>(image.scanLine(node));
@@ -37,7 +29,7 @@ QImage cells(const CarpetPicture &picture)
             if (std::isnan(value))
                 line[volume] = hasValues ? qRgba(0, 0, 0, 0) : qRgb(214, 226, 240);
             else
-                line[volume] = greyOf(value, picture.limit);
+                line[volume] = greyValue(limit > 0 ? (value / limit + 1) / 2 : 0.5, levels);
         }
     }
     return image;
@@ -53,7 +45,9 @@ void paintCarpet(QPainter &painter, const QRectF &area, const CarpetPicture &pic
     paintLeftOut(painter, plot, picture.leftOut);
     if (picture.values.size() > 0) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-        painter.drawImage(plot, cells(picture));
+        const QSize pixels = pixelsOf(painter, plot);
+        painter.drawImage(
+            plot, cells(reduced(picture.values, pixels.height(), pixels.width()), picture.limit));
     }
     painter.setFont(labelFont(painter, 12));
     if (picture.groups.empty()) {

@@ -13,7 +13,7 @@ namespace corvane
 namespace
 {
 
-constexpr double gap = 16;
+constexpr double gap = 40;
 constexpr double titleHeight = 24;
 constexpr double barsHeight = 110;
 constexpr double numbersRoom = 56;
@@ -32,18 +32,17 @@ QImage cells(const AtlasView &view, double least)
 void paintView(QPainter &painter, const QRectF &area, const AtlasView &view, double scale,
                double least)
 {
-    painter.setPen(Qt::black);
-    painter.drawText(QRectF(area.left(), area.top(), area.width(), titleHeight), Qt::AlignCenter,
-                     view.title);
     const double width = view.width * scale;
     const double height = view.height * scale;
-    const QRectF map(area.center().x() - width / 2,
-                     area.top() + titleHeight + (area.height() - titleHeight - height) / 2, width,
+    const double space = area.height() - titleHeight - height;
+    const QRectF map(area.center().x() - width / 2, area.top() + titleHeight + space / 2, width,
                      height);
     painter.drawImage(map, cells(view, least));
-    painter.drawText(QRectF(area.left(), map.bottom() - 18, 44, 18), Qt::AlignLeft, view.left);
-    painter.drawText(QRectF(area.right() - 44, map.bottom() - 18, 44, 18), Qt::AlignRight,
-                     view.right);
+    const QRectF title(area.left(), map.top() - titleHeight, area.width(), titleHeight - 4);
+    painter.setPen(Qt::black);
+    painter.drawText(title, Qt::AlignHCenter | Qt::AlignBottom, view.title);
+    painter.drawText(title, Qt::AlignLeft | Qt::AlignBottom, view.left);
+    painter.drawText(title, Qt::AlignRight | Qt::AlignBottom, view.right);
 }
 
 void paintViews(QPainter &painter, const QRectF &area, const CoveragePicture &picture)
@@ -54,14 +53,14 @@ void paintViews(QPainter &painter, const QRectF &area, const CoveragePicture &pi
         width += view.width;
         height = std::max(height, view.height);
     }
-    const double scale = std::min((area.width() - 4 * gap) / std::max(width, 1.0),
+    const double scale = std::min((area.width() - 2 * gap) / std::max(width, 1.0),
                                   (area.height() - titleHeight) / height);
-    double left = area.left() + (area.width() - scale * width - 4 * gap) / 2;
+    double left = area.left() + (area.width() - scale * width - 2 * gap) / 2;
     for (const AtlasView &view : picture.views) {
-        const double room = view.width * scale + 4 * gap / 3;
+        const double room = view.width * scale;
         paintView(painter, QRectF(left, area.top(), room, area.height()), view, scale,
                   picture.least);
-        left += room;
+        left += room + gap;
     }
 }
 
@@ -69,7 +68,7 @@ void paintBars(QPainter &painter, const QRectF &area, const CoveragePicture &pic
 {
     std::vector<double> coverage = picture.coverage;
     std::sort(coverage.begin(), coverage.end());
-    const QRectF plot(area.left() + numbersRoom, area.top() + 6, area.width() - numbersRoom - gap,
+    const QRectF plot(area.left() + numbersRoom, area.top() + 6, area.width() - numbersRoom - 16,
                       area.height() - titleHeight - 6);
     const double width = plot.width() / double(std::max<std::size_t>(coverage.size(), 1));
     for (std::size_t n = 0; n < coverage.size(); ++n) {
@@ -116,7 +115,7 @@ void paintCoverage(QPainter &painter, const QRectF &area, const CoveragePicture 
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.setFont(labelFont(painter, 13));
     paintViews(painter,
-               QRectF(area.left(), area.top(), area.width(), area.height() - barsHeight - gap),
+               QRectF(area.left(), area.top(), area.width(), area.height() - barsHeight - 20),
                picture);
     paintBars(painter, QRectF(area.left(), area.bottom() - barsHeight, area.width(), barsHeight),
               picture);

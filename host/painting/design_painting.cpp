@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/painting/design_painting.h"
 
+#include "host/painting/grey_cells.h"
 #include "host/painting/labels.h"
 
 #include <QFontMetricsF>
-#include <QImage>
 #include <algorithm>
-#include <cmath>
 
 namespace corvane
 {
@@ -23,8 +22,7 @@ QImage cells(const Eigen::MatrixXd &columns)
         const double limit = columns.col(column).cwiseAbs().maxCoeff();
         for (int row = 0; row < image.height(); ++row) {
             const double share = limit > 0 ? (columns(row, column) / limit + 1) / 2 : 0.5;
-            const int grey = int(std::lround(share * 63)) * 255 / 63;
-            image.setPixel(column, row, qRgb(grey, grey, grey));
+            image.setPixel(column, row, greyValue(share, 64));
         }
     }
     return image;
@@ -61,9 +59,9 @@ void paintDesign(QPainter &painter, const QRectF &area, const DesignPicture &pic
             std::min(widestLabel(painter.font(), picture.names, fit.every) + 1, area.height() / 3);
         const QRectF map(area.left() + gap, area.top() + gap, area.width() - 2 * gap,
                          std::max(1.0, area.height() - room - 3 * gap));
-        painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                              double(picture.columns.rows()) > map.height());
-        painter.drawImage(map, cells(picture.columns));
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+        painter.drawImage(map, cells(reduced(picture.columns, pixelsOf(painter, map).height(),
+                                             picture.columns.cols())));
         painter.setPen(Qt::black);
         painter.drawRect(map);
         paintNames(painter, map, picture.names, fit.every, room);

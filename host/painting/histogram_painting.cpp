@@ -49,9 +49,9 @@ void paintAxis(QPainter &painter, const HistogramPicture &picture, const QRectF 
 
 void paintLine(QPainter &painter, const HistogramPicture &picture, const QRectF &plot)
 {
-    if (!(picture.line > picture.low && picture.line < picture.high))
+    if (!picture.line || *picture.line < picture.low || *picture.line > picture.high)
         return;
-    const double x = placeOf(picture, plot, picture.line);
+    const double x = placeOf(picture, plot, *picture.line);
     painter.setPen(QPen(QColor(190, 60, 20), 1, Qt::DashLine));
     painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
 }

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QPainter>
 #include <QString>
+#include <optional>
 #include <vector>
 
 namespace corvane
@@ -22,7 +23,7 @@ struct HistogramPicture {
     std::vector<Sample> samples; ///< drawn over each other, to the same area
     double low = 0;              ///< of the axis
     double high = 1;             ///< above low
-    double line = 0;             ///< a value that is marked, such as a limit; 0 for none
+    std::optional<double> line;  ///< a value that is marked, such as a limit
 };
 
 /// Paints the samples as outlines of steps. Values beyond the axis count in the outermost steps.

@@ -94,7 +94,8 @@ void paintMatrix(QPainter &painter, const QRectF &area, const NetworkPicture &pi
     painter.fillRect(area, Qt::white);
     paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
     const bool grouped = !picture.groups.empty();
-    const double above = titleHeight + (grouped ? barWidth + groupNamesHeight : 0);
+    const double title = picture.title.isEmpty() ? gap : titleHeight;
+    const double above = title + (grouped ? barWidth + groupNamesHeight : 0);
     const double height = area.height() - above - scaleHeight - 3 * gap;
     if (!picture.names.isEmpty()) {
         // A first guess of the map's side decides on the font, whose names then take their room.

@@ -111,9 +111,9 @@ void paintName(QPainter &painter, const Ring &ring, double node, double distance
 }
 
 /// Of all nodes that have one; or of the networks, in the middle of their arcs, but for those that
-/// would overlap the one before or the first.
+/// would overlap the one before or the first, cut to the room.
 void paintNames(QPainter &painter, const Ring &ring, const NetworkPicture &picture,
-                const LabelFit &fit)
+                const LabelFit &fit, double room)
 {
     painter.setPen(Qt::black);
     const double distance = ring.radius + namesDistance(picture);
@@ -122,14 +122,16 @@ void paintNames(QPainter &painter, const Ring &ring, const NetworkPicture &pictu
             paintName(painter, ring, node, distance, picture.names[node]);
         return;
     }
-    const double apart = QFontMetricsF(painter.font()).height() * ring.nodes / (2 * pi * distance);
+    const QFontMetricsF metrics(painter.font());
+    const double apart = metrics.height() * ring.nodes / (2 * pi * distance);
     double before = -ring.nodes;
     double first = 2 * ring.nodes;
     for (const NodeGroup &group : picture.groups) {
         const double middle = group.first + (group.count - 1) / 2.0;
         if (middle - before < apart || first + ring.nodes - middle < apart)
             continue;
-        paintName(painter, ring, middle, distance, group.name);
+        paintName(painter, ring, middle, distance,
+                  metrics.elidedText(group.name, Qt::ElideRight, room));
         before = middle;
         first = std::min(first, middle);
     }
@@ -177,8 +179,9 @@ void paintRing(QPainter &painter, const QRectF &area, const NetworkPicture &pict
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(area, Qt::white);
     paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
-    const QRectF round(area.left(), area.top() + titleHeight, area.width(),
-                       area.height() - titleHeight - scaleHeight - 2 * gap);
+    const double title = picture.title.isEmpty() ? 0 : titleHeight;
+    const QRectF round(area.left(), area.top() + title, area.width(),
+                       area.height() - title - scaleHeight - 2 * gap);
     const int nodes = picture.names.size();
     const auto all = strongestEdges(picture.values, std::size_t(-1)).size();
     const std::vector<RingEdge> edges =
@@ -187,12 +190,15 @@ void paintRing(QPainter &painter, const QRectF &area, const NetworkPicture &pict
         const double half = std::min(round.width(), round.height()) / 2;
         const LabelFit fit = fitLabels(2 * pi * 0.75 * half / nodes);
         painter.setFont(labelFont(painter, namesOfGroups(picture, fit) ? 13 : fit.fontSize));
-        const double outside = namesWidth(painter, picture, fit) + namesDistance(picture) + gap;
-        const Ring ring{round.center(), std::max(half - outside, half / 3), nodes};
+        const double outside = namesDistance(picture) + gap;
+        double room = namesWidth(painter, picture, fit);
+        if (namesOfGroups(picture, fit))
+            room = std::min(room, half * 0.36);
+        const Ring ring{round.center(), std::max(half - outside - room, half / 3), nodes};
         paintEdges(painter, ring, edges, picture.limit);
         paintNodes(painter, ring);
         paintArcs(painter, ring, picture.groups);
-        paintNames(painter, ring, picture, fit);
+        paintNames(painter, ring, picture, fit, room);
     }
     const QRectF foot(area.left() + gap, area.bottom() - scaleHeight - gap, area.width() - 2 * gap,
                       scaleHeight);

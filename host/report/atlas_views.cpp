@@ -56,6 +56,29 @@ constexpr ViewPlane planes[] = {{"from above", "L", "R", 0, false, 1},
                                 {"from the front", "R", "L", 0, true, 2},
                                 {"from the left", "front", "back", 1, true, 2}};
 
+/// The view without rows and columns at its borders that show nothing.
+AtlasView cropped(AtlasView view)
+{
+    const auto shown = (!view.values.array().isNaN()).eval();
+    const auto rows = shown.rowwise().any().eval();
+    const auto columns = shown.colwise().any().eval();
+    const auto range = [](const auto &flags) {
+        Eigen::Index first = 0;
+        Eigen::Index last = flags.size() - 1;
+        while (first < last && !flags(first))
+            ++first;
+        while (last > first && !flags(last))
+            --last;
+        return std::pair(first, last - first + 1);
+    };
+    const auto [top, height] = range(rows);
+    const auto [left, width] = range(columns);
+    view.width *= double(width) / double(view.values.cols());
+    view.height *= double(height) / double(view.values.rows());
+    view.values = view.values.block(top, left, height, width).eval();
+    return view;
+}
+
 } // namespace
 
 std::array<AtlasView, 3> atlasViews(const Connectome &connectome)
@@ -91,6 +114,8 @@ std::array<AtlasView, 3> atlasViews(const Connectome &connectome)
         for (const Stretch &stretch : *stretches)
             for (qint64 n = 0; n < stretch.length; ++n)
                 show(stretch.start + n, connectome.coverage[std::size_t(stretch.node)]);
+    for (AtlasView &view : views)
+        view = cropped(view);
     return views;
 }
 

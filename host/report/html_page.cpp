@@ -45,7 +45,7 @@ td { min-width: 3.5em; }
 .faint { color: #70767e; }
 figure { margin: 18px 0; }
 figure .scroll { border: 1px solid #e3e6ea; border-radius: 4px; padding: 6px; }
-figure img { display: block; width: 100%; height: auto; margin: 0 auto; }
+figure img { display: block; max-width: 100%; height: auto; margin: 0 auto; }
 figcaption { color: #4a5058; font-size: 0.93rem; margin-top: 6px; max-width: 92ch; }
 .pair { display: grid; grid-template-columns: repeat(auto-fit, minmax(min(100%, 480px), 1fr)); gap: 0 24px; }
 .pair figure { min-width: 0; }
@@ -54,8 +54,11 @@ summary { cursor: pointer; color: #0a559c; }
 footer { margin-top: 56px; color: #70767e; font-size: 0.9rem; border-top: 1px solid #e3e6ea; padding-top: 10px; }
 @media (max-width: 700px) {
   main { padding: 16px 12px 48px; }
-  figure img { min-width: 620px; }
-  .pair figure img { min-width: 520px; }
+  th, td { padding: 5px 8px 5px 2px; }
+  .name { white-space: normal; }
+  .wide { min-width: 9em; }
+  figure img { max-width: none; width: 700px; }
+  .pair figure img { width: 500px; }
 }
 @media print { main { max-width: none; } figure, tr { break-inside: avoid; } nav { display: none; } }
 )";

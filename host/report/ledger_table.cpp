@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/report/ledger_table.h"
 
+#include <cmath>
+
 namespace corvane
 {
 
@@ -34,11 +36,13 @@ QString ledgerNumber(const QJsonObject &ledger, const char *key)
     const QJsonValue value = ledger.value(QLatin1String(key));
     if (!value.isDouble())
         return QStringLiteral("n/a");
+    const double number = value.toDouble();
+    const bool isWhole = number == std::floor(number);
     const bool isFreedom = QLatin1String(key) == QLatin1String("DegreesOfFreedom");
     const bool about =
         isFreedom && ledger.value(QLatin1String("DegreesOfFreedomAreEstimate")).toBool();
     return (about ? QStringLiteral("about ") : QString()) +
-           QString::number(value.toDouble(), 'g', isFreedom ? 4 : 6);
+           QString::number(number, 'g', isWhole ? 12 : 4);
 }
 
 void addLedgerTable(HtmlPage &page, const QJsonObject &ledger)

@@ -12,8 +12,6 @@ namespace corvane
 namespace
 {
 
-constexpr int scale = 2;
-
 /// The same picture with a table of its colours, when they are few: its file is smaller.
 QImage withFewColours(const QImage &image)
 {
@@ -40,7 +38,7 @@ QImage withFewColours(const QImage &image)
 
 } // namespace
 
-PagePicture paintedPicture(const QSize &size,
+PagePicture paintedPicture(const QSize &size, double scale,
                            const std::function<void(QPainter &, const QRectF &)> &paint)
 {
     QImage image(size * scale, QImage::Format_RGB32);

@@ -15,9 +15,9 @@ struct PagePicture {
     QSize size; ///< in pixels of the page
 };
 
-/// Paints on white in the page's own font, with two pixels of the picture for one of the page.
+/// Paints on white in the page's own font, with `scale` pixels of the picture for one of the page.
 /// Needs a QGuiApplication.
-PagePicture paintedPicture(const QSize &size,
+PagePicture paintedPicture(const QSize &size, double scale,
                            const std::function<void(QPainter &, const QRectF &)> &paint);
 
 } // namespace corvane

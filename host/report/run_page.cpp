@@ -93,9 +93,9 @@ void addHead(HtmlPage &page, const ConnectomeRequest &request, const ConnectomeN
             QStringLiteral("degrees of freedom left"));
     addFact(page, QStringLiteral("%1 s").arg(ledgerNumber(ledger, "SecondsKept")),
             QStringLiteral("of signal"));
-    addFact(page, shortNumber(connectome.cleaning.design.ledger.mean_fd_before),
-            QStringLiteral("mm mean FD, %1 of the kept")
-                .arg(shortNumber(connectome.cleaning.design.ledger.mean_fd_after)));
+    addFact(page, ledgerNumber(ledger, "MeanFDBefore") + QStringLiteral(" mm"),
+            QStringLiteral("mean FD; of the kept volumes %1 mm")
+                .arg(ledgerNumber(ledger, "MeanFDAfter")));
     addFact(page, QStringLiteral("%1 of %2").arg(nodes - uncoveredNodes(connectome)).arg(nodes),
             QStringLiteral("nodes with enough coverage"));
     page.close();
@@ -222,8 +222,8 @@ void addDesign(HtmlPage &page, const Connectome &connectome)
                        "volume.")
             .arg(design.columns.cols()),
         QStringLiteral("What was taken off each series by least squares: a column for each of %1 "
-                       "regressors, a row for each of %2 kept volumes from the top, black to white "
-                       "from its lowest to its highest. Its rank is %3. Good: many more rows than "
+                       "regressors, a row for each of %2 kept volumes from the top. In each column black and "
+                       "white are minus and plus its largest value. The rank is %3. Good: many more rows than "
                        "columns, and no column that is one spike.")
             .arg(design.columns.cols())
             .arg(design.columns.rows())

@@ -122,7 +122,8 @@ PagePicture motionPicture(const Connectome &connectome)
                       nodeDvars(connectome), 0, leftOut});
     constexpr int height = 150;
     return paintedPicture(
-        QSize(pageWidth, height * int(curves.size())), [&](QPainter &painter, const QRectF &area) {
+        QSize(pageWidth, height * int(curves.size())), 2,
+        [&](QPainter &painter, const QRectF &area) {
             double top = area.top();
             for (const CurvePicture &curve : curves) {
                 paintCurve(painter, QRectF(area.left(), top, area.width(), height - 6), curve);
@@ -139,9 +140,9 @@ PagePicture carpetPicture(const Connectome &connectome)
     const CarpetPicture after = carpet(connectome, order, cleanedInFile(connectome),
                                        QStringLiteral("after cleaning, kept volumes"));
     const int height =
-        std::clamp(8 * int(order.nodes.size()), 120, 260) + int(axisTitle + axisNumbers);
+        std::clamp(8 * int(order.nodes.size()), 120, 268) + int(axisTitle + axisNumbers);
     return paintedPicture(
-        QSize(pageWidth, 2 * height + 8), [&](QPainter &painter, const QRectF &area) {
+        QSize(pageWidth, 2 * height + 8), 1.5, [&](QPainter &painter, const QRectF &area) {
             paintCarpet(painter, QRectF(0, 0, area.width(), height), before);
             paintCarpet(painter, QRectF(0, height + 8, area.width(), height), after);
         });
@@ -154,7 +155,7 @@ PagePicture designPicture(const Connectome &connectome)
         picture.names += QString::fromStdString(name);
     picture.columns = connectome.cleaning.design.columns;
     const int width = std::clamp(26 * picture.names.size() + 16, 320, pageWidth);
-    return paintedPicture(QSize(width, 520), [&](QPainter &painter, const QRectF &area) {
+    return paintedPicture(QSize(width, 480), 1.5, [&](QPainter &painter, const QRectF &area) {
         paintDesign(painter, area, picture);
     });
 }
@@ -162,7 +163,7 @@ PagePicture designPicture(const Connectome &connectome)
 PagePicture coveragePicture(const Connectome &connectome, double least)
 {
     const CoveragePicture picture{atlasViews(connectome), connectome.coverage, least};
-    return paintedPicture(QSize(pageWidth, 500), [&](QPainter &painter, const QRectF &area) {
+    return paintedPicture(QSize(pageWidth, 460), 1.5, [&](QPainter &painter, const QRectF &area) {
         paintCoverage(painter, area, picture);
     });
 }
@@ -171,7 +172,7 @@ PagePicture matrixPicture(const Connectome &connectome, const PartMatrix &matrix
 {
     NetworkPicture picture = networkPicture({}, connectome, matrix);
     picture.title.clear();
-    return paintedPicture(QSize(720, 760), [&](QPainter &painter, const QRectF &area) {
+    return paintedPicture(QSize(560, 590), 2, [&](QPainter &painter, const QRectF &area) {
         paintMatrix(painter, area, picture);
     });
 }
@@ -180,7 +181,7 @@ PagePicture ringPicture(const Connectome &connectome, const PartMatrix &matrix)
 {
     NetworkPicture picture = networkPicture({}, connectome, matrix);
     picture.title.clear();
-    return paintedPicture(QSize(720, 760), [&](QPainter &painter, const QRectF &area) {
+    return paintedPicture(QSize(560, 590), 2, [&](QPainter &painter, const QRectF &area) {
         paintRing(painter, area, picture);
     });
 }
@@ -193,8 +194,8 @@ PagePicture correlationsPicture(const Eigen::MatrixXd &uncleaned, const Eigen::M
          {QStringLiteral("after cleaning"), pairValues(cleaned), QColor(0, 90, 160)}},
         -1,
         1,
-        0};
-    return paintedPicture(QSize(720, 280), [&](QPainter &painter, const QRectF &area) {
+        {}};
+    return paintedPicture(QSize(720, 280), 2, [&](QPainter &painter, const QRectF &area) {
         paintHistogram(painter, area, picture);
     });
 }

@@ -124,9 +124,9 @@ void addDistribution(HtmlPage &page, const Rows &rows, const char *key, const QS
                                     {QStringLiteral("others"), others, QColor(215, 120, 0)}},
                                    0,
                                    std::max(step, std::ceil(highest / step) * step),
-                                   0};
+                                   {}};
     const PagePicture painted =
-        paintedPicture(QSize(720, 230), [&](QPainter &painter, const QRectF &area) {
+        paintedPicture(QSize(520, 200), 2, [&](QPainter &painter, const QRectF &area) {
             paintStrip(painter, area, picture);
         });
     const QString range = rangeText(done);
