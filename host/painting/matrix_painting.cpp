@@ -9,6 +9,7 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <algorithm>
+#include <cmath>
 
 namespace corvane
 {
@@ -22,6 +23,14 @@ constexpr double gap = 8;
 constexpr double barWidth = 8;
 constexpr double groupNamesHeight = 20;
 
+/// The colour of a value rounded to a fiftieth of the limit: the picture of many nodes has few
+/// colours and a small file.
+QColor steppedColour(double value, double limit)
+{
+    constexpr double steps = 50;
+    return divergingColour(limit > 0 ? std::round(value / limit * steps) / steps : value, 1);
+}
+
 QImage cells(const NetworkPicture &picture)
 {
     const int nodes = int(picture.values.rows());
@@ -29,7 +38,7 @@ QImage cells(const NetworkPicture &picture)
     for (int row = 0; row < nodes; ++row)
         for (int column = 0; column < nodes; ++column)
             image.setPixelColor(column, row,
-                                divergingColour(picture.values(row, column), picture.limit));
+                                steppedColour(picture.values(row, column), picture.limit));
     return image;
 }
 
