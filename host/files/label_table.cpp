@@ -208,10 +208,9 @@ LabelTable readColourTable(const QString &path, const std::vector<TextLine> &lin
         const QString name = found.mid(1, count - 5).join(QLatin1Char(' '));
         if (const std::optional<QString> fault = nameFault(name))
             throw InputError(path, place, *fault, QStringLiteral("the name of a label"));
-        labels.add(
-            *label,
-            {name, colourOfParts(found[count - 4], found[count - 3], found[count - 2]), {}, {}},
-            place, place);
+        labels.add(*label,
+                   {name, colourOfParts(found[count - 4], found[count - 3], found[count - 2])},
+                   place, place);
     }
     return labels.labels();
 }

@@ -19,8 +19,8 @@ struct Colour {
 struct LabelEntry {
     QString name; ///< empty when it has none
     std::optional<Colour> colour;
-    QString network;    ///< empty when it is not known
-    QString hemisphere; ///< as the table writes it; empty when it is not known
+    QString network = {};    ///< empty when it is not known
+    QString hemisphere = {}; ///< as the table writes it; empty when it is not known
 };
 
 /// Names of the labels of an atlas, by label. Label 0 is the background and has none.
