@@ -9,7 +9,9 @@
 #include "host/extract/connectome_files.h"
 #include "host/extract/connectome_pictures.h"
 #include "host/files/input_error.h"
+#include "host/files/output_file.h"
 #include "host/files/progress.h"
+#include "host/report/run_page.h"
 #include "signals/ledger.h"
 
 #include <cstdio>
@@ -190,6 +192,8 @@ void addOptions(QCommandLineParser &parser)
          QStringLiteral("Each interval on its own mean, instead of one for the condition.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: matrix and ring of each matrix of the whole run.")},
+        {QStringLiteral("page"),
+         QStringLiteral("A page of HTML with the ledger, pictures and tables of the run.")},
         {QStringLiteral("atlas-name"),
          QStringLiteral("What the atlas is called in the names of files."), QStringLiteral("name")},
         {QStringLiteral("dataset-root"),
@@ -225,6 +229,8 @@ void makeFiles(const QCommandLineParser &parser)
     writeConnectomeTables(folder, request, names, connectome);
     if (parser.isSet(QStringLiteral("plots")))
         writeConnectomePictures(folder, names, connectome);
+    if (parser.isSet(QStringLiteral("page")))
+        writeFile(folder.path(runPageName(names)), runPage(request, names, connectome));
     connectome.notes += folder.commit();
     report(path, connectome);
 }
@@ -259,7 +265,7 @@ Command connectomeCommand()
                   [--min-volumes N] [--min-seconds S] [--measure NAME,NAME]
                   [--shrinkage ledoit-wolf] [--window S --step S [--taper NAME]]
                   [--events F [--delay S] [--per-interval] [--centre-intervals]] [--plots]
-                  [--atlas-name NAME] [--dataset-root DIR] --out DIR)",
+                  [--page] [--atlas-name NAME] [--dataset-root DIR] --out DIR)",
             "Makes matrices of a run and an atlas, cleaned by a pipeline's confounds.", run,
             makePlotsApplication};
 }

@@ -8,7 +8,8 @@ namespace corvane
 std::unique_ptr<QCoreApplication> makePlotsApplication(const QStringList &arguments, int &argc,
                                                        char **argv)
 {
-    if (!arguments.contains(QStringLiteral("--plots")))
+    if (!arguments.contains(QStringLiteral("--plots")) &&
+        !arguments.contains(QStringLiteral("--page")))
         return makePlainApplication(arguments, argc, argv);
     argc = 1; // the arguments are those of a command, none is Qt's
     return makePictureApplication(argc, argv, false);

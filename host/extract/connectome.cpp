@@ -20,14 +20,13 @@ namespace
 using Eigen::MatrixXd;
 using Index = Eigen::Index;
 
-NodeMap readNodes(const ConnectomeRequest &request, const NiftiHeader &header, QStringList &notes)
+NodeMap readNodes(const ConnectomeRequest &request, const RunGrid &grid, QStringList &notes)
 {
     const LabelTable names =
         request.labels.isEmpty() ? LabelTable() : readLabelTable(request.labels, notes);
     const Image3d<qint32> atlas = readLabels(request.atlas, notes);
     const Image3d<float> mask =
         request.mask.isEmpty() ? Image3d<float>() : readImage(request.mask, notes);
-    const RunGrid grid{request.run, {header.dim[0], header.dim[1], header.dim[2]}, header.toWorld};
     return mapNodes(grid, atlas, request.atlas, names, mask, request.mask, notes);
 }
 
@@ -109,6 +108,7 @@ void noteParts(const PartsRequest &request, const signals::Band &band,
 struct Preparations {
     NiftiHeader header;
     double repetitionTime;
+    RunGrid grid;
     NodeMap map;
     RunCleaning cleaning;
     PartsRequest parts;
@@ -125,7 +125,9 @@ Preparations prepare(const ConnectomeRequest &request, QStringList &notes)
     made.parts = request.parts;
     if (!request.events.isEmpty())
         made.parts.events = readEvents(request.events, notes);
-    made.map = readNodes(request, made.header, notes);
+    const NiftiHeader &header = made.header;
+    made.grid = {request.run, {header.dim[0], header.dim[1], header.dim[2]}, header.toWorld};
+    made.map = readNodes(request, made.grid, notes);
     return made;
 }
 
@@ -139,16 +141,18 @@ bool Connectome::isCovered(std::size_t node) const
 Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch &watch)
 {
     Connectome result;
-    const Preparations made = prepare(request, result.notes);
+    Preparations made = prepare(request, result.notes);
     const signals::Design &design = made.cleaning.design;
     const signals::Volumes &volumes = made.cleaning.selection.volumes;
     const std::vector<Part> parts = partsOf(made.parts, design.rows, volumes.count(),
                                             firstSteady(volumes), made.repetitionTime);
 
-    const NodeSeries series =
-        readNodeSeries(request.run, made.header, made.map, watch, result.notes);
+    NodeSeries series = readNodeSeries(request.run, made.header, made.map, watch, result.notes);
     result.repetitionTime = made.repetitionTime;
+    result.grid = made.grid;
     result.nodes = made.map.nodes;
+    result.stretches = std::move(made.map.stretches);
+    result.outside = std::move(made.map.outside);
     result.usedVoxels = series.used;
     result.coverage = series.coverage(result.nodes);
     result.cleaning = made.cleaning;
@@ -163,6 +167,7 @@ Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch 
     QStringList saidBefore;
     result.uncleaned = cleanedBy(uncleanedDesign(made.cleaning, made.repetitionTime), series.values,
                                  covered, result.nodes, saidBefore);
+    result.series = std::move(series.values);
     noteParts(made.parts, design.band, parts, request.relationships.size(), result.notes);
     for (const Part &part : parts)
         for (const Relationship relationship : request.relationships)

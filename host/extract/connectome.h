@@ -33,9 +33,13 @@ struct PartMatrix {
 
 struct Connectome {
     double repetitionTime = 0;
+    RunGrid grid;
     std::vector<Node> nodes;
+    std::vector<Stretch> stretches; ///< the nodes' voxels inside the mask, in the order of the file
+    std::vector<Stretch> outside;   ///< those that the mask takes from them
     std::vector<qint64> usedVoxels;
     std::vector<double> coverage;
+    Eigen::MatrixXd series; ///< the nodes' means, all volumes of the file x nodes, as in the file
     RunCleaning cleaning;
     CleanedSeries cleaned;   ///< NaN in the columns of nodes with too little coverage
     CleanedSeries uncleaned; ///< the same volumes and nodes with nothing taken off but the mean

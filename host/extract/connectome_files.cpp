@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/extract/connectome_files.h"
 
-#include "engine/graph_measures.h"
 #include "host/derivatives/bids_names.h"
 #include "host/extract/connectome_sidecar.h"
+#include "host/extract/node_measures.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 
@@ -107,26 +107,10 @@ QByteArray designTable(const signals::Design &design)
     return columnTable(names, design.columns);
 }
 
-/// The measures of the network of Pearson correlations without their signs, of the nodes that have
-/// values.
 QByteArray graphTable(const Connectome &connectome)
 {
-    const NodeMatrix pearson = matrixOf(connectome.cleaned, connectome.matrices.front().part,
-                                        Relationship::Pearson, false);
-    std::vector<Index> nodes;
-    for (Index node = 0; node < pearson.values.cols(); ++node)
-        if (!std::isnan(pearson.values(node, node)))
-            nodes.push_back(node);
-    const Eigen::MatrixXf weights = pearson.values(nodes, nodes).cwiseAbs().cast<float>();
-    const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
-    QList<QByteArray> names;
-    MatrixXd values = MatrixXd::Constant(pearson.values.cols(), Index(measures.size()),
-                                         std::numeric_limits<double>::quiet_NaN());
-    for (std::size_t m = 0; m < measures.size(); ++m) {
-        names += measures[m].column;
-        values(nodes, Index(m)) = columnOf(measures[m], weights).cast<double>();
-    }
-    return nodeTable(nodeNames(connectome.nodes), names, values);
+    const NodeMeasures measures = nodeMeasures(connectome);
+    return nodeTable(nodeNames(connectome.nodes), measures.columns, measures.values);
 }
 
 void writeMatrix(const OutputFolder &folder, const QString &stem, const QList<QByteArray> &nodes,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/extract/connectome_pictures.h"
 
+#include "host/extract/node_order.h"
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
 #include "host/painting/matrix_painting.h"
@@ -36,20 +37,6 @@ double limitOf(const PartMatrix &matrix)
     return limit > 0 ? limit : 1;
 }
 
-NetworkPicture pictureOf(const ConnectomeNames &names, const Connectome &connectome,
-                         const PartMatrix &matrix)
-{
-    NetworkPicture picture;
-    picture.title = QStringLiteral("%1, %2, %3 kept volumes")
-                        .arg(names.prefix, QLatin1String(factsOf(matrix.relationship).measure),
-                             QString::number(matrix.part.rows.size()));
-    for (const Node &node : connectome.nodes)
-        picture.names += node.name;
-    picture.values = matrix.matrix.values;
-    picture.limit = limitOf(matrix);
-    return picture;
-}
-
 void writePicture(const OutputFolder &folder, const QString &name, PaintPicture paint,
                   const NetworkPicture &picture)
 {
@@ -67,13 +54,29 @@ void writePicture(const OutputFolder &folder, const QString &name, PaintPicture 
 
 } // namespace
 
+NetworkPicture networkPicture(const ConnectomeNames &names, const Connectome &connectome,
+                              const PartMatrix &matrix)
+{
+    NetworkPicture picture;
+    picture.title = QStringLiteral("%1, %2, %3 kept volumes")
+                        .arg(names.prefix, QLatin1String(factsOf(matrix.relationship).measure),
+                             QString::number(matrix.part.rows.size()));
+    const NodeOrder order = orderByNetwork(connectome.nodes);
+    for (const int node : order.nodes)
+        picture.names += connectome.nodes[std::size_t(node)].name;
+    picture.values = matrix.matrix.values(order.nodes, order.nodes);
+    picture.limit = limitOf(matrix);
+    picture.groups = order.groups;
+    return picture;
+}
+
 void writeConnectomePictures(const OutputFolder &folder, const ConnectomeNames &names,
                              const Connectome &connectome)
 {
     for (const PartMatrix &matrix : connectome.matrices) {
         if (!matrix.part.entity.isEmpty())
             continue;
-        const NetworkPicture picture = pictureOf(names, connectome, matrix);
+        const NetworkPicture picture = networkPicture(names, connectome, matrix);
         const QString stem = matrixStem(names, matrix);
         writePicture(folder, stem + QStringLiteral("_matrix.png"), paintMatrix, picture);
         writePicture(folder, stem + QStringLiteral("_ring.png"), paintRing, picture);

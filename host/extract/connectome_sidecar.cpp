@@ -17,18 +17,6 @@ QString key(const char *name)
     return QLatin1String(name);
 }
 
-/// Where an input stands in the dataset, or its name.
-QString sourceText(const QString &path, const QString &root)
-{
-    if (!root.isEmpty()) {
-        const QString relative = QDir(QFileInfo(root).absoluteFilePath())
-                                     .relativeFilePath(QFileInfo(path).absoluteFilePath());
-        if (!relative.startsWith(QLatin1String("..")) && QDir::isRelativePath(relative))
-            return QStringLiteral("bids:input:") + relative;
-    }
-    return QFileInfo(path).fileName();
-}
-
 QJsonArray sourcesOf(const ConnectomeRequest &request, const ConnectomeNames &names)
 {
     QJsonArray sources;
@@ -152,6 +140,17 @@ QByteArray bytesOf(const QJsonObject &json)
 }
 
 } // namespace
+
+QString sourceText(const QString &path, const QString &root)
+{
+    if (!root.isEmpty()) {
+        const QString relative = QDir(QFileInfo(root).absoluteFilePath())
+                                     .relativeFilePath(QFileInfo(path).absoluteFilePath());
+        if (!relative.startsWith(QLatin1String("..")) && QDir::isRelativePath(relative))
+            return QStringLiteral("bids:input:") + relative;
+    }
+    return QFileInfo(path).fileName();
+}
 
 QByteArray seriesSidecar(const ConnectomeRequest &request, const ConnectomeNames &names,
                          const Connectome &connectome)

@@ -9,6 +9,10 @@
 namespace corvane
 {
 
+/// An input as sidecars and pages name it: "bids:input:" and where it stands below the root, else
+/// its name.
+QString sourceText(const QString &path, const QString &root);
+
 QByteArray seriesSidecar(const ConnectomeRequest &request, const ConnectomeNames &names,
                          const Connectome &connectome);
 

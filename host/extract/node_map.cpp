@@ -135,6 +135,10 @@ std::vector<Node> nodesOf(const std::map<qint32, qint64> &counts, const LabelTab
         const bool named = entry != names.end() && !entry->second.name.isEmpty();
         nodes.push_back({label, named ? entry->second.name : QString::number(label), 0,
                          double(count) * atlasVoxelsPerVoxel});
+        if (entry != names.end()) {
+            nodes.back().network = entry->second.network;
+            nodes.back().hemisphere = entry->second.hemisphere;
+        }
         if (!named)
             nameless += QString::number(label);
         if (count == 0)
@@ -159,6 +163,15 @@ void noteEqualNames(const std::vector<Node> &nodes, const QString &path, QString
     for (const auto &[name, count] : times)
         if (count > 1)
             notes += noteOn(path, QStringLiteral("%1 nodes are called %2").arg(count).arg(name));
+}
+
+/// Adds the next voxel of the file to the stretches of a node.
+void addVoxel(std::vector<Stretch> &all, qint64 voxel, int node)
+{
+    if (!all.empty() && all.back().node == node && all.back().start + all.back().length == voxel)
+        ++all.back().length;
+    else
+        all.push_back({voxel, 1, node});
 }
 
 } // namespace
@@ -199,14 +212,8 @@ NodeMap mapNodes(const RunGrid &run, const Image3d<qint32> &atlas, const QString
             node = positions.at(here);
         }
         ++map.nodes[std::size_t(node)].voxels;
-        if (!inside.empty() && !inside[std::size_t(voxel)])
-            return;
-        std::vector<Stretch> &all = map.stretches;
-        if (!all.empty() && all.back().node == node &&
-            all.back().start + all.back().length == voxel)
-            ++all.back().length;
-        else
-            all.push_back({voxel, 1, node});
+        const bool isUsed = inside.empty() || inside[std::size_t(voxel)];
+        addVoxel(isUsed ? map.stretches : map.outside, voxel, node);
     });
     const bool overlaps = std::any_of(map.nodes.begin(), map.nodes.end(),
                                       [](const Node &found) { return found.voxels > 0; });

@@ -28,6 +28,8 @@ struct Node {
     /// As many voxels of the run as the whole region would fill, whether the run reaches it or not:
     /// at least `voxels`.
     double wholeVoxels = 0;
+    QString network = {};    ///< of the table of names; empty where unknown
+    QString hemisphere = {}; ///< likewise
 };
 
 /// Voxels of the run that follow each other in the file and belong to one node.
@@ -40,6 +42,7 @@ struct Stretch {
 struct NodeMap {
     std::vector<Node> nodes;
     std::vector<Stretch> stretches; ///< ascending, inside the mask
+    std::vector<Stretch> outside;   ///< ascending, voxels that the mask takes from their nodes
 
     qint64 voxelCount() const;
 };

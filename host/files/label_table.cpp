@@ -77,13 +77,15 @@ private:
 
 // ---- tables with names of columns
 
-QString labelName(const TsvTable &table, int row, int column)
+/// A text of a row, empty for none; `what` it is stands in messages.
+QString textOf(const TsvTable &table, int row, int column, const char *what)
 {
-    const QString name = table.cell(row, column);
-    if (const std::optional<QString> fault = nameFault(name))
-        throw InputError(table.path(), table.place(row, column), *fault,
-                         QStringLiteral("the name of a label"));
-    return name == QLatin1String("n/a") ? QString() : name;
+    if (column < 0)
+        return {};
+    const QString text = table.cell(row, column);
+    if (const std::optional<QString> fault = nameFault(text))
+        throw InputError(table.path(), table.place(row, column), *fault, QLatin1String(what));
+    return text == QLatin1String("n/a") ? QString() : text;
 }
 
 std::optional<Colour> colourOfCode(const QString &text)
@@ -145,6 +147,10 @@ LabelTable readColumns(const TsvTable &table)
     if (nameColumn < 0)
         nameColumn = table.requiredColumn(QStringLiteral("name"));
     const ColourColumns colours(table);
+    int networkColumn = table.column(QStringLiteral("network"));
+    if (networkColumn < 0)
+        networkColumn = table.column(QStringLiteral("network_label"));
+    const int hemisphereColumn = table.column(QStringLiteral("hemisphere"));
 
     LabelCollector labels(table.path());
     for (int row = 0; row < table.rowCount(); ++row) {
@@ -152,7 +158,11 @@ LabelTable readColumns(const TsvTable &table)
         if (!label)
             throw InputError(table.path(), table.place(row, indexColumn),
                              quoted(table.cell(row, indexColumn)), labelRule());
-        labels.add(*label, {labelName(table, row, nameColumn), colours.colour(table, row)},
+        labels.add(*label,
+                   {textOf(table, row, nameColumn, "the name of a label"),
+                    colours.colour(table, row),
+                    textOf(table, row, networkColumn, "the name of a network"),
+                    textOf(table, row, hemisphereColumn, "the name of a side")},
                    table.place(row), table.place(row, indexColumn));
     }
     return labels.labels();

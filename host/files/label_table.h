@@ -19,6 +19,8 @@ struct Colour {
 struct LabelEntry {
     QString name; ///< empty when it has none
     std::optional<Colour> colour;
+    QString network = {};    ///< empty when it is not known
+    QString hemisphere = {}; ///< as the table writes it; empty when it is not known
 };
 
 /// Names of the labels of an atlas, by label. Label 0 is the background and has none.
@@ -31,7 +33,9 @@ constexpr std::size_t mostLabels = 20000;
 ///
 /// - tab-separated text with the columns "index" and "name", or in older files "label" in its
 ///   place. Colours stand in a column "color" as "#RRGGBB", "RRGGBB", "#RGB" or "#RRGGBBAA", or in
-///   columns for red, green and blue. A name that is empty or "n/a" is none.
+///   columns for red, green and blue. The network that a region belongs to stands in a column
+///   "network" or, without it, "network_label", its side in "hemisphere". A text that is empty or
+///   "n/a" is none.
 /// - a colour table: index, name, red, green, blue and alpha with blanks between them in each line,
 ///   and no line of names.
 ///

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/painting/ring_painting.h"
 
+#include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
+#include "host/painting/group_bar.h"
 #include "host/painting/labels.h"
 
 #include <QFontMetricsF>
@@ -19,6 +21,8 @@ constexpr double pi = 3.141592653589793;
 constexpr double titleHeight = 36;
 constexpr double scaleHeight = 40;
 constexpr double gap = 8;
+constexpr double arcDistance = 11;
+constexpr double arcWidth = 8;
 constexpr std::size_t nodesWithAllEdges = 40;
 
 struct Ring {
@@ -27,8 +31,8 @@ struct Ring {
     int nodes;
 
     /// In rad, clockwise from the top.
-    double angle(int node) const { return 2 * pi * node / nodes; }
-    QPointF place(int node, double distance) const
+    double angle(double node) const { return 2 * pi * node / nodes; }
+    QPointF place(double node, double distance) const
     {
         return centre + distance * QPointF(std::sin(angle(node)), -std::cos(angle(node)));
     }
@@ -65,21 +69,79 @@ void paintNodes(QPainter &painter, const Ring &ring)
         painter.drawEllipse(ring.place(node, ring.radius), size, size);
 }
 
-/// Names run outward; those on the left half are turned, so that none stands on its head.
-void paintNames(QPainter &painter, const Ring &ring, const QStringList &names, int every)
+/// Where there is no room for all nodes, their networks say more than a few of them.
+bool namesOfGroups(const NetworkPicture &picture, const LabelFit &fit)
 {
-    painter.setPen(Qt::black);
+    return !picture.groups.empty() && fit.every > 1;
+}
+
+/// From the nodes to their names.
+double namesDistance(const NetworkPicture &picture)
+{
+    return picture.groups.empty() ? gap : arcDistance + arcWidth / 2 + gap / 2;
+}
+
+/// Networks as arcs outside the nodes. An arc of no more than a node is still seen.
+void paintArcs(QPainter &painter, const Ring &ring, const std::vector<NodeGroup> &groups)
+{
+    painter.setBrush(Qt::NoBrush);
+    const double radius = ring.radius + arcDistance;
+    const QRectF circle(ring.centre.x() - radius, ring.centre.y() - radius, 2 * radius, 2 * radius);
+    for (std::size_t n = 0; n < groups.size(); ++n) {
+        painter.setPen(QPen(categoryColour(int(n)), arcWidth, Qt::SolidLine, Qt::FlatCap));
+        // Qt counts sixteenths of a degree, anticlockwise from three o'clock.
+        const double degrees = 360.0 / ring.nodes;
+        const double start = 90 - (groups[n].first - 0.45) * degrees;
+        painter.drawArc(circle, int(start * 16), int(-(groups[n].count - 0.1) * degrees * 16));
+    }
+}
+
+/// Names run outward; those on the left half are turned, so that none stands on its head.
+void paintName(QPainter &painter, const Ring &ring, double node, double distance,
+               const QString &name)
+{
     const QFontMetricsF metrics(painter.font());
     const double middle = (metrics.ascent() - metrics.descent()) / 2;
-    for (int node = 0; node < ring.nodes; node += every) {
-        const bool onTheLeft = ring.angle(node) > pi;
-        painter.save();
-        painter.translate(ring.place(node, ring.radius + gap));
-        painter.rotate(ring.angle(node) * 180 / pi + (onTheLeft ? 90 : -90));
-        painter.drawText(QPointF(onTheLeft ? -metrics.horizontalAdvance(names[node]) : 0, middle),
-                         names[node]);
-        painter.restore();
+    const bool onTheLeft = ring.angle(node) > pi;
+    painter.save();
+    painter.translate(ring.place(node, distance));
+    painter.rotate(ring.angle(node) * 180 / pi + (onTheLeft ? 90 : -90));
+    painter.drawText(QPointF(onTheLeft ? -metrics.horizontalAdvance(name) : 0, middle), name);
+    painter.restore();
+}
+
+/// Of all nodes that have one; or of the networks, in the middle of their arcs, but for those that
+/// would overlap the one before or the first, cut to the room.
+void paintNames(QPainter &painter, const Ring &ring, const NetworkPicture &picture,
+                const LabelFit &fit, double room)
+{
+    painter.setPen(Qt::black);
+    const double distance = ring.radius + namesDistance(picture);
+    if (!namesOfGroups(picture, fit)) {
+        for (int node = 0; node < ring.nodes; node += fit.every)
+            paintName(painter, ring, node, distance, picture.names[node]);
+        return;
     }
+    const QFontMetricsF metrics(painter.font());
+    const double apart = metrics.height() * ring.nodes / (2 * pi * distance);
+    double before = -ring.nodes;
+    double first = 2 * ring.nodes;
+    for (const NodeGroup &group : picture.groups) {
+        const double middle = group.first + (group.count - 1) / 2.0;
+        if (middle - before < apart || first + ring.nodes - middle < apart)
+            continue;
+        paintName(painter, ring, middle, distance,
+                  metrics.elidedText(group.name, Qt::ElideRight, room));
+        before = middle;
+        first = std::min(first, middle);
+    }
+}
+
+/// The room that names take outward.
+double namesWidth(const QPainter &painter, const NetworkPicture &picture, const LabelFit &fit)
+{
+    return namesOfGroups(picture, fit) ? widestGroup(painter.font(), picture.groups)
+                                       : widestLabel(painter.font(), picture.names, fit.every);
 }
 
 QString edgesText(std::size_t shown, std::size_t all)
@@ -117,8 +179,9 @@ void paintRing(QPainter &painter, const QRectF &area, const NetworkPicture &pict
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(area, Qt::white);
     paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
-    const QRectF round(area.left(), area.top() + titleHeight, area.width(),
-                       area.height() - titleHeight - scaleHeight - 2 * gap);
+    const double title = picture.title.isEmpty() ? 0 : titleHeight;
+    const QRectF round(area.left(), area.top() + title, area.width(),
+                       area.height() - title - scaleHeight - 2 * gap);
     const int nodes = picture.names.size();
     const auto all = strongestEdges(picture.values, std::size_t(-1)).size();
     const std::vector<RingEdge> edges =
@@ -126,12 +189,16 @@ void paintRing(QPainter &painter, const QRectF &area, const NetworkPicture &pict
     if (nodes > 0) {
         const double half = std::min(round.width(), round.height()) / 2;
         const LabelFit fit = fitLabels(2 * pi * 0.75 * half / nodes);
-        painter.setFont(labelFont(painter, fit.fontSize));
-        const double names = widestLabel(painter.font(), picture.names, fit.every);
-        const Ring ring{round.center(), std::max(half - names - 2 * gap, half / 3), nodes};
+        painter.setFont(labelFont(painter, namesOfGroups(picture, fit) ? 13 : fit.fontSize));
+        const double outside = namesDistance(picture) + gap;
+        double room = namesWidth(painter, picture, fit);
+        if (namesOfGroups(picture, fit))
+            room = std::min(room, half * 0.36);
+        const Ring ring{round.center(), std::max(half - outside - room, half / 3), nodes};
         paintEdges(painter, ring, edges, picture.limit);
         paintNodes(painter, ring);
-        paintNames(painter, ring, picture.names, fit.every);
+        paintArcs(painter, ring, picture.groups);
+        paintNames(painter, ring, picture, fit, room);
     }
     const QRectF foot(area.left() + gap, area.bottom() - scaleHeight - gap, area.width() - 2 * gap,
                       scaleHeight);

@@ -558,6 +558,21 @@ TEST_F(ConnectomeCommand, BadInputIsOneLineAndLeavesNothing)
     EXPECT_THAT(refusal(cleaned()), HasSubstr("sub-01_task-rest_space-T1w_desc-preproc_bold"));
 }
 
+TEST_F(ConnectomeCommand, APageIsWrittenWhenItIsAskedFor)
+{
+    ASSERT_EQ(run(cleaned()).status, 0);
+    EXPECT_FALSE(QFile::exists(output("report.html")));
+    const ProgramRun ran = run(cleaned() + QStringList{QStringLiteral("--page")});
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    const QByteArray page = bytesOf(output("report.html"));
+    EXPECT_TRUE(page.startsWith("<!DOCTYPE html>"));
+    EXPECT_TRUE(page.contains("columns:trouble, order joint"));
+    EXPECT_EQ(page.count("<img "), 7);
+    // Without the option the page of an earlier call is not left beside newer tables.
+    ASSERT_EQ(run(cleaned()).status, 0);
+    EXPECT_FALSE(QFile::exists(output("report.html")));
+}
+
 TEST_F(ConnectomeCommand, TheListOfStrategies)
 {
     const ProgramRun ran = runCorvane(

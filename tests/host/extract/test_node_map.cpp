@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The nodes of an atlas on the grid of a run.
 #include "host/extract/node_map.h"
+#include "host/extract/node_order.h"
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/notes.h"
 
@@ -79,6 +80,40 @@ TEST_F(NodeMapping, NamesComeFromTheTableAndLossesAreSaid)
                              "atlas.nii: 1 label of the table without a voxel: Tectum");
 }
 
+TEST_F(NodeMapping, NetworksComeFromTheTable)
+{
+    names = {{7, {QStringLiteral("Insula"), {}, QStringLiteral("Limbic"), QStringLiteral("L")}}};
+    const NodeMap found = map(image<qint32>({4, 2, 1}, spaced(2), {0, 7, 7, 3, 3, 3, 0, 7}));
+    EXPECT_EQ(found.nodes[0].network, QString());
+    EXPECT_EQ(found.nodes[1].network, QStringLiteral("Limbic"));
+    EXPECT_EQ(found.nodes[1].hemisphere, QStringLiteral("L"));
+}
+
+TEST(NodeOrder, NodesOfANetworkStandTogether)
+{
+    std::vector<Node> nodes(6);
+    const char *const networks[] = {"", "B", "A", "B", "", "A"};
+    for (std::size_t n = 0; n < nodes.size(); ++n)
+        nodes[n].network = QLatin1String(networks[n]);
+    const NodeOrder order = orderByNetwork(nodes);
+    EXPECT_EQ(order.nodes, (std::vector<int>{1, 3, 2, 5, 0, 4}));
+    ASSERT_EQ(order.groups.size(), 3U);
+    EXPECT_EQ(order.groups[0].name, QStringLiteral("B"));
+    EXPECT_EQ(order.groups[1].name, QStringLiteral("A"));
+    EXPECT_EQ(order.groups[1].first, 2);
+    EXPECT_EQ(order.groups[1].count, 2);
+    EXPECT_EQ(order.groups[2].name, QStringLiteral("no network"));
+    EXPECT_EQ(order.groups[2].first, 4);
+}
+
+TEST(NodeOrder, WithoutNetworksItIsThatOfTheLabels)
+{
+    const NodeOrder order = orderByNetwork(std::vector<Node>(3));
+    EXPECT_EQ(order.nodes, (std::vector<int>{0, 1, 2}));
+    EXPECT_TRUE(order.groups.empty());
+    EXPECT_TRUE(orderByNetwork({}).nodes.empty());
+}
+
 TEST_F(NodeMapping, AnotherGridIsTakenByNearestNeighbour)
 {
     // Voxels of 4 mm: each holds two of the run along each axis.
@@ -134,6 +169,13 @@ TEST_F(NodeMapping, VoxelsOutsideTheMaskAreLost)
     EXPECT_EQ(found.stretches[0].start, 0);
     EXPECT_EQ(found.stretches[1].start, 2);
     EXPECT_EQ(found.voxelCount(), 2);
+    // Pictures show them all the same.
+    ASSERT_EQ(found.outside.size(), 3U);
+    EXPECT_EQ(found.outside[0].start, 1);
+    EXPECT_EQ(found.outside[1].start, 3);
+    EXPECT_EQ(found.outside[1].length, 1);
+    EXPECT_EQ(found.outside[2].length, 4);
+    EXPECT_EQ(found.outside[2].node, 0);
 }
 
 TEST_F(NodeMapping, SpacesThatDoNotOverlapAreRefused)

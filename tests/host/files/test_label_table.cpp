@@ -50,6 +50,21 @@ TEST(LabelTable, ReadsTheOlderColumnLabel)
     EXPECT_EQ(readText("label\tindex\tname\nx\t1\ty\n").at(1).name, QStringLiteral("y"));
 }
 
+TEST(LabelTable, ReadsNetworksAndSides)
+{
+    const LabelTable table = readText("index\tname\tnetwork\themisphere\n"
+                                      "1\tA\tVisual 1\tL\n2\tB\tn/a\t\n");
+    EXPECT_EQ(table.at(1).network, QStringLiteral("Visual 1"));
+    EXPECT_EQ(table.at(1).hemisphere, QStringLiteral("L"));
+    EXPECT_EQ(table.at(2).network, QString());
+    EXPECT_EQ(table.at(2).hemisphere, QString());
+    // Where both are there, the network counts.
+    EXPECT_EQ(readText("index\tname\tnetwork_label\n1\tA\tx\n").at(1).network, QStringLiteral("x"));
+    EXPECT_EQ(readText("index\tname\tnetwork_label\tnetwork\n1\tA\tx\ty\n").at(1).network,
+              QStringLiteral("y"));
+    EXPECT_EQ(readText("1 A 255 0 0 0\n").at(1).network, QString());
+}
+
 TEST(LabelTable, KnowsWhatIsNoName)
 {
     const LabelTable table =

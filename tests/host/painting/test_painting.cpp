@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Matrices and networks painted off any screen.
+// Matrices, networks and the course of a run painted off any screen.
+#include "host/painting/carpet_painting.h"
+#include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
+#include "host/painting/coverage_painting.h"
+#include "host/painting/curve_painting.h"
+#include "host/painting/design_painting.h"
+#include "host/painting/grey_cells.h"
+#include "host/painting/histogram_painting.h"
 #include "host/painting/labels.h"
 #include "host/painting/matrix_painting.h"
 #include "host/painting/ring_painting.h"
+#include "host/painting/volume_axis.h"
 
 #include <QImage>
 #include <cmath>
@@ -27,10 +35,10 @@ NetworkPicture network(int nodes)
     return picture;
 }
 
-using PaintPicture = void (*)(QPainter &, const QRectF &, const NetworkPicture &);
-
 /// The picture in a square of that side, with a frame of 50 green pixels that it must leave alone.
-QImage painted(PaintPicture paint, const NetworkPicture &picture, int side)
+template <typename Picture>
+QImage painted(void (*paint)(QPainter &, const QRectF &, const Picture &), const Picture &picture,
+               int side)
 {
     QImage image(side + 100, side + 100, QImage::Format_RGB32);
     image.fill(Qt::green);
@@ -160,6 +168,381 @@ TEST(RingPainting, EdgesHaveTheColoursOfTheirSigns)
     const QImage negative = painted(paintRing, picture, 500);
     EXPECT_GT(countPixels(positive, {178, 24, 43}), countPixels(negative, {178, 24, 43}) + 300);
     EXPECT_GT(countPixels(negative, {33, 102, 172}), countPixels(positive, {33, 102, 172}) + 300);
+}
+
+// ---- networks of nodes
+
+NetworkPicture groupedNetwork(int nodes)
+{
+    NetworkPicture picture = network(nodes);
+    picture.values.setConstant(NAN);
+    picture.title.clear();
+    picture.groups = {{QStringLiteral("Visual"), 0, nodes / 2},
+                      {QStringLiteral("Limbic"), nodes / 2, nodes - nodes / 2}};
+    return picture;
+}
+
+TEST(CategoryColours, NoTwoOfTwentyAreAlike)
+{
+    for (int a = 0; a < 20; ++a)
+        for (int b = 0; b < a; ++b) {
+            const QColor one = categoryColour(a);
+            const QColor other = categoryColour(b);
+            EXPECT_GT(std::abs(one.red() - other.red()) + std::abs(one.green() - other.green()) +
+                          std::abs(one.blue() - other.blue()),
+                      25)
+                << a << " and " << b;
+        }
+}
+
+TEST(MatrixPainting, NetworksHaveTheirColoursInProportion)
+{
+    NetworkPicture picture = groupedNetwork(16);
+    picture.groups[0].count = 4;
+    picture.groups[1] = {QStringLiteral("Limbic"), 4, 12};
+    const QImage image = painted(paintMatrix, picture, 600);
+    const int first = countPixels(image, categoryColour(0));
+    const int second = countPixels(image, categoryColour(1));
+    EXPECT_GT(first, 500);
+    EXPECT_NEAR(second, 3 * first, 0.1 * second);
+    picture.groups.clear();
+    const QImage plain = painted(paintMatrix, picture, 600);
+    EXPECT_EQ(countPixels(plain, categoryColour(0)), 0);
+}
+
+TEST(MatrixPainting, NetworksStandAtTheLeftWhereNodesAreTooMany)
+{
+    // The bar above the map alone, then one at its left as well.
+    const int few = countPixels(painted(paintMatrix, groupedNetwork(16), 600), categoryColour(1));
+    const int many = countPixels(painted(paintMatrix, groupedNetwork(400), 600), categoryColour(1));
+    EXPECT_GT(many, few * 3 / 2);
+}
+
+TEST(RingPainting, NetworksAreArcsInTheirHalves)
+{
+    const QImage image = painted(paintRing, groupedNetwork(16), 500);
+    int right = 0;
+    int left = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            right += x > 330 && image.pixelColor(x, y) == categoryColour(0) ? 1 : 0;
+            left += x < 270 && image.pixelColor(x, y) == categoryColour(1) ? 1 : 0;
+        }
+    EXPECT_GT(right, 500);
+    EXPECT_GT(left, 500);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 330; x < image.width(); ++x)
+            ASSERT_NE(image.pixelColor(x, y), categoryColour(1));
+}
+
+TEST(NetworkPictures, WithNetworksStayInTheirArea)
+{
+    for (const int nodes : {2, 16, 400}) {
+        NetworkPicture picture = groupedNetwork(nodes);
+        picture.groups[0].name = QString(80, QLatin1Char('W'));
+        EXPECT_EQ(countPixels(painted(paintMatrix, picture, 700), Qt::green), greenPixels(700));
+        EXPECT_EQ(countPixels(painted(paintRing, picture, 700), Qt::green), greenPixels(700));
+    }
+}
+
+// ---- the course of a run, in a square of 500 pixels at (50, 50)
+
+const QRectF square(50, 50, 500, 500);
+const QColor band(246, 199, 178);
+
+/// The pixel in the middle of a volume, at a height of the plot from 0 at the bottom to 1.
+QColor at(const QImage &image, int volume, int volumes, double height)
+{
+    const QRectF plot = volumeArea(square);
+    const double x =
+        (volumePlace(plot, volume, volumes) + volumePlace(plot, volume + 1, volumes)) / 2;
+    return image.pixelColor(int(x), int(plot.bottom() - height * plot.height()));
+}
+
+bool isLine(const QColor &colour)
+{
+    return colour.blue() > colour.red() + 60;
+}
+
+/// The height of the topmost pixel of the curve above a volume, -1 where there is none.
+double heightOf(const QImage &image, int volume, int volumes)
+{
+    const QRectF plot = volumeArea(square);
+    const double x =
+        (volumePlace(plot, volume, volumes) + volumePlace(plot, volume + 1, volumes)) / 2;
+    for (int y = int(plot.top()); y < plot.bottom() - 2; ++y)
+        if (isLine(image.pixelColor(int(x), y)))
+            return (plot.bottom() - y) / plot.height();
+    return -1;
+}
+
+CurvePicture curve(const std::vector<double> &values)
+{
+    CurvePicture picture;
+    picture.title = QStringLiteral("a curve");
+    picture.values = Eigen::Map<const Eigen::ArrayXd>(values.data(), Eigen::Index(values.size()));
+    picture.leftOut.assign(values.size(), false);
+    return picture;
+}
+
+TEST(CurvePainting, TheLineStandsAtItsValues)
+{
+    const CurvePicture picture = curve({1, 1, 1, 4, 4, 4, 4, 4, 2, 2});
+    const double top = curveTop(picture);
+    EXPECT_NEAR(top, 4.2, 1e-9);
+    const QImage image = painted(paintCurve, picture, 500);
+    EXPECT_NEAR(heightOf(image, 1, 10), 1 / top, 0.02);
+    EXPECT_NEAR(heightOf(image, 5, 10), 4 / top, 0.02);
+    EXPECT_NEAR(heightOf(image, 9, 10), 2 / top, 0.02);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(500));
+}
+
+TEST(CurvePainting, VolumesLeftOutAreBandsAndMissingValuesAreGaps)
+{
+    CurvePicture picture = curve({1, 1, 1, NAN, 1, 1, 1, 1, 1, 1});
+    picture.leftOut[3] = true;
+    picture.leftOut[9] = true;
+    const QImage image = painted(paintCurve, picture, 500);
+    for (int volume = 0; volume < 10; ++volume)
+        EXPECT_EQ(at(image, volume, 10, 0.2) == band, volume == 3 || volume == 9) << volume;
+    EXPECT_EQ(heightOf(image, 3, 10), -1);
+    EXPECT_GT(heightOf(image, 2, 10), 0.8);
+    EXPECT_GT(heightOf(image, 9, 10), 0.8);
+}
+
+TEST(CurvePainting, AFewSpikesDoNotStretchTheScale)
+{
+    std::vector<double> values(100, 0.1);
+    values[40] = 30;
+    CurvePicture picture = curve(values);
+    EXPECT_NEAR(curveTop(picture), 0.4, 1e-9);
+    picture.threshold = 0.5;
+    EXPECT_NEAR(curveTop(picture), 1, 1e-9);
+    const QImage image = painted(paintCurve, picture, 500);
+    // An arrow at the top tells of the spike, a dashed line of the threshold.
+    EXPECT_GT(heightOf(image, 40, 100), 0.97);
+    EXPECT_EQ(heightOf(image, 80, 100), heightOf(image, 20, 100));
+    int dashes = 0;
+    for (int volume = 0; volume < 100; ++volume) {
+        const QColor colour = at(image, volume, 100, 0.5);
+        dashes += colour.red() > colour.blue() + 60 ? 1 : 0;
+    }
+    EXPECT_GT(dashes, 30);
+}
+
+TEST(CurvePainting, WithoutValuesThereIsAnEmptyPlot)
+{
+    for (const std::vector<double> &values :
+         {std::vector<double>{}, std::vector<double>{NAN, NAN}, std::vector<double>{0, 0, 0}}) {
+        const QImage image = painted(paintCurve, curve(values), 300);
+        EXPECT_EQ(countPixels(image, Qt::green), greenPixels(300));
+    }
+}
+
+CarpetPicture carpet()
+{
+    CarpetPicture picture;
+    picture.values = Eigen::MatrixXd::Zero(4, 10);
+    picture.values.row(0).setConstant(-3);
+    picture.values.row(1).setConstant(3);
+    picture.values.row(3).setConstant(NAN);
+    picture.values(0, 5) = picture.values(1, 5) = picture.values(2, 5) = NAN;
+    picture.limit = 2;
+    picture.leftOut.assign(10, false);
+    picture.leftOut[5] = true;
+    return picture;
+}
+
+TEST(CarpetPainting, NodesRunFromTheTopInGreyValues)
+{
+    const QImage image = painted(paintCarpet, carpet(), 500);
+    EXPECT_EQ(at(image, 2, 10, 0.875), QColor(Qt::black));
+    EXPECT_EQ(at(image, 2, 10, 0.625), QColor(Qt::white));
+    const QColor grey = at(image, 2, 10, 0.375);
+    EXPECT_NEAR(grey.red(), 128, 10);
+    EXPECT_EQ(grey.red(), grey.blue());
+    EXPECT_EQ(at(image, 2, 10, 0.125), QColor(214, 226, 240));
+    EXPECT_EQ(at(image, 5, 10, 0.875), band);
+    EXPECT_NE(at(image, 6, 10, 0.875), band);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(500));
+}
+
+TEST(CarpetPainting, NetworksStandBesideTheirNodes)
+{
+    CarpetPicture picture = carpet();
+    picture.groups = {{QStringLiteral("one"), 0, 1}, {QStringLiteral("three"), 1, 3}};
+    const QImage image = painted(paintCarpet, picture, 500);
+    const int one = countPixels(image, categoryColour(0));
+    const int three = countPixels(image, categoryColour(1));
+    EXPECT_GT(one, 500);
+    EXPECT_NEAR(three, 3 * one, 0.1 * three);
+}
+
+TEST(GreyCells, TablesLargerThanThePictureAreAveraged)
+{
+    Eigen::MatrixXd table(2, 6);
+    table << 1, 3, 5, 7, NAN, 9, //
+        3, 5, 7, 9, NAN, NAN;
+    Eigen::MatrixXd wanted(1, 3);
+    wanted << 3, 7, 9;
+    EXPECT_EQ(reduced(table, 1, 3), wanted);
+    EXPECT_EQ(reduced(table, 100, 100).cols(), 6);
+    EXPECT_TRUE(std::isnan(reduced(table.rightCols(2), 2, 2)(1, 0)));
+    EXPECT_EQ(reduced(Eigen::MatrixXd(0, 0), 5, 5).size(), 0);
+}
+
+TEST(CarpetPainting, ManyNodesAndVolumesStayInTheirArea)
+{
+    for (const auto &[nodes, volumes] : {std::pair(0, 0), {1, 1}, {400, 1200}, {2000, 3000}}) {
+        CarpetPicture picture;
+        picture.values = Eigen::MatrixXd::Ones(nodes, volumes);
+        picture.leftOut.assign(std::size_t(volumes), false);
+        const QImage image = painted(paintCarpet, picture, 300);
+        EXPECT_EQ(countPixels(image, Qt::green), greenPixels(300)) << nodes;
+    }
+}
+
+TEST(DesignPainting, EachColumnHasItsOwnScale)
+{
+    DesignPicture picture;
+    picture.names = QStringList{QStringLiteral("small"), QStringLiteral("large")};
+    picture.columns.resize(2, 2);
+    picture.columns << -0.001, 500, //
+        0.0005, -500;
+    const QImage image = painted(paintDesign, picture, 400);
+    const auto grey = [&](int x, int y) { return image.pixelColor(50 + x, 50 + y).red(); };
+    EXPECT_EQ(grey(100, 60), 0);
+    EXPECT_NEAR(grey(100, 240), 191, 4);
+    EXPECT_EQ(grey(300, 60), 255);
+    EXPECT_EQ(grey(300, 240), 0);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(400));
+}
+
+TEST(DesignPainting, AnyNumberOfColumnsStaysInItsArea)
+{
+    for (const int columns : {0, 1, 60, 500}) {
+        DesignPicture picture;
+        picture.columns = Eigen::MatrixXd::Ones(30, columns);
+        for (int column = 0; column < columns; ++column)
+            picture.names += QString(100, QLatin1Char('w'));
+        const QImage image = painted(paintDesign, picture, 300);
+        EXPECT_EQ(countPixels(image, Qt::green), greenPixels(300)) << columns;
+    }
+}
+
+// ---- coverage
+
+CoveragePicture coverage()
+{
+    CoveragePicture picture;
+    for (AtlasView &view : picture.views) {
+        view.values.resize(2, 2);
+        view.values << 1, 0.2, NAN, 1;
+        view.width = view.height = 100;
+    }
+    picture.coverage = {1, 0.2, 1, 1};
+    picture.least = 0.5;
+    return picture;
+}
+
+TEST(CoveragePainting, NodesBelowTheLimitAreRed)
+{
+    EXPECT_EQ(coverageColour(0.49, 0.5), QColor(200, 30, 40));
+    EXPECT_EQ(coverageColour(0, 0), QColor(200, 30, 40));
+    EXPECT_EQ(coverageColour(NAN, 0), QColor(200, 30, 40));
+    EXPECT_EQ(coverageColour(1, 0.5), QColor(222, 226, 110));
+    EXPECT_NE(coverageColour(0.6, 0.5), coverageColour(0.9, 0.5));
+}
+
+TEST(CoveragePainting, ViewsShowTheNodesWhereTheyAre)
+{
+    const QImage image = painted(paintCoverage, coverage(), 500);
+    const int full = countPixels(image, coverageColour(1, 0.5));
+    const int lost = countPixels(image, coverageColour(0.2, 0.5));
+    // In the views two squares to one, in the bars three full ones to one of a fifth.
+    EXPECT_GT(lost, 3 * 40 * 40);
+    EXPECT_GT(full, 2 * lost);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(500));
+
+    CoveragePicture viewsOnly = coverage();
+    viewsOnly.coverage.clear();
+    const QImage views = painted(paintCoverage, viewsOnly, 500);
+    EXPECT_NEAR(countPixels(views, coverageColour(1, 0.5)),
+                2 * countPixels(views, coverageColour(0.2, 0.5)), 600);
+}
+
+TEST(CoveragePainting, BarsRiseFromTheLeft)
+{
+    CoveragePicture picture = coverage();
+    for (AtlasView &view : picture.views)
+        view.values.setConstant(NAN);
+    const QImage image = painted(paintCoverage, picture, 500);
+    int lastRed = 0;
+    int firstFull = image.width();
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) == coverageColour(0.2, 0.5))
+                lastRed = std::max(lastRed, x);
+            if (image.pixelColor(x, y) == coverageColour(1, 0.5))
+                firstFull = std::min(firstFull, x);
+        }
+    EXPECT_GT(lastRed, 60);
+    EXPECT_GT(firstFull, lastRed);
+}
+
+// ---- distributions
+
+TEST(HistogramPainting, StepsStandWhereTheValuesAre)
+{
+    HistogramPicture picture;
+    picture.title = QStringLiteral("r");
+    picture.low = -1;
+    picture.high = 1;
+    picture.samples = {{QStringLiteral("low"), std::vector<double>(50, -0.9), Qt::blue},
+                       {QStringLiteral("high"), {0.9, 0.91, 7, NAN}, Qt::red}};
+    const QImage image = painted(paintHistogram, picture, 400);
+    int blueRight = 0;
+    int blueLeft = 0;
+    int redRight = 0;
+    for (int y = 100; y < 350; ++y)
+        for (int x = 50; x < 450; ++x) {
+            const QColor colour = image.pixelColor(x, y);
+            const bool isBlue = colour.blue() > colour.red() + 30;
+            const bool isRed = colour.red() > colour.blue() + 30;
+            blueLeft += isBlue && x < 250 ? 1 : 0;
+            blueRight += isBlue && x >= 250 ? 1 : 0;
+            redRight += isRed && x >= 250 ? 1 : 0;
+        }
+    EXPECT_GT(blueLeft, 500);
+    EXPECT_EQ(blueRight, 0);
+    EXPECT_GT(redRight, 500);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(400));
+}
+
+TEST(StripPainting, ADotForEachValueInTheColourOfItsSample)
+{
+    HistogramPicture picture;
+    picture.low = 0;
+    picture.high = 10;
+    picture.samples = {{QStringLiteral("done"), {1, 1, 5, NAN}, Qt::blue},
+                       {QStringLiteral("others"), {9}, Qt::red}};
+    const QImage image = painted(paintStrip, picture, 400);
+    const int blue = countPixels(image, Qt::blue);
+    const int red = countPixels(image, Qt::red);
+    EXPECT_GT(red, 15);
+    EXPECT_NEAR(blue, 3 * red, red);
+    EXPECT_EQ(countPixels(image, Qt::green), greenPixels(400));
+    picture.samples[0].values.assign(5000, 5);
+    EXPECT_EQ(countPixels(painted(paintStrip, picture, 400), Qt::green), greenPixels(400));
+}
+
+TEST(VolumeAxis, StepsAreRound)
+{
+    EXPECT_EQ(roundStep(250, 10), 50);
+    EXPECT_EQ(roundStep(100, 10), 10);
+    EXPECT_NEAR(roundStep(0.31, 4), 0.1, 1e-12);
+    EXPECT_EQ(roundStep(0, 5), 1);
+    EXPECT_EQ(roundStep(NAN, 5), 1);
 }
 
 } // namespace

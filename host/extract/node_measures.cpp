@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/extract/node_measures.h"
+
+#include "engine/graph_measures.h"
+
+#include <cmath>
+#include <limits>
+
+namespace corvane
+{
+
+NodeMeasures nodeMeasures(const Connectome &connectome)
+{
+    using Index = Eigen::Index;
+    const NodeMatrix pearson = matrixOf(connectome.cleaned, connectome.matrices.front().part,
+                                        Relationship::Pearson, false);
+    std::vector<Index> nodes;
+    for (Index node = 0; node < pearson.values.cols(); ++node)
+        if (!std::isnan(pearson.values(node, node)))
+            nodes.push_back(node);
+    const Eigen::MatrixXf weights = pearson.values(nodes, nodes).cwiseAbs().cast<float>();
+    const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
+    NodeMeasures result;
+    result.values = Eigen::MatrixXd::Constant(pearson.values.cols(), Index(measures.size()),
+                                              std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t m = 0; m < measures.size(); ++m) {
+        result.columns += measures[m].column;
+        result.values(nodes, Index(m)) = columnOf(measures[m], weights).cast<double>();
+    }
+    return result;
+}
+
+} // namespace corvane

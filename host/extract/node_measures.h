@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/extract/connectome.h"
+
+#include <QByteArray>
+#include <QList>
+
+namespace corvane
+{
+
+/// Graph measures of each node.
+struct NodeMeasures {
+    QList<QByteArray> columns; ///< as tables name them
+    Eigen::MatrixXd values;    ///< nodes x columns; NaN for a node without values
+};
+
+/// The measures of the network of Pearson correlations of the whole run without their signs, of the
+/// nodes that have values.
+NodeMeasures nodeMeasures(const Connectome &connectome);
+
+} // namespace corvane
