@@ -94,12 +94,21 @@ void requireStrategy(const QCommandLineParser &parser)
 void addCleaningOptions(QCommandLineParser &parser)
 {
     const auto file = QStringLiteral("file");
-    const auto number = QStringLiteral("N");
     parser.addOptions({
         {QStringLiteral("confounds"),
          QStringLiteral("What a pipeline tells of each volume: a TSV table with names of columns, "
                         "or motion parameters without."),
          file},
+        {QStringLiteral("censor"),
+         QStringLiteral("More volumes to leave out: a line for each volume, 0 or 1."), file},
+    });
+    addCleaningSettings(parser);
+}
+
+void addCleaningSettings(QCommandLineParser &parser)
+{
+    const auto number = QStringLiteral("N");
+    parser.addOptions({
         {QStringLiteral("clean"),
          QStringLiteral("What is taken out of the series: a strategy, of which --clean help tells "
                         "the list."),
@@ -122,8 +131,6 @@ void addCleaningOptions(QCommandLineParser &parser)
          QStringLiteral("X")},
         {QStringLiteral("min-segment"),
          QStringLiteral("Fewer volumes than this between two that are left out go too."), number},
-        {QStringLiteral("censor"),
-         QStringLiteral("More volumes to leave out: a line for each volume, 0 or 1."), file},
         {QStringLiteral("dummy-scans"),
          QStringLiteral("How many volumes at the start are not steady; auto: those that the table "
                         "names."),
@@ -168,9 +175,16 @@ void requireClean(const QCommandLineParser &parser)
 CleaningRequest cleaningRequest(const QCommandLineParser &parser)
 {
     requireStrategy(parser);
-    CleaningRequest request;
+    CleaningRequest request = cleaningSettings(parser);
     request.confounds = parser.value(QStringLiteral("confounds"));
     request.censor = parser.value(QStringLiteral("censor"));
+    requireConfounds(request);
+    return request;
+}
+
+CleaningRequest cleaningSettings(const QCommandLineParser &parser)
+{
+    CleaningRequest request;
     request.strategy = strategyRequest(parser);
     request.settings.order = chosenValue(parser, QStringLiteral("order"), orderNames);
     request.settings.high_pass = numberValue(parser, "high-pass", 0);
@@ -180,7 +194,6 @@ CleaningRequest cleaningRequest(const QCommandLineParser &parser)
         chosenValue(parser, QStringLiteral("standardize"), standardizeNames);
     request.limits.volumes = *wholeOption(parser, "min-volumes", 0);
     request.limits.seconds = *numberValue(parser, "min-seconds", 0);
-    requireConfounds(request);
     return request;
 }
 
