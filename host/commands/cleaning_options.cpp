@@ -3,7 +3,9 @@
 
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
+#include "host/files/input_error.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace corvane
@@ -102,13 +104,13 @@ void addCleaningOptions(QCommandLineParser &parser)
         {QStringLiteral("censor"),
          QStringLiteral("More volumes to leave out: a line for each volume, 0 or 1."), file},
     });
-    addCleaningSettings(parser);
+    parser.addOptions(cleaningSettingOptions());
 }
 
-void addCleaningSettings(QCommandLineParser &parser)
+QList<QCommandLineOption> cleaningSettingOptions()
 {
     const auto number = QStringLiteral("N");
-    parser.addOptions({
+    return {
         {QStringLiteral("clean"),
          QStringLiteral("What is taken out of the series: a strategy, of which --clean help tells "
                         "the list."),
@@ -146,7 +148,25 @@ void addCleaningSettings(QCommandLineParser &parser)
         {QStringLiteral("min-seconds"),
          QStringLiteral("A run of which less time is kept is refused."), QStringLiteral("seconds"),
          QStringLiteral("0")},
-    });
+    };
+}
+
+void requireStrategyName(const QCommandLineParser &parser)
+{
+    const QString option = QStringLiteral("clean");
+    const QString name = parser.value(option);
+    const std::vector<signals::Strategy> &all = signals::strategies();
+    const bool isKnown =
+        name.startsWith(QLatin1String("columns:")) ||
+        std::any_of(all.begin(), all.end(), [&](const signals::Strategy &strategy) {
+            return strategy.name == name.toStdString() && strategy.name != "columns:";
+        });
+    if (!parser.isSet(option))
+        throw UsageError(
+            QStringLiteral("--clean is missing; expected one of: %1").arg(strategyNames()));
+    if (!isKnown)
+        throw UsageError(QStringLiteral("--clean: found %1, expected one of: %2")
+                             .arg(quoted(name), strategyNames()));
 }
 
 bool toldStrategies(const QCommandLineParser &parser)

@@ -15,7 +15,10 @@ namespace corvane
 void addCleaningOptions(QCommandLineParser &parser);
 
 /// Of these, those that name no file of a run.
-void addCleaningSettings(QCommandLineParser &parser);
+QList<QCommandLineOption> cleaningSettingOptions();
+
+/// Throws UsageError unless --clean names a strategy.
+void requireStrategyName(const QCommandLineParser &parser);
 
 /// Whether --clean asks for the table of strategies; then it has been written to standard output.
 bool toldStrategies(const QCommandLineParser &parser);
@@ -27,7 +30,7 @@ void requireClean(const QCommandLineParser &parser);
 /// that has nothing to work on.
 CleaningRequest cleaningRequest(const QCommandLineParser &parser);
 
-/// Likewise by addCleaningSettings alone: without files.
+/// Likewise by cleaningSettingOptions alone: without files.
 CleaningRequest cleaningSettings(const QCommandLineParser &parser);
 
 } // namespace corvane

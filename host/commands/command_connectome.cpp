@@ -58,7 +58,7 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("mask"), QStringLiteral("Voxels where this image is 0 do not count."),
          file},
     });
-    addConnectomeSettings(parser);
+    parser.addOptions(connectomeSettingOptions());
     parser.addOptions({
         {QStringLiteral("events"),
          QStringLiteral("Also a matrix for each condition of this TSV table with onset, duration "

@@ -103,10 +103,10 @@ std::optional<double> repetitionTime(const QCommandLineParser &parser)
 
 } // namespace
 
-void addConnectomeSettings(QCommandLineParser &parser)
+QList<QCommandLineOption> connectomeSettingOptions()
 {
     const auto seconds = QStringLiteral("seconds");
-    parser.addOptions({
+    return {
         {QStringLiteral("min-coverage"),
          QStringLiteral("Nodes with a smaller share of their voxels have no values."),
          QStringLiteral("share"), QStringLiteral("0.5")},
@@ -132,7 +132,7 @@ void addConnectomeSettings(QCommandLineParser &parser)
          QStringLiteral("Also a matrix for each interval of a condition.")},
         {QStringLiteral("centre-intervals"),
          QStringLiteral("Each interval on its own mean, instead of one for the condition.")},
-    });
+    };
 }
 
 ConnectomeRequest connectomeSettings(const QCommandLineParser &parser)
@@ -154,8 +154,8 @@ ConnectomeRequest connectomeSettings(const QCommandLineParser &parser)
 void requireAtlasName(const QString &name)
 {
     if (name.isEmpty() || bidsLabel(name) != name)
-        throw UsageError(
-            QStringLiteral("--atlas-name: found %1, expected letters and digits").arg(quoted(name)));
+        throw UsageError(QStringLiteral("--atlas-name: found %1, expected letters and digits")
+                             .arg(quoted(name)));
 }
 
 } // namespace corvane

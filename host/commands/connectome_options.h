@@ -12,8 +12,8 @@
 namespace corvane
 {
 
-/// Adds them but for those of the cleaning (cleaning_options.h).
-void addConnectomeSettings(QCommandLineParser &parser);
+/// All but those of the cleaning (cleaning_options.h).
+QList<QCommandLineOption> connectomeSettingOptions();
 
 /// What they ask for, with the cleaning and without a file. Throws UsageError, also for an option
 /// that has nothing to work on.
