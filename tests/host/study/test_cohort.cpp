@@ -2,7 +2,8 @@
 // Corvane cohort: from a folder of subjects to the tables of each run, by the program itself.
 #include "host/files/file_lock.h"
 #include "tests/host/extract/json_schema.h"
-#include "tests/host/study/small_study.h"
+#include "tests/host/study/known_study.h"
+#include "tests/host/support/small_study.h"
 
 #include <Eigen/Cholesky>
 #include <QDateTime>
@@ -53,7 +54,7 @@ double correlation(const Eigen::VectorXd &x, const Eigen::VectorXd &y)
 }
 
 /// The status and the reason of each row of the study's table, by its run.
-QMap<QString, QString> outcomes(const SmallStudy &study)
+QMap<QString, QString> outcomes(const KnownStudy &study)
 {
     QMap<QString, QString> all;
     for (const QString &line : study.table()) {
@@ -64,7 +65,7 @@ QMap<QString, QString> outcomes(const SmallStudy &study)
     return all;
 }
 
-QJsonObject recordOf(const SmallStudy &study, const SmallRun &run)
+QJsonObject recordOf(const KnownStudy &study, const KnownRun &run)
 {
     const QFileInfo output(study.output(run, "x"));
     QString stem = output.fileName();
@@ -83,17 +84,17 @@ void setTime(const QString &path, const QDateTime &time)
 
 TEST(Cohort, FilesOfARunAreThoseOfConnectomeByteForByte)
 {
-    const SmallRun plain("01");
-    SmallRun withSession("02", "a");
+    const KnownRun plain("01");
+    KnownRun withSession("02", "a");
     withSession.hasMask = true;
-    SmallStudy own;
+    KnownStudy own;
     own.add(plain);
     own.add(withSession);
     const ProgramRun ran =
         own.cohort(participantStep, {QStringLiteral("--measure"), QStringLiteral("pearson,fisherz"),
                                      QStringLiteral("--fd-threshold"), QStringLiteral("0.5")});
     ASSERT_EQ(ran.status, 0) << ran.errors.constData();
-    for (const SmallRun &run : {plain, withSession}) {
+    for (const KnownRun &run : {plain, withSession}) {
         const QString folder = own.path(QStringLiteral("one-") + run.participant);
         QStringList arguments{QStringLiteral("connectome"),
                               QStringLiteral("--bold"),
@@ -116,41 +117,41 @@ TEST(Cohort, FilesOfARunAreThoseOfConnectomeByteForByte)
             arguments +=
                 {QStringLiteral("--mask"), own.file(run, "_space-T1w_desc-brain_mask.nii.gz")};
         ASSERT_EQ(runCorvane(arguments).status, 0);
-        const QMap<QString, QByteArray> wanted = SmallStudy::filesBelow(folder);
+        const QMap<QString, QByteArray> wanted = KnownStudy::filesBelow(folder);
         EXPECT_GE(wanted.size(), 11);
-        EXPECT_EQ(SmallStudy::filesBelow(QFileInfo(own.output(run, "x")).path()), wanted);
+        EXPECT_EQ(KnownStudy::filesBelow(QFileInfo(own.output(run, "x")).path()), wanted);
     }
 }
 
 TEST(Cohort, MatricesAreThoseOfAnIndependentComputation)
 {
-    SmallStudy study;
-    const SmallRun runs[] = {"01", "02"};
-    for (const SmallRun &run : runs)
+    KnownStudy study;
+    const KnownRun runs[] = {"01", "02"};
+    for (const KnownRun &run : runs)
         study.add(run);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
-    for (const SmallRun &run : runs) {
+    for (const KnownRun &run : runs) {
         Eigen::MatrixXd design(run.volumes, 3);
         design.col(0).setOnes();
         design.col(1).setLinSpaced(0, run.volumes - 1);
-        design.col(2) = SmallStudy::confound(run);
+        design.col(2) = KnownStudy::confound(run);
         const QList<QByteArray> lines =
             bytesOf(study.output(run, "stat-pearsoncorrelation_relmat.tsv")).split('\n');
         ASSERT_EQ(lines.size(), 6);
         for (int i = 0; i < 4; ++i)
             for (int j = 0; j < 4; ++j)
                 EXPECT_NEAR(lines[i + 1].split('\t')[j + 1].toDouble(),
-                            correlation(residual(SmallStudy::region(run, i), design),
-                                        residual(SmallStudy::region(run, j), design)),
+                            correlation(residual(KnownStudy::region(run, i), design),
+                                        residual(KnownStudy::region(run, j), design)),
                             1e-9);
     }
 }
 
 TEST(Cohort, WhatCannotBeComputedIsARowWithItsReasonAndStopsNothing)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.add("01");
-    SmallRun run("02");
+    KnownRun run("02");
     run.volumes = run.confoundRows = 100;
     study.add(run);
     run = "03";
@@ -190,28 +191,72 @@ TEST(Cohort, WhatCannotBeComputedIsARowWithItsReasonAndStopsNothing)
                               "sub-04_task-rest_space-T1w_desc-preproc_bold\\.nii\\.gz: byte "
                               "[0-9]+: found the end of the file, expected more gzip data"));
     EXPECT_EQ(row("sub-05_task-rest_space-T1w"),
-              "failed: sub-05/func/sub-05_task-rest_desc-confounds_timeseries.tsv: the table has "
+              "failed: sub-05/func/sub-05_task-rest_desc-confounds_timeseries.tsv: column "
+              "framewise_displacement ends before row 129 (from 0): the table has "
               "129 rows: expected 130, one for each volume of the run");
     EXPECT_EQ(row("sub-06_task-rest"), "missing: no run of task-rest; found: task-work");
     EXPECT_EQ(row("sub-07_task-rest_space-T1w"), "done: n/a");
 }
 
+TEST(Cohort, EveryOddFolderIsARowOfTheTable)
+{
+    const TemporaryFolder folder;
+    const SmallStudy odd(folder.path("data"));
+    addOddParticipants(odd);
+    const ProgramRun ran =
+        runCorvane({QStringLiteral("cohort"), odd.path(), folder.path("out"), participantStep,
+                    QStringLiteral("--atlas"), odd.addAtlas(), QStringLiteral("--clean"),
+                    QStringLiteral("motion6"), QStringLiteral("--task-id"), QStringLiteral("rest"),
+                    QStringLiteral("--min-seconds"), QStringLiteral("0")});
+    EXPECT_EQ(ran.status, 1);
+    QStringList rows;
+    for (const QByteArray &line :
+         bytesOf(folder.path("out/participants_connectome.tsv")).split('\n'))
+        if (line.startsWith("sub-")) {
+            const QList<QByteArray> cells = line.split('\t');
+            rows += QString::fromUtf8(cells[4] + ": " + cells[6] + ": " + cells[16]);
+        }
+    std::vector<std::string> texts;
+    for (const QString &row : rows)
+        texts.push_back(row.toStdString());
+    EXPECT_THAT(
+        texts,
+        ElementsAre("sub-01_task-rest_space-T1w: done: n/a",
+                    "sub-02_task-rest_space-MNI152NLin6Asym: done: n/a",
+                    "sub-02_task-rest_space-T1w: done: n/a",
+                    "sub-03_task-rest_run-1_space-T1w: done: n/a",
+                    "sub-03_task-rest_run-2_space-T1w: done: n/a",
+                    "sub-04_task-rest_space-T1w: missing: no table of confounds; found: none",
+                    "sub-05_task-rest: missing: no run of task-rest; found: task-nback",
+                    "sub-06_task-rest_space-T1w: done: n/a",
+                    testing::MatchesRegex(
+                        "sub-07_task-rest_space-T1w: failed: "
+                        "sub-07/func/sub-07_task-rest_space-T1w_desc-preproc_bold\\.nii\\.gz: byte "
+                        "[0-9]+: found the end of the file, expected more gzip data"),
+                    "sub-08_task-rest_space-T1w: failed: "
+                    "sub-08/func/sub-08_task-rest_desc-confounds_timeseries.tsv: column trans_x "
+                    "ends before row 39 (from 0): the table has 39 rows: expected 40, one for each "
+                    "volume of the run",
+                    "sub-09_ses-a_task-rest_space-T1w: done: n/a",
+                    "sub-09_ses-b_task-rest_space-T1w: done: n/a"));
+}
+
 TEST(Cohort, ASecondCallMakesOnlyWhatIsMissingOrChanged)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(3);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
-    const auto first = SmallStudy::filesBelow(study.out());
+    const auto first = KnownStudy::filesBelow(study.out());
 
     EXPECT_THAT(linesOf(study.cohort(participantStep).output),
                 ElementsAre(study.out().toStdString() + ": 3 rows: 3 done"));
 
-    const SmallRun second("02");
+    const KnownRun second("02");
     QFile::remove(study.output(second, "motion.tsv"));
     EXPECT_THAT(linesOf(study.cohort(participantStep).output),
                 ElementsAre(StartsWith("sub-02_task-rest_space-T1w_atlas-Four: done, 130 of 130"),
                             study.out().toStdString() + ": 3 rows: 3 done"));
-    EXPECT_EQ(SmallStudy::filesBelow(study.out()), first);
+    EXPECT_EQ(KnownStudy::filesBelow(study.out()), first);
 
     // A file of the same length and first bytes is another one if its time is.
     const QString table = study.file("03", "_desc-confounds_timeseries.tsv");
@@ -236,10 +281,10 @@ TEST(Cohort, ASecondCallMakesOnlyWhatIsMissingOrChanged)
 
 TEST(Cohort, ARowThatIsNotDoneAnyMoreHasNoOutputs)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(2);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
-    const SmallRun run("01");
+    const KnownRun run("01");
     EXPECT_TRUE(QFileInfo::exists(study.output(run, "motion.tsv")));
     EXPECT_EQ(
         study
@@ -247,14 +292,14 @@ TEST(Cohort, ARowThatIsNotDoneAnyMoreHasNoOutputs)
                                       QStringLiteral("--participant-label"), QStringLiteral("01")})
             .status,
         0);
-    EXPECT_EQ(SmallStudy::filesBelow(study.out() + QStringLiteral("/sub-01")).size(), 0);
+    EXPECT_EQ(KnownStudy::filesBelow(study.out() + QStringLiteral("/sub-01")).size(), 0);
     EXPECT_TRUE(QFileInfo::exists(study.output("02", "motion.tsv")));
 }
 
 TEST(Cohort, AFailedRowIsTriedAgainUnlessItIsToStay)
 {
-    SmallStudy study;
-    SmallRun run("01");
+    KnownStudy study;
+    KnownRun run("01");
     run.isBroken = true;
     study.add(run);
     study.add("02");
@@ -267,7 +312,7 @@ TEST(Cohort, AFailedRowIsTriedAgainUnlessItIsToStay)
 
 TEST(Cohort, SeveralAtlasesWithTheirLabelsAndNames)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(1);
     const QString labels = study.path(QStringLiteral("names.tsv"));
     putBytes(labels, "index\tname\n1\tA\n2\tB\n3\tC\n4\tD\n");
@@ -286,7 +331,7 @@ TEST(Cohort, SeveralAtlasesWithTheirLabelsAndNames)
 
 TEST(Cohort, ConditionsAreThoseOfTheRunsOwnEvents)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(2);
     putBytes(study.file("01", "_events.tsv"), "onset\tduration\ttrial_type\n0\t60\twork\n");
     const ProgramRun ran = study.cohort(participantStep, {QStringLiteral("--events")});
@@ -298,7 +343,7 @@ TEST(Cohort, ConditionsAreThoseOfTheRunsOwnEvents)
 
 TEST(Cohort, LabelsOptionsAndWordsInTheMannerOfBidsApps)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(3);
     const ProgramRun ran = study.cohort(
         participantStep, {QStringLiteral("--participant_label"), QStringLiteral("sub-01"),
@@ -315,7 +360,7 @@ TEST(Cohort, LabelsOptionsAndWordsInTheMannerOfBidsApps)
 
 TEST(Cohort, WorksWithOneParticipantsFolderAlone)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(2);
     const auto label = [](const char *participant) {
         return QStringList{QStringLiteral("--participant-label"), QLatin1String(participant),
@@ -331,7 +376,7 @@ TEST(Cohort, WorksWithOneParticipantsFolderAlone)
 
 TEST(Cohort, CommandLinesThatMakeNoSense)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(1);
     const auto error = [&](const QStringList &words) {
         const ProgramRun ran = runCorvane(QStringList{QStringLiteral("cohort")} + words);
@@ -383,7 +428,7 @@ TEST(Cohort, CommandLinesThatMakeNoSense)
 
 TEST(Cohort, NoRunsAtAllIsAnError)
 {
-    SmallStudy study;
+    KnownStudy study;
     EXPECT_EQ(study.cohort(participantStep).status, 1);
     study.addParticipants(1);
     const ProgramRun ran =
@@ -397,7 +442,7 @@ TEST(Cohort, NoRunsAtAllIsAnError)
 
 TEST(Cohort, AFolderThatCannotBeWrittenIsAnError)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(2);
     putBytes(study.out(), "a file");
     const ProgramRun ran = study.cohort(participantStep);
@@ -408,7 +453,7 @@ TEST(Cohort, AFolderThatCannotBeWrittenIsAnError)
 
 TEST(Cohort, TheDescriptionIsOfADerivativeOfTheDataset)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(1);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
     const QJsonObject description =
@@ -428,9 +473,9 @@ TEST(Cohort, TheDescriptionIsOfADerivativeOfTheDataset)
 
 TEST(Cohort, RecordsAreAsTheirSchemaSays)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.add("01");
-    SmallRun run("02");
+    KnownRun run("02");
     run.isBroken = true;
     study.add(run);
     run = "03";
@@ -454,7 +499,7 @@ TEST(Cohort, RecordsAreAsTheirSchemaSays)
 
 TEST(CohortStatus, CountsAndTellsWhatIsNotDone)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(3);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
     const QString folder =
@@ -480,7 +525,7 @@ TEST(CohortStatus, CountsAndTellsWhatIsNotDone)
 
 TEST(CohortLock, ARowThatAnotherProcessHasIsPassedOver)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(2);
     QDir().mkpath(study.out() + QStringLiteral("/sub-01/func"));
     FileLock lock(study.out() +
@@ -498,13 +543,13 @@ TEST(CohortLock, ARowThatAnotherProcessHasIsPassedOver)
 
 TEST(CohortVerify, FindsOutputsAndInputsThatAreOthers)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(3);
-    SmallRun shorter("04");
+    KnownRun shorter("04");
     shorter.volumes = shorter.confoundRows = 50;
     study.add(shorter);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
-    const auto before = SmallStudy::filesBelow(study.out());
+    const auto before = KnownStudy::filesBelow(study.out());
     const std::string out = study.out().toStdString();
     const auto verify = [&](const char *option) {
         return study.ofStudy({QStringLiteral("verify"), QLatin1String(option)});
@@ -515,9 +560,9 @@ TEST(CohortVerify, FindsOutputsAndInputsThatAreOthers)
                 ElementsAre(out + ": 2 rows computed again, 0 differ"));
     EXPECT_THAT(linesOf(verify("--inputs").output),
                 ElementsAre(out + ": inputs of 4 rows read, 0 differ"));
-    EXPECT_EQ(SmallStudy::filesBelow(study.out()), before);
+    EXPECT_EQ(KnownStudy::filesBelow(study.out()), before);
 
-    const SmallRun second("02");
+    const KnownRun second("02");
     const QString output = study.output(second, "motion.tsv");
     putBytes(output, bytesOf(output).replace('1', '2'));
     const ProgramRun ran = verify("--all");

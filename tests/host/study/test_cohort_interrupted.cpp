@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Studies whose processes are killed, stopped, or not alone.
 #include "host/files/file_lock.h"
-#include "tests/host/study/small_study.h"
+#include "tests/host/study/known_study.h"
 #include "tests/host/support/interrupted_program.h"
 #include "tests/host/support/traced_program.h"
 
@@ -28,22 +28,22 @@ QStringList locksBelow(const QString &folder)
     return locks;
 }
 
-SmallRun large(const char *participant)
+KnownRun large(const char *participant)
 {
-    SmallRun run(participant);
+    KnownRun run(participant);
     run.copies = 3000;
     return run;
 }
 
 TEST(CohortInterrupted, KilledAtAnyMomentLosesAtMostTheRowInWork)
 {
-    SmallStudy study;
-    SmallRun work("01");
+    KnownStudy study;
+    KnownRun work("01");
     work.task = QStringLiteral("work");
     study.add("01");
     study.add(work);
     ASSERT_EQ(study.cohort(participantStep).status, 0);
-    const auto wanted = SmallStudy::filesBelow(study.out());
+    const auto wanted = KnownStudy::filesBelow(study.out());
     QDir(study.out()).removeRecursively();
 
     // Once at each of the calls that change a folder, in steps that reach all phases.
@@ -69,8 +69,8 @@ TEST(CohortInterrupted, KilledAtAnyMomentLosesAtMostTheRowInWork)
                                                        "space-T1w_atlas-Four.json"));
         const ProgramRun ran = study.cohort(participantStep);
         EXPECT_EQ(ran.status, 0) << moment << ran.errors.constData() << ran.output.constData();
-        EXPECT_EQ(SmallStudy::filesBelow(study.out()), wanted) << moment;
-        EXPECT_EQ(SmallStudy::leftBelow(study.out()), QStringList()) << moment;
+        EXPECT_EQ(KnownStudy::filesBelow(study.out()), wanted) << moment;
+        EXPECT_EQ(KnownStudy::leftBelow(study.out()), QStringList()) << moment;
         if (firstWasDone) {
             EXPECT_THAT(ran.output.toStdString(),
                         testing::Not(HasSubstr("task-rest_space-T1w_atlas-Four: done")))
@@ -81,9 +81,9 @@ TEST(CohortInterrupted, KilledAtAnyMomentLosesAtMostTheRowInWork)
 
 TEST(CohortInterrupted, AProcessThatIsKilledLeavesAFailedRowAndTheOthersAreMade)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.add(large("01"));
-    SmallRun after("01");
+    KnownRun after("01");
     after.task = QStringLiteral("work");
     study.add(after);
     study.add("02");
@@ -103,14 +103,14 @@ TEST(CohortInterrupted, AProcessThatIsKilledLeavesAFailedRowAndTheOthersAreMade)
     EXPECT_THAT(said, HasSubstr(" ended in the midst of it: signal 9"));
     EXPECT_THAT(said, HasSubstr("sub-01_task-work_space-T1w_atlas-Four: done"));
     EXPECT_THAT(said, HasSubstr("3 rows: 2 done, 1 failed"));
-    EXPECT_EQ(SmallStudy::leftBelow(study.out()), QStringList());
+    EXPECT_EQ(KnownStudy::leftBelow(study.out()), QStringList());
     EXPECT_EQ(study.cohort(participantStep).status, 0);
 }
 
 TEST(CohortInterrupted, ASignalEndsAllProcessesAndLeavesNothingInWork)
 {
     for (const int signal : {SIGINT, SIGTERM}) {
-        SmallStudy study;
+        KnownStudy study;
         study.add(large("01"));
         study.add(large("02"));
         QStringList locks;
@@ -119,7 +119,7 @@ TEST(CohortInterrupted, ASignalEndsAllProcessesAndLeavesNothingInWork)
             study.arguments(participantStep, {QStringLiteral("--nprocs"), QStringLiteral("2")}),
             {{signal, [&] { return !(locks = locksBelow(study.out())).isEmpty(); }}});
         EXPECT_EQ(run.signal, signal) << run.errors;
-        EXPECT_EQ(SmallStudy::leftBelow(study.out()), QStringList());
+        EXPECT_EQ(KnownStudy::leftBelow(study.out()), QStringList());
         const ProgramRun ran = study.cohort(participantStep);
         EXPECT_EQ(ran.status, 0);
         EXPECT_THAT(ran.output.toStdString(), HasSubstr("2 rows: 2 done"));
@@ -128,7 +128,7 @@ TEST(CohortInterrupted, ASignalEndsAllProcessesAndLeavesNothingInWork)
 
 TEST(CohortInterrupted, TwoCallsAtOnceMakeEachRowOnce)
 {
-    SmallStudy study;
+    KnownStudy study;
     study.addParticipants(6);
     QProcess calls[2];
     for (QProcess &call : calls)
@@ -143,7 +143,7 @@ TEST(CohortInterrupted, TwoCallsAtOnceMakeEachRowOnce)
     }
     EXPECT_EQ(done, 6);
     EXPECT_EQ(study.ofStudy({QStringLiteral("verify"), QStringLiteral("--all")}).status, 0);
-    EXPECT_EQ(SmallStudy::leftBelow(study.out()), QStringList());
+    EXPECT_EQ(KnownStudy::leftBelow(study.out()), QStringList());
     // Each table of the two is whole; whoever came last has all rows in it, or the next one.
     ASSERT_EQ(study.ofStudy({QStringLiteral("status"), QStringLiteral("--collect")}).status, 0);
     EXPECT_EQ(study.table().size(), 6);

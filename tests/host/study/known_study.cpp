@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/host/study/small_study.h"
+#include "tests/host/study/known_study.h"
 
 #include "tests/host/support/nifti_files.h"
 
@@ -23,26 +23,26 @@ double jitter(int a, int b)
     return double(mixed >> 8 & 0xffff) / 65536 - 0.5;
 }
 
-int seedOf(const SmallRun &run)
+int seedOf(const KnownRun &run)
 {
     return int(qChecksum(run.participant.toUtf8().constData(), uint(run.participant.size()))) %
                977 +
            (run.session + run.task).size();
 }
 
-double confoundAt(const SmallRun &run, int volume)
+double confoundAt(const KnownRun &run, int volume)
 {
     return jitter(volume, 99 + seedOf(run)) + 0.4 * std::sin(0.7 * volume);
 }
 
-float sample(const SmallRun &run, int voxel, int volume)
+float sample(const KnownRun &run, int voxel, int volume)
 {
     const int place = voxel / voxelsOfRegion;
     return float(1000 + 100 * jitter(volume, seedOf(run) + (place < 2 ? 0 : place)) +
                  30 * jitter(volume, 50 + voxel) + 200 * confoundAt(run, volume));
 }
 
-QString folderOf(const SmallRun &run)
+QString folderOf(const KnownRun &run)
 {
     QString folder = QStringLiteral("sub-") + run.participant;
     if (!run.session.isEmpty())
@@ -50,7 +50,7 @@ QString folderOf(const SmallRun &run)
     return folder + QStringLiteral("/func");
 }
 
-QString stemOf(const SmallRun &run)
+QString stemOf(const KnownRun &run)
 {
     QString stem = QStringLiteral("sub-") + run.participant;
     if (!run.session.isEmpty())
@@ -67,7 +67,7 @@ QByteArray imageBytes(std::initializer_list<int> size, const std::vector<qint16>
     return gzipped(niftiBytes(parts));
 }
 
-QByteArray runBytes(const SmallRun &run)
+QByteArray runBytes(const KnownRun &run)
 {
     std::vector<float> samples;
     for (int volume = 0; volume < run.volumes; ++volume)
@@ -83,7 +83,7 @@ QByteArray runBytes(const SmallRun &run)
     return run.isBroken ? bytes.left(bytes.size() / 2) : bytes;
 }
 
-QByteArray confoundBytes(const SmallRun &run)
+QByteArray confoundBytes(const KnownRun &run)
 {
     QByteArray table = "framewise_displacement\ttrouble\n";
     for (int row = 0; row < run.confoundRows; ++row)
@@ -94,7 +94,7 @@ QByteArray confoundBytes(const SmallRun &run)
 
 } // namespace
 
-SmallStudy::SmallStudy()
+KnownStudy::KnownStudy()
 {
     QDir().mkpath(dataset());
     putBytes(dataset() + QStringLiteral("/dataset_description.json"),
@@ -106,7 +106,7 @@ SmallStudy::SmallStudy()
     putBytes(atlas(), imageBytes({4, 3, 1}, labels));
 }
 
-void SmallStudy::add(const SmallRun &run)
+void KnownStudy::add(const KnownRun &run)
 {
     QDir().mkpath(dataset() + QLatin1Char('/') + folderOf(run));
     putBytes(file(run, "_space-T1w_desc-preproc_bold.nii.gz"), runBytes(run));
@@ -119,25 +119,25 @@ void SmallStudy::add(const SmallRun &run)
                  imageBytes({4, 3, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0}));
 }
 
-void SmallStudy::addParticipants(int count)
+void KnownStudy::addParticipants(int count)
 {
     for (int n = 1; n <= count; ++n)
         add(QByteArray::number(n).rightJustified(2, '0').constData());
 }
 
-QString SmallStudy::file(const SmallRun &run, const char *rest) const
+QString KnownStudy::file(const KnownRun &run, const char *rest) const
 {
     return QStringLiteral("%1/%2/%3%4")
         .arg(dataset(), folderOf(run), stemOf(run), QLatin1String(rest));
 }
 
-QString SmallStudy::output(const SmallRun &run, const char *rest) const
+QString KnownStudy::output(const KnownRun &run, const char *rest) const
 {
     return QStringLiteral("%1/%2/%3_space-T1w_atlas-Four_%4")
         .arg(out(), folderOf(run), stemOf(run), QLatin1String(rest));
 }
 
-Eigen::VectorXd SmallStudy::region(const SmallRun &run, int number)
+Eigen::VectorXd KnownStudy::region(const KnownRun &run, int number)
 {
     Eigen::VectorXd series(run.volumes);
     for (int volume = 0; volume < run.volumes; ++volume) {
@@ -149,7 +149,7 @@ Eigen::VectorXd SmallStudy::region(const SmallRun &run, int number)
     return series;
 }
 
-Eigen::VectorXd SmallStudy::confound(const SmallRun &run)
+Eigen::VectorXd KnownStudy::confound(const KnownRun &run)
 {
     Eigen::VectorXd column(run.volumes);
     for (int volume = 0; volume < run.volumes; ++volume)
@@ -157,7 +157,7 @@ Eigen::VectorXd SmallStudy::confound(const SmallRun &run)
     return column;
 }
 
-QStringList SmallStudy::arguments(const QString &step, const QStringList &more) const
+QStringList KnownStudy::arguments(const QString &step, const QStringList &more) const
 {
     return QStringList{QStringLiteral("cohort"),
                        dataset(),
@@ -170,17 +170,17 @@ QStringList SmallStudy::arguments(const QString &step, const QStringList &more) 
            more;
 }
 
-ProgramRun SmallStudy::cohort(const QString &step, const QStringList &more) const
+ProgramRun KnownStudy::cohort(const QString &step, const QStringList &more) const
 {
     return runCorvane(arguments(step, more));
 }
 
-ProgramRun SmallStudy::ofStudy(const QStringList &step) const
+ProgramRun KnownStudy::ofStudy(const QStringList &step) const
 {
     return runCorvane(QStringList{QStringLiteral("cohort"), out()} + step);
 }
 
-QStringList SmallStudy::table() const
+QStringList KnownStudy::table() const
 {
     QStringList lines =
         QString::fromUtf8(bytesOf(out() + QStringLiteral("/participants_connectome.tsv")))
@@ -189,7 +189,7 @@ QStringList SmallStudy::table() const
     return lines.mid(1);
 }
 
-QMap<QString, QByteArray> SmallStudy::filesBelow(const QString &folder)
+QMap<QString, QByteArray> KnownStudy::filesBelow(const QString &folder)
 {
     QMap<QString, QByteArray> files;
     QDirIterator every(folder, QDir::Files, QDirIterator::Subdirectories);
@@ -200,7 +200,7 @@ QMap<QString, QByteArray> SmallStudy::filesBelow(const QString &folder)
     return files;
 }
 
-QStringList SmallStudy::leftBelow(const QString &folder)
+QStringList KnownStudy::leftBelow(const QString &folder)
 {
     QStringList left;
     QDirIterator every(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,

@@ -9,14 +9,14 @@
 #include <QMap>
 
 /// @file
-/// A folder of small runs as a pipeline leaves it, and the program at work on it.
+/// A folder of small runs of which it is known what they hold, and the program at work on it.
 
 namespace corvane
 {
 
 /// How a run is made; what is left as it is, is as it should be.
-struct SmallRun {
-    SmallRun(const char *participantLabel, const char *sessionLabel = "")
+struct KnownRun {
+    KnownRun(const char *participantLabel, const char *sessionLabel = "")
         : participant(QLatin1String(participantLabel)), session(QLatin1String(sessionLabel))
     {
     }
@@ -33,30 +33,30 @@ struct SmallRun {
     int copies = 1;          ///< of each voxel: makes the run so much larger
 };
 
-class SmallStudy
+class KnownStudy
 {
 public:
-    SmallStudy();
+    KnownStudy();
 
     QString path(const QString &name) const { return m_folder.path(name); }
     QString dataset() const { return path(QStringLiteral("data")); }
     QString out() const { return path(QStringLiteral("out")); }
     QString atlas() const { return path(QStringLiteral("tpl_atlas-Four_dseg.nii.gz")); }
 
-    void add(const SmallRun &run);
+    void add(const KnownRun &run);
     /// Participants 01, 02, ... with a run each.
     void addParticipants(int count);
 
     /// "data/sub-01/func/sub-01_task-rest_space-T1w" and the rest.
-    QString file(const SmallRun &run, const char *rest) const;
+    QString file(const KnownRun &run, const char *rest) const;
     /// A file of a run's row: "out/sub-01/func/sub-01_task-rest_space-T1w_atlas-Four_" and the
     /// rest.
-    QString output(const SmallRun &run, const char *rest) const;
+    QString output(const KnownRun &run, const char *rest) const;
 
     /// What one region of a run holds, as its single precision has it.
-    static Eigen::VectorXd region(const SmallRun &run, int number);
+    static Eigen::VectorXd region(const KnownRun &run, int number);
     /// The column "trouble" of its confounds.
-    static Eigen::VectorXd confound(const SmallRun &run);
+    static Eigen::VectorXd confound(const KnownRun &run);
 
     /// Corvane cohort DATASET OUT STEP with the atlas, --clean columns:trouble and more.
     QStringList arguments(const QString &step, const QStringList &more = {}) const;
