@@ -354,7 +354,7 @@ TEST_F(ConnectomeCommand, WindowsBeginBehindTheVolumesThatAreNotSteady)
     const QJsonObject part =
         readJson(output("window-1_stat-pearsoncorrelation_relmat.json"))[QLatin1String("Part")]
             .toObject();
-    EXPECT_EQ(part[QLatin1String("Volumes")].toArray()[0].toInt(), 3);
+    EXPECT_EQ(part[QLatin1String("Intervals")].toArray(), (QJsonArray{QJsonArray{3, 22}}));
     EXPECT_THAT(ran.errors.toStdString(),
                 HasSubstr("windows of 40 s are shorter than the slowest waves that are left, of "
                           "50 s"));
