@@ -236,7 +236,7 @@ Command cohortCommand()
                   [--session-id|--session-label A ...] [--task-id|--task-label A ...]
                   [--space A ...] [--bids-filter-file F] --atlas F [--labels F]
                   [--atlas-name NAME] [--atlas F ...] [--min-coverage X] [--tr SECONDS]
-                  --clean NAME|help [--order NAME] [--high-pass HZ] [--low-pass HZ]
+                  [--dvars-scale N] --clean NAME|help [--order NAME] [--high-pass HZ] [--low-pass HZ]
                   [--no-detrend] [--standardize UNIT] [--fd-threshold MM]
                   [--dvars-threshold X] [--min-segment N] [--dummy-scans N|auto]
                   [--components N] [--motion-order PACKAGE] [--min-volumes N]

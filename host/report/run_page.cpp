@@ -176,7 +176,7 @@ double varianceLeft(const Connectome &connectome)
 void addMotion(HtmlPage &page, const ConnectomeRequest &request, const Connectome &connectome)
 {
     page.section(QStringLiteral("Motion and signal over the run"), QStringLiteral("motion"));
-    const PagePicture motion = motionPicture(connectome);
+    const PagePicture motion = motionPicture(connectome, request.dvarsScale);
     page.picture(
         motion.png, motion.size,
         QStringLiteral("Curves over the volumes of the run: framewise displacement and DVARS."),
@@ -221,10 +221,11 @@ void addDesign(HtmlPage &page, const Connectome &connectome)
         QStringLiteral("The design matrix: a column for each of %1 regressors, a row for each kept "
                        "volume.")
             .arg(design.columns.cols()),
-        QStringLiteral("What was taken off each series by least squares: a column for each of %1 "
-                       "regressors, a row for each of %2 kept volumes from the top. In each column black and "
-                       "white are minus and plus its largest value. The rank is %3. Good: many more rows than "
-                       "columns, and no column that is one spike.")
+        QStringLiteral(
+            "What was taken off each series by least squares: a column for each of %1 "
+            "regressors, a row for each of %2 kept volumes from the top. In each column black and "
+            "white are minus and plus its largest value. The rank is %3. Good: many more rows than "
+            "columns, and no column that is one spike.")
             .arg(design.columns.cols())
             .arg(design.columns.rows())
             .arg(design.ledger.rank));
