@@ -448,7 +448,7 @@ CoveragePicture coverage()
     CoveragePicture picture;
     for (AtlasView &view : picture.views) {
         view.values.resize(2, 2);
-        view.values << 1, 0.2, NAN, 1;
+        view.values << 1, 0.2, 0.8, 1;
         view.width = view.height = 100;
     }
     picture.coverage = {1, 0.2, 1, 1};
