@@ -64,7 +64,12 @@ void require(const ConfoundsTable &table, const StrategyRequest &request)
         throw Error("two columns are called " + *twice);
     }
     if (table.values.rows() != request.volumes) {
-        throw Error("the table has " + counted(table.values.rows(), "row") + ": expected " +
+        const Index rows = table.values.rows();
+        const bool is_short = rows < request.volumes && !table.names.empty();
+        throw Error((is_short ? "column " + table.names.front() + " ends before row " +
+                                    std::to_string(rows) + " (from 0): "
+                              : std::string()) +
+                    "the table has " + counted(rows, "row") + ": expected " +
                     std::to_string(request.volumes) + ", one for each volume of the run");
     }
     if (request.censor.size() > 0 && request.censor.size() != request.volumes) {

@@ -13,6 +13,7 @@
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
 
+#include <QFileDialog>
 #include <QSettings>
 
 #include <cstdio>
@@ -43,7 +44,9 @@ int run(const QStringList &arguments)
     OutputFolder pictures(folder, arguments.front());
     // The user's own settings stay out of the pictures, and the tour out of them.
     const ScratchFolder settings;
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    for (const QSettings::Format format : {QSettings::NativeFormat, QSettings::IniFormat})
+        QSettings::setPath(format, QSettings::UserScope, settings.path());
+    QSettings::setDefaultFormat(QSettings::IniFormat); // the native one of Windows has no path
     Session session(openForeignAnatomy);
     MainWindow window(session);
     const QString pluginFolder =
@@ -56,6 +59,7 @@ int run(const QStringList &arguments)
     const ScratchFolder dataset;
     const ScratchFolder exports;
     writeExample(dataset.path(), TerminalProgress(QStringLiteral("writing the example")).watch());
+    QFileDialog().setDirectory(dataset.path()); // not where the user's own dialogs were last
     window.resize(MainWindow::usualSize());
     window.show();
     std::vector<TourStep> steps = workflowSteps(window, dataset.path(), exports.path());

@@ -84,16 +84,16 @@ Index firstSteady(const signals::Volumes &volumes)
 }
 
 void noteParts(const PartsRequest &request, const signals::Band &band,
-               const std::vector<Part> &parts, QStringList &notes)
+               const std::vector<Part> &parts, std::size_t measures, QStringList &notes)
 {
     if (request.window && band.high_pass > 0 && *request.window < 1 / band.high_pass)
         notes += QStringLiteral("windows of %1 s are shorter than the slowest waves that are "
                                 "left, of %2 s: these look like changes from window to window")
                      .arg(*request.window)
                      .arg(1 / band.high_pass);
-    int unfilled = 0;
+    qint64 unfilled = 0;
     for (const Part &part : parts)
-        unfilled += part.filled ? 0 : 1;
+        unfilled += part.filled ? 0 : qint64(measures);
     if (unfilled > 0)
         notes += QStringLiteral("%1 n/a: fewer than %2 volumes are kept, or half of a window")
                      .arg(counted(unfilled, "matrix is", "matrices are"))
@@ -168,7 +168,7 @@ Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch 
     result.uncleaned = cleanedBy(uncleanedDesign(made.cleaning, made.repetitionTime), series.values,
                                  covered, result.nodes, saidBefore);
     result.series = std::move(series.values);
-    noteParts(made.parts, design.band, parts, result.notes);
+    noteParts(made.parts, design.band, parts, request.relationships.size(), result.notes);
     for (const Part &part : parts)
         for (const Relationship relationship : request.relationships)
             result.matrices.push_back(

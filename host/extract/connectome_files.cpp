@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/extract/connectome_files.h"
 
+#include "host/derivatives/bids_names.h"
 #include "host/extract/connectome_sidecar.h"
 #include "host/extract/node_measures.h"
-#include "host/extract/output_names.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 

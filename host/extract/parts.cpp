@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/extract/parts.h"
 
-#include "host/extract/output_names.h"
+#include "host/derivatives/bids_names.h"
 #include "signals/conditions.h"
 
 #include <numeric>

@@ -331,7 +331,7 @@ private:
             if (found != m_width)
                 throw InputError(
                     m_path, place(m_rows[r], std::min(found, m_width)),
-                    QStringLiteral("%1 cells in this row").arg(found),
+                    counted(found, "cell") + QStringLiteral(" in this row"),
                     QStringLiteral("%1 as in row %2").arg(m_width).arg(m_rows.back().line));
         }
     }

@@ -48,7 +48,7 @@ TsvTable::TsvTable(const QString &path, const std::vector<TextLine> &lines) : m_
             m_rows.push_back({line.number, found});
         else
             throw InputError(path, QStringLiteral("line %1").arg(line.number),
-                             QStringLiteral("%1 cells").arg(found.size()),
+                             counted(found.size(), "cell"),
                              QStringLiteral("%1, one for each column, with tabs between them")
                                  .arg(m_columns.size()));
     }

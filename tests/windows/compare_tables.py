@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""compare_tables.py EXPECTED FOUND: the CSV files below two folders have the same names, texts and,
-to one part in a million, the same numbers. Says which are the same byte for byte, and how far the
-others are from it."""
+"""compare_tables.py EXPECTED FOUND: the CSV and TSV files below two folders have the same names, texts
+and, to one part in a million, the same numbers. Says which are the same byte for byte, and how far
+the others are from it."""
 import math
 import pathlib
 import sys
@@ -11,7 +11,8 @@ TOLERANCE = 1e-6
 
 
 def tables(folder):
-    return {path.relative_to(folder).as_posix(): path for path in folder.rglob("*.csv")}
+    found = [*folder.rglob("*.csv"), *folder.rglob("*.tsv")]
+    return {path.relative_to(folder).as_posix(): path for path in found}
 
 
 def number(text):
@@ -32,8 +33,9 @@ def distance(a, b):
 
 
 def largest_difference(expected, found):
-    a = [line.split(",") for line in expected.read_text(encoding="utf-8").splitlines()]
-    b = [line.split(",") for line in found.read_text(encoding="utf-8").splitlines()]
+    mark = "\t" if expected.suffix == ".tsv" else ","
+    a = [line.split(mark) for line in expected.read_text(encoding="utf-8").splitlines()]
+    b = [line.split(mark) for line in found.read_text(encoding="utf-8").splitlines()]
     if [len(row) for row in a] != [len(row) for row in b]:
         return math.inf
     return max((distance(x, y) for r, s in zip(a, b) for x, y in zip(r, s)), default=0.0)

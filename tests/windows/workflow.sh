@@ -61,6 +61,13 @@ for folder in protocol partial graph; do
 done
 "$compare_pictures" linux/protocol windows/protocol || fail "the pictures differ"
 
+both connectome --bold ../run001_bold_25mm.nii.gz --atlas ../atlas.nii --labels ../atlas.nii.tsv \
+    --mask ../mask_25mm_brain.nii.gz --events ../events.tsv --clean none --high-pass 0.01 \
+    --measure pearson,partial --shrinkage ledoit-wolf --plots --out connectome
+echo "connectome:"
+"$here/compare_tables.py" linux/connectome windows/connectome || fail "connectome differs"
+"$compare_pictures" linux/connectome windows/connectome || fail "the pictures of connectome differ"
+
 # settings HOME_DOCUMENTS FOLDER: the plugin's settings file, with the log and the dumps in FOLDER.
 settings() {
     mkdir -p "$1/CVExtensions/Plugins_64" "$1/diagnostics"
@@ -70,7 +77,17 @@ settings() {
 rm -rf "$(documents)/diagnostics"
 settings linux/home/Documents "$PWD/linux/home/Documents/diagnostics"
 settings "$(documents)" "C:/users/$(id -un)/Documents/diagnostics"
+# The tour neither goes by where the user's dialogs were last, here in a folder that is gone, nor leaves
+# its own files in the user's list.
+own='HKCU\Software\Corvane\Corvane'
+dialogs='HKCU\Software\QtProject\OrganizationDefaults\FileDialog'
+gone="C:/users/$(id -un)/Temp/.gone"
+under_wine registry.txt reg add "$own" /v folder /d "$gone" /f || fail "$(cat registry.txt)"
+under_wine registry.txt reg add "$dialogs" /v lastVisited /d "file:///$gone" /f
+under_wine before.txt reg query "$own" || fail "$(cat before.txt)"
 both tour --out tour
+under_wine after.txt reg query "$own" || fail "$(cat after.txt)"
+diff before.txt after.txt || fail "the tour changes the user's settings"
 rm "$(documents)/CVExtensions/Plugins_64/tessera_plugin.ini"
 "$compare_pictures" linux/tour windows/tour || fail "the pictures of the tour differ"
 

@@ -316,7 +316,92 @@ TEST_F(ConnectomeCommand, SeveralMeasuresWindowsAndConditions)
     EXPECT_EQ(part[QLatin1String("Volumes")].toArray()[0].toInt(), 10);
     // Eight volumes of rest are too few.
     EXPECT_EQ(readTsv(output("cond-rest_stat-fisherz_relmat.tsv")).rows[0][1], QByteArray("n/a"));
+    EXPECT_THAT(ran.errors.toStdString(), HasSubstr("6 matrices are n/a: fewer than 10 volumes"));
     EXPECT_THAT(ran.errors.toStdString(), HasSubstr("hold the shared response to the stimulus"));
+}
+
+TEST_F(ConnectomeCommand, TheRepetitionTimeCanBeGiven)
+{
+    ASSERT_EQ(run({QStringLiteral("--tr"), QStringLiteral("3")}).status, 0);
+    const QJsonObject json = readJson(output("stat-pearsoncorrelation_relmat.json"));
+    EXPECT_EQ(json[QLatin1String("RepetitionTime")].toDouble(), 3);
+    EXPECT_EQ(json[QLatin1String("Ledger")].toObject()[QLatin1String("SecondsKept")].toDouble(),
+              120);
+}
+
+TEST_F(ConnectomeCommand, AWindowHasItsShareOfTheDegreesOfFreedom)
+{
+    ASSERT_EQ(run(cleaned() + QStringList{QStringLiteral("--fd-threshold"), QStringLiteral("0.5"),
+                                          QStringLiteral("--window"), QStringLiteral("40"),
+                                          QStringLiteral("--step"), QStringLiteral("20")})
+                  .status,
+              0);
+    // Volumes 10 to 29 without the 20th; of the run 39 volumes are kept, on 36 degrees.
+    const QJsonObject part =
+        readJson(output("window-2_stat-pearsoncorrelation_relmat.json"))[QLatin1String("Part")]
+            .toObject();
+    EXPECT_NEAR(part[QLatin1String("EffectiveVolumes")].toDouble(), 19, 1e-12);
+    EXPECT_NEAR(part[QLatin1String("DegreesOfFreedom")].toDouble(), 36.0 * 19 / 39, 1e-12);
+}
+
+TEST_F(ConnectomeCommand, WindowsBeginBehindTheVolumesThatAreNotSteady)
+{
+    const ProgramRun ran =
+        run({QStringLiteral("--dummy-scans"), QStringLiteral("3"), QStringLiteral("--window"),
+             QStringLiteral("40"), QStringLiteral("--step"), QStringLiteral("20"),
+             QStringLiteral("--high-pass"), QStringLiteral("0.02")});
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    const QJsonObject part =
+        readJson(output("window-1_stat-pearsoncorrelation_relmat.json"))[QLatin1String("Part")]
+            .toObject();
+    EXPECT_EQ(part[QLatin1String("Intervals")].toArray(), (QJsonArray{QJsonArray{3, 22}}));
+    EXPECT_THAT(ran.errors.toStdString(),
+                HasSubstr("windows of 40 s are shorter than the slowest waves that are left, of "
+                          "50 s"));
+}
+
+TEST_F(ConnectomeCommand, IntervalsOnTheirOwnMeans)
+{
+    putBytes(path("events.tsv"), "onset\tduration\ttrial_type\n0\t24\twork\n40\t24\tWork\n"
+                                 "50\t10\twork\n");
+    ASSERT_EQ(
+        run({QStringLiteral("--events"), path("events.tsv"), QStringLiteral("--centre-intervals")})
+            .status,
+        0);
+    // The other one's name is the same to some disks.
+    EXPECT_TRUE(QFile::exists(output("cond-Work2_stat-pearsoncorrelation_relmat.tsv")));
+    const auto centred = [](const Eigen::VectorXd &series) {
+        Eigen::VectorXd both(17);
+        both << series.head(12).array() - series.head(12).mean(),
+            series.segment(25, 5).array() - series.segment(25, 5).mean();
+        return both;
+    };
+    EXPECT_NEAR(readTsv(output("cond-work_stat-pearsoncorrelation_relmat.tsv")).value(0, 3),
+                correlation(centred(region(0)), centred(region(2))), 1e-9);
+}
+
+TEST_F(ConnectomeCommand, ANodeWithoutAnyVoxelHasNoValuesWhateverCoverageIsEnough)
+{
+    writeImage("mask.nii.gz", {1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0});
+    const QStringList masked{QStringLiteral("--mask"), path("mask.nii.gz"),
+                             QStringLiteral("--min-coverage")};
+    const ProgramRun ran = run(masked + QStringList{QStringLiteral("0")});
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    EXPECT_EQ(readTsv(output("stat-pearsoncorrelation_relmat.tsv")).rows[3][1], QByteArray("n/a"));
+    writeImage("mask.nii.gz", {1, 1, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0});
+    const ProgramRun refused = run(masked + QStringList{QStringLiteral("1")});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors.toStdString(),
+                HasSubstr("coverage: found no node with enough voxels, expected a run that covers "
+                          "regions of the atlas"));
+}
+
+TEST_F(ConnectomeCommand, NodesOfOneNameAreSaid)
+{
+    putBytes(path("names.tsv"), "index\tname\n1\tA\n2\tA\n3\tB\n4\tC\n");
+    const ProgramRun ran = run();
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    EXPECT_THAT(ran.errors.toStdString(), HasSubstr("2 nodes are called A"));
 }
 
 TEST_F(ConnectomeCommand, SidecarsAreAsTheirSchemasSay)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Parts of a run and their matrices.
+#include "host/derivatives/bids_names.h"
 #include "host/extract/matrices.h"
-#include "host/extract/output_names.h"
 #include "tests/signals/error_text.h"
 #include "tests/signals/near.h"
 #include "tests/signals/noise.h"

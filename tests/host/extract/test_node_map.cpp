@@ -121,9 +121,26 @@ TEST_F(NodeMapping, AnotherGridIsTakenByNearestNeighbour)
     ASSERT_EQ(found.stretches.size(), 4U);
     EXPECT_EQ(found.nodes[0].voxels, 4);
     EXPECT_EQ(found.nodes[1].voxels, 4);
+    EXPECT_DOUBLE_EQ(found.nodes[0].wholeVoxels, 8); // of the same size
     EXPECT_THAT(joined(notes), HasSubstr("atlas.nii: the grid (2 x 1 x 1 voxels of 4 x 4 x 4 mm) "
                                          "is not that of the run (4 x 2 x 1 voxels of 2 x 2 x 2 "
                                          "mm): values are taken by nearest neighbour"));
+}
+
+TEST_F(NodeMapping, AsManyVoxelsInAnotherPlaceAreAnotherGrid)
+{
+    const std::vector<qint32> labels{0, 7, 7, 3, 3, 3, 0, 7};
+    const NodeMap near = map(image<qint32>({4, 2, 1}, spaced(2, 0.04, 0, 0), labels));
+    EXPECT_EQ(near.nodes[0].voxels, 3);
+    EXPECT_EQ(joined(notes), "");
+    // A voxel further to the right, so that the last column is lost.
+    const NodeMap found = map(image<qint32>({4, 2, 1}, spaced(2, 2, 0, 0), labels));
+    EXPECT_EQ(found.nodes[0].voxels, 2);
+    EXPECT_EQ(found.nodes[1].voxels, 2);
+    ASSERT_EQ(found.stretches.size(), 2U);
+    EXPECT_EQ(found.stretches[0].start, 2);
+    EXPECT_EQ(found.stretches[1].start, 5);
+    EXPECT_THAT(joined(notes), HasSubstr("by nearest neighbour"));
 }
 
 TEST_F(NodeMapping, ARegionThatTheRunCutsOffIsNotWhole)
@@ -137,10 +154,10 @@ TEST_F(NodeMapping, ARegionThatTheRunCutsOffIsNotWhole)
 
 TEST_F(NodeMapping, AtLeastTheVoxelsOfTheRunAreWhole)
 {
-    // One voxel of 3.9 mm, in which four of the run have their centres.
-    const NodeMap found = map(image<qint32>({1, 1, 1}, spaced(3.9, 1, 1, 0), {1}));
+    // One voxel of 2.9 mm, as large as three of the run, in which four of them have their centres.
+    const NodeMap found = map(image<qint32>({1, 1, 1}, spaced(2.9, 1, 1, 0), {1}));
     EXPECT_EQ(found.nodes[0].voxels, 4);
-    EXPECT_GE(found.nodes[0].wholeVoxels, 4);
+    EXPECT_EQ(found.nodes[0].wholeVoxels, 4);
 }
 
 TEST_F(NodeMapping, VoxelsOutsideTheMaskAreLost)

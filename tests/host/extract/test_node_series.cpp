@@ -59,10 +59,10 @@ protected:
                 samples.push_back(Sample(plainSample(v, t)));
         return samples;
     }
-    NodeSeries read(const ProgressWatch &watch = {})
+    NodeSeries read(const ProgressWatch &watch = {}, const NodeMap &map = smallMap())
     {
         notes.clear();
-        return readNodeSeries(path(), readRunHeader(path(), notes), smallMap(), watch, notes);
+        return readNodeSeries(path(), readRunHeader(path(), notes), map, watch, notes);
     }
     QString path() const { return m_folder.path("run.nii.gz"); }
 
@@ -152,6 +152,24 @@ TEST_F(RunOfSixVoxels, AVoxelThatIsNotFiniteFromTheStartIsLeftOutInOnePass)
     EXPECT_EQ(joined(notes), "");
 }
 
+TEST_F(RunOfSixVoxels, AVoxelInTheMiddleIsLeftOutAloneOfThoseThatFollowEachOther)
+{
+    NodeMap row;
+    row.nodes = {{1, QStringLiteral("one"), 6, 6}};
+    row.stretches = {{0, 6, 0}};
+    for (const int broken : {1, 2, 4}) {
+        auto samples = plainSamples<float>();
+        samples[std::size_t(broken)] = NAN;
+        write(samples);
+        const NodeSeries series = read({}, row);
+        EXPECT_EQ(series.used[0], 5);
+        for (int t = 0; t < volumes; ++t) {
+            const double all = 6 * mean({0, 1, 2, 3, 4, 5}, t);
+            EXPECT_NEAR(series.values(t, 0), (all - plainSample(broken, t)) / 5, 1e-9);
+        }
+    }
+}
+
 TEST_F(RunOfSixVoxels, AVoxelThatTurnsNonFiniteNeedsASecondPassWhichIsSaid)
 {
     std::vector<float> samples = plainSamples<float>();
@@ -188,6 +206,17 @@ TEST_F(RunOfSixVoxels, DataThatEndEarlyAreRefused)
     EXPECT_THAT(errorOf([&] { read(); }),
                 HasSubstr("samples: found 57 bytes, 4 complete volumes, expected 60 bytes, 5 "
                           "volumes"));
+}
+
+TEST_F(RunOfSixVoxels, DataBehindTheLastVolumeAreSaidAndAWholeVolumeIsRefused)
+{
+    write(plainSamples(), false, false);
+    const QByteArray whole = bytesOf(path());
+    putBytes(path(), whole + "abc");
+    expectMeans(read(), {0, 4}, {1, 2, 5});
+    EXPECT_THAT(joined(notes), HasSubstr("3 bytes behind the last volume are left out"));
+    putBytes(path(), whole + QByteArray(voxels * 2, '\0'));
+    EXPECT_THAT(errorOf([&] { read(); }), HasSubstr("found another volume behind the last one"));
 }
 
 TEST_F(RunOfSixVoxels, DamagedPackedDataAreRefused)

@@ -5,6 +5,7 @@
 #include "tests/host/support/notes.h"
 #include "tests/signals/error_text.h"
 
+#include <cmath>
 #include <gmock/gmock.h>
 
 namespace corvane
@@ -82,12 +83,37 @@ TEST_F(CleaningPlan, WithoutConfoundsNothingIsTakenOut)
     EXPECT_TRUE(ledgerJson(found.design.ledger)[QLatin1String("MeanFDBefore")].isNull());
 }
 
+TEST_F(CleaningPlan, AFilterByItselfNeedsNoCosinesOfTheTable)
+{
+    QByteArray text = "cosine00";
+    for (const char *name : {"trans_x", "trans_y", "trans_z", "rot_x", "rot_y", "rot_z"})
+        for (const char *ending : {"", "_derivative1", "_power2", "_derivative1_power2"})
+            text += QByteArray("\t") + name + ending;
+    for (int t = 0; t < 60; ++t) {
+        text += '\n' + QByteArray::number(std::cos(0.05 * (t + 0.5)));
+        for (int column = 1; column <= 24; ++column)
+            text += '\t' + QByteArray::number((t * (column + 3) + t * t * column) % 37);
+    }
+    write(text + '\n');
+    request.strategy = {};
+    request.strategy.strategy = "24P";
+    EXPECT_EQ(planCleaning(request, 60, 2, notes).selection.regressors.names.size(), 25U);
+    request.settings.order = signals::Order::butterworth;
+    request.settings.high_pass = 0.01;
+    EXPECT_EQ(planCleaning(request, 60, 2, notes).selection.regressors.names.size(), 24U);
+}
+
 TEST_F(CleaningPlan, ErrorsOfTheTableNameItsFile)
 {
     const std::string file = request.confounds.toStdString() + ": ";
     write(motionTable(29));
     EXPECT_EQ(error_text<signals::Error>([&] { plan(); }),
-              file + "the table has 29 rows: expected 30, one for each volume of the run");
+              file + "column framewise_displacement ends before row 29 (from 0): the table has 29 "
+                     "rows: expected 30, "
+                     "one for each volume of the run");
+    write(motionTable(31));
+    EXPECT_EQ(error_text<signals::Error>([&] { plan(); }),
+              file + "the table has 31 rows: expected 30, one for each volume of the run");
     write(motionTable());
     request.strategy.strategy = "simple";
     EXPECT_THAT(error_text<signals::Error>([&] { plan(); }),

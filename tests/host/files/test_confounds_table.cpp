@@ -54,6 +54,16 @@ TEST_F(ConfoundsFile, ColumnsAreThoseOfTheFirstLine)
     EXPECT_EQ(joined(m_notes), "");
 }
 
+TEST_F(ConfoundsFile, QuotationMarksAndCommentsAreNoPartOfIt)
+{
+    const signals::ConfoundsTable table =
+        read("a.tsv", "# made by hand\n\"csf\"\t\"trans_x\"\n\"1.5\"\t2\n");
+    EXPECT_THAT(table.names, ElementsAre("csf", "trans_x"));
+    EXPECT_EQ(table.values(0, 0), 1.5);
+    EXPECT_THAT(joined(m_notes),
+                testing::HasSubstr("1 comment line above the names of the columns skipped"));
+}
+
 TEST_F(ConfoundsFile, TheJsonBesideItTellsOfComponents)
 {
     putBytes(m_folder.path("sub-01_desc-confounds_timeseries.json"), R"json({
@@ -74,6 +84,7 @@ TEST_F(ConfoundsFile, TheJsonBesideItTellsOfComponents)
     EXPECT_EQ(found[2].name, "dropped_3");
     EXPECT_FALSE(found[2].retained);
     EXPECT_EQ(found[3].mask, "");
+    EXPECT_TRUE(found[3].retained) << "older files do not say";
 }
 
 TEST_F(ConfoundsFile, NumbersWithoutNamesAreMotionParameters)
@@ -84,6 +95,13 @@ TEST_F(ConfoundsFile, NumbersWithoutNamesAreMotionParameters)
     ASSERT_EQ(table.values.rows(), 2);
     EXPECT_EQ(table.values(0, 1), -2e-4);
     EXPECT_EQ(table.values(1, 5), 3.5);
+}
+
+TEST_F(ConfoundsFile, AFirstLineWithAnyOtherWordHoldsNames)
+{
+    const signals::ConfoundsTable table = read("a.tsv", "1\tcsf\n2\t3\n");
+    EXPECT_THAT(table.names, ElementsAre("1", "csf"));
+    EXPECT_EQ(table.values.rows(), 1);
 }
 
 TEST_F(ConfoundsFile, OneColumnOfNumbersIsATableToo)
@@ -106,9 +124,11 @@ TEST_F(ConfoundsFile, WhatIsNoNumberIsRefusedWithItsPlace)
 TEST_F(ConfoundsFile, RowsOfUnequalLengthAreRefused)
 {
     EXPECT_EQ(refusal("a.tsv", "csf\ttrans_x\n1\n"),
-              "line 2: found 1 cells, expected 2, one for each column, with tabs between them");
+              "line 2: found 1 cell, expected 2, one for each column, with tabs between them");
     EXPECT_EQ(refusal("a.par", "0 0 0\n0 0\n"),
               "line 2: found 2 numbers, expected 3, as in the first line");
+    EXPECT_EQ(refusal("a.par", "0 0 0\n0 0 0 0\n"),
+              "line 2: found 4 numbers, expected 3, as in the first line");
 }
 
 TEST_F(ConfoundsFile, AnEmptyFileIsRefused)
@@ -138,6 +158,8 @@ TEST_F(ConfoundsFile, VolumesToLeaveOut)
     const std::string name = path.toStdString();
     EXPECT_EQ(errorOf([&] { readCensorFile(path, 4); }),
               name + ": content: found 3 lines, expected 4, one for each volume of the run");
+    EXPECT_EQ(errorOf([&] { readCensorFile(path, 2); }),
+              name + ": content: found 3 lines, expected 2, one for each volume of the run");
     putBytes(path, "0\n2\n0\n");
     EXPECT_EQ(errorOf([&] { readCensorFile(path, 3); }),
               name + R"(: line 2: found "2", expected 0 for a volume that stays or 1 for one )"

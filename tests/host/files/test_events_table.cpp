@@ -318,7 +318,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "first line: found the columns \"onset, trial_type\", expected a column "
                 "\"duration\""},
         BadFile{"CellMissing", "onset\tduration\n0\t1\n2\n",
-                "line 3: found 1 cells, expected 2, one for each column, with tabs between them"},
+                "line 3: found 1 cell, expected 2, one for each column, with tabs between them"},
         BadFile{"NoNumber", "onset\tduration\n0\t1,5\n",
                 "line 2, duration: found \"1,5\", expected seconds or \"n/a\""},
         BadFile{"EmptyCell", "onset\tduration\n\t1\n",

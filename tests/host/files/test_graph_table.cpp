@@ -183,7 +183,7 @@ INSTANTIATE_TEST_SUITE_P(
             "row 1, column 1: found \"0;0\", expected a number of single precision, and commas or "
             "tabs between numbers"},
         Bad{"blanks_in_one_line_alone", "0 1 2\n1,0,2\n2,1,0\n",
-            "row 1, column 2: found 1 cells in this row, expected 3 as in row 3"},
+            "row 1, column 2: found 1 cell in this row, expected 3 as in row 3"},
         Bad{"blanks_between_commas", "0,1 2\n1,0\n",
             "row 1, column 2: found \"1 2\", expected a number of single precision, and commas or "
             "tabs between numbers"},

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "host/extract/output_names.h"
+#include "host/derivatives/bids_names.h"
 
 #include "host/files/file_kind.h"
 
-#include <QStringList>
+#include <QFileInfo>
 #include <algorithm>
 
 namespace corvane
@@ -12,14 +12,28 @@ namespace corvane
 namespace
 {
 
-/// The parts "key-label" of a name, in its order.
-QStringList entitiesOf(const QString &path)
+/// The parts "key-label" of a name without its ending, in its order.
+QStringList entitiesIn(const QString &name)
 {
     QStringList entities;
-    for (const QString &part : nameWithoutEnding(path).split(QLatin1Char('_')))
+    for (const QString &part : name.split(QLatin1Char('_')))
         if (part.indexOf(QLatin1Char('-')) > 0)
             entities += part;
     return entities;
+}
+
+QStringList entitiesOf(const QString &path)
+{
+    return entitiesIn(nameWithoutEnding(path));
+}
+
+QString labelIn(const QStringList &entities, const QString &entity)
+{
+    const QString start = entity + QLatin1Char('-');
+    for (const QString &part : entities)
+        if (part.startsWith(start))
+            return part.mid(start.size());
+    return {};
 }
 
 bool isAscii(QChar c)
@@ -28,6 +42,25 @@ bool isAscii(QChar c)
 }
 
 } // namespace
+
+QString BidsName::label(const QString &entity) const
+{
+    return labelIn(entities, entity);
+}
+
+BidsName bidsName(const QString &path)
+{
+    BidsName name;
+    name.file = QFileInfo(path).fileName();
+    const int dot = name.file.indexOf(QLatin1Char('.'));
+    const QString stem = dot < 0 ? name.file : name.file.left(dot);
+    name.ending = dot < 0 ? QString() : name.file.mid(dot);
+    name.entities = entitiesIn(stem);
+    const QString last = stem.section(QLatin1Char('_'), -1);
+    if (!name.entities.endsWith(last))
+        name.suffix = last;
+    return name;
+}
 
 QString bidsLabel(const QString &text)
 {
@@ -40,11 +73,7 @@ QString bidsLabel(const QString &text)
 
 QString entityOf(const QString &path, const QString &entity)
 {
-    const QString start = entity + QLatin1Char('-');
-    for (const QString &part : entitiesOf(path))
-        if (part.startsWith(start))
-            return part.mid(start.size());
-    return {};
+    return labelIn(entitiesOf(path), entity);
 }
 
 QString runPrefix(const QString &path)
