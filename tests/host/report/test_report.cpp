@@ -253,10 +253,14 @@ TEST_F(RunPage, HasARowForEachNodeInTheOrderOfNetworks)
               (QStringList{QStringLiteral("2"), QStringLiteral("</td><script>alert(1)</script>"),
                            QStringLiteral("Limbic")}));
     const NodeMeasures measures = nodeMeasures(connectome());
-    ASSERT_EQ(rows[8].size(), 6 + measures.columns.size());
-    for (int column = 0; column < measures.columns.size(); ++column)
+    ASSERT_EQ(measures.perNode, 6);
+    ASSERT_EQ(rows[8].size(), 6 + measures.perNode);
+    for (int column = 0; column < measures.perNode; ++column)
         EXPECT_NEAR(rows[8][6 + column].toDouble(), measures.values(1, column),
                     1e-3 * std::abs(measures.values(1, column)));
+    EXPECT_TRUE(contents().text.contains(
+        QStringLiteral("Of the whole network: global efficiency ") +
+        QString::number(measures.values(1, 6), 'g', 4) + QLatin1Char('.')));
     // The mask takes the last node.
     EXPECT_EQ(rows[15].mid(4, 3),
               (QStringList{QStringLiteral("0"), QStringLiteral("0 %"), QStringLiteral("n/a")}));
