@@ -217,6 +217,7 @@ void addCohortOptions(QCommandLineParser &parser)
          QStringLiteral("Further options for sbatch, in one word: \"--partition=long --time=60\"."),
          QStringLiteral("options")},
         {QStringLiteral("wait"), QStringLiteral("With --slurm: until the jobs are over.")},
+        {QStringLiteral("no-pages"), QStringLiteral("Without pages of HTML.")},
         {QStringLiteral("keep-failed"),
          QStringLiteral("Rows that failed before are not tried again.")},
         {QStringLiteral("no-collect"),
@@ -275,6 +276,7 @@ StudySettings studySettings(const QCommandLineParser &parser, const QString &dat
     settings.out = QDir::cleanPath(out);
     settings.request = requestOf(parser);
     settings.conditions = parser.isSet(QStringLiteral("events"));
+    settings.pages = !parser.isSet(QStringLiteral("no-pages"));
     settings.options = optionsOf(parser);
     settings.atlases = atlasesOf(parser);
     return settings;

@@ -12,6 +12,7 @@
 #include "host/study/row_state.h"
 #include "host/study/study_folder.h"
 #include "host/study/verify.h"
+#include "host/workbench/application.h"
 
 #include <QDir>
 #include <QProcess>
@@ -267,6 +268,18 @@ int run(const QStringList &given)
                          .arg(quoted(words.last())));
 }
 
+/// Pages have pictures, which need fonts.
+std::unique_ptr<QCoreApplication> makeCohortApplication(const QStringList &arguments, int &argc,
+                                                        char **argv)
+{
+    const QStringList plain = withPlainOptions(arguments);
+    const auto has = [&](const char *word) { return plain.contains(QLatin1String(word)); };
+    if (has("--no-pages") || !(has("participant") || has("--collect") || has("verify")))
+        return makePlainApplication(arguments, argc, argv);
+    argc = 1; // the arguments are those of a command, none is Qt's
+    return makePictureApplication(argc, argv, false);
+}
+
 } // namespace
 
 Command cohortCommand()
@@ -284,11 +297,11 @@ Command cohortCommand()
                   [--window S --step S [--taper NAME]]
                   [--events [--delay S] [--per-interval] [--centre-intervals]]
                   [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
-                  [--wait]] [--keep-failed] [--no-collect]
+                  [--wait]] [--no-pages] [--keep-failed] [--no-collect]
   Corvane cohort BIDS_DIR OUT group
   Corvane cohort OUT status [--collect]
   Corvane cohort OUT verify [--sample N|--all|--inputs])",
-            "Makes matrices of all runs in a folder of subjects.", run};
+            "Makes matrices of all runs in a folder of subjects.", run, makeCohortApplication};
 }
 
 } // namespace corvane
