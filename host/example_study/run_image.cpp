@@ -24,7 +24,7 @@ using Eigen::VectorXf;
 /// Standard deviation of a node's series, in units of the image.
 constexpr float amplitude = 2;
 /// That of the scanner's noise, in one voxel.
-constexpr float noiseAmplitude = 1.5F;
+constexpr float noiseAmplitude = 1.2F;
 /// Brightness of the first volumes, before the magnetisation is steady.
 constexpr float beginnings[unsteadyVolumes] = {1.12F, 1.04F};
 /// mm by which a rad turns the border of the head.

@@ -30,8 +30,8 @@ Eigen::MatrixXd motionOf(const Run &run)
     for (int parameter = 0; parameter < 6; ++parameter) {
         Draws draws(Draw::Motion, run.owner(), std::uint32_t(parameter));
         motion.col(parameter) =
-            run.of.restlessness * (0.09 * draws.persistentSeries(volumeCount, 0.985) +
-                                   0.008 * draws.persistentSeries(volumeCount, 0));
+            run.of.restlessness * (0.12 * draws.persistentSeries(volumeCount, 0.985) +
+                                   0.012 * draws.persistentSeries(volumeCount, 0));
     }
     Draws draws(Draw::Jerks, run.owner());
     const int jerks = jerkCount(run, draws);
