@@ -114,6 +114,11 @@ QByteArray nodeName(int node)
     return QByteArray(regionOf(node).name) + (isRight(node) ? " R" : " L");
 }
 
+double brainRadiusAt(double x, double y, double z)
+{
+    return example::squaredRadius(x, y, z, {0, -18, 14}, {68, 86, 66});
+}
+
 quint8 nodeLabelAt(double x, double y, double z)
 {
     int label = 0;
@@ -128,8 +133,7 @@ quint8 nodeLabelAt(double x, double y, double z)
             label = node + 1;
         }
     }
-    const bool isInside = example::tissueAt(x, y, z) >= example::Fluid;
-    return static_cast<quint8>(isInside ? label : 0);
+    return static_cast<quint8>(brainRadiusAt(x, y, z) <= 1 ? label : 0);
 }
 
 std::vector<PlantedEdge> plantedEdges()

@@ -52,7 +52,10 @@ QByteArray nodeName(int node);
 /// The grid of all images of the study.
 constexpr example::Grid studyGrid{{18, 23, 18}, 8, {-68, -106, -54}};
 
-/// The label at a place: the number of its node from 1 on, 0 outside all of them.
+/// The distance of a place from the centre of the brain, squared; 1 on its surface.
+double brainRadiusAt(double x, double y, double z);
+
+/// The label at a place: the number of its node from 1 on, 0 outside all of them and of the brain.
 quint8 nodeLabelAt(double x, double y, double z);
 
 /// A pair of nodes whose correlation differs between the groups.

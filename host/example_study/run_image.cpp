@@ -146,11 +146,11 @@ Brain makeBrain()
     std::vector<Place> places;
     int place = 0;
     forEachVoxel(studyGrid, [&](double x, double y, double z) {
-        const int label = nodeLabelAt(x, y, z);
-        const Tissue tissue = label > 0 ? Grey : tissueAt(x, y, z);
-        if (tissue >= Fluid) {
-            brain.voxels.push_back({place, tissue, label - 1,
-                                    squaredRadius(x, y, z, {0, -18, 14}, {68, 86, 66})});
+        const double radius = brainRadiusAt(x, y, z);
+        if (radius <= 1) {
+            const int label = nodeLabelAt(x, y, z);
+            const Tissue tissue = label > 0 ? Grey : tissueAt(x, y, z);
+            brain.voxels.push_back({place, tissue, label - 1, radius});
             places.push_back({x, y, z});
         }
         ++place;
