@@ -3,7 +3,9 @@
 
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
+#include "host/files/input_error.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace corvane
@@ -94,12 +96,21 @@ void requireStrategy(const QCommandLineParser &parser)
 void addCleaningOptions(QCommandLineParser &parser)
 {
     const auto file = QStringLiteral("file");
-    const auto number = QStringLiteral("N");
     parser.addOptions({
         {QStringLiteral("confounds"),
          QStringLiteral("What a pipeline tells of each volume: a TSV table with names of columns, "
                         "or motion parameters without."),
          file},
+        {QStringLiteral("censor"),
+         QStringLiteral("More volumes to leave out: a line for each volume, 0 or 1."), file},
+    });
+    parser.addOptions(cleaningSettingOptions());
+}
+
+QList<QCommandLineOption> cleaningSettingOptions()
+{
+    const auto number = QStringLiteral("N");
+    return {
         {QStringLiteral("clean"),
          QStringLiteral("What is taken out of the series: a strategy, of which --clean help tells "
                         "the list."),
@@ -122,8 +133,6 @@ void addCleaningOptions(QCommandLineParser &parser)
          QStringLiteral("X")},
         {QStringLiteral("min-segment"),
          QStringLiteral("Fewer volumes than this between two that are left out go too."), number},
-        {QStringLiteral("censor"),
-         QStringLiteral("More volumes to leave out: a line for each volume, 0 or 1."), file},
         {QStringLiteral("dummy-scans"),
          QStringLiteral("How many volumes at the start are not steady; auto: those that the table "
                         "names."),
@@ -139,7 +148,25 @@ void addCleaningOptions(QCommandLineParser &parser)
         {QStringLiteral("min-seconds"),
          QStringLiteral("A run of which less time is kept is refused."), QStringLiteral("seconds"),
          QStringLiteral("0")},
-    });
+    };
+}
+
+void requireStrategyName(const QCommandLineParser &parser)
+{
+    const QString option = QStringLiteral("clean");
+    const QString name = parser.value(option);
+    const std::vector<signals::Strategy> &all = signals::strategies();
+    const bool isKnown =
+        name.startsWith(QLatin1String("columns:")) ||
+        std::any_of(all.begin(), all.end(), [&](const signals::Strategy &strategy) {
+            return strategy.name == name.toStdString() && strategy.name != "columns:";
+        });
+    if (!parser.isSet(option))
+        throw UsageError(
+            QStringLiteral("--clean is missing; expected one of: %1").arg(strategyNames()));
+    if (!isKnown)
+        throw UsageError(QStringLiteral("--clean: found %1, expected one of: %2")
+                             .arg(quoted(name), strategyNames()));
 }
 
 bool toldStrategies(const QCommandLineParser &parser)
@@ -168,9 +195,16 @@ void requireClean(const QCommandLineParser &parser)
 CleaningRequest cleaningRequest(const QCommandLineParser &parser)
 {
     requireStrategy(parser);
-    CleaningRequest request;
+    CleaningRequest request = cleaningSettings(parser);
     request.confounds = parser.value(QStringLiteral("confounds"));
     request.censor = parser.value(QStringLiteral("censor"));
+    requireConfounds(request);
+    return request;
+}
+
+CleaningRequest cleaningSettings(const QCommandLineParser &parser)
+{
+    CleaningRequest request;
     request.strategy = strategyRequest(parser);
     request.settings.order = chosenValue(parser, QStringLiteral("order"), orderNames);
     request.settings.high_pass = numberValue(parser, "high-pass", 0);
@@ -180,7 +214,6 @@ CleaningRequest cleaningRequest(const QCommandLineParser &parser)
         chosenValue(parser, QStringLiteral("standardize"), standardizeNames);
     request.limits.volumes = *wholeOption(parser, "min-volumes", 0);
     request.limits.seconds = *numberValue(parser, "min-seconds", 0);
-    requireConfounds(request);
     return request;
 }
 

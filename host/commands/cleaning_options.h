@@ -14,6 +14,12 @@ namespace corvane
 /// Adds --clean, --confounds and all that goes with them.
 void addCleaningOptions(QCommandLineParser &parser);
 
+/// Of these, those that name no file of a run.
+QList<QCommandLineOption> cleaningSettingOptions();
+
+/// Throws UsageError unless --clean names a strategy.
+void requireStrategyName(const QCommandLineParser &parser);
+
 /// Whether --clean asks for the table of strategies; then it has been written to standard output.
 bool toldStrategies(const QCommandLineParser &parser);
 
@@ -23,5 +29,8 @@ void requireClean(const QCommandLineParser &parser);
 /// What they ask for; without --clean nothing is cleaned. Throws UsageError, also for an option
 /// that has nothing to work on.
 CleaningRequest cleaningRequest(const QCommandLineParser &parser);
+
+/// Likewise by cleaningSettingOptions alone: without files.
+CleaningRequest cleaningSettings(const QCommandLineParser &parser);
 
 } // namespace corvane

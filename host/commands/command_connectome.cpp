@@ -4,11 +4,9 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
-#include "host/commands/option_values.h"
-#include "host/derivatives/bids_names.h"
+#include "host/commands/connectome_options.h"
 #include "host/extract/connectome_files.h"
 #include "host/extract/connectome_pictures.h"
-#include "host/files/input_error.h"
 #include "host/files/output_file.h"
 #include "host/files/progress.h"
 #include "host/report/run_page.h"
@@ -22,112 +20,15 @@ namespace corvane
 namespace
 {
 
-QStringList relationshipNames()
-{
-    QStringList names;
-    for (const RelationshipFacts &facts : relationshipFacts)
-        names += QLatin1String(facts.option);
-    return names;
-}
-
-/// The measures of a list with commas, each once.
-std::vector<Relationship> relationships(const QString &text)
-{
-    std::vector<Relationship> chosen;
-    for (const QString &name : text.split(QLatin1Char(','))) {
-        const auto found = std::find_if(
-            std::begin(relationshipFacts), std::end(relationshipFacts),
-            [&](const RelationshipFacts &facts) { return name == QLatin1String(facts.option); });
-        if (found == std::end(relationshipFacts))
-            throw UsageError(
-                QStringLiteral("--measure: found %1, expected one or more of: %2")
-                    .arg(quoted(name), relationshipNames().join(QStringLiteral(", "))));
-        if (std::find(chosen.begin(), chosen.end(), found->relationship) == chosen.end())
-            chosen.push_back(found->relationship);
-    }
-    return chosen;
-}
-
-bool wantsShrinkage(const QCommandLineParser &parser,
-                    const std::vector<Relationship> &relationships)
-{
-    const QString option = QStringLiteral("shrinkage");
-    if (!parser.isSet(option))
-        return false;
-    if (parser.value(option) != QLatin1String("ledoit-wolf"))
-        throw UsageError(QStringLiteral("--shrinkage: found %1, expected ledoit-wolf")
-                             .arg(quoted(parser.value(option))));
-    if (std::none_of(relationships.begin(), relationships.end(), [](Relationship relationship) {
-            return factsOf(relationship).takesShrinkage;
-        }))
-        throw UsageError(QStringLiteral("--shrinkage is for partial, partial-tessera and "
-                                        "covariance, none of which is asked for"));
-    return true;
-}
-
-void requireTogether(const QCommandLineParser &parser, const char *option, const char *needed)
-{
-    if (parser.isSet(QLatin1String(option)) && !parser.isSet(QLatin1String(needed)))
-        throw UsageError(QStringLiteral("--%1 goes with --%2, which is missing")
-                             .arg(QLatin1String(option), QLatin1String(needed)));
-}
-
-/// A window's weights make no ranks and no shrinkage, and the plugin's measure takes none.
-void requireUntapered(const PartsRequest &parts, const ConnectomeRequest &request)
-{
-    if (parts.taper == signals::Taper::none)
-        return;
-    for (const Relationship relationship : request.relationships)
-        if (relationship == Relationship::Spearman ||
-            relationship == Relationship::PartialTessera || request.shrink)
-            throw UsageError(QStringLiteral("--taper goes with pearson, fisherz, partial and "
-                                            "covariance, and without --shrinkage"));
-}
-
-PartsRequest partsRequest(const QCommandLineParser &parser)
-{
-    requireTogether(parser, "step", "window");
-    requireTogether(parser, "window", "step");
-    requireTogether(parser, "taper", "window");
-    for (const char *option : {"delay", "per-interval", "centre-intervals"})
-        requireTogether(parser, option, "events");
-    PartsRequest parts;
-    parts.window = numberValue(parser, "window", 0);
-    parts.step = numberValue(parser, "step", 0).value_or(0);
-    parts.taper = chosenValue(parser, QStringLiteral("taper"), taperNames);
-    parts.delay = *numberValue(parser, "delay", 0);
-    parts.perInterval = parser.isSet(QStringLiteral("per-interval"));
-    parts.centreIntervals = parser.isSet(QStringLiteral("centre-intervals"));
-    return parts;
-}
-
-std::optional<double> repetitionTime(const QCommandLineParser &parser)
-{
-    const std::optional<double> seconds = numberValue(parser, "tr", 0);
-    if (seconds && *seconds <= 0)
-        throw UsageError(QStringLiteral("--tr: found %1, expected seconds above 0")
-                             .arg(quoted(parser.value(QStringLiteral("tr")))));
-    return seconds;
-}
-
 ConnectomeRequest requestOf(const QCommandLineParser &parser)
 {
-    ConnectomeRequest request;
+    ConnectomeRequest request = connectomeSettings(parser);
     request.run = requiredValue(parser, QStringLiteral("bold"));
     request.atlas = requiredValue(parser, QStringLiteral("atlas"));
     request.labels = parser.value(QStringLiteral("labels"));
     request.mask = parser.value(QStringLiteral("mask"));
     request.events = parser.value(QStringLiteral("events"));
-    request.repetitionTime = repetitionTime(parser);
-    request.minCoverage = *numberValue(parser, "min-coverage", 0);
-    if (request.minCoverage > 1)
-        throw UsageError(
-            QStringLiteral("--min-coverage: found %1, expected 0 to 1").arg(request.minCoverage));
     request.cleaning = cleaningRequest(parser);
-    request.relationships = relationships(parser.value(QStringLiteral("measure")));
-    request.shrink = wantsShrinkage(parser, request.relationships);
-    request.parts = partsRequest(parser);
-    requireUntapered(request.parts, request);
     return request;
 }
 
@@ -137,9 +38,7 @@ ConnectomeNames namesFor(const QCommandLineParser &parser, const ConnectomeReque
     const QString option = QStringLiteral("atlas-name");
     if (parser.isSet(option)) {
         names.atlas = parser.value(option);
-        if (names.atlas.isEmpty() || bidsLabel(names.atlas) != names.atlas)
-            throw UsageError(QStringLiteral("--atlas-name: found %1, expected letters and digits")
-                                 .arg(quoted(names.atlas)));
+        requireAtlasName(names.atlas);
     }
     names.datasetRoot = parser.value(QStringLiteral("dataset-root"));
     return names;
@@ -149,7 +48,6 @@ void addOptions(QCommandLineParser &parser)
 {
     const auto file = QStringLiteral("file");
     const auto folder = QStringLiteral("folder");
-    const auto seconds = QStringLiteral("seconds");
     parser.addOptions({
         {QStringLiteral("bold"),
          QStringLiteral("The run: 4-D NIfTI, also packed, as a pipeline registered it."), file},
@@ -161,35 +59,13 @@ void addOptions(QCommandLineParser &parser)
          file},
         {QStringLiteral("mask"), QStringLiteral("Voxels where this image is 0 do not count."),
          file},
-        {QStringLiteral("min-coverage"),
-         QStringLiteral("Nodes with a smaller share of their voxels have no values."),
-         QStringLiteral("share"), QStringLiteral("0.5")},
-        {QStringLiteral("tr"),
-         QStringLiteral("The repetition time, instead of the one in the header."), seconds},
-        {QStringLiteral("measure"),
-         QStringLiteral("One or more, with commas: %1.")
-             .arg(relationshipNames().join(QStringLiteral(", "))),
-         QStringLiteral("names"), QStringLiteral("pearson")},
-        {QStringLiteral("shrinkage"),
-         QStringLiteral("Shrinks the covariance of partial, partial-tessera and covariance: "
-                        "ledoit-wolf."),
-         QStringLiteral("name")},
-        {QStringLiteral("window"), QStringLiteral("Also a matrix for each window of this length."),
-         seconds},
-        {QStringLiteral("step"), QStringLiteral("From window to window."), seconds},
-        {QStringLiteral("taper"),
-         QStringLiteral("How volumes of a window weigh: none, hann or gauss."),
-         QStringLiteral("name"), QStringLiteral("none")},
+    });
+    parser.addOptions(connectomeSettingOptions());
+    parser.addOptions({
         {QStringLiteral("events"),
          QStringLiteral("Also a matrix for each condition of this TSV table with onset, duration "
                         "and trial_type."),
          file},
-        {QStringLiteral("delay"), QStringLiteral("Conditions begin and end later by this."),
-         seconds, QStringLiteral("0")},
-        {QStringLiteral("per-interval"),
-         QStringLiteral("Also a matrix for each interval of a condition.")},
-        {QStringLiteral("centre-intervals"),
-         QStringLiteral("Each interval on its own mean, instead of one for the condition.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: matrix and ring of each matrix of the whole run.")},
         {QStringLiteral("page"),
@@ -258,8 +134,8 @@ Command connectomeCommand()
 {
     return {"connectome",
             R"(Corvane connectome --bold F --atlas F [--labels F] [--mask F] [--min-coverage X]
-                  [--tr SECONDS] [--confounds F] [--clean NAME|help] [--order NAME]
-                  [--high-pass HZ] [--low-pass HZ] [--no-detrend] [--standardize UNIT]
+                  [--tr SECONDS] [--dvars-scale N] [--confounds F] [--clean NAME|help]
+                  [--order NAME] [--high-pass HZ] [--low-pass HZ] [--no-detrend] [--standardize UNIT]
                   [--fd-threshold MM] [--dvars-threshold X] [--min-segment N] [--censor F]
                   [--dummy-scans N|auto] [--components N] [--motion-order PACKAGE]
                   [--min-volumes N] [--min-seconds S] [--measure NAME,NAME]

@@ -14,7 +14,7 @@ const std::vector<Command> &commands()
 #endif
         computeCommand(),    graphCommand(),  groupCommand(),
 #ifdef CORVANE_IMPORT
-        connectomeCommand(), tourCommand(),
+        connectomeCommand(), cohortCommand(), tourCommand(),
 #endif
     };
     return all;

@@ -9,6 +9,7 @@ namespace corvane
 
 struct Command;
 
+Command cohortCommand();
 Command computeCommand();
 Command connectomeCommand();
 Command exampleCommand();

@@ -25,6 +25,8 @@ NodeMeasures nodeMeasures(const Connectome &connectome)
                                               std::numeric_limits<double>::quiet_NaN());
     for (std::size_t m = 0; m < measures.size(); ++m) {
         result.columns += measures[m].column;
+        result.names += QString::fromUtf8(measures[m].name);
+        result.perNode += measures[m].perNode != nullptr ? 1 : 0;
         result.values(nodes, Index(m)) = columnOf(measures[m], weights).cast<double>();
     }
     return result;

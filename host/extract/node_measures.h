@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QStringList>
 
 namespace corvane
 {
@@ -12,7 +13,9 @@ namespace corvane
 /// Graph measures of each node.
 struct NodeMeasures {
     QList<QByteArray> columns; ///< as tables name them
+    QStringList names;         ///< of the columns, for people
     Eigen::MatrixXd values;    ///< nodes x columns; NaN for a node without values
+    int perNode = 0;           ///< so many columns differ from node to node, the others do not
 };
 
 /// The measures of the network of Pearson correlations of the whole run without their signs, of the

@@ -55,6 +55,13 @@ HiddenPath::HiddenPath(const QString &folder, QStringList madeFolders)
     registry().paths.insert(this);
 }
 
+HiddenPath::HiddenPath(const Named &place)
+    : m_folder(place.folder), m_path(place.folder + QLatin1Char('/') + place.name)
+{
+    const auto lock = holdSignals();
+    registry().paths.insert(this);
+}
+
 HiddenPath::~HiddenPath()
 {
     const auto lock = holdSignals();

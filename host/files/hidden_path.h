@@ -19,6 +19,11 @@ public:
     /// A name in a folder that no other process has. `madeFolders` were made for it: they go, too,
     /// the first one first, if there is nothing else in them.
     explicit HiddenPath(const QString &folder, QStringList madeFolders = {});
+    /// A name of its own that this process alone may use, such as that of a lock.
+    struct Named {
+        QString folder, name;
+    };
+    explicit HiddenPath(const Named &place);
     ~HiddenPath();
     HiddenPath(const HiddenPath &) = delete;
     HiddenPath &operator=(const HiddenPath &) = delete;

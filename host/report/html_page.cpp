@@ -13,12 +13,12 @@ constexpr auto pageStyle = R"(
 * { box-sizing: border-box; }
 body { margin: 0; background: #fff; color: #1c1e21; line-height: 1.5;
   font-family: Liberation Sans, Arial, Helvetica, sans-serif; font-size: 16px; }
-main { max-width: 1120px; margin: 0 auto; padding: 24px 20px 64px; }
+main { max-width: 1200px; margin: 0 auto; padding: 24px 20px 64px; }
 h1 { font-size: 1.7rem; line-height: 1.25; margin: 0 0 4px; overflow-wrap: anywhere; }
 h2 { font-size: 1.25rem; margin: 44px 0 10px; padding-bottom: 5px; border-bottom: 2px solid #e3e6ea; }
 h3 { font-size: 1.02rem; margin: 24px 0 6px; }
 p { margin: 8px 0; max-width: 78ch; }
-p, li, td, summary, figcaption { overflow-wrap: anywhere; }
+p, li, summary, figcaption { overflow-wrap: anywhere; }
 a { color: #0a559c; }
 .lead { font-size: 1.05rem; color: #4a5058; }
 nav { margin: 14px 0 0; font-size: 0.95rem; }
@@ -31,12 +31,12 @@ nav a { display: inline-block; margin-right: 16px; padding: 2px 0; }
 .notes { background: #fff7e8; border-left: 4px solid #d98a00; padding: 8px 14px 8px 34px; margin: 16px 0; }
 .scroll { overflow-x: auto; }
 table { border-collapse: collapse; margin: 8px 0; font-size: 0.93rem; }
-th, td { text-align: left; vertical-align: top; padding: 5px 14px 5px 6px; border-bottom: 1px solid #e3e6ea; }
-th { border-bottom: 2px solid #b9c0c8; white-space: nowrap; }
-td { min-width: 3.5em; }
-.number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap; }
-.name { white-space: nowrap; overflow-wrap: normal; }
-.wide { min-width: 16em; }
+th, td { text-align: left; vertical-align: top; padding: 5px 12px 5px 4px; border-bottom: 1px solid #e3e6ea; }
+th { border-bottom: 2px solid #b9c0c8; vertical-align: bottom; }
+td.number { white-space: nowrap; }
+.number { text-align: right; font-variant-numeric: tabular-nums; }
+.name { white-space: nowrap; }
+.wide { min-width: 16em; overflow-wrap: anywhere; }
 .done, .excluded, .missing, .failed { font-weight: 600; white-space: nowrap; }
 .done { color: #1a6b34; }
 .excluded { color: #8a5300; }
@@ -55,10 +55,11 @@ footer { margin-top: 56px; color: #70767e; font-size: 0.9rem; border-top: 1px so
 @media (max-width: 700px) {
   main { padding: 16px 12px 48px; }
   th, td { padding: 5px 8px 5px 2px; }
-  .name { white-space: normal; }
+  .name { white-space: normal; overflow-wrap: anywhere; min-width: 10em; }
   .wide { min-width: 9em; }
   figure img { max-width: none; width: 700px; }
   .pair figure img { width: 500px; }
+  .fit figure img { width: auto; max-width: 100%; }
 }
 @media print { main { max-width: none; } figure, tr { break-inside: avoid; } nav { display: none; } }
 )";
@@ -186,14 +187,14 @@ void HtmlPage::picture(const QByteArray &png, const QSize &size, const QString &
     close();
 }
 
-void HtmlPage::openTable(const QStringList &columns)
+void HtmlPage::openTable(const QStringList &columns, int numbersFrom)
 {
     open("div", "scroll");
     open("table");
     open("thead");
     open("tr");
-    for (const QString &column : columns)
-        element("th", column);
+    for (int column = 0; column < columns.size(); ++column)
+        element("th", columns[column], column >= numbersFrom ? "number" : nullptr);
     close();
     close();
     open("tbody");

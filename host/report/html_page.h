@@ -49,8 +49,9 @@ public:
     void picture(const QByteArray &png, const QSize &size, const QString &alternative,
                  const QString &caption);
 
-    /// A table that scrolls by itself where the page is narrow.
-    void openTable(const QStringList &columns);
+    /// A table that scrolls by itself where the page is narrow. The headings of columns of numbers
+    /// stand at their right.
+    void openTable(const QStringList &columns, int numbersFrom = 1000);
     void row(const std::vector<PageCell> &cells);
     void closeTable();
 

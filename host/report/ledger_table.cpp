@@ -20,7 +20,7 @@ const std::vector<LedgerLine> &ledgerLines()
          "counted."},
         {"DegreesOfFreedom", "Degrees of freedom", "",
          "What is left to estimate correlations from: kept volumes less the rank, and with a "
-         "band-pass at most what the band holds. The intervals below come from it."},
+         "band-pass at most what the band holds. How sure a correlation is depends on it."},
         {"SecondsKept", "Time kept", "s",
          "Kept volumes times the repetition time. Many studies ask for four or five minutes."},
         {"MeanFDBefore", "Mean FD before", "mm",

@@ -176,7 +176,7 @@ double varianceLeft(const Connectome &connectome)
 void addMotion(HtmlPage &page, const ConnectomeRequest &request, const Connectome &connectome)
 {
     page.section(QStringLiteral("Motion and signal over the run"), QStringLiteral("motion"));
-    const PagePicture motion = motionPicture(connectome);
+    const PagePicture motion = motionPicture(connectome, request.dvarsScale);
     page.picture(
         motion.png, motion.size,
         QStringLiteral("Curves over the volumes of the run: framewise displacement and DVARS."),
@@ -221,10 +221,11 @@ void addDesign(HtmlPage &page, const Connectome &connectome)
         QStringLiteral("The design matrix: a column for each of %1 regressors, a row for each kept "
                        "volume.")
             .arg(design.columns.cols()),
-        QStringLiteral("What was taken off each series by least squares: a column for each of %1 "
-                       "regressors, a row for each of %2 kept volumes from the top. In each column black and "
-                       "white are minus and plus its largest value. The rank is %3. Good: many more rows than "
-                       "columns, and no column that is one spike.")
+        QStringLiteral(
+            "What was taken off each series by least squares: a column for each of %1 "
+            "regressors, a row for each of %2 kept volumes from the top. In each column black and "
+            "white are minus and plus its largest value. The rank is %3. Good: many more rows than "
+            "columns, and no column that is one spike.")
             .arg(design.columns.cols())
             .arg(design.columns.rows())
             .arg(design.ledger.rank));
@@ -339,45 +340,74 @@ void addParts(HtmlPage &page, const Connectome &connectome)
     page.closeTable();
 }
 
+/// Which columns of texts the table of nodes has.
+struct NodeTexts {
+    bool networks = false;
+    bool sides = false;
+
+    explicit NodeTexts(const std::vector<Node> &nodes)
+    {
+        for (const Node &node : nodes) {
+            networks = networks || !node.network.isEmpty();
+            sides = sides || !node.hemisphere.isEmpty();
+        }
+    }
+};
+
+std::vector<PageCell> nodeCells(const Connectome &connectome, const NodeMeasures &measures,
+                                const NodeTexts &texts, int number)
+{
+    const auto n = std::size_t(number);
+    const Node &node = connectome.nodes[n];
+    std::vector<PageCell> cells{{QString::number(node.label), "number"}, {node.name, "name"}};
+    if (texts.networks)
+        cells.emplace_back(node.network);
+    if (texts.sides)
+        cells.emplace_back(node.hemisphere);
+    cells.emplace_back(QString::number(connectome.usedVoxels[n]), "number");
+    cells.emplace_back(percent(connectome.coverage[n]),
+                       connectome.isCovered(n) ? "number" : "number failed");
+    for (int column = 0; column < measures.perNode; ++column)
+        cells.emplace_back(shortNumber(measures.values(number, column)), "number");
+    return cells;
+}
+
+/// Measures that have one value for the network, from any node that has values.
+QString networkMeasures(const Connectome &connectome, const NodeMeasures &measures)
+{
+    int node = 0;
+    while (!connectome.isCovered(std::size_t(node)))
+        ++node;
+    QStringList parts;
+    for (int column = measures.perNode; column < measures.columns.size(); ++column)
+        parts += QStringLiteral("%1 %2").arg(measures.names[column].toLower(),
+                                             shortNumber(measures.values(node, column)));
+    return parts.join(QStringLiteral(", "));
+}
+
 void addNodes(HtmlPage &page, const Connectome &connectome)
 {
     page.section(QStringLiteral("Nodes"), QStringLiteral("nodes"));
-    page.paragraph(QStringLiteral(
-        "Graph measures are those of the network of Pearson correlations without their signs, all "
-        "pairs kept. They have values for nodes with enough coverage."));
     const NodeMeasures measures = nodeMeasures(connectome);
-    const auto has = [&](QString Node::*text) {
-        return std::any_of(connectome.nodes.begin(), connectome.nodes.end(),
-                           [&](const Node &node) { return !(node.*text).isEmpty(); });
-    };
-    const bool networks = has(&Node::network);
-    const bool sides = has(&Node::hemisphere);
+    page.paragraph(
+        QStringLiteral("Graph measures are those of the network of Pearson correlations without "
+                       "their signs, all pairs kept. They have values for nodes with enough "
+                       "coverage. Of the whole network: %1.")
+            .arg(networkMeasures(connectome, measures)));
+    const NodeTexts texts(connectome.nodes);
     QStringList columns{QStringLiteral("Label"), QStringLiteral("Node")};
-    if (networks)
+    if (texts.networks)
         columns += QStringLiteral("Network");
-    if (sides)
+    if (texts.sides)
         columns += QStringLiteral("Side");
+    const int textColumns = columns.size();
     columns += {QStringLiteral("Voxels used"), QStringLiteral("Coverage")};
-    for (const QByteArray &column : measures.columns)
-        columns += QString::fromUtf8(column);
+    columns += measures.names.mid(0, measures.perNode);
     page.openDetails(counted(qint64(connectome.nodes.size()), "node"),
                      connectome.nodes.size() <= 60);
-    page.openTable(columns);
-    for (const int number : orderByNetwork(connectome.nodes).nodes) {
-        const auto n = std::size_t(number);
-        const Node &node = connectome.nodes[n];
-        std::vector<PageCell> cells{{QString::number(node.label), "number"}, {node.name}};
-        if (networks)
-            cells.emplace_back(node.network);
-        if (sides)
-            cells.emplace_back(node.hemisphere);
-        cells.emplace_back(QString::number(connectome.usedVoxels[n]), "number");
-        cells.emplace_back(percent(connectome.coverage[n]),
-                           connectome.isCovered(n) ? "number" : "failed");
-        for (Eigen::Index column = 0; column < measures.values.cols(); ++column)
-            cells.emplace_back(shortNumber(measures.values(number, column)), "number");
-        page.row(cells);
-    }
+    page.openTable(columns, textColumns);
+    for (const int number : orderByNetwork(connectome.nodes).nodes)
+        page.row(nodeCells(connectome, measures, texts, number));
     page.closeTable();
     page.close();
 }

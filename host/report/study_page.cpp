@@ -141,7 +141,7 @@ void addDistribution(HtmlPage &page, const Rows &rows, const char *key, const QS
 void addDistributions(HtmlPage &page, const Rows &rows)
 {
     page.section(QStringLiteral("Motion and what is left"), QStringLiteral("distributions"));
-    page.open("div", "pair");
+    page.open("div", "pair fit");
     addDistribution(page, rows, "MeanFDBefore", QStringLiteral("mean FD before cleaning [mm]"),
                     QStringLiteral("Good: most dots together at the left. Groups that differ here "
                                    "differ in motion, and may differ in connectivity for that "
@@ -178,7 +178,8 @@ void addRuns(HtmlPage &page, const StudySummary &study)
                                 "own."));
     page.openTable(QStringList{QStringLiteral("Participant"), QStringLiteral("Run"),
                                QStringLiteral("Atlas"), QStringLiteral("Status")} +
-                   ledgerColumns());
+                       ledgerColumns(),
+                   4);
     for (const StudySummary::Row &row : study.rows) {
         std::vector<PageCell> cells{{row.participant, row.page}};
         for (const std::vector<PageCell> &more : {runCells(row.run), ledgerCells(row.run.ledger)})

@@ -31,7 +31,8 @@ void addRuns(HtmlPage &page, const std::vector<ReportedRun> &runs)
     page.paragraph(QStringLiteral("The name of a run leads to its own page with its pictures."));
     page.openTable(
         QStringList{QStringLiteral("Run"), QStringLiteral("Atlas"), QStringLiteral("Status")} +
-        ledgerColumns());
+            ledgerColumns(),
+        3);
     for (const ReportedRun &run : runs) {
         std::vector<PageCell> cells = runCells(run);
         const std::vector<PageCell> ledger = ledgerCells(run.ledger);

@@ -354,7 +354,7 @@ TEST_F(ConnectomeCommand, WindowsBeginBehindTheVolumesThatAreNotSteady)
     const QJsonObject part =
         readJson(output("window-1_stat-pearsoncorrelation_relmat.json"))[QLatin1String("Part")]
             .toObject();
-    EXPECT_EQ(part[QLatin1String("Volumes")].toArray()[0].toInt(), 3);
+    EXPECT_EQ(part[QLatin1String("Intervals")].toArray(), (QJsonArray{QJsonArray{3, 22}}));
     EXPECT_THAT(ran.errors.toStdString(),
                 HasSubstr("windows of 40 s are shorter than the slowest waves that are left, of "
                           "50 s"));
@@ -522,6 +522,11 @@ TEST_F(ConnectomeCommand, WhatCannotBeAskedForIsWrongUsage)
                 HasSubstr("--window goes with --step"));
     EXPECT_THAT(refusal({QStringLiteral("--shrinkage"), QStringLiteral("ledoit-wolf")}),
                 HasSubstr("none of which is asked for"));
+    EXPECT_THAT(refusal({QStringLiteral("--dvars-scale"), QStringLiteral("0")}),
+                HasSubstr("--dvars-scale: found \"0\", expected a number above 0"));
+    EXPECT_THAT(refusal({QStringLiteral("--dvars-scale"), QStringLiteral("1000"),
+                         QStringLiteral("--standardize"), QStringLiteral("psc")}),
+                HasSubstr("--dvars-scale is for series in the unit of the run"));
     EXPECT_THAT(refusal({QStringLiteral("--delay"), QStringLiteral("4")}),
                 HasSubstr("--delay goes with --events"));
     EXPECT_THAT(refusal({QStringLiteral("--min-coverage"), QStringLiteral("2")}),

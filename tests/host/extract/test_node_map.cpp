@@ -121,6 +121,7 @@ TEST_F(NodeMapping, AnotherGridIsTakenByNearestNeighbour)
     ASSERT_EQ(found.stretches.size(), 4U);
     EXPECT_EQ(found.nodes[0].voxels, 4);
     EXPECT_EQ(found.nodes[1].voxels, 4);
+    EXPECT_DOUBLE_EQ(found.nodes[0].wholeVoxels, 8); // of the same size
     EXPECT_THAT(joined(notes), HasSubstr("atlas.nii: the grid (2 x 1 x 1 voxels of 4 x 4 x 4 mm) "
                                          "is not that of the run (4 x 2 x 1 voxels of 2 x 2 x 2 "
                                          "mm): values are taken by nearest neighbour"));

@@ -208,6 +208,17 @@ TEST_F(RunOfSixVoxels, DataThatEndEarlyAreRefused)
                           "volumes"));
 }
 
+TEST_F(RunOfSixVoxels, DataBehindTheLastVolumeAreSaidAndAWholeVolumeIsRefused)
+{
+    write(plainSamples(), false, false);
+    const QByteArray whole = bytesOf(path());
+    putBytes(path(), whole + "abc");
+    expectMeans(read(), {0, 4}, {1, 2, 5});
+    EXPECT_THAT(joined(notes), HasSubstr("3 bytes behind the last volume are left out"));
+    putBytes(path(), whole + QByteArray(voxels * 2, '\0'));
+    EXPECT_THAT(errorOf([&] { read(); }), HasSubstr("found another volume behind the last one"));
+}
+
 TEST_F(RunOfSixVoxels, DamagedPackedDataAreRefused)
 {
     write(plainSamples());

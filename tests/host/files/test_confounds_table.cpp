@@ -54,6 +54,16 @@ TEST_F(ConfoundsFile, ColumnsAreThoseOfTheFirstLine)
     EXPECT_EQ(joined(m_notes), "");
 }
 
+TEST_F(ConfoundsFile, QuotationMarksAndCommentsAreNoPartOfIt)
+{
+    const signals::ConfoundsTable table =
+        read("a.tsv", "# made by hand\n\"csf\"\t\"trans_x\"\n\"1.5\"\t2\n");
+    EXPECT_THAT(table.names, ElementsAre("csf", "trans_x"));
+    EXPECT_EQ(table.values(0, 0), 1.5);
+    EXPECT_THAT(joined(m_notes),
+                testing::HasSubstr("1 comment line above the names of the columns skipped"));
+}
+
 TEST_F(ConfoundsFile, TheJsonBesideItTellsOfComponents)
 {
     putBytes(m_folder.path("sub-01_desc-confounds_timeseries.json"), R"json({

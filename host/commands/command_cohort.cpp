@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dataset/counted.h"
+#include "host/commands/cleaning_options.h"
+#include "host/commands/cohort_arguments.h"
+#include "host/commands/command_line.h"
+#include "host/commands/command_table.h"
+#include "host/commands/commands.h"
+#include "host/commands/option_values.h"
+#include "host/derivatives/run_images.h"
+#include "host/files/input_error.h"
+#include "host/study/collect.h"
+#include "host/study/row_state.h"
+#include "host/study/study_folder.h"
+#include "host/study/verify.h"
+#include "host/workbench/application.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QThread>
+
+#include <cstdio>
+
+namespace corvane
+{
+
+namespace
+{
+
+void print(const QString &line)
+{
+    std::printf("%s\n", line.toUtf8().constData());
+    std::fflush(stdout); // other processes of the study write lines there, too
+}
+
+/// What a step is given: its place among the plain arguments, and the options that only some have.
+struct Call {
+    const QCommandLineParser &parser;
+    QStringList arguments; ///< plain ones
+    QString dataset, out;
+};
+
+std::vector<ParticipantRows> plannedRows(const Call &call, const StudySettings &settings)
+{
+    return byParticipant(rowsOf(indexRuns(settings.dataset, runFilter(call.parser)), settings));
+}
+
+bool hasRuns(const std::vector<ParticipantRows> &participants)
+{
+    for (const ParticipantRows &rows : participants)
+        for (const StudyRow &row : rows)
+            if (!row.request.run.isEmpty())
+                return true;
+    return false;
+}
+
+QStringList foldersOf(const std::vector<ParticipantRows> &participants)
+{
+    QStringList folders;
+    for (const ParticipantRows &rows : participants)
+        folders += participantFolder(rows.front().name.participant);
+    return folders;
+}
+
+/// Tells what became of the rows and gives the exit status: 0 if none failed, or was left.
+int endOf(const std::vector<ParticipantRows> &participants, const StudySettings &settings,
+          bool tells)
+{
+    const StudyCounts counts = studyStatus(settings.out, foldersOf(participants)).counts;
+    if (tells)
+        print(settings.out + QStringLiteral(": ") + text(counts));
+    if (!hasRuns(participants)) {
+        if (tells)
+            std::fprintf(stderr, "Corvane cohort: no run was found in %s\n",
+                         settings.dataset.toUtf8().constData());
+        return BadInput;
+    }
+    return counts.failed + counts.open > 0 ? BadInput : Done;
+}
+
+int processesOf(const QCommandLineParser &parser)
+{
+    const std::optional<qint64> given = wholeValue(parser, "nprocs", 1);
+    constexpr qint64 most = 1024;
+    return int(std::min(given.value_or(QThread::idealThreadCount()), most));
+}
+
+StudyCommand commandOf(const Call &call)
+{
+    StudyCommand command = studyCommand(call.arguments);
+    command.processes = processesOf(call.parser);
+    command.keepFailed = call.parser.isSet(QStringLiteral("keep-failed"));
+    const std::optional<qint64> perTask = wholeValue(call.parser, "subjects-per-job", 1);
+    command.participantsPerTask = int(std::min<qint64>(perTask.value_or(1), 1 << 20));
+    command.slurmOptions =
+        QProcess::splitCommand(call.parser.value(QStringLiteral("sbatch-options")));
+    if (!call.parser.isSet(QStringLiteral("slurm")))
+        for (const char *option : {"subjects-per-job", "sbatch-options", "wait"})
+            if (call.parser.isSet(QLatin1String(option)))
+                throw UsageError(QStringLiteral("--%1 goes with --slurm, which is missing")
+                                     .arg(QLatin1String(option)));
+    return command;
+}
+
+/// Whether all is done now: else jobs of Slurm are at it, or will be.
+bool ranOnSlurm(const std::vector<ParticipantRows> &participants, const StudySettings &settings,
+                const StudyCommand &command, bool waits)
+{
+    const std::optional<SlurmJobs> jobs =
+        submitStudy(participants, settings, command,
+                    {QStringLiteral("cohort"), settings.out, QStringLiteral("status"),
+                     QStringLiteral("--collect")});
+    if (!jobs) {
+        collectStudy(settings.out, print);
+        return true;
+    }
+    print(QStringLiteral("job %1 with %2, and job %3 that collects; what they print is in %4")
+              .arg(jobs->array, counted(jobs->tasks, "task"), jobs->collect, jobs->folder));
+    if (waits)
+        waitForSlurm(jobs->collect);
+    return waits;
+}
+
+int participantStep(const Call &call)
+{
+    const StudySettings settings = studySettings(call.parser, call.dataset, call.out);
+    const StudyCommand command = commandOf(call);
+    const std::vector<ParticipantRows> participants = plannedRows(call, settings);
+    prepareStudy(participants, settings, print);
+    if (call.parser.isSet(QStringLiteral("slurm")))
+        return ranOnSlurm(participants, settings, command,
+                          call.parser.isSet(QStringLiteral("wait")))
+                   ? endOf(participants, settings, true)
+                   : int(Done);
+    runOnThisMachine(participants, settings, command, print);
+    const bool collects = !call.parser.isSet(QStringLiteral("no-collect"));
+    if (collects)
+        collectStudy(settings.out, print);
+    return endOf(participants, settings, collects);
+}
+
+int planStep(const Call &call)
+{
+    const StudySettings settings = studySettings(call.parser, call.dataset, call.out);
+    const QString sum = settingsSum(settings.options);
+    const std::vector<ParticipantRows> participants = plannedRows(call, settings);
+    int rows = 0;
+    int toMake = 0;
+    for (const ParticipantRows &own : participants)
+        for (const StudyRow &row : own) {
+            const auto record = readRecord(recordPath(settings.out, row.name));
+            const QString why = whyToMake(row, record, settings, sum);
+            ++rows;
+            toMake += why.isEmpty() ? 0 : 1;
+            const QString what = !row.reason.isEmpty() ? QStringLiteral("missing: ") + row.reason
+                                 : !why.isEmpty()      ? QStringLiteral("to do: ") + why
+                                                       : nameOf(record->status);
+            std::printf("%s\n",
+                        QStringLiteral("%1: %2").arg(row.name.stem(), what).toUtf8().constData());
+        }
+    print(QStringLiteral("%1: %2 of %3, %4 to do")
+              .arg(settings.out, counted(rows, "row"),
+                   counted(qint64(participants.size()), "participant"))
+              .arg(toMake));
+    return hasRuns(participants) ? Done : BadInput;
+}
+
+int groupStep(const Call &)
+{
+    throw UsageError(
+        QStringLiteral("the step group is not there yet; Corvane group tests tables of "
+                       "matrices"));
+}
+
+int statusStep(const Call &call)
+{
+    const QString out = QDir::cleanPath(call.out);
+    requireStudy(out);
+    if (call.parser.isSet(QStringLiteral("collect")))
+        collectStudy(out, print);
+    const StudyStatus status = studyStatus(out, participantFolders(out));
+    for (const QString &line : status.lines)
+        std::printf("%s\n", line.toUtf8().constData());
+    print(out + QStringLiteral(": ") + text(status.counts));
+    return Done;
+}
+
+int verifyStep(const Call &call)
+{
+    const QString out = QDir::cleanPath(call.out);
+    requireStudy(out);
+    const bool ofInputs = call.parser.isSet(QStringLiteral("inputs"));
+    const int sample = call.parser.isSet(QStringLiteral("all"))
+                           ? 0
+                           : int(std::min<qint64>(*wholeValue(call.parser, "sample", 1), 1 << 30));
+    const VerifyCounts counts =
+        ofInputs ? verifyInputs(out, print) : verifyRows(out, sample, requestOf, print);
+    const QString done = ofInputs ? QStringLiteral("%1: inputs of %2 read, %3 differ")
+                                  : QStringLiteral("%1: %2 computed again, %3 differ");
+    print(done.arg(out, counted(counts.rows, "row")).arg(counts.differ));
+    return counts.differ > 0 ? BadInput : Done;
+}
+
+struct Step {
+    const char *name;
+    bool hasDataset; ///< or it works on the study alone
+    int (*run)(const Call &call);
+};
+
+constexpr Step steps[] = {{"participant", true, participantStep},
+                          {"plan", true, planStep},
+                          {"group", true, groupStep},
+                          {"status", false, statusStep},
+                          {"verify", false, verifyStep}};
+
+/// Options that have nothing to do with a step are refused.
+void requireOptionsOf(const Step &step, const QCommandLineParser &parser)
+{
+    for (const QString &option : parser.optionNames()) {
+        const QString owner = stepOf(option);
+        const bool fits = owner.isEmpty() ? step.hasDataset : owner == QLatin1String(step.name);
+        if (!fits && option != QLatin1String("min-seconds"))
+            throw UsageError(
+                QStringLiteral("--%1 does not go with %2").arg(option, QLatin1String(step.name)));
+    }
+}
+
+/// The plain arguments that a command line should have: those of a study alone when its second one
+/// is such a step.
+QStringList plainArguments(const QStringList &found)
+{
+    const bool isOfStudy =
+        found.size() == 2 && std::any_of(std::begin(steps), std::end(steps), [&](const Step &step) {
+            return !step.hasDataset && found[1] == QLatin1String(step.name);
+        });
+    return isOfStudy ? QStringList{QStringLiteral("OUT"), QStringLiteral("status or verify")}
+                     : QStringList{QStringLiteral("BIDS_DIR"), QStringLiteral("OUT"),
+                                   QStringLiteral("participant, plan or group")};
+}
+
+int run(const QStringList &given)
+{
+    const QStringList arguments = withPlainOptions(given);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Makes connectivity matrices of all runs that a pipeline left in a folder of subjects."));
+    addCohortOptions(parser);
+    parser.parse(arguments);
+    if (toldStrategies(parser))
+        return Done;
+    const QStringList plain = plainArguments(parser.positionalArguments());
+    if (!parseArguments(parser, arguments, plain,
+                        {QStringLiteral("participant-label"), QStringLiteral("session-id"),
+                         QStringLiteral("session-label"), QStringLiteral("task-id"),
+                         QStringLiteral("task-label"), QStringLiteral("space"),
+                         QStringLiteral("atlas"), QStringLiteral("labels"),
+                         QStringLiteral("atlas-name")}))
+        return Done;
+    const QStringList words = parser.positionalArguments();
+    for (const Step &step : steps) {
+        if (words.last() != QLatin1String(step.name) || step.hasDataset != (words.size() == 3))
+            continue;
+        requireOptionsOf(step, parser);
+        return step.run({parser, arguments, step.hasDataset ? words.front() : QString(),
+                         words[words.size() - 2]});
+    }
+    throw UsageError(QStringLiteral("found %1, expected participant, plan or group behind BIDS_DIR "
+                                    "and OUT, or status or verify behind OUT")
+                         .arg(quoted(words.last())));
+}
+
+/// Pages have pictures, which need fonts.
+std::unique_ptr<QCoreApplication> makeCohortApplication(const QStringList &arguments, int &argc,
+                                                        char **argv)
+{
+    const QStringList plain = withPlainOptions(arguments);
+    const auto has = [&](const char *word) { return plain.contains(QLatin1String(word)); };
+    if (has("--no-pages") || !(has("participant") || has("--collect") || has("verify")))
+        return makePlainApplication(arguments, argc, argv);
+    argc = 1; // the arguments are those of a command, none is Qt's
+    return makePictureApplication(argc, argv, false);
+}
+
+} // namespace
+
+Command cohortCommand()
+{
+    return {"cohort",
+            R"(Corvane cohort BIDS_DIR OUT participant|plan [--participant-label A B ...]
+                  [--session-id|--session-label A ...] [--task-id|--task-label A ...]
+                  [--space A ...] [--bids-filter-file F] --atlas F [--labels F]
+                  [--atlas-name NAME] [--atlas F ...] [--min-coverage X] [--tr SECONDS]
+                  [--dvars-scale N] --clean NAME|help [--order NAME] [--high-pass HZ] [--low-pass HZ]
+                  [--no-detrend] [--standardize UNIT] [--fd-threshold MM]
+                  [--dvars-threshold X] [--min-segment N] [--dummy-scans N|auto]
+                  [--components N] [--motion-order PACKAGE] [--min-volumes N]
+                  [--min-seconds S] [--measure NAME,NAME] [--shrinkage ledoit-wolf]
+                  [--window S --step S [--taper NAME]]
+                  [--events [--delay S] [--per-interval] [--centre-intervals]]
+                  [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
+                  [--wait]] [--no-pages] [--keep-failed] [--no-collect]
+  Corvane cohort BIDS_DIR OUT group
+  Corvane cohort OUT status [--collect]
+  Corvane cohort OUT verify [--sample N|--all|--inputs])",
+            "Makes matrices of all runs in a folder of subjects.", run, makeCohortApplication};
+}
+
+} // namespace corvane
