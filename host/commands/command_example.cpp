@@ -30,9 +30,10 @@ int participantsOf(const QCommandLineParser &parser)
     const QString text = parser.value(QStringLiteral("subjects"));
     const std::optional<qint64> number = wholeNumber(text);
     if (!number || *number < 2 || *number > mostStudyParticipants || *number % 2 != 0)
-        throw UsageError(QStringLiteral("--subjects: found %1, expected an even number from 2 to %2")
-                             .arg(quoted(text))
-                             .arg(mostStudyParticipants));
+        throw UsageError(
+            QStringLiteral("--subjects: found %1, expected an even number from 2 to %2")
+                .arg(quoted(text))
+                .arg(mostStudyParticipants));
     return int(*number);
 }
 
@@ -57,14 +58,15 @@ int run(const QStringList &arguments)
                        "a study of two groups as a preprocessing pipeline leaves it."));
     const auto folder = QStringLiteral("DIR");
     parser.addPositionalArgument(folder, QStringLiteral("The folder for the files."));
-    parser.addOptions({{QStringLiteral("study"),
-                        QStringLiteral("A study instead of one subject, in a folder that is empty "
-                                       "or not there yet.")},
-                       {QStringLiteral("subjects"),
-                        QStringLiteral("How many the study has, half of them in each group: an even "
-                                       "number, %1 unless it is given.")
-                            .arg(mostStudyParticipants),
-                        QStringLiteral("N")}});
+    parser.addOptions(
+        {{QStringLiteral("study"),
+          QStringLiteral("A study instead of one subject, in a folder that is empty "
+                         "or not there yet.")},
+         {QStringLiteral("subjects"),
+          QStringLiteral("How many the study has, half of them in each group: an even "
+                         "number, %1 unless it is given.")
+              .arg(mostStudyParticipants),
+          QStringLiteral("N")}});
     if (!parseArguments(parser, arguments, {folder}))
         return Done;
     const QString target = parser.positionalArguments().front();

@@ -9,8 +9,10 @@ namespace corvane::example_study
 {
 
 Draws::Draws(Draw purpose, const Owner &owner, std::uint32_t part)
-    : m_key{0x53545544, static_cast<std::uint32_t>(purpose)},
-      m_counter{0, owner.participant, owner.session * 16 + owner.task, part}
+    : m_key{0x53545544, static_cast<std::uint32_t>(purpose)}, m_counter{0, owner.participant,
+                                                                        owner.session * 16 +
+                                                                            owner.task,
+                                                                        part}
 {
 }
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 /// @file
-/// Random numbers of the example study. Each is a function of what it is for, so that any thread can
-/// make any of them, on every machine the same.
+/// Random numbers of the example study. Each is a function of what it is for, so that any thread
+/// can make any of them, on every machine the same.
 
 namespace corvane::example_study
 {

@@ -85,13 +85,13 @@ void writeExampleStudy(const ExampleStudyRequest &request, const ProgressWatch &
         folder.make(folderOf(run));
     std::mutex telling;
     qint64 done = 0;
-    statistics::for_each_chunk(
-        std::ptrdiff_t(runs.size()), request.threads, [&](std::ptrdiff_t number, int) {
-            const Run &run = runs[std::size_t(number)];
-            writeRun(folder.path(folderOf(run)), run, brain);
-            const std::lock_guard lock(telling);
-            tellProgress(watch, ++done, qint64(runs.size()));
-        });
+    statistics::for_each_chunk(std::ptrdiff_t(runs.size()), request.threads,
+                               [&](std::ptrdiff_t number, int) {
+                                   const Run &run = runs[std::size_t(number)];
+                                   writeRun(folder.path(folderOf(run)), run, brain);
+                                   const std::lock_guard lock(telling);
+                                   tellProgress(watch, ++done, qint64(runs.size()));
+                               });
     folder.commit();
 }
 

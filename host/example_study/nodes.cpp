@@ -46,13 +46,13 @@ struct Coupling {
 
 /// Of other pairs of networks: 0.03.
 constexpr Coupling couplings[] = {
-    {Visual, Somatomotor, 0.12},         {Visual, DorsalAttention, 0.22},
-    {Visual, DefaultMode, -0.05},        {Somatomotor, DorsalAttention, 0.15},
-    {Somatomotor, Salience, 0.12},       {Somatomotor, DefaultMode, -0.08},
-    {DorsalAttention, Salience, 0.15},   {DorsalAttention, Frontoparietal, 0.2},
+    {Visual, Somatomotor, 0.12},          {Visual, DorsalAttention, 0.22},
+    {Visual, DefaultMode, -0.05},         {Somatomotor, DorsalAttention, 0.15},
+    {Somatomotor, Salience, 0.12},        {Somatomotor, DefaultMode, -0.08},
+    {DorsalAttention, Salience, 0.15},    {DorsalAttention, Frontoparietal, 0.2},
     {DorsalAttention, DefaultMode, -0.2}, {Salience, Frontoparietal, 0.18},
-    {Salience, DefaultMode, -0.15},      {Salience, Subcortical, 0.15},
-    {Frontoparietal, DefaultMode, 0.05}, {Somatomotor, Subcortical, 0.08},
+    {Salience, DefaultMode, -0.15},       {Salience, Subcortical, 0.15},
+    {Frontoparietal, DefaultMode, 0.05},  {Somatomotor, Subcortical, 0.08},
 };
 
 double betweenNetworks(Network a, Network b)

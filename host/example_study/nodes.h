@@ -25,8 +25,8 @@ enum Network {
 };
 
 constexpr std::array<const char *, networkCount> networkNames{
-    "Visual", "Somatomotor", "DorsalAttention", "Salience", "Frontoparietal", "Default",
-    "Subcortical"};
+    "Visual",         "Somatomotor", "DorsalAttention", "Salience",
+    "Frontoparietal", "Default",     "Subcortical"};
 
 enum Group { Control, Patient };
 

@@ -17,8 +17,7 @@ Participant participant(int number)
     Draws ofPair(Draw::Participant, {static_cast<std::uint32_t>(pair), 1, 0});
     Draws own(Draw::Participant, {static_cast<std::uint32_t>(number), 0, 0});
     const int age = static_cast<int>(ofPair.between(21, 48));
-    const double restlessness =
-        group == Control ? own.between(0.6, 1.3) : own.between(0.9, 1.9);
+    const double restlessness = group == Control ? own.between(0.6, 1.3) : own.between(0.9, 1.9);
     return {number, group, age + static_cast<int>(own.between(-1, 2)), pair % 2 == 0 ? 'F' : 'M',
             restlessness};
 }

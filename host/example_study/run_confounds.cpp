@@ -79,13 +79,12 @@ void addComponents(ConfoundsText &table, QJsonObject &facts, const char *stem, c
         explained += components.shares[n];
         facts.insert(
             QString::fromLatin1(name),
-            QJsonObject{
-                {QStringLiteral("CumulativeVarianceExplained"), asTold(explained)},
-                {QStringLiteral("Mask"), QString::fromLatin1(mask)},
-                {QStringLiteral("Method"), QStringLiteral("aCompCor")},
-                {QStringLiteral("Retained"), true},
-                {QStringLiteral("SingularValue"), asTold(components.singularValues[n])},
-                {QStringLiteral("VarianceExplained"), asTold(components.shares[n])}});
+            QJsonObject{{QStringLiteral("CumulativeVarianceExplained"), asTold(explained)},
+                        {QStringLiteral("Mask"), QString::fromLatin1(mask)},
+                        {QStringLiteral("Method"), QStringLiteral("aCompCor")},
+                        {QStringLiteral("Retained"), true},
+                        {QStringLiteral("SingularValue"), asTold(components.singularValues[n])},
+                        {QStringLiteral("VarianceExplained"), asTold(components.shares[n])}});
     }
 }
 
@@ -106,8 +105,8 @@ std::vector<Index> outliers(const ArrayXd &displacement, const ArrayXd &dvars)
 
 } // namespace
 
-ConfoundsFiles confoundsOf(const Brain &brain, const Samples &samples,
-                           const std::vector<int> &mask, const MatrixXd &motion)
+ConfoundsFiles confoundsOf(const Brain &brain, const Samples &samples, const std::vector<int> &mask,
+                           const MatrixXd &motion)
 {
     const auto of = [&](auto choose) { return seriesOf(brain, samples, mask, choose); };
     const MatrixXd whole = of([](Tissue) { return true; });

@@ -39,11 +39,11 @@ float levelOf(Tissue tissue)
 
 enum Source {
     Drift,
-    Position,                   ///< six: what a voxel loses or gains where the head is
-    Movement = Position + 6,    ///< six: while the head moves
-    Jerk = Movement + 6,        ///< all signal drops while the head moves fast
-    Disorder,                   ///< what motion does that no parameter tells, in patterns
-    Wave = Disorder + 7,        ///< blood of the whole brain
+    Position,                ///< six: what a voxel loses or gains where the head is
+    Movement = Position + 6, ///< six: while the head moves
+    Jerk = Movement + 6,     ///< all signal drops while the head moves fast
+    Disorder,                ///< what motion does that no parameter tells, in patterns
+    Wave = Disorder + 7,     ///< blood of the whole brain
     FluidSource,
     WhiteSource,
     sourceCount
@@ -112,10 +112,9 @@ MatrixXd sourcesOf(const Run &run, const MatrixXd &motion)
 /// Nearly normal noise for four voxels: each the sum of four bytes.
 std::array<float, 4> scannerNoise(const Owner &owner, int volume, Index voxel)
 {
-    const auto words = statistics::philox(
-        {std::uint32_t(voxel / 4), std::uint32_t(volume), owner.participant,
-         owner.session * 16 + owner.task},
-        {0x53545544, static_cast<std::uint32_t>(Draw::Scanner)});
+    const auto words = statistics::philox({std::uint32_t(voxel / 4), std::uint32_t(volume),
+                                           owner.participant, owner.session * 16 + owner.task},
+                                          {0x53545544, static_cast<std::uint32_t>(Draw::Scanner)});
     std::array<float, 4> noise{};
     for (std::size_t n = 0; n < 4; ++n) {
         const int sum = int((words[n] & 0xff) + (words[n] >> 8 & 0xff) + (words[n] >> 16 & 0xff) +
@@ -181,7 +180,8 @@ Samples samplesOf(const Run &run, const Brain &brain, const MatrixXd &motion)
         for (Index v = 0; v < voxelCount; v += 4) {
             const std::array<float, 4> noise = scannerNoise(run.owner(), t, v);
             for (Index n = v; n < std::min(v + 4, voxelCount); ++n)
-                samples(n, t) = qint16(std::max(volume[n] + noise[std::size_t(n - v)], 0.0F) + 0.5F);
+                samples(n, t) =
+                    qint16(std::max(volume[n] + noise[std::size_t(n - v)], 0.0F) + 0.5F);
         }
     }
     return samples;
@@ -213,9 +213,8 @@ void writeReference(const QString &path, const Brain &brain, const Samples &samp
         samples.rightCols(volumeCount - unsteadyVolumes).cast<int>().rowwise().sum();
     GzipFile file(path);
     writeHeader(file, studyGrid, 1, Shorts, Template);
-    writeVolume<qint16>(file, brain, [&](Index v) {
-        return qint16(sums[v] / (volumeCount - unsteadyVolumes));
-    });
+    writeVolume<qint16>(file, brain,
+                        [&](Index v) { return qint16(sums[v] / (volumeCount - unsteadyVolumes)); });
     file.commit();
 }
 

@@ -45,8 +45,7 @@ VectorXd activity(const Run &run, int load)
         if (block.load == load)
             for (int t = 0; t < volumeCount; ++t) {
                 const double from = std::max(block.onset, t * repetitionTime);
-                const double to =
-                    std::min(block.onset + block.duration, (t + 1) * repetitionTime);
+                const double to = std::min(block.onset + block.duration, (t + 1) * repetitionTime);
                 active[t] += std::max(to - from, 0.0) / repetitionTime;
             }
     return active;
@@ -62,7 +61,7 @@ VectorXd responseTo(const VectorXd &active)
 }
 
 struct TaskEffect {
-    double easy;   ///< height of the response in standard deviations
+    double easy; ///< height of the response in standard deviations
     double hard;
     double shared; ///< of a series that is shared in hard blocks
 };
@@ -90,8 +89,7 @@ void addTask(const Run &run, MatrixXd &series)
     const VectorXd easy = responseTo(activity(run, 0));
     const VectorXd hard = responseTo(activity(run, 2));
     Draws draws(Draw::Task, run.owner());
-    const VectorXd shared =
-        draws.persistentSeries(volumeCount, persistence).cwiseProduct(hard);
+    const VectorXd shared = draws.persistentSeries(volumeCount, persistence).cwiseProduct(hard);
     for (int node = 0; node < nodeCount; ++node) {
         const TaskEffect effect = effectOn(regionOf(node).network);
         series.col(node) += effect.easy * easy + effect.hard * hard + effect.shared * shared;
@@ -104,8 +102,8 @@ MatrixXd correlationsOf(const Run &run)
 {
     const auto number = static_cast<std::uint32_t>(run.of.number);
     const MatrixXd own = factors(Draw::ParticipantConnections, {number, 0, 0}, ofParticipant);
-    const MatrixXd today = factors(Draw::SessionConnections,
-                                   {number, run.owner().session, 0}, ofSession);
+    const MatrixXd today =
+        factors(Draw::SessionConnections, {number, run.owner().session, 0}, ofSession);
     MatrixXd covariance = groupCorrelations(run.of.group);
     covariance.diagonal().array() -= factorCount * (ofParticipant + ofSession);
     covariance += own * own.transpose() + today * today.transpose();

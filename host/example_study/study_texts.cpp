@@ -62,8 +62,9 @@ QByteArray participantsJson()
     QJsonObject age = described("Age when the first session was recorded");
     age.insert(QStringLiteral("Units"), QStringLiteral("year"));
     QJsonObject sex = described("Sex of the participant");
-    sex.insert(QStringLiteral("Levels"), QJsonObject{{QStringLiteral("F"), QStringLiteral("female")},
-                                                     {QStringLiteral("M"), QStringLiteral("male")}});
+    sex.insert(QStringLiteral("Levels"),
+               QJsonObject{{QStringLiteral("F"), QStringLiteral("female")},
+                           {QStringLiteral("M"), QStringLiteral("male")}});
     return QJsonDocument(QJsonObject{{QStringLiteral("group"), group},
                                      {QStringLiteral("age"), age},
                                      {QStringLiteral("sex"), sex}})

@@ -36,9 +36,8 @@ QStringList madeFor(const QString &path)
 
 QStringList entriesOf(const QString &path)
 {
-    return QDir(path).entryList(QDir::AllEntries | QDir::System | QDir::Hidden |
-                                    QDir::NoDotAndDotDot,
-                                QDir::Name);
+    return QDir(path).entryList(
+        QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 } // namespace

@@ -134,12 +134,12 @@ TEST_F(ExampleStudy, IsIndexedWithoutADoubt)
 
 TEST_F(ExampleStudy, IsTheSameOnEveryMachine)
 {
-    EXPECT_EQ(digest(path({}), "_bold.nii.gz"), "");
-    EXPECT_EQ(digest(path({}), "_boldref.nii.gz"), "");
-    EXPECT_EQ(digest(path({}), "_mask.nii.gz"), "");
-    EXPECT_EQ(digest(path({}), "_dseg.nii.gz"), "");
-    EXPECT_EQ(digest(path({}), ".tsv"), "");
-    EXPECT_EQ(digest(path({}), ".json"), "");
+    EXPECT_EQ(digest(path({}), "_bold.nii.gz"), "07b9562e5e89faa5");
+    EXPECT_EQ(digest(path({}), "_boldref.nii.gz"), "7e0a6798ec2a68fc");
+    EXPECT_EQ(digest(path({}), "_mask.nii.gz"), "6d118269270bc2b6");
+    EXPECT_EQ(digest(path({}), "_dseg.nii.gz"), "06174b8efbb31b60");
+    EXPECT_EQ(digest(path({}), ".tsv"), "44cbeec51fd85e5b");
+    EXPECT_EQ(digest(path({}), ".json"), "dfbbe59102ff98a9");
 }
 
 TEST_F(ExampleStudy, IsTheSameOnAnyNumberOfThreads)
@@ -167,8 +167,8 @@ TEST_F(ExampleStudy, BeginsALargerOne)
                 << file.toStdString();
         }
     }
-    EXPECT_TRUE(
-        bytesOf(folder.path("four/participants.tsv")).startsWith(bytesOf(path("participants.tsv"))));
+    EXPECT_TRUE(bytesOf(folder.path("four/participants.tsv"))
+                    .startsWith(bytesOf(path("participants.tsv"))));
 }
 
 // ---- the tables of confounds
@@ -213,7 +213,8 @@ Eigen::ArrayXd changes(const Eigen::ArrayXd &values)
 {
     Eigen::ArrayXd change(values.size());
     change[0] = NAN;
-    change.tail(values.size() - 1) = values.tail(values.size() - 1) - values.head(values.size() - 1);
+    change.tail(values.size() - 1) =
+        values.tail(values.size() - 1) - values.head(values.size() - 1);
     return change;
 }
 
@@ -308,13 +309,11 @@ TEST_F(ExampleStudy, HasCosinesAndComponentsWithoutThem)
     for (int k = 1; k <= 5; ++k) {
         all.push_back(confounds[QStringLiteral("cosine0%1").arg(k - 1)]);
         for (int t = 0; t < volumes; ++t)
-            ASSERT_NEAR(all.back()[t], std::sqrt(2.0 / volumes) *
-                                           std::cos(M_PI / volumes * (t + 0.5) * k),
-                        1e-6);
+            ASSERT_NEAR(all.back()[t],
+                        std::sqrt(2.0 / volumes) * std::cos(M_PI / volumes * (t + 0.5) * k), 1e-6);
     }
     const QJsonObject facts =
-        QJsonDocument::fromJson(
-            bytesOf(QString(runs().back().confounds).replace(".tsv", ".json")))
+        QJsonDocument::fromJson(bytesOf(QString(runs().back().confounds).replace(".tsv", ".json")))
             .object();
     for (const char *stem : {"c_comp_cor_0", "w_comp_cor_0", "a_comp_cor_0"}) {
         std::vector<Eigen::ArrayXd> components = all;
@@ -351,10 +350,11 @@ TEST(ExampleStudyFolder, IsRefusedWithAnythingInIt)
 {
     const TemporaryFolder folder;
     putBytes(folder.path(".notes"), "mine");
-    EXPECT_EQ(errorOf([&] { writeExampleStudy(studyOf(2, folder.path())); }),
-              folder.path().toStdString() +
-                  ": output folder: found a folder that holds \".notes\", expected an empty folder, "
-                  "or one that is not there yet");
+    EXPECT_EQ(
+        errorOf([&] { writeExampleStudy(studyOf(2, folder.path())); }),
+        folder.path().toStdString() +
+            ": output folder: found a folder that holds \".notes\", expected an empty folder, "
+            "or one that is not there yet");
     EXPECT_EQ(folder.entries(), QStringList{".notes"});
     EXPECT_EQ(errorOf([&] { writeExampleStudy(studyOf(2, folder.path(".notes"))); }),
               folder.path(".notes").toStdString() +

@@ -37,8 +37,7 @@ TEST(ExampleStudyCommand, WritesTwentyFourParticipantsInLessThanSixtyMegabytes)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(run.output,
-              study.toUtf8() +
-                  ": 24 participants, 96 runs of 160 volumes, an atlas of 38 nodes\n");
+              study.toUtf8() + ": 24 participants, 96 runs of 160 volumes, an atlas of 38 nodes\n");
     EXPECT_LT(sizeOf(study), 60000000);
     const QList<QByteArray> rows = bytesOf(study + "/participants.tsv").split('\n');
     ASSERT_EQ(rows.size(), 26); // with names, and nothing behind the last
