@@ -151,7 +151,9 @@ QStringList withPlainOptions(const QStringList &arguments)
     QStringList words;
     QString labels; // the option whose words these are
     for (const QString &argument : arguments) {
-        if (isOption(argument)) {
+        if (!words.isEmpty() && words.last() == QLatin1String("--sbatch-options")) {
+            words += argument; // options, but not ours
+        } else if (isOption(argument)) {
             labels = withDashes(argument);
             words += labels;
             if (!takesLabels(labels))
@@ -205,6 +207,17 @@ void addCohortOptions(QCommandLineParser &parser)
          QStringLiteral("How many participants at once, as far as memory reaches; one for each "
                         "processor unless given."),
          number},
+        {QStringLiteral("slurm"),
+         QStringLiteral(
+             "Submits the participants to Slurm, as the tasks of one job, and a job that "
+             "collects behind it.")},
+        {QStringLiteral("subjects-per-job"),
+         QStringLiteral("How many participants a task of Slurm computes."), number},
+        {QStringLiteral("sbatch-options"),
+         QStringLiteral("Further options for sbatch, in one word: \"--partition=long --time=60\"."),
+         QStringLiteral("options")},
+        {QStringLiteral("wait"), QStringLiteral("With --slurm: until the jobs are over.")},
+        {QStringLiteral("no-pages"), QStringLiteral("Without pages of HTML.")},
         {QStringLiteral("keep-failed"),
          QStringLiteral("Rows that failed before are not tried again.")},
         {QStringLiteral("no-collect"),
@@ -227,9 +240,16 @@ QString stepOf(const QString &option)
         const char *option;
         const char *step;
     };
-    constexpr Owner owners[] = {{"nprocs", "participant"},     {"keep-failed", "participant"},
-                                {"no-collect", "participant"}, {"collect", "status"},
-                                {"sample", "verify"},          {"all", "verify"},
+    constexpr Owner owners[] = {{"nprocs", "participant"},
+                                {"slurm", "participant"},
+                                {"subjects-per-job", "participant"},
+                                {"sbatch-options", "participant"},
+                                {"wait", "participant"},
+                                {"keep-failed", "participant"},
+                                {"no-collect", "participant"},
+                                {"collect", "status"},
+                                {"sample", "verify"},
+                                {"all", "verify"},
                                 {"inputs", "verify"}};
     for (const Owner &owner : owners)
         if (option == QLatin1String(owner.option))
@@ -256,6 +276,7 @@ StudySettings studySettings(const QCommandLineParser &parser, const QString &dat
     settings.out = QDir::cleanPath(out);
     settings.request = requestOf(parser);
     settings.conditions = parser.isSet(QStringLiteral("events"));
+    settings.pages = !parser.isSet(QStringLiteral("no-pages"));
     settings.options = optionsOf(parser);
     settings.atlases = atlasesOf(parser);
     return settings;
@@ -277,9 +298,12 @@ ConnectomeRequest requestOf(const QJsonObject &options)
 
 StudyCommand studyCommand(const QStringList &arguments)
 {
-    static const QStringList own{QStringLiteral("--nprocs"), QStringLiteral("--participant-label")};
+    static const QStringList own{QStringLiteral("--nprocs"), QStringLiteral("--participant-label"),
+                                 QStringLiteral("--subjects-per-job"),
+                                 QStringLiteral("--sbatch-options")};
     static const QStringList ownFlags{QStringLiteral("--keep-failed"),
-                                      QStringLiteral("--no-collect")};
+                                      QStringLiteral("--no-collect"), QStringLiteral("--slurm"),
+                                      QStringLiteral("--wait")};
     StudyCommand command;
     bool isValue = false;
     for (const QString &argument : arguments) {

@@ -12,8 +12,10 @@
 #include "host/study/row_state.h"
 #include "host/study/study_folder.h"
 #include "host/study/verify.h"
+#include "host/workbench/application.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QThread>
 
 #include <cstdio>
@@ -82,15 +84,54 @@ int processesOf(const QCommandLineParser &parser)
     return int(std::min(given.value_or(QThread::idealThreadCount()), most));
 }
 
+StudyCommand commandOf(const Call &call)
+{
+    StudyCommand command = studyCommand(call.arguments);
+    command.processes = processesOf(call.parser);
+    command.keepFailed = call.parser.isSet(QStringLiteral("keep-failed"));
+    const std::optional<qint64> perTask = wholeValue(call.parser, "subjects-per-job", 1);
+    command.participantsPerTask = int(std::min<qint64>(perTask.value_or(1), 1 << 20));
+    command.slurmOptions =
+        QProcess::splitCommand(call.parser.value(QStringLiteral("sbatch-options")));
+    if (!call.parser.isSet(QStringLiteral("slurm")))
+        for (const char *option : {"subjects-per-job", "sbatch-options", "wait"})
+            if (call.parser.isSet(QLatin1String(option)))
+                throw UsageError(QStringLiteral("--%1 goes with --slurm, which is missing")
+                                     .arg(QLatin1String(option)));
+    return command;
+}
+
+/// Whether all is done now: else jobs of Slurm are at it, or will be.
+bool ranOnSlurm(const std::vector<ParticipantRows> &participants, const StudySettings &settings,
+                const StudyCommand &command, bool waits)
+{
+    const std::optional<SlurmJobs> jobs =
+        submitStudy(participants, settings, command,
+                    {QStringLiteral("cohort"), settings.out, QStringLiteral("status"),
+                     QStringLiteral("--collect")});
+    if (!jobs) {
+        collectStudy(settings.out, print);
+        return true;
+    }
+    print(QStringLiteral("job %1 with %2, and job %3 that collects; what they print is in %4")
+              .arg(jobs->array, counted(jobs->tasks, "task"), jobs->collect, jobs->folder));
+    if (waits)
+        waitForSlurm(jobs->collect);
+    return waits;
+}
+
 int participantStep(const Call &call)
 {
     const StudySettings settings = studySettings(call.parser, call.dataset, call.out);
-    StudyCommand command = studyCommand(call.arguments);
-    command.processes = processesOf(call.parser);
+    const StudyCommand command = commandOf(call);
     const std::vector<ParticipantRows> participants = plannedRows(call, settings);
     prepareStudy(participants, settings, print);
-    runOnThisMachine(participants, settings, command,
-                     call.parser.isSet(QStringLiteral("keep-failed")), print);
+    if (call.parser.isSet(QStringLiteral("slurm")))
+        return ranOnSlurm(participants, settings, command,
+                          call.parser.isSet(QStringLiteral("wait")))
+                   ? endOf(participants, settings, true)
+                   : int(Done);
+    runOnThisMachine(participants, settings, command, print);
     const bool collects = !call.parser.isSet(QStringLiteral("no-collect"));
     if (collects)
         collectStudy(settings.out, print);
@@ -227,6 +268,18 @@ int run(const QStringList &given)
                          .arg(quoted(words.last())));
 }
 
+/// Pages have pictures, which need fonts.
+std::unique_ptr<QCoreApplication> makeCohortApplication(const QStringList &arguments, int &argc,
+                                                        char **argv)
+{
+    const QStringList plain = withPlainOptions(arguments);
+    const auto has = [&](const char *word) { return plain.contains(QLatin1String(word)); };
+    if (has("--no-pages") || !(has("participant") || has("--collect") || has("verify")))
+        return makePlainApplication(arguments, argc, argv);
+    argc = 1; // the arguments are those of a command, none is Qt's
+    return makePictureApplication(argc, argv, false);
+}
+
 } // namespace
 
 Command cohortCommand()
@@ -236,18 +289,19 @@ Command cohortCommand()
                   [--session-id|--session-label A ...] [--task-id|--task-label A ...]
                   [--space A ...] [--bids-filter-file F] --atlas F [--labels F]
                   [--atlas-name NAME] [--atlas F ...] [--min-coverage X] [--tr SECONDS]
-                  --clean NAME|help [--order NAME] [--high-pass HZ] [--low-pass HZ]
+                  [--dvars-scale N] --clean NAME|help [--order NAME] [--high-pass HZ] [--low-pass HZ]
                   [--no-detrend] [--standardize UNIT] [--fd-threshold MM]
                   [--dvars-threshold X] [--min-segment N] [--dummy-scans N|auto]
                   [--components N] [--motion-order PACKAGE] [--min-volumes N]
                   [--min-seconds S] [--measure NAME,NAME] [--shrinkage ledoit-wolf]
                   [--window S --step S [--taper NAME]]
                   [--events [--delay S] [--per-interval] [--centre-intervals]]
-                  [--nprocs N] [--keep-failed] [--no-collect]
+                  [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
+                  [--wait]] [--no-pages] [--keep-failed] [--no-collect]
   Corvane cohort BIDS_DIR OUT group
   Corvane cohort OUT status [--collect]
   Corvane cohort OUT verify [--sample N|--all|--inputs])",
-            "Makes matrices of all runs in a folder of subjects.", run};
+            "Makes matrices of all runs in a folder of subjects.", run, makeCohortApplication};
 }
 
 } // namespace corvane

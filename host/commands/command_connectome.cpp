@@ -134,8 +134,8 @@ Command connectomeCommand()
 {
     return {"connectome",
             R"(Corvane connectome --bold F --atlas F [--labels F] [--mask F] [--min-coverage X]
-                  [--tr SECONDS] [--confounds F] [--clean NAME|help] [--order NAME]
-                  [--high-pass HZ] [--low-pass HZ] [--no-detrend] [--standardize UNIT]
+                  [--tr SECONDS] [--dvars-scale N] [--confounds F] [--clean NAME|help]
+                  [--order NAME] [--high-pass HZ] [--low-pass HZ] [--no-detrend] [--standardize UNIT]
                   [--fd-threshold MM] [--dvars-threshold X] [--min-segment N] [--censor F]
                   [--dummy-scans N|auto] [--components N] [--motion-order PACKAGE]
                   [--min-volumes N] [--min-seconds S] [--measure NAME,NAME]

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 
 namespace corvane
 {
@@ -46,13 +47,53 @@ double shareValue(const QCommandLineParser &parser, const char *option)
     return share;
 }
 
+std::set<GroupTest> testsOf(const QCommandLineParser &parser)
+{
+    const auto option = QStringLiteral("test");
+    std::set<GroupTest> tests;
+    for (const QString &name : parser.value(option).split(QLatin1Char(',')))
+        tests.insert(valueNamed(name.trimmed(), option, groupTestNames));
+    return tests;
+}
+
+/// Throws UsageError for options that do not go with the tests.
+void checkTests(const GroupRequest &request, const QCommandLineParser &parser)
+{
+    const bool hasModel = request.asksForModel();
+    if (request.asks(GroupTest::Nbs))
+        requiredValue(parser, QStringLiteral("threshold"));
+    if (hasModel)
+        for (const char *option : {"formula", "contrast"})
+            requiredValue(parser, QLatin1String(option));
+    for (const char *option : {"threshold", "paired"})
+        if (!hasModel && parser.isSet(QLatin1String(option)))
+            throw UsageError(QStringLiteral("--%1 goes with --test glm or nbs, neither of which is "
+                                            "asked for")
+                                 .arg(QLatin1String(option)));
+    std::set<GroupTest> others = request.tests;
+    for (const GroupTest test : {GroupTest::Glm, GroupTest::Nbs, GroupTest::Tangent})
+        others.erase(test);
+    if (request.paired && !others.empty())
+        throw UsageError(QStringLiteral("--paired goes with --test glm and nbs alone"));
+    if (request.tests == std::set<GroupTest>{GroupTest::Tangent})
+        throw UsageError(QStringLiteral("--test tangent goes with another test, such as "
+                                        "glm,tangent"));
+    if (request.minNodeSubjects < request.neededNodes() &&
+        parser.isSet(QStringLiteral("min-node-subjects")))
+        throw UsageError(QStringLiteral("--min-node-subjects does not go with --test distance or "
+                                        "tangent: nodes that anyone lacks leave"));
+}
+
 GroupRequest requestOf(const QCommandLineParser &parser)
 {
     GroupRequest request;
     request.table = requiredValue(parser, QStringLiteral("table"));
-    request.formula = requiredValue(parser, QStringLiteral("formula"));
-    requiredValue(parser, QStringLiteral("contrast"));
+    request.tests = testsOf(parser);
+    if (parser.isSet(QStringLiteral("formula")))
+        request.formula = requiredValue(parser, QStringLiteral("formula"));
     request.contrasts = parser.values(QStringLiteral("contrast"));
+    request.session = parser.value(QStringLiteral("session"));
+    request.centroids = parser.value(QStringLiteral("centroids"));
     request.sides = chosenValue(parser, QStringLiteral("sides"), sidesNames);
     request.thresholds = thresholds(parser.value(QStringLiteral("threshold")));
     request.permutations = *wholeValue(parser, "permutations", 1);
@@ -63,6 +104,7 @@ GroupRequest requestOf(const QCommandLineParser &parser)
     request.fisherZ = chosenValue(parser, QStringLiteral("fisher-z"), fisherZNames);
     request.minNodeSubjects = shareValue(parser, "min-node-subjects");
     request.threads = static_cast<int>(std::min<qint64>(*wholeValue(parser, "threads", 0), 1024));
+    checkTests(request, parser);
     return request;
 }
 
@@ -75,6 +117,8 @@ void addOptions(QCommandLineParser &parser)
          QStringLiteral("A row for each participant: participant_id, matrix (its path, relative to "
                         "the table) and the columns of the formula, with tabs between them."),
          file},
+        {QStringLiteral("test"), QStringLiteral("What is asked, several with commas between them."),
+         valueNames(groupTestNames).join(QLatin1Char('|')), QLatin1String(groupTestNames[0].name)},
         {QStringLiteral("formula"), QStringLiteral("The model, such as \"group + center(age)\"."),
          QStringLiteral("formula")},
         {QStringLiteral("contrast"),
@@ -96,6 +140,11 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("blocks"), QStringLiteral("Permute within equal values of this column."),
          QStringLiteral("column")},
         {QStringLiteral("paired"), QStringLiteral("Two rows for each participant.")},
+        {QStringLiteral("session"),
+         QStringLiteral("The column of sessions; session_id or session if there is one."),
+         QStringLiteral("column")},
+        {QStringLiteral("centroids"),
+         QStringLiteral("For qcfc, where nodes are: a table with name, x, y and z in mm."), file},
         {QStringLiteral("fisher-z"), QStringLiteral("Whether correlations become Fisher's z."),
          valueNames(fisherZNames).join(QLatin1Char('|')), QLatin1String(fisherZNames[0].name)},
         {QStringLiteral("min-node-subjects"),
@@ -113,7 +162,8 @@ int run(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Tests a group at every edge of its matrices, and networks of edges above a threshold."));
+        "Tests a group at every edge of its matrices, networks of edges above a threshold, "
+        "distances between matrices, how well edges repeat, and how much they follow motion."));
     addOptions(parser);
     if (!parseArguments(parser, arguments, {}, {QStringLiteral("contrast")}))
         return Done;
@@ -124,12 +174,9 @@ int run(const QStringList &arguments)
     for (const QString &line : data.left)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     TerminalProgress progress(QStringLiteral("permuting"));
-    std::vector<ContrastResult> results;
-    for (const QString &contrast : request.contrasts)
-        results.push_back(testContrast(data, request, contrast, progress.watch()));
-    for (const ContrastResult &result : results)
-        for (const QString &line : result.notes)
-            std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+    const GroupResults results = testGroup(data, request, progress.watch());
+    for (const QString &line : results.notes)
+        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     OutputFolder files(folder, arguments.front());
     writeGroupFiles(files, request, data, results);
     for (const QString &line : files.commit())
@@ -137,7 +184,7 @@ int run(const QStringList &arguments)
     std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
                 counted(qint64(data.participants.size()), "row").toUtf8().constData(),
                 counted(qint64(data.nodes.size()), "node").toUtf8().constData(),
-                counted(qint64(results.size()), "contrast").toUtf8().constData());
+                counted(qint64(request.tests.size()), "test").toUtf8().constData());
     return Done;
 }
 
@@ -146,11 +193,13 @@ int run(const QStringList &arguments)
 Command groupCommand()
 {
     return {"group",
-            R"(Corvane group --table T.tsv --formula "group + age" --contrast NAME=SUM
+            R"(Corvane group --table T.tsv [--test glm,nbs,distance,icc,fingerprint,qcfc,tangent]
+                  [--formula "group + age"] [--contrast NAME=SUM ...]
                   [--threshold 3.1,...] [--sides each|both|greater|less] [--permutations N]
                   [--seed N] [--permutation-file F] [--blocks COLUMN] [--paired]
-                  [--fisher-z auto|yes|no] [--min-node-subjects 0.9] [--threads N] --out DIR)",
-            "Tests a group at every edge of its matrices.", run};
+                  [--session COLUMN] [--centroids F] [--fisher-z auto|yes|no]
+                  [--min-node-subjects 0.9] [--threads N] --out DIR)",
+            "Tests a group's matrices: edges, networks, distances, reliability, motion.", run};
 }
 
 } // namespace corvane

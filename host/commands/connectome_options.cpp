@@ -101,6 +101,20 @@ std::optional<double> repetitionTime(const QCommandLineParser &parser)
     return seconds;
 }
 
+std::optional<double> dvarsScale(const QCommandLineParser &parser, const CleaningRequest &cleaning)
+{
+    const std::optional<double> scale = numberValue(parser, "dvars-scale", 0);
+    if (!scale)
+        return scale;
+    if (*scale <= 0)
+        throw UsageError(QStringLiteral("--dvars-scale: found %1, expected a number above 0")
+                             .arg(quoted(parser.value(QStringLiteral("dvars-scale")))));
+    if (cleaning.settings.standardize != signals::Standardize::none)
+        throw UsageError(QStringLiteral("--dvars-scale is for series in the unit of the run, "
+                                        "--standardize gives them another"));
+    return scale;
+}
+
 } // namespace
 
 QList<QCommandLineOption> connectomeSettingOptions()
@@ -112,6 +126,10 @@ QList<QCommandLineOption> connectomeSettingOptions()
          QStringLiteral("share"), QStringLiteral("0.5")},
         {QStringLiteral("tr"),
          QStringLiteral("The repetition time, instead of the one in the header."), seconds},
+        {QStringLiteral("dvars-scale"),
+         QStringLiteral("For DVARS of the node series on the page: scales the median of the series "
+                        "before cleaning to this, often 1000; as stored without it."),
+         QStringLiteral("median")},
         {QStringLiteral("measure"),
          QStringLiteral("One or more, with commas: %1.")
              .arg(relationshipNames().join(QStringLiteral(", "))),
@@ -144,6 +162,7 @@ ConnectomeRequest connectomeSettings(const QCommandLineParser &parser)
         throw UsageError(
             QStringLiteral("--min-coverage: found %1, expected 0 to 1").arg(request.minCoverage));
     request.cleaning = cleaningSettings(parser);
+    request.dvarsScale = dvarsScale(parser, request.cleaning);
     request.relationships = relationships(parser.value(QStringLiteral("measure")));
     request.shrink = wantsShrinkage(parser, request.relationships);
     request.parts = partsRequest(parser);

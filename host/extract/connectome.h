@@ -19,6 +19,7 @@ struct ConnectomeRequest {
     QString events;                       ///< table of events; empty for none
     std::optional<double> repetitionTime; ///< seconds; else the header's
     double minCoverage = 0.5;
+    std::optional<double> dvarsScale; ///< median of the series for their DVARS; else as stored
     CleaningRequest cleaning;
     std::vector<Relationship> relationships{Relationship::Pearson};
     bool shrink = false;

@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/group/group_data.h"
 
-#include "dataset/counted.h"
-#include "host/files/graph_table.h"
 #include "host/files/input_error.h"
-#include "host/files/input_file.h"
-#include "host/files/limits.h"
-#include "host/files/tsv_table.h"
-#include "statistics/error.h"
-#include "statistics/fisher_z.h"
+#include "host/group/group_matrices.h"
+#include "host/group/group_table.h"
+#include "host/group/node_places.h"
 
-#include <QDir>
-#include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <numeric>
-#include <optional>
-#include <set>
+#include <algorithm>
+#include <limits>
 
 namespace corvane
 {
@@ -26,150 +17,8 @@ namespace
 
 using statistics::Index;
 
-const QString participantColumn = QStringLiteral("participant_id");
-const QString matrixColumn = QStringLiteral("matrix");
-
-/// The table as text, and where its rows stand in the file.
-class Study
-{
-public:
-    explicit Study(const QString &path) : m_table(path)
-    {
-        const int participants = m_table.requiredColumn(participantColumn);
-        m_matrix = m_table.requiredColumn(matrixColumn);
-        for (int column = 0; column < m_table.columns().size(); ++column) {
-            statistics::Column values{m_table.columns()[column].toStdString(), {}};
-            for (int row = 0; row < m_table.rowCount(); ++row)
-                values.values.push_back(m_table.cell(row, column).toStdString());
-            m_columns.columns.push_back(values);
-        }
-        for (int row = 0; row < m_table.rowCount(); ++row)
-            if (m_table.cell(row, participants).isEmpty())
-                throw InputError(path, m_table.place(row, participants),
-                                 QStringLiteral("an empty cell"), QStringLiteral("a participant"));
-    }
-
-    const statistics::Table &columns() const { return m_columns; }
-
-    std::string participant(Index row) const
-    {
-        return m_columns.column(participantColumn.toStdString()).values[row];
-    }
-
-    /// The matrix of a row; relative paths count from the table's folder.
-    QString matrixPath(Index row) const
-    {
-        const QString cell = m_table.cell(static_cast<int>(row), m_matrix);
-        if (statistics::is_missing(cell.toStdString()))
-            throw InputError(m_table.path(), m_table.place(static_cast<int>(row), m_matrix),
-                             QStringLiteral("no matrix of ") +
-                                 QString::fromStdString(participant(row)),
-                             QStringLiteral("a path"));
-        return QFileInfo(m_table.path()).absoluteDir().absoluteFilePath(cell);
-    }
-
-    void requireOneRowEach(const std::vector<Index> &rows) const
-    {
-        std::set<std::string> seen;
-        for (const Index row : rows)
-            if (!seen.insert(participant(row)).second)
-                throw InputError(m_table.path(), m_table.place(static_cast<int>(row)),
-                                 QStringLiteral("a second row of ") +
-                                     QString::fromStdString(participant(row)),
-                                 QStringLiteral("one row for each participant, or --paired"));
-    }
-
-private:
-    TsvTable m_table;
-    int m_matrix = 0;
-    statistics::Table m_columns;
-};
-
-/// What the file beside a matrix says about it, if there is one.
-std::optional<bool> saidToBeCorrelations(const QString &matrix)
-{
-    const QFileInfo file(matrix);
-    const QString beside = file.dir().filePath(file.completeBaseName() + QStringLiteral(".json"));
-    if (!QFileInfo(beside).isFile())
-        return std::nullopt;
-    const QJsonObject json = QJsonDocument::fromJson(InputFile(beside).all(largestText)).object();
-    const QString measure = json.value(QStringLiteral("RelationshipMeasure")).toString().toLower();
-    if (measure.isEmpty())
-        return std::nullopt;
-    for (const char *const known : {"pearson", "spearman", "partial"})
-        if (measure.contains(QLatin1String(known)))
-            return true;
-    return false;
-}
-
-struct Matrix {
-    QString path;
-    MatrixTable table;
-};
-
-/// Matrices of the same nodes.
-std::vector<Matrix> readMatrices(const Study &study, const std::vector<Index> &rows)
-{
-    std::vector<Matrix> matrices;
-    for (const Index row : rows) {
-        const QString path = study.matrixPath(row);
-        matrices.push_back({path, readMatrixTable(path)});
-        const MatrixTable &first = matrices.front().table;
-        const MatrixTable &table = matrices.back().table;
-        if (table.values.rows() != first.values.rows())
-            throw InputError(
-                path, QStringLiteral("size"), counted(table.values.rows(), "node"),
-                QStringLiteral("%1 as in %2").arg(first.values.rows()).arg(matrices.front().path));
-        if (table.names != first.names)
-            throw InputError(
-                path, QStringLiteral("names"), QStringLiteral("other nodes"),
-                QStringLiteral("those of %1 in the same order").arg(matrices.front().path));
-    }
-    return matrices;
-}
-
-std::vector<std::string> nodeNames(const MatrixTable &table)
-{
-    std::vector<std::string> names;
-    for (Index node = 0; node < table.values.rows(); ++node)
-        names.push_back(table.names.isEmpty() ? std::to_string(node)
-                                              : table.names[static_cast<int>(node)].toStdString());
-    return names;
-}
-
-/// Whether the matrices hold correlations: the same for all of them.
-bool areCorrelations(const std::vector<Matrix> &matrices)
-{
-    std::optional<bool> all;
-    for (const Matrix &matrix : matrices) {
-        const bool is = saidToBeCorrelations(matrix.path)
-                            .value_or(statistics::looks_like_correlations(matrix.table.values));
-        if (all && is != *all)
-            throw InputError(matrix.path, QStringLiteral("values"),
-                             is ? QStringLiteral("correlations")
-                                : QStringLiteral("no correlations"),
-                             QStringLiteral("the same as in the matrices before, or --fisher-z yes "
-                                            "or no"));
-        all = is;
-    }
-    return all.value_or(false);
-}
-
-bool isWanted(FisherZ wanted, const std::vector<Matrix> &matrices)
-{
-    return wanted == FisherZ::Auto ? areCorrelations(matrices) : wanted == FisherZ::Yes;
-}
-
-/// Calls a function of the library and names the file that it refuses.
-template <typename Function>
-void ofFile(const QString &path, const Function &function)
-{
-    try {
-        function();
-    } catch (const statistics::Error &error) {
-        throw statistics::Error(printable(path, 4096).toStdString() + ": " + error.what());
-    }
-}
+const QString motionColumn = QStringLiteral("mean_fd");
+const QString freedomColumn = QStringLiteral("degrees_of_freedom");
 
 template <typename Value>
 std::vector<Value> chosen(const std::vector<Value> &values, const std::vector<Index> &which)
@@ -177,6 +26,15 @@ std::vector<Value> chosen(const std::vector<Value> &values, const std::vector<In
     std::vector<Value> some;
     for (const Index i : which)
         some.push_back(values[i]);
+    return some;
+}
+
+/// Matrices are large, and not copied.
+std::vector<GroupMatrix> taken(std::vector<GroupMatrix> matrices, const std::vector<Index> &which)
+{
+    std::vector<GroupMatrix> some;
+    for (const Index i : which)
+        some.push_back(std::move(matrices[i]));
     return some;
 }
 
@@ -188,17 +46,17 @@ QString listed(const std::vector<std::string> &names)
     return list.join(QStringLiteral(", "));
 }
 
-QStringList leftForValues(const Study &study, const statistics::Design &design)
+QStringList leftForValues(const GroupTable &table, const statistics::Design &design)
 {
     QStringList left;
     for (const statistics::MissingValue &missing : design.missing)
         left += QStringLiteral("%1 is left out: no %2")
-                    .arg(QString::fromStdString(study.participant(missing.row)),
+                    .arg(QString::fromStdString(table.participant(missing.row)),
                          QString::fromStdString(missing.column));
     return left;
 }
 
-QStringList leftForNodes(const Study &study, const std::vector<Index> &rows,
+QStringList leftForNodes(const GroupTable &table, const std::vector<Index> &rows,
                          const statistics::CompletePart &part,
                          const std::vector<std::string> &names)
 {
@@ -208,60 +66,184 @@ QStringList leftForNodes(const Study &study, const std::vector<Index> &rows,
                     .arg(QString::fromStdString(names[node]));
     for (std::size_t i = 0; i < part.dropped_subjects.size(); ++i)
         left += QStringLiteral("%1 is left out: lacks %2")
-                    .arg(QString::fromStdString(study.participant(rows[part.dropped_subjects[i]])),
+                    .arg(QString::fromStdString(table.participant(rows[part.dropped_subjects[i]])),
                          listed(chosen(names, part.lacking[i])));
     return left;
 }
 
-/// The kept nodes' edges of the kept matrices.
-void takeEdges(const std::vector<Matrix> &matrices, const statistics::CompletePart &part,
-               const std::vector<std::string> &names, FisherZ wanted, GroupData &data)
+/// The columns in which no row may lack a value, beside those of the formula.
+std::vector<std::string> neededColumns(const GroupRequest &request, const QString &session)
 {
-    data.isFisherZ = isWanted(wanted, matrices);
-    data.edges.resize(static_cast<Index>(part.subjects.size()),
-                      statistics::edge_count(static_cast<int>(part.nodes.size())));
-    for (std::size_t i = 0; i < part.subjects.size(); ++i) {
-        const Matrix &matrix = matrices[part.subjects[i]];
-        ofFile(matrix.path, [&] {
-            Eigen::RowVectorXd edges = statistics::edges_of(matrix.table.values, part.nodes, names);
-            if (data.isFisherZ)
-                data.clipped += static_cast<qint64>(statistics::fisher_z(edges).size());
-            data.edges.row(static_cast<Index>(i)) = edges;
-        });
+    std::vector<std::string> needed = {"participant_id"};
+    if (!request.blocks.isEmpty())
+        needed.push_back(request.blocks.toStdString());
+    if (request.asksForSessions())
+        needed.push_back(session.toStdString());
+    if (request.asks(GroupTest::QcFc))
+        needed.push_back(motionColumn.toStdString());
+    return needed;
+}
+
+/// Each row of these is to be another participant.
+bool needsOneRowEach(const GroupRequest &request)
+{
+    const bool compares = request.asks(GroupTest::Distance) && !request.contrasts.isEmpty();
+    return !request.paired && (request.asksForModel() || request.asks(GroupTest::QcFc) || compares);
+}
+
+QStringList matrixPaths(const GroupTable &table, const std::vector<Index> &rows)
+{
+    QStringList paths;
+    for (const Index row : rows)
+        paths += table.matrixPath(row);
+    return paths;
+}
+
+/// Whether a column of a design is of motion, alone or in an interaction.
+bool isOfMotion(const std::string &column)
+{
+    for (const QString &factor : QString::fromStdString(column).split(QLatin1Char(':')))
+        if (factor == motionColumn || factor == QStringLiteral("center(%1)").arg(motionColumn) ||
+            factor.startsWith(motionColumn + QLatin1Char('[')))
+            return true;
+    return false;
+}
+
+void takeCovariates(const statistics::Design &design, MotionData &motion)
+{
+    motion.covariates.resize(design.matrix.rows(), 0);
+    for (std::size_t column = 0; column < design.columns.size(); ++column) {
+        if (isOfMotion(design.columns[column]))
+            continue;
+        motion.columns.push_back(design.columns[column]);
+        motion.covariates.conservativeResize(Eigen::NoChange, motion.covariates.cols() + 1);
+        motion.covariates.rightCols(1) = design.matrix.col(static_cast<Index>(column));
     }
+}
+
+/// The uncleaned matrices of all rows; none if a row has none.
+QStringList uncleanedPaths(const GroupTable &table, const std::vector<Index> &rows)
+{
+    QStringList paths;
+    for (const Index row : rows) {
+        const QString path = table.uncleanedPath(row);
+        if (path.isEmpty())
+            return {};
+        paths += path;
+    }
+    return paths;
+}
+
+/// Edges for the tests: in tangent space, or as they are.
+void takeEdges(const std::vector<GroupMatrix> &matrices, const std::vector<Index> &nodes,
+               const std::vector<std::string> &names, const GroupRequest &request, GroupData &data)
+{
+    if (request.asks(GroupTest::Distance)) {
+        edgesOf(matrices, nodes, names, false); // for what it refuses
+        data.graphs = graphsOf(matrices, nodes);
+    }
+    if (request.asks(GroupTest::Tangent)) {
+        TangentEdges tangent = tangentEdgesOf(matrices, nodes);
+        data.edges = std::move(tangent.edges);
+        data.tangentMean = std::move(tangent.mean);
+        data.tangentSteps = tangent.steps;
+        return;
+    }
+    data.isFisherZ = becomeFisherZ(request.fisherZ, matrices);
+    GroupEdges edges = edgesOf(matrices, nodes, names, data.isFisherZ);
+    data.edges = std::move(edges.edges);
+    data.clipped = edges.clipped;
+}
+
+/// Uncleaned matrices count as the cleaned ones do, but stay out of tangent space.
+void takeUncleaned(const GroupTable &table, const std::vector<Index> &rows,
+                   const std::vector<Index> &nodes, const MatrixTable &like, GroupData &data,
+                   const GroupRequest &request)
+{
+    const QStringList paths = uncleanedPaths(table, rows);
+    if (request.asks(GroupTest::Tangent)) {
+        data.notes += QStringLiteral("QC-FC is of tangent space alone: uncleaned matrices are not "
+                                     "taken there");
+        return;
+    }
+    if (paths.isEmpty()) {
+        data.notes += QStringLiteral("QC-FC without cleaning is n/a: not all rows have an "
+                                     "uncleaned matrix");
+        return;
+    }
+    const std::vector<GroupMatrix> matrices = readGroupMatrices(paths);
+    const std::vector<std::string> names = nodeNames(matrices.front().table);
+    if (matrices.front().table.names != like.names ||
+        matrices.front().table.values.rows() != like.values.rows())
+        throw InputError(paths.front(), QStringLiteral("names"), QStringLiteral("other nodes"),
+                         QStringLiteral("those of the cleaned matrices in the same order"));
+    data.motion.uncleaned = edgesOf(matrices, nodes, names, data.isFisherZ).edges;
+}
+
+void takeMotion(const GroupTable &table, const std::vector<Index> &rows,
+                const GroupRequest &request, GroupData &data)
+{
+    MotionData &motion = data.motion;
+    motion.meanFd = table.numbers(motionColumn, rows);
+    motion.meanDegreesOfFreedom = table.has(freedomColumn)
+                                      ? table.numbers(freedomColumn, rows).mean()
+                                      : std::numeric_limits<double>::quiet_NaN();
+    takeCovariates(data.design, motion);
+    if (request.centroids.isEmpty()) {
+        data.notes += QStringLiteral("QC-FC's correlation with distance is n/a: --centroids tells "
+                                     "where the nodes are");
+        return;
+    }
+    const NodePlaces places = readNodePlaces(request.centroids);
+    motion.distances = edgeDistances(places, data.nodes);
+    QStringList unknown;
+    for (const std::string &node : data.nodes)
+        if (places.count(QString::fromStdString(node)) == 0)
+            unknown += QString::fromStdString(node);
+    if (unknown.size() == int(data.nodes.size()))
+        throw InputError(request.centroids, QStringLiteral("name"),
+                         QStringLiteral("none of the nodes"),
+                         QStringLiteral("nodes such as %1").arg(unknown.front()));
+    if (!unknown.isEmpty())
+        data.notes += QStringLiteral("without a place: ") + unknown.join(QStringLiteral(", "));
 }
 
 } // namespace
 
 GroupData readGroupData(const GroupRequest &request)
 {
-    const Study study(request.table);
-    std::vector<std::string> needed = {participantColumn.toStdString()};
-    if (!request.blocks.isEmpty())
-        needed.push_back(request.blocks.toStdString());
+    const GroupTable table(request.table);
+    const QString session = table.sessionColumn(request.session, request.asksForSessions());
+    const std::vector<std::string> needed = neededColumns(request, session);
     const std::string formula = request.formula.toStdString();
-    const statistics::Design all = statistics::make_design(formula, study.columns(), needed);
-    if (!request.paired)
-        study.requireOneRowEach(all.rows);
+    const statistics::Design all = statistics::make_design(formula, table.columns(), needed);
+    if (needsOneRowEach(request))
+        table.requireOneRowEach(all.rows);
 
-    const std::vector<Matrix> matrices = readMatrices(study, all.rows);
+    std::vector<GroupMatrix> matrices = readGroupMatrices(matrixPaths(table, all.rows));
     std::vector<std::vector<char>> present;
-    for (const Matrix &matrix : matrices)
+    for (const GroupMatrix &matrix : matrices)
         present.push_back(statistics::nodes_present(matrix.table.values));
-    const statistics::CompletePart part =
-        statistics::complete_part(present, request.minNodeSubjects);
+    const statistics::CompletePart part = statistics::complete_part(present, request.neededNodes());
     const std::vector<std::string> names = nodeNames(matrices.front().table);
     const std::vector<Index> rows = chosen(all.rows, part.subjects);
+    matrices = taken(std::move(matrices), part.subjects);
 
     GroupData data;
-    data.left = leftForValues(study, all) + leftForNodes(study, all.rows, part, names);
+    data.left = leftForValues(table, all) + leftForNodes(table, all.rows, part, names);
     data.nodes = chosen(names, part.nodes);
-    const statistics::Table kept = study.columns().with_rows(rows);
-    data.participants = kept.column(participantColumn.toStdString()).values;
+    const statistics::Table kept = table.columns().with_rows(rows);
+    data.participants = kept.column("participant_id").values;
+    if (!session.isEmpty())
+        data.sessions = kept.column(session.toStdString()).values;
     if (!request.blocks.isEmpty())
         data.blocks = kept.column(request.blocks.toStdString()).values;
     data.design = statistics::make_design(formula, kept, needed);
-    takeEdges(matrices, part, names, request.fisherZ, data);
+    takeEdges(matrices, part.nodes, names, request, data);
+    if (request.asks(GroupTest::QcFc)) {
+        takeMotion(table, rows, request, data);
+        takeUncleaned(table, rows, part.nodes, matrices.front().table, data, request);
+    }
     return data;
 }
 

@@ -2,12 +2,12 @@
 #include "host/group/group_files.h"
 
 #include "host/files/output_file.h"
-#include "host/files/text_check.h"
+#include "host/group/table_cells.h"
+#include "host/group/test_tables.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cmath>
 
 namespace corvane
 {
@@ -16,26 +16,6 @@ namespace
 {
 
 using statistics::Index;
-
-QByteArray cell(double number)
-{
-    return std::isnan(number) ? QByteArray("n/a") : shortestDecimal(number);
-}
-
-QByteArray cell(const std::string &text)
-{
-    return QByteArray::fromStdString(text);
-}
-
-QByteArray cell(Index number)
-{
-    return QByteArray::number(qlonglong(number));
-}
-
-QByteArray line(const QByteArrayList &cells)
-{
-    return cells.join('\t') + '\n';
-}
 
 /// The design after the first contrast's rows: those of pairs if participants are paired.
 QByteArray designTable(const ContrastResult &result)
@@ -177,12 +157,21 @@ QJsonObject contrastFacts(const ContrastResult &result)
     };
 }
 
+QJsonArray testNames(const GroupRequest &request)
+{
+    QJsonArray names;
+    for (const GroupTest test : request.tests)
+        names += QLatin1String(nameOf(test, groupTestNames));
+    return names;
+}
+
 QJsonObject settings(const GroupRequest &request, const GroupData &data)
 {
     QJsonArray thresholds;
     for (const double threshold : request.thresholds)
         thresholds += threshold;
     return {
+        {QStringLiteral("Tests"), testNames(request)},
         {QStringLiteral("Table"), request.table},
         {QStringLiteral("Formula"), request.formula},
         {QStringLiteral("Contrasts"), QJsonArray::fromStringList(request.contrasts)},
@@ -194,39 +183,42 @@ QJsonObject settings(const GroupRequest &request, const GroupData &data)
         {QStringLiteral("PermutationFile"), request.permutationFile},
         {QStringLiteral("Blocks"), request.blocks},
         {QStringLiteral("Paired"), request.paired},
+        {QStringLiteral("Session"), request.session},
+        {QStringLiteral("Centroids"), request.centroids},
         {QStringLiteral("FisherZ"), QLatin1String(nameOf(request.fisherZ, fisherZNames))},
         {QStringLiteral("FisherZApplied"), data.isFisherZ},
-        {QStringLiteral("MinNodeSubjects"), request.minNodeSubjects},
+        {QStringLiteral("MinNodeSubjects"), request.neededNodes()},
     };
 }
 
-QByteArray sidecar(const GroupRequest &request, const GroupData &data,
-                   const std::vector<ContrastResult> &results)
+QByteArray sidecar(const GroupRequest &request, const GroupData &data, const GroupResults &results)
 {
     QJsonArray contrasts;
-    for (const ContrastResult &result : results)
+    for (const ContrastResult &result : results.contrasts)
         contrasts += contrastFacts(result);
-    const QJsonObject json{
+    QJsonObject json{
         {QStringLiteral("Settings"), settings(request, data)},
         {QStringLiteral("Participants"), texts(data.participants)},
+        {QStringLiteral("Sessions"), texts(data.sessions)},
         {QStringLiteral("Nodes"), texts(data.nodes)},
         {QStringLiteral("LeftOut"), QJsonArray::fromStringList(data.left)},
         {QStringLiteral("ClippedCorrelations"), data.clipped},
         {QStringLiteral("Contrasts"), contrasts},
+        {QStringLiteral("Notes"), QJsonArray::fromStringList(results.notes)},
     };
+    const QJsonObject facts = testFacts(data, results);
+    for (auto fact = facts.begin(); fact != facts.end(); ++fact)
+        json.insert(fact.key(), fact.value());
     return QJsonDocument(json).toJson();
 }
 
-} // namespace
-
-void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, const GroupData &data,
-                     const std::vector<ContrastResult> &results)
+/// The tables of the model at every edge.
+void writeModelTables(const OutputFolder &folder, bool hasNetworks, const GroupData &data,
+                      const std::vector<ContrastResult> &results)
 {
-    const bool hasNetworks = !request.thresholds.empty();
     bool hasInfluences = false;
     for (const ContrastResult &result : results)
         hasInfluences = hasInfluences || !result.influences.empty();
-
     writeFile(folder.path(QStringLiteral("design.tsv")), designTable(results.front()));
     writeFile(folder.path(QStringLiteral("edges.tsv")), edgeTable(data, results));
     if (hasNetworks)
@@ -234,6 +226,25 @@ void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, co
     if (hasInfluences)
         writeFile(folder.path(QStringLiteral("influence.tsv")),
                   influenceTable(data, results, hasNetworks));
+}
+
+} // namespace
+
+void writeGroupFiles(const OutputFolder &folder, const GroupRequest &request, const GroupData &data,
+                     const GroupResults &results)
+{
+    if (!results.contrasts.empty())
+        writeModelTables(folder, !request.thresholds.empty(), data, results.contrasts);
+    if (results.distance)
+        writeDistanceTables(folder, data, *results.distance);
+    if (results.icc)
+        writeIccTable(folder, data, *results.icc);
+    if (!results.fingerprints.empty())
+        writeFingerprintTables(folder, results.fingerprints);
+    if (!results.qcfc.empty())
+        writeQcFcTables(folder, data, results.qcfc);
+    if (data.tangentMean.size() > 0)
+        writeTangentTable(folder, data);
     writeFile(folder.path(QStringLiteral("group.json")), sidecar(request, data, results));
 }
 

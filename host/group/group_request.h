@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace corvane
@@ -28,10 +29,30 @@ inline constexpr NamedValue<statistics::Sides> sidesNames[] = {
     {statistics::Sides::greater, "greater"},
     {statistics::Sides::less, "less"}};
 
+/// What may be asked. Networks come from the edges' model, given thresholds.
+enum class GroupTest {
+    Glm,         ///< a model at every edge
+    Nbs,         ///< networks of edges
+    Distance,    ///< spectral distances between matrices
+    Icc,         ///< intraclass correlations of each edge over sessions
+    Fingerprint, ///< whether participants are known again in another session
+    QcFc,        ///< how much edges follow motion
+    Tangent,     ///< the other tests take the edges in tangent space
+};
+
+inline constexpr NamedValue<GroupTest> groupTestNames[] = {{GroupTest::Glm, "glm"},
+                                                           {GroupTest::Nbs, "nbs"},
+                                                           {GroupTest::Distance, "distance"},
+                                                           {GroupTest::Icc, "icc"},
+                                                           {GroupTest::Fingerprint, "fingerprint"},
+                                                           {GroupTest::QcFc, "qcfc"},
+                                                           {GroupTest::Tangent, "tangent"}};
+
 /// What is asked about a group.
 struct GroupRequest {
+    std::set<GroupTest> tests = {GroupTest::Glm};
     QString table; ///< path; its columns participant_id and matrix, and those of the formula
-    QString formula;
+    QString formula = QStringLiteral("1");
     QStringList contrasts; ///< NAME=SUM
     statistics::Sides sides = statistics::Sides::each;
     std::vector<double> thresholds; ///< of networks; none for none
@@ -40,9 +61,25 @@ struct GroupRequest {
     QString permutationFile; ///< path, or empty
     QString blocks;          ///< a column of the table, or empty
     bool paired = false;     ///< two rows per participant
+    /// A column of the table; empty for session_id or session, whichever is there.
+    QString session;
+    QString centroids; ///< path of a table of the nodes' places in mm, or empty
     FisherZ fisherZ = FisherZ::Auto;
     double minNodeSubjects = 0.9;
     int threads = 0; ///< 0: one for each processor
+
+    bool asks(GroupTest test) const { return tests.count(test) > 0; }
+    /// Whether a model is made at every edge.
+    bool asksForModel() const { return asks(GroupTest::Glm) || asks(GroupTest::Nbs); }
+    /// Whether rows are to repeat participants in sessions.
+    bool asksForSessions() const { return asks(GroupTest::Icc) || asks(GroupTest::Fingerprint); }
+    /// The share of the participants that must have a node: all of them where matrices are
+    /// compared as a whole, since their distance depends on the number of nodes.
+    double neededNodes() const
+    {
+        const bool whole = asks(GroupTest::Distance) || asks(GroupTest::Tangent);
+        return whole ? 1.0 : minNodeSubjects;
+    }
 };
 
 } // namespace corvane

@@ -176,7 +176,7 @@ double varianceLeft(const Connectome &connectome)
 void addMotion(HtmlPage &page, const ConnectomeRequest &request, const Connectome &connectome)
 {
     page.section(QStringLiteral("Motion and signal over the run"), QStringLiteral("motion"));
-    const PagePicture motion = motionPicture(connectome);
+    const PagePicture motion = motionPicture(connectome, request.dvarsScale);
     page.picture(
         motion.png, motion.size,
         QStringLiteral("Curves over the volumes of the run: framewise displacement and DVARS."),

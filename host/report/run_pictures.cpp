@@ -12,8 +12,8 @@
 #include "host/painting/ring_painting.h"
 #include "host/painting/volume_axis.h"
 #include "host/report/atlas_views.h"
+#include "host/report/node_dvars.h"
 #include "signals/confounds.h"
-#include "signals/dvars.h"
 
 #include <cmath>
 #include <limits>
@@ -43,22 +43,6 @@ Eigen::ArrayXd tableDvars(const Connectome &connectome)
     const signals::ConfoundsTable &table = connectome.cleaning.table;
     const auto column = signals::column_named(table, "std_dvars");
     return column ? Eigen::ArrayXd(table.values.col(*column)) : Eigen::ArrayXd();
-}
-
-/// DVARS of the cleaned series of all nodes that have values, where the volume before is kept too.
-Eigen::ArrayXd nodeDvars(const Connectome &connectome)
-{
-    std::vector<Index> covered;
-    for (std::size_t node = 0; node < connectome.nodes.size(); ++node)
-        if (connectome.isCovered(node))
-            covered.push_back(Index(node));
-    const CleanedSeries &cleaned = connectome.cleaned;
-    const Eigen::ArrayXd values = signals::dvars(cleaned.values(Eigen::all, covered)).plain;
-    Eigen::ArrayXd all = Eigen::ArrayXd::Constant(connectome.series.rows(), missing);
-    for (std::size_t row = 1; row < cleaned.volumes.size(); ++row)
-        if (cleaned.volumes[row] == cleaned.volumes[row - 1] + 1)
-            all[cleaned.volumes[row]] = values[Index(row)];
-    return all;
 }
 
 /// Each node's series in standard deviations of its kept volumes, as a row; nodes whose series does
@@ -102,9 +86,17 @@ CarpetPicture carpet(const Connectome &connectome, const NodeOrder &order,
     return picture;
 }
 
+CurvePicture nodeDvarsCurve(const Connectome &connectome, std::optional<double> scale)
+{
+    const QString unit = scale ? QStringLiteral("their median before it scaled to %1").arg(*scale)
+                               : QStringLiteral("in their unit");
+    return {QStringLiteral("DVARS of the node series after cleaning, ") + unit,
+            nodeDvars(connectome, scale), 0, leftOutOf(connectome)};
+}
+
 } // namespace
 
-PagePicture motionPicture(const Connectome &connectome)
+PagePicture motionPicture(const Connectome &connectome, std::optional<double> dvarsScale)
 {
     const signals::Thresholds &thresholds = connectome.cleaning.selection.thresholds;
     const std::vector<bool> leftOut = leftOutOf(connectome);
@@ -118,8 +110,7 @@ PagePicture motionPicture(const Connectome &connectome)
         curves.push_back({QStringLiteral("std_dvars of the table of confounds: voxels, before "
                                          "cleaning"),
                           dvars, thresholds.std_dvars, leftOut});
-    curves.push_back({QStringLiteral("DVARS of the node series after cleaning, in their unit"),
-                      nodeDvars(connectome), 0, leftOut});
+    curves.push_back(nodeDvarsCurve(connectome, dvarsScale));
     constexpr int height = 150;
     return paintedPicture(
         QSize(pageWidth, height * int(curves.size())), 2,

@@ -11,7 +11,8 @@ namespace corvane
 {
 
 /// Curves of FD, of the table's DVARS and of the cleaned nodes' DVARS, as far as they are known.
-PagePicture motionPicture(const Connectome &connectome);
+/// With a scale the series count as if their median before cleaning were that.
+PagePicture motionPicture(const Connectome &connectome, std::optional<double> dvarsScale);
 
 /// The series of all nodes before and after cleaning.
 PagePicture carpetPicture(const Connectome &connectome);

@@ -4,6 +4,7 @@
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 #include "host/study/study_folder.h"
+#include "host/study/study_pages.h"
 #include "host/study/study_plan.h"
 
 #include <QDir>
@@ -120,13 +121,24 @@ void collectStudy(const QString &out, const Tell &tell)
     const auto lock = lockStudy(out, tell);
     tidyStudyFolder(out);
     QByteArray table = headLine();
+    std::vector<KnownRow> all;
+    bool withPages = false;
     for (const QString &folder : participantFolders(out)) {
         for (const QString &line : recordCrashes(plannedRows(out, folder), out, {}))
             tell(line);
-        for (const KnownRow &row : knownRows(out, folder))
+        const std::vector<KnownRow> rows = knownRows(out, folder);
+        for (const KnownRow &row : rows)
             table += tableLine(row);
+        all.insert(all.end(), rows.begin(), rows.end());
+        if (planHasPages(out, folder)) {
+            writeSubjectPage(out, folder, rows);
+            withPages = true;
+        }
     }
-    writeFile(out + QStringLiteral("/participants_connectome.tsv"), table);
+    const QString name = QStringLiteral("participants_connectome.tsv");
+    writeFile(out + QLatin1Char('/') + name, table);
+    if (withPages)
+        writeStudyPage(out, all, name);
 }
 
 } // namespace corvane

@@ -12,7 +12,8 @@ void writeDescription(const QString &out, const QString &dataset, const Tell &te
 
 /// Writes the study's table, participants_connectome.tsv, from the records of all participants:
 /// whatever was computed where. Rows that a process which is gone had in work are recorded as
-/// failed. May be done any number of times, under the study's lock. Throws InputError.
+/// failed. Where rows have pages, so do their participants and the study: these need a
+/// QGuiApplication. May be done any number of times, under the study's lock. Throws InputError.
 void collectStudy(const QString &out, const Tell &tell);
 
 } // namespace corvane

@@ -2,7 +2,9 @@
 #include "host/study/compute_row.h"
 
 #include "host/files/input_error.h"
+#include "host/files/output_file.h"
 #include "host/files/process_identity.h"
+#include "host/report/run_page.h"
 #include "host/study/row_state.h"
 #include "host/study/slurm_job.h"
 #include "host/study/study_folder.h"
@@ -49,7 +51,7 @@ void makeRow(const StudyRow &row, const StudySettings &settings, RowRecord &reco
 {
     record.inputs = stampsOf(row, settings.dataset);
     OutputFolder folder(settings.out + QLatin1Char('/') + row.name.folder, writerOf(row.name));
-    const Connectome connectome = writeRow(row, settings.dataset, folder);
+    const Connectome connectome = writeRow(row, settings.dataset, settings.pages, folder);
     completeStamps(row, settings.dataset, record.inputs);
     record.ledger = ledgerJson(connectome.cleaning.design.ledger);
     record.notes = connectome.notes;
@@ -102,10 +104,19 @@ QString writerOf(const RowName &name)
     return QStringLiteral("cohort ") + name.stem();
 }
 
-Connectome writeRow(const StudyRow &row, const QString &dataset, const OutputFolder &folder)
+QString runPageName(const RowName &name)
+{
+    return runPageName(ConnectomeNames{name.prefix, name.atlas, {}});
+}
+
+Connectome writeRow(const StudyRow &row, const QString &dataset, bool withPage,
+                    const OutputFolder &folder)
 {
     Connectome connectome = makeConnectome(row.request);
-    writeConnectomeTables(folder, row.request, namesOf(row, dataset), connectome);
+    const ConnectomeNames names = namesOf(row, dataset);
+    writeConnectomeTables(folder, row.request, names, connectome);
+    if (withPage)
+        writeFile(folder.path(runPageName(names)), runPage(row.request, names, connectome));
     return connectome;
 }
 

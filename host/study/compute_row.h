@@ -7,9 +7,14 @@
 namespace corvane
 {
 
-/// Writes what a row consists of, but for its record, into a folder in work. Throws what
+/// Writes what a row consists of, but for its record, into a folder in work. A page needs a
+/// QGuiApplication. Throws what
 /// makeConnectome throws.
-Connectome writeRow(const StudyRow &row, const QString &dataset, const OutputFolder &folder);
+Connectome writeRow(const StudyRow &row, const QString &dataset, bool withPage,
+                    const OutputFolder &folder);
+
+/// What a row's page is called.
+QString runPageName(const RowName &name);
 
 /// The record of a row that was not tried yet: what it is, and who is at it.
 RowRecord begunRecord(const StudyRow &row, const StudySettings &settings);

@@ -2,6 +2,7 @@
 #include "host/study/row_state.h"
 
 #include "host/files/input_error.h"
+#include "host/study/compute_row.h"
 
 #include <QFileInfo>
 
@@ -93,6 +94,9 @@ QString whyToMake(const StudyRow &row, const std::optional<RowRecord> &record,
         return QStringLiteral("changed: settings");
     if (record->repetitionTime != row.request.repetitionTime)
         return QStringLiteral("changed: repetition time");
+    if (settings.pages && record->status == RowStatus::Done &&
+        !record->outputs.contains(runPageName(row.name)))
+        return QStringLiteral("without page");
     const QString changed = changedInput(row, *record, settings.dataset);
     if (!changed.isEmpty())
         return QStringLiteral("changed: ") + changed;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/study/run_rows.h"
 
+#include "host/derivatives/run_images.h"
 #include "host/files/file_lock.h"
 #include "host/files/input_error.h"
 #include "host/study/compute_row.h"
 #include "host/study/row_state.h"
 #include "host/study/slurm_job.h"
 #include "host/study/study_folder.h"
+#include "host/study/study_pages.h"
 
 #include <QFileInfo>
 
@@ -55,6 +57,9 @@ void runRows(const std::vector<StudyRow> &rows, const StudySettings &settings, b
         if (!stays && !whyToMake(row, record, settings, sum).isEmpty())
             tell(lineOf(computeRow(row, settings, record)));
     }
+    const QString folder = participantFolder(rows.front().name.participant);
+    if (settings.pages)
+        writeSubjectPage(settings.out, folder, knownRows(settings.out, folder));
 }
 
 QStringList recordCrashes(const std::vector<RowRecord> &planned, const QString &out,

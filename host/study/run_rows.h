@@ -17,7 +17,8 @@ QString lineOf(const RowRecord &record);
 
 /// Computes, one after the other in this process, those rows that are not yet there or have
 /// changed, each under its lock; one that another process has is passed over, which is told. With
-/// `keepFailed` rows that failed before stay so. Throws InputError when nothing can be written.
+/// `keepFailed` rows that failed before stay so. All rows are of one participant, whose page is
+/// written at the end. Throws InputError when nothing can be written.
 void runRows(const std::vector<StudyRow> &rows, const StudySettings &settings, bool keepFailed,
              const Tell &tell);
 

@@ -68,17 +68,19 @@ void prepareStudy(const std::vector<ParticipantRows> &participants, const StudyS
         writePlan(rows, settings);
 }
 
-QStringList StudyCommand::of(const QStringList &participants) const
+QStringList StudyCommand::task() const
 {
-    return words + QStringList{QStringLiteral("--participant-label")} + participants;
+    QStringList all = words + QStringList{QStringLiteral("--no-collect")};
+    if (keepFailed)
+        all += QStringLiteral("--keep-failed");
+    return all;
 }
 
 void runOnThisMachine(const std::vector<ParticipantRows> &participants,
-                      const StudySettings &settings, const StudyCommand &command, bool keepFailed,
-                      const Tell &tell)
+                      const StudySettings &settings, const StudyCommand &command, const Tell &tell)
 {
     if (participants.size() == 1)
-        return runRows(participants.front(), settings, keepFailed, tell);
+        return runRows(participants.front(), settings, command.keepFailed, tell);
     LocalWork work;
     work.processes = command.processes;
     work.memory = memoryForAll();
@@ -86,9 +88,10 @@ void runOnThisMachine(const std::vector<ParticipantRows> &participants,
         if (hasWork(rows, settings))
             work.tasks.push_back({participantOf(rows), [&rows] { return memoryFor(rows); }});
     work.arguments = [&](const QString &participant, bool isAgain) {
-        QStringList words = command.of({participant}) + QStringList{QStringLiteral("--no-collect")};
-        if (isAgain || keepFailed)
+        QStringList words = command.task();
+        if (isAgain && !command.keepFailed)
             words += QStringLiteral("--keep-failed");
+        words += {QStringLiteral("--participant-label"), participant};
         return words;
     };
     work.crashed = [&](const QString &participant, const QString &how) {
@@ -99,6 +102,26 @@ void runOnThisMachine(const std::vector<ParticipantRows> &participants,
         return !lines.isEmpty() && hasWork(rowsOf(participant, participants), settings);
     };
     runLocally(work);
+}
+
+std::optional<SlurmJobs> submitStudy(const std::vector<ParticipantRows> &participants,
+                                     const StudySettings &settings, const StudyCommand &command,
+                                     const QStringList &collect)
+{
+    SlurmWork work;
+    for (const ParticipantRows &rows : participants)
+        if (hasWork(rows, settings)) {
+            work.participants += participantOf(rows);
+            work.memory = std::max(work.memory, memoryFor(rows));
+        }
+    if (work.participants.isEmpty())
+        return std::nullopt;
+    work.out = settings.out;
+    work.participantsPerTask = command.participantsPerTask;
+    work.options = command.slurmOptions;
+    work.taskArguments = command.task() + QStringList{QStringLiteral("--nprocs=1")};
+    work.collectArguments = collect;
+    return submitToSlurm(work);
 }
 
 } // namespace corvane

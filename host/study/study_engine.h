@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/study/run_rows.h"
+#include "host/study/slurm_engine.h"
 #include "host/study/study_status.h"
 
 #include <vector>
@@ -27,14 +28,24 @@ void prepareStudy(const std::vector<ParticipantRows> &participants, const StudyS
 /// one.
 struct StudyCommand {
     QStringList words; ///< all but which participants
-    int processes = 1;
-    QStringList of(const QStringList &participants) const;
+    int processes = 1; ///< on this machine
+    bool keepFailed = false;
+    int participantsPerTask = 1; ///< of Slurm
+    QStringList slurmOptions;    ///< for sbatch
+
+    /// Of a process that computes and does not collect, but for its participants.
+    QStringList task() const;
 };
 
 /// Computes what is to be made on this machine: one participant in this process, several in
 /// processes of their own.
 void runOnThisMachine(const std::vector<ParticipantRows> &participants,
-                      const StudySettings &settings, const StudyCommand &command, bool keepFailed,
-                      const Tell &tell);
+                      const StudySettings &settings, const StudyCommand &command, const Tell &tell);
+
+/// Submits what is to be made to Slurm, without waiting for it, and returns the jobs; none when
+/// there is nothing to do. `collect` is the command line that collects.
+std::optional<SlurmJobs> submitStudy(const std::vector<ParticipantRows> &participants,
+                                     const StudySettings &settings, const StudyCommand &command,
+                                     const QStringList &collect);
 
 } // namespace corvane

@@ -41,6 +41,7 @@ QByteArray planText(const std::vector<StudyRow> &rows, const StudySettings &sett
                            {QStringLiteral("dataset"), settings.dataset},
                            {QStringLiteral("options"), settings.options},
                            {QStringLiteral("settings"), settingsSum(settings.options)},
+                           {QStringLiteral("pages"), settings.pages},
                            {QStringLiteral("rows"), names}};
     return QJsonDocument(plan).toJson();
 }
@@ -69,6 +70,13 @@ void writePlan(const std::vector<StudyRow> &rows, const StudySettings &settings)
     const QByteArray text = planText(rows, settings);
     if (bytesAt(planPath(settings.out, folder)) != text)
         writeFile(planPath(settings.out, folder), text);
+}
+
+bool planHasPages(const QString &out, const QString &participantFolder)
+{
+    return QJsonDocument::fromJson(bytesAt(planPath(out, participantFolder)))
+        .object()[QStringLiteral("pages")]
+        .toBool();
 }
 
 std::vector<RowRecord> plannedRows(const QString &out, const QString &participantFolder)

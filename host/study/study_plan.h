@@ -20,6 +20,9 @@ void writePlan(const std::vector<StudyRow> &rows, const StudySettings &settings)
 /// is no plan.
 std::vector<RowRecord> plannedRows(const QString &out, const QString &participantFolder);
 
+/// Whether a participant's rows were planned with pages.
+bool planHasPages(const QString &out, const QString &participantFolder);
+
 /// What is known of a row of the study.
 struct KnownRow {
     RowRecord record;

@@ -30,6 +30,7 @@ struct StudySettings {
     /// and two calls are compared.
     QJsonObject options;
     std::vector<StudyAtlas> atlases;
+    bool pages = true; ///< a page of HTML for each row, each participant and the study
 };
 
 struct StudyRow {

@@ -86,7 +86,8 @@ QStringList faultsOf(const QString &out, const RowRecord &record, const RequestM
     const ScratchFolder scratch;
     const OutputFolder made(scratch.path(), writerOf(record.name));
     try {
-        writeRow(rowOf(record, requestOf), record.dataset, made);
+        writeRow(rowOf(record, requestOf), record.dataset,
+                 record.outputs.contains(runPageName(record.name)), made);
     } catch (const signals::Refused &refusal) {
         return wasExcluded && record.reason == QString::fromUtf8(refusal.what())
                    ? QStringList()

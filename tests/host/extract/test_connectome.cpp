@@ -522,6 +522,11 @@ TEST_F(ConnectomeCommand, WhatCannotBeAskedForIsWrongUsage)
                 HasSubstr("--window goes with --step"));
     EXPECT_THAT(refusal({QStringLiteral("--shrinkage"), QStringLiteral("ledoit-wolf")}),
                 HasSubstr("none of which is asked for"));
+    EXPECT_THAT(refusal({QStringLiteral("--dvars-scale"), QStringLiteral("0")}),
+                HasSubstr("--dvars-scale: found \"0\", expected a number above 0"));
+    EXPECT_THAT(refusal({QStringLiteral("--dvars-scale"), QStringLiteral("1000"),
+                         QStringLiteral("--standardize"), QStringLiteral("psc")}),
+                HasSubstr("--dvars-scale is for series in the unit of the run"));
     EXPECT_THAT(refusal({QStringLiteral("--delay"), QStringLiteral("4")}),
                 HasSubstr("--delay goes with --events"));
     EXPECT_THAT(refusal({QStringLiteral("--min-coverage"), QStringLiteral("2")}),

@@ -3,6 +3,7 @@
 #include "host/extract/node_measures.h"
 #include "host/report/atlas_views.h"
 #include "host/report/html_page.h"
+#include "host/report/node_dvars.h"
 #include "host/report/run_page.h"
 #include "host/report/study_page.h"
 #include "signals/intervals.h"
@@ -75,6 +76,29 @@ void expectSound(const QByteArray &page)
         EXPECT_GT(colours.size(), 8)
             << picture.value(QLatin1String("alt")).toString().toStdString();
     }
+}
+
+// ---- DVARS of nodes
+
+TEST(NodeDvars, AreChangesFromVolumeToVolumeOfWhatIsKept)
+{
+    Connectome connectome;
+    connectome.nodes.resize(3);
+    connectome.cleaned.volumes = {1, 2, 4, 5};
+    connectome.cleaned.values.resize(4, 3);
+    connectome.cleaned.values << 1, 2, NAN, -2, 6, NAN, 0, 0, NAN, 3, -1, NAN;
+    connectome.series.resize(6, 3);
+    connectome.series << 40, 60, 1, 50, 50, 1, 45, 55, 1, 70, 30, 1, 50, 50, 1, 50, 50, 1;
+    const Eigen::ArrayXd stored = nodeDvars(connectome, {});
+    ASSERT_EQ(stored.size(), 6);
+    for (const int none : {0, 1, 3, 4}) // nothing is kept there, or before it
+        EXPECT_TRUE(std::isnan(stored[none])) << none;
+    EXPECT_DOUBLE_EQ(stored[2], std::sqrt((9.0 + 16) / 2));
+    EXPECT_DOUBLE_EQ(stored[5], std::sqrt((9.0 + 1) / 2));
+    // The median of both nodes that have values is 50.
+    const Eigen::ArrayXd scaled = nodeDvars(connectome, 1000);
+    EXPECT_DOUBLE_EQ(scaled[2], 20 * stored[2]);
+    EXPECT_DOUBLE_EQ(nodeDvars(connectome, 100)[5], 2 * stored[5]);
 }
 
 // ---- pages as such

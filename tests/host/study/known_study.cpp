@@ -166,7 +166,8 @@ QStringList KnownStudy::arguments(const QString &step, const QStringList &more) 
                        QStringLiteral("--atlas"),
                        atlas(),
                        QStringLiteral("--clean"),
-                       QStringLiteral("columns:trouble")} +
+                       QStringLiteral("columns:trouble"),
+                       QStringLiteral("--no-pages")} +
            more;
 }
 

@@ -451,6 +451,62 @@ TEST(Cohort, AFolderThatCannotBeWrittenIsAnError)
     EXPECT_EQ(ran.errorLines(), 1);
 }
 
+TEST(CohortPages, OfARunItsParticipantAndTheStudyLeadToEachOther)
+{
+    KnownStudy study;
+    study.add("01");
+    KnownRun broken("02");
+    broken.isBroken = true;
+    study.add(broken);
+    QStringList arguments = study.arguments(participantStep);
+    arguments.removeAll(QStringLiteral("--no-pages"));
+    EXPECT_EQ(runCorvane(arguments).status, 1);
+    const auto page = [&](const char *name) {
+        return bytesOf(study.out() + QLatin1Char('/') + QLatin1String(name)).toStdString();
+    };
+    EXPECT_THAT(page("index.html"), HasSubstr("href=\"sub-01.html\""));
+    EXPECT_THAT(page("index.html"), HasSubstr("Small - connectomes"));
+    const char *const run = "sub-01/func/sub-01_task-rest_space-T1w_atlas-Four_report.html";
+    EXPECT_THAT(page("sub-01.html"), HasSubstr(std::string("href=\"") + run + "\""));
+    EXPECT_THAT(page("sub-02.html"), HasSubstr("found the end of the file"));
+
+    const QString folder = study.path(QStringLiteral("one"));
+    ASSERT_EQ(
+        runCorvane({QStringLiteral("connectome"), QStringLiteral("--bold"),
+                    study.file("01", "_space-T1w_desc-preproc_bold.nii.gz"),
+                    QStringLiteral("--atlas"), study.atlas(), QStringLiteral("--confounds"),
+                    study.file("01", "_desc-confounds_timeseries.tsv"), QStringLiteral("--clean"),
+                    QStringLiteral("columns:trouble"), QStringLiteral("--min-seconds"),
+                    QStringLiteral("240"), QStringLiteral("--dataset-root"), study.dataset(),
+                    QStringLiteral("--page"), QStringLiteral("--out"), folder})
+            .status,
+        0);
+    EXPECT_EQ(KnownStudy::filesBelow(study.out() + QStringLiteral("/sub-01/func")),
+              KnownStudy::filesBelow(folder));
+    EXPECT_EQ(study.ofStudy({QStringLiteral("verify")}).status, 0);
+
+    // A second call leaves all pages as they are.
+    const QDateTime time = QFileInfo(study.out() + QStringLiteral("/sub-01.html")).lastModified();
+    EXPECT_EQ(runCorvane(arguments).status, 1);
+    EXPECT_EQ(QFileInfo(study.out() + QStringLiteral("/sub-01.html")).lastModified(), time);
+}
+
+TEST(CohortPages, AreMadeLaterOfRowsThatHadNone)
+{
+    KnownStudy study;
+    study.addParticipants(1);
+    ASSERT_EQ(study.cohort(participantStep).status, 0);
+    EXPECT_FALSE(QFileInfo::exists(study.out() + QStringLiteral("/index.html")));
+    QStringList arguments = study.arguments(participantStep);
+    arguments.removeAll(QStringLiteral("--no-pages"));
+    EXPECT_THAT(linesOf(runCorvane(arguments).output),
+                testing::Contains(StartsWith("sub-01_task")));
+    EXPECT_TRUE(QFileInfo::exists(study.output("01", "report.html")));
+    EXPECT_TRUE(QFileInfo::exists(study.out() + QStringLiteral("/index.html")));
+    EXPECT_THAT(linesOf(study.cohort(participantStep).output),
+                ElementsAre(study.out().toStdString() + ": 1 row: 1 done"));
+}
+
 TEST(Cohort, TheDescriptionIsOfADerivativeOfTheDataset)
 {
     KnownStudy study;
