@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The window of a study: its table, what it opens, and the step that computes it.
+#include "host/session/session.h"
 #include "host/workbench/cohort_run.h"
 #include "host/workbench/file_field.h"
+#include "host/workbench/main_window.h"
 #include "host/workbench/study_table.h"
 #include "host/workbench/study_window.h"
 #include "tests/host/study/known_study.h"
@@ -270,6 +272,22 @@ esac
         QTest::qWaitFor([&] { return child<QProgressBar>("progress")->value() == 1; }, 30000));
     window.reset();
     EXPECT_EQ(bytesOf(scripts.path("ended")), "ended\n");
+}
+
+TEST(Workbench, HasOneWindowForStudies)
+{
+    Session session;
+    MainWindow window(session);
+    window.show();
+    for (int time = 0; time < 2; ++time) {
+        for (QAction *action : window.findChildren<QAction *>())
+            if (action->text() == QLatin1String("Open &Study..."))
+                action->trigger();
+        const QList<StudyWindow *> studies = window.findChildren<StudyWindow *>();
+        ASSERT_EQ(studies.size(), 1);
+        EXPECT_TRUE(studies.first()->isVisible());
+        studies.first()->close();
+    }
 }
 
 TEST(CohortRun, FollowsTheProgramItself)
