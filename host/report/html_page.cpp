@@ -37,10 +37,10 @@ td.number { white-space: nowrap; }
 .number { text-align: right; font-variant-numeric: tabular-nums; }
 .name { white-space: nowrap; }
 .wide { min-width: 16em; overflow-wrap: anywhere; }
-.done, .excluded, .missing, .failed { font-weight: 600; white-space: nowrap; }
+.done, .excluded, .missing, .failed, .open { font-weight: 600; white-space: nowrap; }
 .done { color: #1a6b34; }
 .excluded { color: #8a5300; }
-.missing { color: #5a6068; }
+.missing, .open { color: #5a6068; }
 .failed { color: #b01e28; }
 .faint { color: #70767e; }
 figure { margin: 18px 0; }

@@ -9,7 +9,7 @@ namespace corvane
 namespace
 {
 
-constexpr const char *states[] = {"done", "excluded", "missing", "failed"};
+constexpr const char *states[] = {"done", "excluded", "missing", "failed", "open"};
 
 /// The class of the page's style for a status.
 const char *styleOf(const QString &status)

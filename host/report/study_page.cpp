@@ -63,7 +63,8 @@ void addUndone(HtmlPage &page, const StudySummary &study)
     }
     page.paragraph(QStringLiteral(
         "Excluded: a rule of the ledger says that too little is left. Missing: a file that the run "
-        "needs is not there. Failed: a file cannot be read, or the work broke off."));
+        "needs is not there. Failed: a file cannot be read, or the work broke off. Open: not "
+        "computed yet."));
     if (undone.size() > mostRows) {
         addTableNote(
             page, study,

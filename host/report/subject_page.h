@@ -13,7 +13,7 @@ namespace corvane
 struct ReportedRun {
     QString name;       ///< "ses-1_task-rest_space-T1w", without the subject
     QString atlas;      ///< as files are named
-    QString status;     ///< "done", "excluded", "missing" or "failed"
+    QString status;     ///< "done", "excluded", "missing", "failed" or "open"
     QString reason;     ///< why it is not done; empty for none
     QString page;       ///< the run's page, relative to the subject's; empty for none
     QJsonObject ledger; ///< of ledgerJson(); empty when it is not known

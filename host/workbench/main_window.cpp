@@ -20,6 +20,7 @@
 #ifdef CORVANE_IMPORT
 #include "host/workbench/example_files.h"
 #include "host/workbench/import_dialog.h"
+#include "host/workbench/study_window.h"
 #endif
 
 #include <QApplication>
@@ -204,6 +205,7 @@ void MainWindow::makeFileMenu()
     QAction *const import = menu->addAction(tr("&Import..."), this, &MainWindow::importFiles);
     import->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
     menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
+    menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
     menu->addSeparator();
 #endif
     QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
@@ -431,6 +433,16 @@ void MainWindow::importFiles()
     dialog->setAttribute(Qt::WA_DeleteOnClose, false);
     if (dialog->exec() == QDialog::Accepted && dialog)
         openFiles(dialog->importedFiles());
+}
+
+/// One window for all studies, which goes on computing while it is closed.
+void MainWindow::openStudy()
+{
+    if (m_study == nullptr)
+        m_study = new StudyWindow(this);
+    m_study->show();
+    m_study->raise();
+    m_study->activateWindow();
 }
 
 void MainWindow::openExample()

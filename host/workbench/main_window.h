@@ -16,6 +16,7 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class StudyWindow;
 class Session;
 class BeforeCleaning;
 class TimeCourseReader;
@@ -80,6 +81,7 @@ private:
     void chooseFiles();
     void importFiles();
     void openExample();
+    void openStudy();
     void closeDocument();
     void showDocument(int step);
     void start(Plugin &plugin);
@@ -102,6 +104,7 @@ private:
     TimeCourseReader *m_reader;
     int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;
+    StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;
     QMenu *m_helpMenu = nullptr;
     QList<QAction *> m_documentActions; ///< of use only while a document is open

@@ -434,7 +434,8 @@ TEST(SubjectPage, HasARowForEachRunWithItsLedger)
     const QByteArray page =
         subjectPage(QStringLiteral("sub-<1>"),
                     {reportedRun(QStringLiteral("task-rest"), QStringLiteral("done"), 0.25),
-                     reportedRun(QStringLiteral("task-two"), QStringLiteral("missing"), 0)});
+                     reportedRun(QStringLiteral("task-two"), QStringLiteral("missing"), 0),
+                     reportedRun(QStringLiteral("task-six"), QStringLiteral("open"), 0)});
     expectSound(page);
     const PageContents contents = readPage(page);
     EXPECT_EQ(contents.headings.first(), QStringLiteral("sub-<1>"));
@@ -445,7 +446,7 @@ TEST(SubjectPage, HasARowForEachRunWithItsLedger)
                      QStringLiteral("190"), QStringLiteral("n/a"), QStringLiteral("about 93.46"),
                      QStringLiteral("380.5"), QStringLiteral("0.25"), QStringLiteral("n/a")}));
     EXPECT_EQ(contents.targets, QStringList{QStringLiteral("task-rest_report.html")});
-    EXPECT_TRUE(contents.text.contains(QStringLiteral("1 done, 1 missing")));
+    EXPECT_TRUE(contents.text.contains(QStringLiteral("1 done, 1 missing, 1 open")));
     EXPECT_TRUE(contents.text.contains(
         QStringLiteral("task-two, atlas A, is missing: because of <task-two>")));
 }

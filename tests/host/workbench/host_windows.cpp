@@ -8,6 +8,7 @@
 #include "host/workbench/background_work.h"
 #include "host/workbench/import_dialog.h"
 #include "host/workbench/main_window.h"
+#include "host/workbench/study_window.h"
 #include "host/workbench/time_course_view.h"
 #include "tests/host/support/host_files.h"
 #include "tests/support/modal_driver.h"
@@ -107,6 +108,19 @@ void importDialog(const LookAtWindow &look)
     ImportDialog dialog;
     dialog.show();
     look(dialog);
+}
+
+void studyWindow(const LookAtWindow &look)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("participants_connectome.tsv"),
+             "participant_id\tsession_id\trun\tatlas_id\tstatus\tkept\treason\n"
+             "sub-01\ta\tsub-01_ses-a_task-rest\tExample\tdone\t190\tn/a\n"
+             "sub-02\ta\tsub-02_ses-a_task-rest\tExample\texcluded\t20\ttoo little is left\n");
+    StudyWindow window;
+    window.openStudy(folder.path());
+    window.show();
+    look(window);
 }
 
 QPushButton *importButton(const ImportDialog &dialog)
@@ -237,6 +251,7 @@ const std::vector<HostWindow> &hostWindows()
                                              {"ImportDialog", importDialog},
                                              {"FilledImportDialog", filledImportDialog},
                                              {"ReplaceQuestion", replaceQuestion},
+                                             {"Study", studyWindow},
                                              {"Progress", progress},
                                              {"Message", message},
                                              {"About", about},
