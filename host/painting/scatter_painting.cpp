@@ -133,7 +133,7 @@ void paintPoints(QPainter &painter, const Plot &plot, const ScatterPicture &pict
     const double crowd = std::sqrt(100.0 / std::max<double>(100.0, double(picture.xs.size())));
     QColor colour = pointColour;
     colour.setAlphaF(std::max(0.08, 0.7 * std::sqrt(crowd)));
-    const double radius = std::max(1.0, 4 * crowd);
+    const double radius = std::max(1.2, 4 * std::sqrt(crowd));
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
     for (Eigen::Index i = 0; i < picture.xs.size(); ++i)
