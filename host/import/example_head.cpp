@@ -19,7 +19,7 @@ double zigzag(double place)
     return 4 * std::abs(place - std::floor(place + 0.5)) - 1;
 }
 
-nifti_1_header niftiHeader(const Grid &grid, int volumes, SampleType type)
+nifti_1_header niftiHeader(const Grid &grid, int volumes, SampleType type, Space space)
 {
     nifti_1_header header{};
     header.sizeof_hdr = sizeof header;
@@ -37,8 +37,8 @@ nifti_1_header niftiHeader(const Grid &grid, int volumes, SampleType type)
     header.bitpix = type == Bytes ? 8 : 16;
     header.vox_offset = 352;
     header.xyzt_units = NIFTI_UNITS_MM | NIFTI_UNITS_SEC;
-    header.qform_code = NIFTI_XFORM_SCANNER_ANAT;
-    header.sform_code = NIFTI_XFORM_SCANNER_ANAT;
+    header.qform_code = static_cast<short>(space);
+    header.sform_code = static_cast<short>(space);
     header.qoffset_x = header.srow_x[3] = static_cast<float>(grid.first[0]);
     header.qoffset_y = header.srow_y[3] = static_cast<float>(grid.first[1]);
     header.qoffset_z = header.srow_z[3] = static_cast<float>(grid.first[2]);
@@ -84,9 +84,9 @@ quint8 labelAt(double x, double y, double z)
     return 0;
 }
 
-void writeHeader(GzipFile &file, const Grid &grid, int volumes, SampleType type)
+void writeHeader(GzipFile &file, const Grid &grid, int volumes, SampleType type, Space space)
 {
-    const nifti_1_header header = niftiHeader(grid, volumes, type);
+    const nifti_1_header header = niftiHeader(grid, volumes, type, space);
     file.write(&header, sizeof header);
     const char noExtension[4] = {0, 0, 0, 0};
     file.write(noExtension, sizeof noExtension);

@@ -47,7 +47,11 @@ quint8 labelAt(double x, double y, double z);
 /// Kinds of samples, with the numbers that NIfTI gives them.
 enum SampleType { Bytes = 2, Shorts = 4 };
 
+/// Coordinate systems, with the numbers that NIfTI gives them.
+enum Space { Scanner = 1, Template = 4 };
+
 /// The header of an image and what follows it before the samples; a run has more than one volume.
-void writeHeader(GzipFile &file, const Grid &grid, int volumes, SampleType type);
+void writeHeader(GzipFile &file, const Grid &grid, int volumes, SampleType type,
+                 Space space = Scanner);
 
 } // namespace corvane::example

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/import/example_rest.h"
 
+#include "host/import/example_confounds.h"
 #include "host/import/example_head.h"
 #include "host/import/example_signals.h"
 #include "signals/drift.h"
 #include "signals/dvars.h"
 #include "signals/motion.h"
 
-#include <Eigen/Eigenvalues>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
@@ -196,64 +196,6 @@ MatrixXd seriesOf(const std::vector<Voxel> &all, const std::vector<std::vector<q
     return series;
 }
 
-/// A table as it grows; NaN is told as n/a.
-class ConfoundsText
-{
-public:
-    void add(const QByteArray &name, const VectorXd &values)
-    {
-        m_names += name;
-        m_columns.push_back(values);
-    }
-    /// With derivative and squares, as a pipeline does.
-    void addExpanded(const QByteArray &name, const VectorXd &values)
-    {
-        VectorXd change(values.size());
-        change[0] = NAN;
-        for (Eigen::Index t = 1; t < values.size(); ++t)
-            change[t] = values[t] - values[t - 1];
-        add(name, values);
-        add(name + "_derivative1", change);
-        add(name + "_derivative1_power2", change.array().square());
-        add(name + "_power2", values.array().square());
-    }
-    QByteArray text() const
-    {
-        QByteArray table = m_names.join('\t') + '\n';
-        for (int t = 0; t < volumeCount; ++t) {
-            QList<QByteArray> cells;
-            for (const VectorXd &values : m_columns)
-                cells += std::isnan(values[t]) ? QByteArray("n/a")
-                                               : QByteArray::number(values[t], 'g', 10);
-            table += cells.join('\t') + '\n';
-        }
-        return table;
-    }
-
-private:
-    QList<QByteArray> m_names;
-    std::vector<VectorXd> m_columns;
-};
-
-QByteArray numbered(const char *stem, Eigen::Index number)
-{
-    return stem + QByteArray::number(qlonglong(number)).rightJustified(2, '0');
-}
-
-/// The main components of series without mean and drift: volumes x count, by the eigenvectors of
-/// their products (Behzadi et al. 2007, doi:10.1016/j.neuroimage.2007.04.042).
-MatrixXd mainComponents(MatrixXd series, const MatrixXd &cosines, Eigen::Index count)
-{
-    series.rowwise() -= series.colwise().mean().eval();
-    series -= cosines * (cosines.transpose() * series);
-    const Eigen::SelfAdjointEigenSolver<MatrixXd> solver(series * series.transpose());
-    MatrixXd components = solver.eigenvectors().rightCols(count).rowwise().reverse();
-    for (auto component : components.colwise())
-        if (component.sum() < 0)
-            component = -component;
-    return components;
-}
-
 class Components
 {
 public:
@@ -283,7 +225,7 @@ void writeConfounds(const OutputFolder &folder, const std::vector<Voxel> &all,
     const MatrixXd cosines = signals::cosines(
         volumeCount, signals::cosines_below(volumeCount, repetitionTime, 1.0 / 128));
 
-    ConfoundsText table;
+    ConfoundsText table(10);
     table.addExpanded("global_signal", brain.rowwise().mean());
     table.addExpanded("csf", fluid.rowwise().mean());
     table.addExpanded("white_matter", white.rowwise().mean());
@@ -292,9 +234,9 @@ void writeConfounds(const OutputFolder &folder, const std::vector<Voxel> &all,
     Components components;
     MatrixXd both(volumeCount, fluid.cols() + white.cols());
     both << fluid, white;
-    components.add(table, "a_comp_cor_", "combined", mainComponents(both, cosines, 5));
-    components.add(table, "c_comp_cor_", "CSF", mainComponents(fluid, cosines, 5));
-    components.add(table, "w_comp_cor_", "WM", mainComponents(white, cosines, 5));
+    components.add(table, "a_comp_cor_", "combined", mainComponents(both, cosines, 5).series);
+    components.add(table, "c_comp_cor_", "CSF", mainComponents(fluid, cosines, 5).series);
+    components.add(table, "w_comp_cor_", "WM", mainComponents(white, cosines, 5).series);
     for (Eigen::Index k = 0; k < cosines.cols(); ++k)
         table.add(numbered("cosine", k), cosines.col(k));
     for (std::size_t volume = 0; volume < std::size(beginnings); ++volume)

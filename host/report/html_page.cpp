@@ -13,7 +13,7 @@ constexpr auto pageStyle = R"(
 * { box-sizing: border-box; }
 body { margin: 0; background: #fff; color: #1c1e21; line-height: 1.5;
   font-family: Liberation Sans, Arial, Helvetica, sans-serif; font-size: 16px; }
-main { max-width: 1200px; margin: 0 auto; padding: 24px 20px 64px; }
+main { max-width: 1360px; margin: 0 auto; padding: 24px 20px 64px; }
 h1 { font-size: 1.7rem; line-height: 1.25; margin: 0 0 4px; overflow-wrap: anywhere; }
 h2 { font-size: 1.25rem; margin: 44px 0 10px; padding-bottom: 5px; border-bottom: 2px solid #e3e6ea; }
 h3 { font-size: 1.02rem; margin: 24px 0 6px; }
