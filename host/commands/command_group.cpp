@@ -8,6 +8,7 @@
 #include "host/files/output_folder.h"
 #include "host/files/text_check.h"
 #include "host/group/group_files.h"
+#include "host/group/group_pictures.h"
 
 #include <QCommandLineParser>
 
@@ -153,6 +154,7 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("threads"),
          QStringLiteral("0: one for each processor. They do not change the result."), number,
          QStringLiteral("0")},
+        {QStringLiteral("plots"), QStringLiteral("Also draw what was found.")},
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
          QStringLiteral("folder")},
     });
@@ -179,6 +181,8 @@ int run(const QStringList &arguments)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     OutputFolder files(folder, arguments.front());
     writeGroupFiles(files, request, data, results);
+    if (parser.isSet(QStringLiteral("plots")))
+        writeGroupPictures(files, data, results);
     for (const QString &line : files.commit())
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
@@ -198,8 +202,9 @@ Command groupCommand()
                   [--threshold 3.1,...] [--sides each|both|greater|less] [--permutations N]
                   [--seed N] [--permutation-file F] [--blocks COLUMN] [--paired]
                   [--session COLUMN] [--centroids F] [--fisher-z auto|yes|no]
-                  [--min-node-subjects 0.9] [--threads N] --out DIR)",
-            "Tests a group's matrices: edges, networks, distances, reliability, motion.", run};
+                  [--min-node-subjects 0.9] [--threads N] [--plots] --out DIR)",
+            "Tests a group's matrices: edges, networks, distances, reliability, motion.", run,
+            makePlotsApplication};
 }
 
 } // namespace corvane

@@ -10,6 +10,7 @@ namespace corvane
 struct Command;
 
 Command cohortCommand();
+Command compareCommand();
 Command computeCommand();
 Command connectomeCommand();
 Command exampleCommand();

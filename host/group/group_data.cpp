@@ -212,7 +212,10 @@ void takeMotion(const GroupTable &table, const std::vector<Index> &rows,
 
 GroupData readGroupData(const GroupRequest &request)
 {
-    const GroupTable table(request.table);
+    std::optional<StudyTable> study;
+    if (request.study)
+        study = readStudyTable(*request.study);
+    const GroupTable table = study ? GroupTable(study->table) : GroupTable(request.table);
     const QString session = table.sessionColumn(request.session, request.asksForSessions());
     const std::vector<std::string> needed = neededColumns(request, session);
     const std::string formula = request.formula.toStdString();
@@ -230,7 +233,9 @@ GroupData readGroupData(const GroupRequest &request)
     matrices = taken(std::move(matrices), part.subjects);
 
     GroupData data;
-    data.left = leftForValues(table, all) + leftForNodes(table, all.rows, part, names);
+    if (study)
+        data.left = study->left;
+    data.left += leftForValues(table, all) + leftForNodes(table, all.rows, part, names);
     data.nodes = chosen(names, part.nodes);
     const statistics::Table kept = table.columns().with_rows(rows);
     data.participants = kept.column("participant_id").values;

@@ -157,6 +157,22 @@ QJsonObject contrastFacts(const ContrastResult &result)
     };
 }
 
+/// Null without a study.
+QJsonValue studyFacts(const GroupRequest &request)
+{
+    if (!request.study)
+        return {};
+    const StudySelection &study = *request.study;
+    return QJsonObject{{QStringLiteral("Folder"), study.out},
+                       {QStringLiteral("Participants"), study.participants},
+                       {QStringLiteral("Atlas"), study.atlas},
+                       {QStringLiteral("Space"), study.space},
+                       {QStringLiteral("Task"), study.task},
+                       {QStringLiteral("Session"), study.session},
+                       {QStringLiteral("AllSessions"), study.allSessions},
+                       {QStringLiteral("Measure"), study.measure}};
+}
+
 QJsonArray testNames(const GroupRequest &request)
 {
     QJsonArray names;
@@ -173,6 +189,7 @@ QJsonObject settings(const GroupRequest &request, const GroupData &data)
     return {
         {QStringLiteral("Tests"), testNames(request)},
         {QStringLiteral("Table"), request.table},
+        {QStringLiteral("Study"), studyFacts(request)},
         {QStringLiteral("Formula"), request.formula},
         {QStringLiteral("Contrasts"), QJsonArray::fromStringList(request.contrasts)},
         {QStringLiteral("Sides"), QLatin1String(nameOf(request.sides, sidesNames))},

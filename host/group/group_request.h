@@ -2,11 +2,13 @@
 #pragma once
 
 #include "engine/compute_settings.h"
+#include "host/group/study_table.h"
 #include "statistics/glm.h"
 
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -51,6 +53,8 @@ inline constexpr NamedValue<GroupTest> groupTestNames[] = {{GroupTest::Glm, "glm
 /// What is asked about a group.
 struct GroupRequest {
     std::set<GroupTest> tests = {GroupTest::Glm};
+    /// The rows of a study's folder, instead of a table.
+    std::optional<StudySelection> study;
     QString table; ///< path; its columns participant_id and matrix, and those of the formula
     QString formula = QStringLiteral("1");
     QStringList contrasts; ///< NAME=SUM

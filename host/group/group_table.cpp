@@ -32,8 +32,10 @@ QString besideMatrix(const QString &matrix)
 
 } // namespace
 
-GroupTable::GroupTable(const QString &path)
-    : m_table(path), m_matrix(m_table.requiredColumn(QStringLiteral("matrix")))
+GroupTable::GroupTable(const QString &path) : GroupTable(TsvTable(path)) {}
+
+GroupTable::GroupTable(TsvTable table)
+    : m_table(std::move(table)), m_matrix(m_table.requiredColumn(QStringLiteral("matrix")))
 {
     const int participants = m_table.requiredColumn(participantColumn);
     for (int column = 0; column < m_table.columns().size(); ++column) {
@@ -44,7 +46,7 @@ GroupTable::GroupTable(const QString &path)
     }
     for (int row = 0; row < m_table.rowCount(); ++row)
         if (m_table.cell(row, participants).isEmpty())
-            throw InputError(path, m_table.place(row, participants),
+            throw InputError(m_table.path(), m_table.place(row, participants),
                              QStringLiteral("an empty cell"), QStringLiteral("a participant"));
 }
 

@@ -14,6 +14,7 @@ class GroupTable
 public:
     /// Throws without the columns participant_id and matrix, or for a row without a participant.
     explicit GroupTable(const QString &path);
+    explicit GroupTable(TsvTable table);
 
     const statistics::Table &columns() const { return m_columns; }
     bool has(const QString &column) const { return m_table.column(column) >= 0; }

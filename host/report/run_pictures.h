@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/extract/connectome_files.h"
-#include "host/report/page_picture.h"
+#include "host/painting/page_picture.h"
 
 /// @file
 /// The pictures of a run's page. All need a QGuiApplication.

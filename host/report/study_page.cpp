@@ -2,9 +2,9 @@
 #include "host/report/study_page.h"
 
 #include "host/painting/histogram_painting.h"
+#include "host/painting/page_picture.h"
 #include "host/painting/volume_axis.h"
 #include "host/report/ledger_table.h"
-#include "host/report/page_picture.h"
 #include "host/report/run_table.h"
 
 #include <algorithm>

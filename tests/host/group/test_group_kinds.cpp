@@ -460,6 +460,32 @@ TEST_F(GroupKinds, TheSameBytesOnOneThreadOrTwoAndOverOlderFiles)
                           QStringLiteral("qcfc")}));
 }
 
+TEST_F(GroupKinds, PicturesOfEdgesNetworksAndMotion)
+{
+    writePeople();
+    write(QStringLiteral("places.tsv"), "name\tx\ty\tz\n0\t0\t0\t0\n1\t10\t0\t0\n"
+                                        "2\t0\t25\t0\n3\t-40\t0\t3\n4\t5\t5\t5\n");
+    const QStringList options =
+        byGroup + QStringList{QStringLiteral("--threshold"), QStringLiteral("1,2"),
+                              QStringLiteral("--permutations"), QStringLiteral("200"),
+                              QStringLiteral("--plots")};
+    ASSERT_EQ(test("nbs,qcfc", options + QStringList{QStringLiteral("--centroids"),
+                                                     path(QStringLiteral("places.tsv"))})
+                  .status,
+              0);
+    const auto pictures = [&] {
+        return QDir(path(QStringLiteral("out")))
+            .entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
+    };
+    const QStringList ofContrast{
+        QStringLiteral("contrast_1_edges.png"), QStringLiteral("contrast_1_networks_1.png"),
+        QStringLiteral("contrast_1_networks_2.png"), QStringLiteral("contrast_1_t.png")};
+    EXPECT_EQ(pictures(), ofContrast + QStringList({QStringLiteral("qcfc_cleaned.png"),
+                                                    QStringLiteral("qcfc_uncleaned.png")}));
+    ASSERT_EQ(test("nbs,qcfc", options).status, 0);
+    EXPECT_EQ(pictures(), ofContrast) << "no cloud without distances, and none of before";
+}
+
 struct BadKind {
     const char *name;
     const char *tests;

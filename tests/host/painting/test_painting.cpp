@@ -11,6 +11,7 @@
 #include "host/painting/labels.h"
 #include "host/painting/matrix_painting.h"
 #include "host/painting/ring_painting.h"
+#include "host/painting/scatter_painting.h"
 #include "host/painting/volume_axis.h"
 
 #include <QImage>
@@ -564,6 +565,86 @@ TEST(VolumeAxis, StepsAreRound)
     EXPECT_NEAR(roundStep(0.31, 4), 0.1, 1e-12);
     EXPECT_EQ(roundStep(0, 5), 1);
     EXPECT_EQ(roundStep(NAN, 5), 1);
+}
+
+// ---- pairs of numbers
+
+QImage paintedScatter(const ScatterPicture &picture)
+{
+    QImage image(600, 500, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    QPainter painter(&image);
+    paintScatter(painter, QRectF(50, 50, 500, 400), picture);
+    return image;
+}
+
+/// Pixels that are more blue than red, as points are.
+int bluePixels(const QImage &image, const QRect &area)
+{
+    int count = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x) {
+            const QColor colour = image.pixelColor(x, y);
+            count += colour.blue() > colour.red() + 60 ? 1 : 0;
+        }
+    return count;
+}
+
+TEST(ScatterPainting, PointsStandWhereTheirNumbersAre)
+{
+    ScatterPicture picture;
+    picture.xs.resize(3);
+    picture.ys.resize(3);
+    picture.xs << 0, 10, NAN;
+    picture.ys << 0, 10, 5;
+    const QImage rising = paintedScatter(picture);
+    const QRect lowerLeft(130, 300, 150, 95), upperLeft(130, 90, 150, 95);
+    EXPECT_GT(bluePixels(rising, lowerLeft), 20);
+    EXPECT_EQ(bluePixels(rising, upperLeft), 0);
+    picture.ys << 10, 0, 5;
+    const QImage falling = paintedScatter(picture);
+    EXPECT_EQ(bluePixels(falling, lowerLeft), 0);
+    EXPECT_GT(bluePixels(falling, upperLeft), 20);
+}
+
+TEST(ScatterPainting, TheLineIsThatOfLeastSquares)
+{
+    ScatterPicture picture;
+    picture.xs = Eigen::ArrayXd::LinSpaced(5, 0, 4);
+    picture.ys.resize(5);
+    picture.ys << 0, 2, 0, 2, 1; // slope 0.2, 0.6 at 0
+    picture.low = 0;
+    picture.high = 2;
+    const int without = countPixels(paintedScatter(picture), {178, 24, 43});
+    EXPECT_EQ(without, 0);
+    picture.hasLine = true;
+    const QImage image = paintedScatter(picture);
+    // The first and the last column of pixels in which the line has its full colour.
+    double first = -1, last = -1;
+    for (int x = 0; x < image.width(); ++x)
+        for (int y = 0; y < image.height(); ++y)
+            if (image.pixelColor(x, y) == QColor(178, 24, 43)) {
+                first = first < 0 ? y : first;
+                last = y;
+            }
+    // y runs over 316 pixels, from 0 at 402 to 2 at 86.
+    EXPECT_NEAR(first, 402 - 316 * (0.6 - 0.16 * 0.2) / 2, 4);
+    EXPECT_NEAR(last, 402 - 316 * (0.6 + 4.16 * 0.2) / 2, 4);
+}
+
+TEST(ScatterPainting, AnyNumberOfPointsStaysInItsArea)
+{
+    for (const int points : {0, 1, 2, 80000}) {
+        ScatterPicture picture;
+        picture.title = QStringLiteral("A cloud");
+        picture.x = picture.y = picture.foot = QStringLiteral("a name");
+        picture.hasLine = true;
+        picture.xs = Eigen::ArrayXd::LinSpaced(points, 0, 400).sin();
+        picture.ys = Eigen::ArrayXd::LinSpaced(points, 0, 700).cos();
+        picture.low = -0.5; // half of them are beyond
+        picture.high = 0.5;
+        EXPECT_EQ(countPixels(paintedScatter(picture), Qt::green), 600 * 500 - 500 * 400) << points;
+    }
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 namespace corvane
 {
 
-/// A picture of a page.
+/// A picture of a page, or in a file of its own.
 struct PagePicture {
     QByteArray png;
     QSize size; ///< in pixels of the page

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "host/report/page_picture.h"
+#include "host/painting/page_picture.h"
 
 #include <QBuffer>
 #include <QHash>
