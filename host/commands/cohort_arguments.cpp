@@ -214,7 +214,7 @@ void addCohortOptions(QCommandLineParser &parser)
         {QStringLiteral("subjects-per-job"),
          QStringLiteral("How many participants a task of Slurm computes."), number},
         {QStringLiteral("sbatch-options"),
-         QStringLiteral("Further options for sbatch, in one word: \"--partition=long --time=60\"."),
+         QStringLiteral("Further options for sbatch, in one word: \"-p long -t 60\"."),
          QStringLiteral("options")},
         {QStringLiteral("wait"), QStringLiteral("With --slurm: until the jobs are over.")},
         {QStringLiteral("no-pages"), QStringLiteral("Without pages of HTML.")},
