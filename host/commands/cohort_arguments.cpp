@@ -272,8 +272,11 @@ StudySettings studySettings(const QCommandLineParser &parser, const QString &dat
 {
     requireStrategyName(parser);
     StudySettings settings;
-    settings.dataset = QFileInfo(dataset).absoluteFilePath();
+    settings.dataset = QDir::cleanPath(QFileInfo(dataset).absoluteFilePath());
     settings.out = QDir::cleanPath(out);
+    if (QFileInfo(dataset).canonicalFilePath() == QFileInfo(out).canonicalFilePath() &&
+        QFileInfo::exists(dataset))
+        throw UsageError(QStringLiteral("OUT is the dataset: the results need another folder"));
     settings.request = requestOf(parser);
     settings.conditions = parser.isSet(QStringLiteral("events"));
     settings.pages = !parser.isSet(QStringLiteral("no-pages"));

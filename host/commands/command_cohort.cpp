@@ -212,12 +212,16 @@ constexpr Step steps[] = {{"participant", true, participantStep},
                           {"status", false, statusStep},
                           {"verify", false, verifyStep}};
 
-/// Options that have nothing to do with a step are refused.
+/// Options that have nothing to do with a step are refused. A plan is asked for by the command line
+/// of what it plans.
 void requireOptionsOf(const Step &step, const QCommandLineParser &parser)
 {
     for (const QString &option : parser.optionNames()) {
         const QString owner = stepOf(option);
-        const bool fits = owner.isEmpty() ? step.hasDataset : owner == QLatin1String(step.name);
+        const bool fits = owner.isEmpty()
+                              ? step.hasDataset
+                              : owner == QLatin1String(step.name) ||
+                                    (owner == QLatin1String("participant") && step.run == planStep);
         if (!fits && option != QLatin1String("min-seconds"))
             throw UsageError(
                 QStringLiteral("--%1 does not go with %2").arg(option, QLatin1String(step.name)));

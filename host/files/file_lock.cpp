@@ -122,6 +122,13 @@ FileLock::FileLock(const QString &path, const QString &job, int restart)
 {
 }
 
+FileLock::~FileLock()
+{
+    // A machine that slept for long comes back to locks that are others' now.
+    if (m_file != nullptr && textAt(m_path) != m_own.text())
+        m_file->forget();
+}
+
 bool FileLock::take(const JobCheck &hasEnded)
 {
     constexpr int mostTries = 3; // others may take and break it in between

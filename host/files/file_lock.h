@@ -42,9 +42,13 @@ class FileLock
 public:
     /// Nothing is locked yet. `job` and `restart` are those of this process.
     explicit FileLock(const QString &path, const QString &job = {}, int restart = 0);
+    ~FileLock();
+    FileLock(const FileLock &) = delete;
+    FileLock &operator=(const FileLock &) = delete;
 
     /// Takes the lock if nobody holds it, and says whether this object has it now. It is given back
-    /// with the object. Throws InputError when no file can be made there.
+    /// with the object, unless another one has broken it meanwhile. Throws InputError when no file
+    /// can be made there.
     bool take(const JobCheck &hasEnded = {});
 
     /// Who held the lock when it could not be taken, in words.

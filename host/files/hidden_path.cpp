@@ -69,6 +69,12 @@ HiddenPath::~HiddenPath()
         remove();
 }
 
+void HiddenPath::forget()
+{
+    const auto lock = holdSignals();
+    registry().paths.erase(this);
+}
+
 void HiddenPath::remove() const
 {
     // Under another name, so that no thread puts something into a folder that is being emptied.

@@ -30,6 +30,9 @@ public:
 
     const QString &path() const { return m_path; }
 
+    /// Leaves what is there where it is: it is no longer this object's.
+    void forget();
+
     /// Renames what is there, over a file of that name; it then stays. Neither is done when it
     /// fails.
     std::error_code renameTo(const QString &target);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/study/collect.h"
 
+#include "host/files/input_error.h"
 #include "host/files/output_file.h"
 #include "host/files/text_check.h"
 #include "host/study/study_folder.h"
@@ -49,6 +50,18 @@ QByteArray descriptionText(const QString &out, const QString &dataset)
         if (input.contains(QLatin1String(key)))
             description.insert(QLatin1String(key), input[QLatin1String(key)]);
     return QJsonDocument(description).toJson();
+}
+
+/// A folder that describes another dataset holds somebody's data.
+void requireOwnDescription(const QString &path)
+{
+    const QJsonValue first = jsonAt(path)[QStringLiteral("GeneratedBy")]
+                                 .toArray()
+                                 .first()
+                                 .toObject()[QStringLiteral("Name")];
+    if (QFile::exists(path) && first.toString() != QLatin1String("Corvane"))
+        throw InputError(path, QStringLiteral("GeneratedBy"), quoted(first.toString()),
+                         QStringLiteral("a folder of its own for the results"));
 }
 
 QByteArray cell(const QString &text)
@@ -111,6 +124,7 @@ void writeDescription(const QString &out, const QString &dataset, const Tell &te
     const QString path = out + QStringLiteral("/dataset_description.json");
     const QByteArray text = descriptionText(out, dataset);
     const auto lock = lockStudy(out, tell);
+    requireOwnDescription(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.readAll() != text)
         writeFile(path, text);

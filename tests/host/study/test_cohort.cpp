@@ -426,6 +426,59 @@ TEST(Cohort, CommandLinesThatMakeNoSense)
               "matrices");
 }
 
+TEST(Cohort, APlanIsAskedForByTheCommandLineOfWhatItPlans)
+{
+    KnownStudy study;
+    study.addParticipants(1);
+    const ProgramRun ran =
+        study.cohort(QStringLiteral("plan"),
+                     {QStringLiteral("--nprocs"), QStringLiteral("2"), QStringLiteral("--slurm"),
+                      QStringLiteral("--sbatch-options"), QStringLiteral("--partition=a_b -t 5")});
+    EXPECT_EQ(ran.status, 0) << ran.errors.constData();
+    EXPECT_FALSE(QFileInfo::exists(study.out()));
+}
+
+TEST(Cohort, AFolderWithAnotherDatasetStaysAsItIs)
+{
+    KnownStudy study;
+    study.addParticipants(1);
+    const auto before = KnownStudy::filesBelow(study.dataset());
+    QStringList arguments = study.arguments(participantStep);
+    arguments[2] = study.dataset() + QStringLiteral("/.");
+    const ProgramRun same = runCorvane(arguments);
+    EXPECT_EQ(same.status, 2);
+    EXPECT_EQ(same.errors, "Corvane cohort: OUT is the dataset: the results need another folder\n");
+
+    QDir().mkpath(study.out());
+    putBytes(study.out() + QStringLiteral("/dataset_description.json"),
+             bytesOf(study.dataset() + QStringLiteral("/dataset_description.json")));
+    const ProgramRun other = study.cohort(participantStep);
+    EXPECT_EQ(other.status, 1);
+    EXPECT_THAT(other.errors.toStdString(),
+                HasSubstr("GeneratedBy: found \"pipeline\", expected a folder of its own for the "
+                          "results"));
+    EXPECT_EQ(KnownStudy::filesBelow(study.dataset()), before);
+    EXPECT_EQ(KnownStudy::filesBelow(study.out()).size(), 1);
+}
+
+TEST(Cohort, AFullDiskIsAReason)
+{
+    KnownStudy study;
+    study.addParticipants(2);
+    // No file may have more than 4 kB: series have, records have not.
+    const QString limited = QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\"");
+    const ProgramRun ran =
+        runProgram(QStringLiteral("/bin/sh"),
+                   QStringList{QStringLiteral("-c"), limited, QStringLiteral(CORVANE_PROGRAM)} +
+                       study.arguments(participantStep));
+    EXPECT_EQ(ran.status, 1);
+    EXPECT_THAT(lastLine(ran.output), HasSubstr("2 rows: 2 failed"));
+    EXPECT_THAT(linesOf(ran.output), testing::Contains(testing::AllOf(
+                                         StartsWith("sub-02_"), HasSubstr("File too large"))));
+    EXPECT_EQ(KnownStudy::filesBelow(study.out() + QStringLiteral("/sub-01")).size(), 0);
+    EXPECT_EQ(study.cohort(participantStep).status, 0);
+}
+
 TEST(Cohort, NoRunsAtAllIsAnError)
 {
     KnownStudy study;

@@ -138,6 +138,28 @@ TEST_F(Lock, OneOfManyBreaksAStaleOne)
     }
 }
 
+TEST_F(Lock, OfAnotherWhoBrokeItIsNotRemoved)
+{
+    const QByteArray others = elsewhere().text();
+    {
+        FileLock lock(path());
+        ASSERT_TRUE(lock.take());
+        putBytes(path(), others);
+    }
+    EXPECT_EQ(bytesOf(path()), others);
+}
+
+TEST_F(Lock, IsTouchedAsLongAsItIsHeld)
+{
+    FileLock lock(path());
+    ASSERT_TRUE(lock.take());
+    const std::filesystem::path file = nativePath(path());
+    const auto now = std::filesystem::last_write_time(file);
+    std::filesystem::last_write_time(file, now - std::chrono::minutes(9));
+    touchHiddenPaths();
+    EXPECT_GE(std::filesystem::last_write_time(file), now);
+}
+
 TEST_F(Lock, InAFolderThatIsNotThereIsAnError)
 {
     EXPECT_THAT(errorOf([&] { FileLock(path() + QStringLiteral("/none/b.lock")).take(); }),
