@@ -5,10 +5,12 @@
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
 #include "host/files/input_error.h"
+#include "host/files/output_file.h"
 #include "host/files/output_folder.h"
 #include "host/files/text_check.h"
 #include "host/group/group_files.h"
 #include "host/group/group_pictures.h"
+#include "host/report/group_page.h"
 
 #include <QCommandLineParser>
 
@@ -154,6 +156,8 @@ void addOptions(QCommandLineParser &parser)
         {QStringLiteral("threads"),
          QStringLiteral("0: one for each processor. They do not change the result."), number,
          QStringLiteral("0")},
+        {QStringLiteral("page"),
+         QStringLiteral("Also write group.html, with pictures and a text of methods.")},
         {QStringLiteral("plots"), QStringLiteral("Also draw what was found.")},
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
          QStringLiteral("folder")},
@@ -183,6 +187,8 @@ int run(const QStringList &arguments)
     writeGroupFiles(files, request, data, results);
     if (parser.isSet(QStringLiteral("plots")))
         writeGroupPictures(files, data, results);
+    if (parser.isSet(QStringLiteral("page")))
+        writeFile(files.path(QStringLiteral("group.html")), groupPage(request, data, results));
     for (const QString &line : files.commit())
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
@@ -202,7 +208,8 @@ Command groupCommand()
                   [--threshold 3.1,...] [--sides each|both|greater|less] [--permutations N]
                   [--seed N] [--permutation-file F] [--blocks COLUMN] [--paired]
                   [--session COLUMN] [--centroids F] [--fisher-z auto|yes|no]
-                  [--min-node-subjects 0.9] [--threads N] [--plots] --out DIR)",
+                  [--min-node-subjects 0.9] [--threads N] [--plots]
+                  [--page] --out DIR)",
             "Tests a group's matrices: edges, networks, distances, reliability, motion.", run,
             makePlotsApplication};
 }
