@@ -54,7 +54,7 @@ GroupRequest someRequest()
                      GroupTest::QcFc};
     request.formula = QStringLiteral("group + mean_fd");
     request.contrasts = QStringList{QStringLiteral("patients=group[P]")};
-    request.thresholds = {3.1};
+    request.thresholds = {1.5, 3.1}; // above the lower one lie edges of noise, too
     request.permutations = 199;
     request.seed = 17;
     return request;
@@ -73,7 +73,7 @@ TEST(GroupPage, TellsOfExclusionsMotionTestsAndMethods)
                            QStringLiteral("Who was left out"), QStringLiteral("Motion (QC-FC)"),
                            QStringLiteral("Contrast patients"), QStringLiteral("Reliability"),
                            QStringLiteral("Methods"), QStringLiteral("References")}));
-    EXPECT_EQ(page.pictures.size(), 5U) << "two clouds, the matrix, edges and networks";
+    EXPECT_EQ(page.pictures.size(), 6U) << "two clouds, the matrix, edges, two of networks";
     EXPECT_TRUE(page.text.contains(QStringLiteral("sub-99 is left out: no group")));
     EXPECT_TRUE(page.text.contains(
         QStringLiteral("It is a network that is significant, not any of its edges.")));
@@ -82,6 +82,19 @@ TEST(GroupPage, TellsOfExclusionsMotionTestsAndMethods)
     EXPECT_EQ(network[2], QStringLiteral("2"));
     EXPECT_EQ(network[4], QStringLiteral("0.005")) << "(0 + 1) / (199 + 1)";
     EXPECT_EQ(page.row(QStringLiteral("<node 0>"))[1], QStringLiteral("<node 1>"));
+    QStringList captions;
+    for (const QXmlStreamAttributes &picture : page.pictures)
+        captions += picture.value(QStringLiteral("alt")).toString();
+    EXPECT_THAT(captions, testing::Contains(testing::Truly([](const QString &caption) {
+                    return caption.startsWith(QStringLiteral("patients: 1 network at t > 3.1"));
+                })));
+    EXPECT_THAT(captions, testing::Contains(testing::Truly([](const QString &caption) {
+                    return caption.startsWith(QStringLiteral("2 edges with p_fwe < 0.05"));
+                })));
+    EXPECT_GT(results.contrasts[0].test.networks[0].components.size(), 1U);
+    EXPECT_THAT(captions, testing::Contains(testing::Truly([](const QString &caption) {
+                    return caption.startsWith(QStringLiteral("patients: 1 network at t > 1.5"));
+                })));
     EXPECT_LT(bytes.size(), 3000000);
     EXPECT_EQ(groupPage(request, data, results), bytes);
 }
@@ -98,7 +111,7 @@ TEST(GroupPage, MethodsTellWhatWasDoneAndNothingElse)
     const GroupMethods all = groupMethods(request, data, testGroup(data, request, {}));
     for (const char *said :
          {"24 matrices with 6 nodes and 15 edges each", "Fisher's z", "199 random permutations",
-          "seed 17", "Freedman and Lane", "with 21 degrees of freedom", "above 3.1",
+          "seed 17", "Freedman and Lane", "with 21 degrees of freedom", "above 1.5, 3.1",
           "the component that is significant, not any of its edges", "12 participants",
           "given (Intercept), group[P]"})
         EXPECT_TRUE(joined(all).contains(QLatin1String(said))) << said;
