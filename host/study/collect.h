@@ -7,7 +7,8 @@ namespace corvane
 {
 
 /// Writes dataset_description.json, of a derivative of the dataset, unless it stands there like
-/// this. Under the study's lock. Throws InputError, also for a folder that describes another dataset.
+/// this. Under the study's lock. Throws InputError, also for a folder that describes another
+/// dataset.
 void writeDescription(const QString &out, const QString &dataset, const Tell &tell);
 
 /// Writes the study's table, participants_connectome.tsv, from the records of all participants:

@@ -58,7 +58,8 @@ public:
     /// The column "trouble" of its confounds.
     static Eigen::VectorXd confound(const KnownRun &run);
 
-    /// Corvane cohort DATASET OUT STEP with the atlas, --clean columns:trouble, --no-pages and more.
+    /// Corvane cohort DATASET OUT STEP with the atlas, --clean columns:trouble, --no-pages and
+    /// more.
     QStringList arguments(const QString &step, const QStringList &more = {}) const;
     ProgramRun cohort(const QString &step, const QStringList &more = {}) const;
     /// Corvane cohort OUT STEP ...
