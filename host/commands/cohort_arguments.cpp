@@ -4,6 +4,7 @@
 #include "host/commands/cleaning_options.h"
 #include "host/commands/commands.h"
 #include "host/commands/connectome_options.h"
+#include "host/commands/group_options.h"
 #include "host/commands/option_values.h"
 #include "host/files/input_error.h"
 #include "host/files/text_check.h"
@@ -231,7 +232,12 @@ void addCohortOptions(QCommandLineParser &parser)
         {QStringLiteral("inputs"),
          QStringLiteral("With verify: all inputs are read instead, and compared with those that "
                         "were.")},
+        {QStringLiteral("group-out"),
+         QStringLiteral("With group: the folder for the results, the study's own \"group\" unless "
+                        "given."),
+         QStringLiteral("folder")},
     });
+    parser.addOptions(groupOptions());
 }
 
 QString stepOf(const QString &option)
@@ -250,11 +256,17 @@ QString stepOf(const QString &option)
                                 {"collect", "status"},
                                 {"sample", "verify"},
                                 {"all", "verify"},
-                                {"inputs", "verify"}};
+                                {"inputs", "verify"},
+                                {"group-out", "group"}};
     for (const Owner &owner : owners)
         if (option == QLatin1String(owner.option))
             return QLatin1String(owner.step);
-    return {};
+    const QList<QCommandLineOption> ofGroup = groupOptions();
+    return std::any_of(
+               ofGroup.begin(), ofGroup.end(),
+               [&](const QCommandLineOption &known) { return known.names().contains(option); })
+               ? QStringLiteral("group")
+               : QString();
 }
 
 RunFilter runFilter(const QCommandLineParser &parser)

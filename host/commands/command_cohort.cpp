@@ -2,6 +2,7 @@
 #include "dataset/counted.h"
 #include "host/commands/cleaning_options.h"
 #include "host/commands/cohort_arguments.h"
+#include "host/commands/cohort_group.h"
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
@@ -164,11 +165,12 @@ int planStep(const Call &call)
     return hasRuns(participants) ? Done : BadInput;
 }
 
-int groupStep(const Call &)
+int groupStep(const Call &call)
 {
-    throw UsageError(
-        QStringLiteral("the step group is not there yet; Corvane group tests tables of "
-                       "matrices"));
+    const QString out = QDir::cleanPath(call.out);
+    requireStudy(out);
+    runGroupOfStudy(call.parser, call.dataset, out);
+    return Done;
 }
 
 int statusStep(const Call &call)
@@ -212,17 +214,21 @@ constexpr Step steps[] = {{"participant", true, participantStep},
                           {"status", false, statusStep},
                           {"verify", false, verifyStep}};
 
-/// Options that have nothing to do with a step are refused. A plan is asked for by the command line
-/// of what it plans.
+/// A plan is asked for by the command line of what it plans.
+bool fits(const Step &step, const QString &option)
+{
+    const QString owner = stepOf(option);
+    if (owner.isEmpty())
+        return step.run == groupStep ? choosesRowsOfGroup(option) : step.hasDataset;
+    return owner == QLatin1String(step.name) ||
+           (owner == QLatin1String("participant") && step.run == planStep);
+}
+
+/// Options that have nothing to do with a step are refused.
 void requireOptionsOf(const Step &step, const QCommandLineParser &parser)
 {
     for (const QString &option : parser.optionNames()) {
-        const QString owner = stepOf(option);
-        const bool fits = owner.isEmpty()
-                              ? step.hasDataset
-                              : owner == QLatin1String(step.name) ||
-                                    (owner == QLatin1String("participant") && step.run == planStep);
-        if (!fits && option != QLatin1String("min-seconds"))
+        if (!fits(step, option) && option != QLatin1String("min-seconds"))
             throw UsageError(
                 QStringLiteral("--%1 does not go with %2").arg(option, QLatin1String(step.name)));
     }
@@ -257,7 +263,7 @@ int run(const QStringList &given)
                          QStringLiteral("session-label"), QStringLiteral("task-id"),
                          QStringLiteral("task-label"), QStringLiteral("space"),
                          QStringLiteral("atlas"), QStringLiteral("labels"),
-                         QStringLiteral("atlas-name")}))
+                         QStringLiteral("atlas-name"), QStringLiteral("contrast")}))
         return Done;
     const QStringList words = parser.positionalArguments();
     for (const Step &step : steps) {
@@ -278,7 +284,8 @@ std::unique_ptr<QCoreApplication> makeCohortApplication(const QStringList &argum
 {
     const QStringList plain = withPlainOptions(arguments);
     const auto has = [&](const char *word) { return plain.contains(QLatin1String(word)); };
-    if (has("--no-pages") || !(has("participant") || has("--collect") || has("verify")))
+    const bool paints = has("participant") || has("--collect") || has("verify") || has("group");
+    if (has("--no-pages") || !paints)
         return makePlainApplication(arguments, argc, argv);
     argc = 1; // the arguments are those of a command, none is Qt's
     return makePictureApplication(argc, argv, false);
@@ -302,7 +309,9 @@ Command cohortCommand()
                   [--events [--delay S] [--per-interval] [--centre-intervals]]
                   [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
                   [--wait]] [--no-pages] [--keep-failed] [--no-collect]
-  Corvane cohort BIDS_DIR OUT group
+  Corvane cohort BIDS_DIR OUT group [--session-id A] [--task-id A] [--space A]
+                  [--atlas-name NAME] [--measure NAME] [options of Corvane group]
+                  [--group-out DIR]
   Corvane cohort OUT status [--collect]
   Corvane cohort OUT verify [--sample N|--all|--inputs])",
             "Makes matrices of all runs in a folder of subjects.", run, makeCohortApplication};

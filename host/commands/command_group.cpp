@@ -24,7 +24,7 @@ int run(const QStringList &arguments)
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
          QStringLiteral("folder")},
     });
-    addGroupOptions(parser);
+    parser.addOptions(groupOptions());
     if (!parseArguments(parser, arguments, {}, {QStringLiteral("contrast")}))
         return Done;
 

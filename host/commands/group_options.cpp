@@ -113,11 +113,11 @@ GroupRequest groupRequest(const QCommandLineParser &parser)
     return request;
 }
 
-void addGroupOptions(QCommandLineParser &parser)
+QList<QCommandLineOption> groupOptions()
 {
     const auto file = QStringLiteral("file");
     const auto number = QStringLiteral("number");
-    parser.addOptions({
+    return {
         {QStringLiteral("test"), QStringLiteral("What is asked, several with commas between them."),
          valueNames(groupTestNames).join(QLatin1Char('|')), QLatin1String(groupTestNames[0].name)},
         {QStringLiteral("formula"), QStringLiteral("The model, such as \"group + center(age)\"."),
@@ -157,7 +157,7 @@ void addGroupOptions(QCommandLineParser &parser)
         {QStringLiteral("page"),
          QStringLiteral("Also write group.html, with pictures and a text of methods.")},
         {QStringLiteral("plots"), QStringLiteral("Also draw what was found.")},
-    });
+    };
 }
 
 void runGroup(const GroupRequest &request, const QCommandLineParser &parser, const QString &folder,

@@ -12,7 +12,7 @@ namespace corvane
 {
 
 /// All options but those that say where the matrices are and where the results go.
-void addGroupOptions(QCommandLineParser &parser);
+QList<QCommandLineOption> groupOptions();
 
 /// What these options ask for, without a table or a study. Throws UsageError.
 GroupRequest groupRequest(const QCommandLineParser &parser);

@@ -73,10 +73,16 @@ QByteArray participantsJson()
 
 QByteArray atlasTable()
 {
-    QByteArray table = "index\tname\tnetwork\themisphere\n";
-    for (int node = 0; node < nodeCount; ++node)
+    QByteArray table = "index\tname\tnetwork\themisphere\tx\ty\tz\n";
+    for (int node = 0; node < nodeCount; ++node) {
+        const Region &region = regionOf(node);
+        const auto [x, y, z] = region.centre;
         table += QByteArray::number(node + 1) + '\t' + nodeName(node) + '\t' +
-                 networkNames[regionOf(node).network] + '\t' + (isRight(node) ? "R" : "L") + '\n';
+                 networkNames[region.network] + '\t' + (isRight(node) ? "R" : "L");
+        for (const double place : {isRight(node) ? x : -x, y, z})
+            table += '\t' + decimal(place);
+        table += '\n';
+    }
     return table;
 }
 

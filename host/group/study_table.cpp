@@ -60,11 +60,11 @@ struct Choice {
 
 std::vector<Choice> choicesOf(const StudySelection &selection)
 {
-    std::vector<Choice> choices{{"atlas_id", "atlas", selection.atlas},
+    std::vector<Choice> choices{{"atlas_id", "atlas-name", selection.atlas},
                                 {"space_id", "space", selection.space},
-                                {"task_id", "task", selection.task}};
+                                {"task_id", "task-id", selection.task}};
     if (!selection.allSessions || !selection.session.isEmpty())
-        choices.push_back({"session_id", "session", selection.session});
+        choices.push_back({"session_id", "session-id", selection.session});
     return choices;
 }
 

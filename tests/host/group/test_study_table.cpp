@@ -125,7 +125,7 @@ TEST_F(Study, AnAtlasATaskAndASessionAreChosen)
                row("sub-02", "b", "nback", "A", "done"));
     StudySelection some = selection();
     EXPECT_TRUE(faultOf(some).contains(
-        QStringLiteral("atlas_id: found A, B, expected one of them, by --atlas")))
+        QStringLiteral("atlas_id: found A, B, expected one of them, by --atlas-name")))
         << faultOf(some).toStdString();
     some.atlas = QStringLiteral("A");
     EXPECT_TRUE(faultOf(some).contains(QStringLiteral("task_id: found nback, rest")));
@@ -141,7 +141,7 @@ TEST_F(Study, AnAtlasATaskAndASessionAreChosen)
     some.allSessions = true;
     EXPECT_EQ(column(readStudyTable(some).table, "session_id"), list({"a", "b", "a"}));
     some.atlas = QStringLiteral("C");
-    EXPECT_TRUE(faultOf(some).contains(QStringLiteral("expected atlas A or B, ")))
+    EXPECT_TRUE(faultOf(some).contains(QStringLiteral("expected atlas-name A or B, ")))
         << faultOf(some).toStdString();
 }
 

@@ -421,9 +421,6 @@ TEST(Cohort, CommandLinesThatMakeNoSense)
     EXPECT_EQ(error({data, out, QStringLiteral("everything")}),
               "Corvane cohort: found \"everything\", expected participant, plan or group behind "
               "BIDS_DIR and OUT, or status or verify behind OUT");
-    EXPECT_EQ(error({data, out, QStringLiteral("group")}),
-              "Corvane cohort: the step group is not there yet; Corvane group tests tables of "
-              "matrices");
 }
 
 TEST(Cohort, APlanIsAskedForByTheCommandLineOfWhatItPlans)
