@@ -492,6 +492,29 @@ TEST(StudyPage, ReasonsComeFirstThenDistributionsThenAllRuns)
     EXPECT_TRUE(contents.targets.contains(QStringLiteral("participants_connectome.tsv")));
 }
 
+TEST(StudyPage, RunsThatAreNotDoneHaveDotsOfTheirOwnColour)
+{
+    const auto dots = [](const StudySummary &summary, QRgb colour) {
+        const QString source =
+            readPage(studyPage(summary)).pictures.front().value(QLatin1String("src")).toString();
+        const QImage image = QImage::fromData(
+            QByteArray::fromBase64(source.section(QLatin1Char(','), 1).toLatin1()), "PNG");
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                count += image.pixel(x, y) == colour ? 1 : 0;
+        return count;
+    };
+    constexpr QRgb blue = qRgb(0, 90, 160);
+    constexpr QRgb orange = qRgb(215, 120, 0);
+    StudySummary summary = study(20); // 16 done, and two others of which motion is known
+    ASSERT_GT(dots(summary, orange), 20);
+    EXPECT_NEAR(double(dots(summary, blue)) / dots(summary, orange), 8, 0.5);
+    for (StudySummary::Row &row : summary.rows)
+        row.run.status = QStringLiteral("done");
+    EXPECT_EQ(dots(summary, orange), 0);
+}
+
 TEST(StudyPage, DistributionsHaveTheirMedians)
 {
     const PageContents contents = readPage(studyPage(study(20)));
