@@ -8,6 +8,7 @@ import pathlib
 import sys
 
 TOLERANCE = 1e-6
+NOTHING = 1e-9
 
 
 def tables(folder):
@@ -23,13 +24,14 @@ def number(text):
 
 
 def distance(a, b):
-    """Relative difference of two fields; infinite when they differ as texts."""
+    """Relative difference of two fields; infinite when they differ as texts. Where a curve goes through
+    zero, only rounding is left to compare: below NOTHING differences count as if of that size."""
     if a == b:
         return 0.0
     x, y = number(a), number(b)
     if x is None or y is None or not (math.isfinite(x) and math.isfinite(y)):
         return math.inf
-    return abs(x - y) / max(abs(x), abs(y))
+    return abs(x - y) / max(abs(x), abs(y), NOTHING)
 
 
 def largest_difference(expected, found):
