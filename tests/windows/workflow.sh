@@ -68,6 +68,18 @@ echo "connectome:"
 "$here/compare_tables.py" linux/connectome windows/connectome || fail "connectome differs"
 "$compare_pictures" linux/connectome windows/connectome || fail "the pictures of connectome differ"
 
+# A study: made, computed in a process for each participant, and verified.
+both example --study study --subjects 2
+diff -r linux/study windows/study || fail "the example study differs"
+both cohort study connectomes participant --task-id rest --nprocs 1 --clean 36P \
+    --atlas study/atlas/tpl-MNI152NLin2009cAsym_res-2_atlas-Example38_dseg.nii.gz \
+    --labels study/atlas/tpl-MNI152NLin2009cAsym_res-2_atlas-Example38_dseg.tsv
+both cohort connectomes verify --all
+both cohort connectomes status
+echo "study:"
+"$here/compare_tables.py" linux/connectomes windows/connectomes || fail "the study differs"
+[ -s windows/connectomes/index.html ] || fail "the study has no page"
+
 # settings HOME_DOCUMENTS FOLDER: the plugin's settings file, with the log and the dumps in FOLDER.
 settings() {
     mkdir -p "$1/CVExtensions/Plugins_64" "$1/diagnostics"
