@@ -310,8 +310,13 @@ Command cohortCommand()
                   [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
                   [--wait]] [--no-pages] [--keep-failed] [--no-collect]
   Corvane cohort BIDS_DIR OUT group [--session-id A] [--task-id A] [--space A]
-                  [--atlas-name NAME] [--measure NAME] [options of Corvane group]
-                  [--group-out DIR]
+                  [--atlas-name NAME] [--measure NAME] [--group-out DIR]
+                  [--test glm,nbs,distance,icc,fingerprint,qcfc,tangent]
+                  [--formula "group + age"] [--contrast NAME=SUM ...]
+                  [--threshold 3.1,...] [--sides each|both|greater|less] [--permutations N]
+                  [--seed N] [--permutation-file F] [--blocks COLUMN] [--paired]
+                  [--session COLUMN] [--centroids F] [--fisher-z auto|yes|no]
+                  [--min-node-subjects 0.9] [--threads N] [--plots] [--page]
   Corvane cohort OUT status [--collect]
   Corvane cohort OUT verify [--sample N|--all|--inputs])",
             "Makes matrices of all runs in a folder of subjects.", run, makeCohortApplication};

@@ -58,8 +58,8 @@ int run(const QStringList &arguments)
                          quoted(tourPlugin()));
     const ScratchFolder dataset;
     const ScratchFolder exports;
-    writeExample(dataset.path(), TerminalProgress(QStringLiteral("writing the example")).watch());
     QFileDialog().setDirectory(dataset.path()); // not where the user's own dialogs were last
+    writeExample(dataset.path(), TerminalProgress(QStringLiteral("writing the example")).watch());
     window.resize(MainWindow::usualSize());
     window.show();
     std::vector<TourStep> steps = workflowSteps(window, dataset.path(), exports.path());

@@ -179,9 +179,11 @@ bool FileLock::make(const QByteArray &text)
 /// wants to break a lock takes the claim first, and looks once more while nobody else can break it.
 bool FileLock::breakStale(const JobCheck &hasEnded)
 {
+    bool isThere = true;
     const auto stale = [&] {
         const std::optional<QByteArray> text = textAt(m_path);
-        if (!text)
+        isThere = text.has_value();
+        if (!isThere)
             return true; // given back meanwhile
         const std::optional<LockHolder> holder = LockHolder::of(*text);
         m_holder =
@@ -203,8 +205,8 @@ bool FileLock::breakStale(const JobCheck &hasEnded)
     }
     file.close();
     const HiddenPath claimed(claim);
-    if (stale())
-        QFile::remove(m_path);
+    if (stale() && isThere)
+        m_wasBroken = QFile::remove(m_path);
     return true;
 }
 

@@ -51,8 +51,10 @@ public:
     /// can be made there.
     bool take(const JobCheck &hasEnded = {});
 
-    /// Who held the lock when it could not be taken, in words.
+    /// Who held the lock when it could not be taken, or before it was broken, in words.
     const QString &holder() const { return m_holder; }
+    /// Whether it was taken from a holder that is gone.
+    bool wasBroken() const { return m_wasBroken; }
 
 private:
     bool make(const QByteArray &text);
@@ -61,6 +63,7 @@ private:
     QString m_path;
     LockHolder m_own;
     QString m_holder;
+    bool m_wasBroken = false;
     std::unique_ptr<HiddenPath> m_file;
 };
 

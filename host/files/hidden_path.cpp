@@ -56,7 +56,8 @@ HiddenPath::HiddenPath(const QString &folder, QStringList madeFolders)
 }
 
 HiddenPath::HiddenPath(const Named &place)
-    : m_folder(place.folder), m_path(place.folder + QLatin1Char('/') + place.name)
+    : m_folder(place.folder), m_path(place.folder + QLatin1Char('/') + place.name),
+      m_hasOwnName(false)
 {
     const auto lock = holdSignals();
     registry().paths.insert(this);
@@ -104,6 +105,11 @@ void removeHiddenPaths()
     auto lock = holdSignals();
     for (const HiddenPath *path : registry().paths)
         path->remove();
+    // Other threads go on, and one that makes its folder when it writes may have made it again.
+    // What has a name that others take, too, may be theirs by now.
+    for (const HiddenPath *path : registry().paths)
+        if (path->m_hasOwnName)
+            path->remove();
     lock.release(); // held until the end
 }
 

@@ -44,6 +44,7 @@ private:
     QString m_folder;
     QString m_path;
     QStringList m_madeFolders;
+    bool m_hasOwnName = true; ///< or one that other processes take, too
 };
 
 /// While the lock is held no signal ends the process: it waits. For steps that belong together and

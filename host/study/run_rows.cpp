@@ -71,7 +71,8 @@ QStringList recordCrashes(const std::vector<RowRecord> &planned, const QString &
         if (!QFileInfo::exists(path))
             continue;
         FileLock lock = lockOf(out, row.name);
-        if (!lock.take(slurmJobHasEnded))
+        // One that has just been given back tells of a row that is made.
+        if (!lock.take(slurmJobHasEnded) || !lock.wasBroken())
             continue;
         RowRecord record = row;
         if (const auto before = readRecord(recordPath(out, row.name)))

@@ -24,11 +24,14 @@ void count(const KnownRow &row, const QString &out, StudyStatus &status)
             QStringLiteral("%1: in work, %2").arg(row.record.name.stem(), holder->words());
         return;
     }
-    if (!row.isRecorded) {
+    // What another process had in work when the records were read may be done by now.
+    const std::optional<RowRecord> record =
+        row.isRecorded ? row.record : readRecord(recordPath(out, row.record.name));
+    if (!record) {
         ++counts.open;
         return;
     }
-    switch (row.record.status) {
+    switch (record->status) {
     case RowStatus::Done:
         ++counts.done;
         return;
@@ -42,7 +45,7 @@ void count(const KnownRow &row, const QString &out, StudyStatus &status)
         ++counts.failed;
         break;
     }
-    status.lines += lineOf(row.record);
+    status.lines += lineOf(*record);
 }
 
 } // namespace

@@ -50,6 +50,7 @@ TEST_F(Lock, IsHeldByOneAndGivenBack)
     {
         FileLock first(path());
         ASSERT_TRUE(first.take());
+        EXPECT_FALSE(first.wasBroken());
         FileLock second(path());
         EXPECT_FALSE(second.take());
         EXPECT_THAT(
@@ -68,6 +69,7 @@ TEST_F(Lock, OfAProcessThatIsGoneIsBroken)
     EXPECT_FALSE(holderOf(path()));
     FileLock lock(path());
     EXPECT_TRUE(lock.take());
+    EXPECT_TRUE(lock.wasBroken());
     EXPECT_EQ(entries(), QStringList{QStringLiteral("a.lock")});
     EXPECT_EQ(LockHolder::of(bytesOf(path()))->process.start, thisProcess().start);
 }
