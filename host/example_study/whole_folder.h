@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/files/hidden_path.h"
-
-#include <QString>
+#include "host/files/filled_folder.h"
 
 namespace corvane::example_study
 {
@@ -21,14 +19,13 @@ public:
     /// Makes a folder in it, with those above. Throws InputError.
     void make(const QString &folder) const;
     /// Where to write a file now.
-    QString path(const QString &name) const;
+    QString path(const QString &name) const { return m_folder.path(name); }
 
     /// Throws InputError.
     void commit();
 
 private:
-    QString m_path;
-    HiddenPath m_hidden;
+    FilledFolder m_folder;
 };
 
 } // namespace corvane::example_study

@@ -5,7 +5,7 @@
 #include "host/extract/connectome_sidecar.h"
 #include "host/extract/node_measures.h"
 #include "host/files/output_file.h"
-#include "host/files/text_check.h"
+#include "host/files/tsv_text.h"
 
 #include <cmath>
 
@@ -18,25 +18,15 @@ namespace
 using Eigen::MatrixXd;
 using Index = Eigen::Index;
 
-QByteArray cell(double value)
-{
-    return std::isfinite(value) ? shortestDecimal(value) : QByteArray("n/a");
-}
-
-QByteArray rowText(const QList<QByteArray> &cells)
-{
-    return cells.join('\t') + '\n';
-}
-
 /// A table with the names of its columns in the first line.
 QByteArray columnTable(const QList<QByteArray> &names, const MatrixXd &values)
 {
-    QByteArray table = rowText(names);
+    QByteArray table = line(names);
     for (Index row = 0; row < values.rows(); ++row) {
         QList<QByteArray> cells;
         for (Index column = 0; column < values.cols(); ++column)
             cells += cell(values(row, column));
-        table += rowText(cells);
+        table += line(cells);
     }
     return table;
 }
@@ -53,12 +43,12 @@ QList<QByteArray> nodeNames(const std::vector<Node> &nodes)
 QByteArray nodeTable(const QList<QByteArray> &nodes, const QList<QByteArray> &columns,
                      const MatrixXd &values)
 {
-    QByteArray table = rowText(QList<QByteArray>{"Node"} + columns);
+    QByteArray table = line(QList<QByteArray>{"Node"} + columns);
     for (Index row = 0; row < values.rows(); ++row) {
         QList<QByteArray> cells{nodes[int(row)]};
         for (Index column = 0; column < values.cols(); ++column)
             cells += cell(values(row, column));
-        table += rowText(cells);
+        table += line(cells);
     }
     return table;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/files/hidden_path.h"
+#include "host/files/filled_folder.h"
 
-#include <QString>
+#include <QStringList>
 
 namespace corvane
 {
@@ -21,8 +21,8 @@ public:
     OutputFolder(const QString &path, const QString &writer);
 
     /// Where to write files now, the file of that name, and where it will be after the commit.
-    QString path() const { return m_hidden.path(); }
-    QString path(const QString &name) const;
+    QString path() const { return m_folder.path(); }
+    QString path(const QString &name) const { return m_folder.path(name); }
     QString finalPath(const QString &name) const;
 
     /// Moves every file to its place, over older ones of the same name, and removes those that the
@@ -33,9 +33,8 @@ public:
     [[nodiscard]] QStringList commit();
 
 private:
-    QString m_path;
+    FilledFolder m_folder;
     QString m_writer;
-    HiddenPath m_hidden;
     QStringList m_said; ///< of sets that others left
 };
 

@@ -124,14 +124,6 @@ QByteArray influenceTable(const GroupData &data, const std::vector<ContrastResul
     return table;
 }
 
-QJsonArray texts(const std::vector<std::string> &values)
-{
-    QJsonArray array;
-    for (const std::string &value : values)
-        array += QString::fromStdString(value);
-    return array;
-}
-
 QJsonObject contrastFacts(const ContrastResult &result)
 {
     QJsonArray weights;

@@ -1,19 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/group/table_cells.h"
 
-#include "host/files/text_check.h"
-
-#include <cmath>
-
 namespace corvane
 {
 
 using Eigen::Index;
-
-QByteArray cell(double number)
-{
-    return std::isnan(number) ? QByteArray("n/a") : shortestDecimal(number);
-}
 
 QByteArray cell(const std::string &text)
 {
@@ -23,11 +14,6 @@ QByteArray cell(const std::string &text)
 QByteArray cell(Index number)
 {
     return QByteArray::number(qlonglong(number));
-}
-
-QByteArray line(const QByteArrayList &cells)
-{
-    return cells.join('\t') + '\n';
 }
 
 QByteArray namedMatrix(const std::vector<std::string> &names, const Eigen::MatrixXd &values)
@@ -43,6 +29,14 @@ QByteArray namedMatrix(const std::vector<std::string> &names, const Eigen::Matri
         table += line(cells);
     }
     return table;
+}
+
+QJsonArray texts(const std::vector<std::string> &values)
+{
+    QJsonArray array;
+    for (const std::string &value : values)
+        array += QString::fromStdString(value);
+    return array;
 }
 
 } // namespace corvane

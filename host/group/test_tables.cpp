@@ -34,14 +34,6 @@ std::vector<statistics::NodePair> pairsOf(const GroupData &data)
     return statistics::node_pairs(static_cast<int>(data.nodes.size()));
 }
 
-QJsonArray texts(const std::vector<std::string> &values)
-{
-    QJsonArray array;
-    for (const std::string &value : values)
-        array += QString::fromStdString(value);
-    return array;
-}
-
 QJsonObject distanceFacts(const DistanceResult &result)
 {
     QJsonArray contrasts;

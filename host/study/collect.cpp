@@ -3,7 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
-#include "host/files/text_check.h"
+#include "host/files/tsv_text.h"
 #include "host/study/study_folder.h"
 #include "host/study/study_pages.h"
 #include "host/study/study_plan.h"
@@ -12,6 +12,8 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+
+#include <limits>
 
 namespace corvane
 {
@@ -64,16 +66,16 @@ void requireOwnDescription(const QString &path)
                          QStringLiteral("a folder of its own for the results"));
 }
 
-QByteArray cell(const QString &text)
+QByteArray textCell(const QString &text)
 {
     QString line = text.simplified();
     return line.isEmpty() ? QByteArray("n/a") : line.toUtf8();
 }
 
-QByteArray cell(const QJsonObject &ledger, const char *key)
+QByteArray ledgerCell(const QJsonObject &ledger, const char *key)
 {
     const QJsonValue value = ledger[QLatin1String(key)];
-    return value.isDouble() ? shortestDecimal(value.toDouble()) : QByteArray("n/a");
+    return cell(value.toDouble(std::numeric_limits<double>::quiet_NaN()));
 }
 
 struct LedgerColumn {
@@ -98,23 +100,23 @@ QByteArray headLine()
     for (const LedgerColumn &column : ledgerColumns)
         names += column.name;
     names += "reason";
-    return names.join('\t') + '\n';
+    return line(names);
 }
 
 QByteArray tableLine(const KnownRow &row)
 {
     const RowRecord &record = row.record;
-    QList<QByteArray> cells{cell(QStringLiteral("sub-") + record.name.participant),
-                            cell(record.name.session),
-                            cell(record.name.task),
-                            cell(record.name.space),
-                            cell(record.name.prefix),
-                            cell(record.name.atlas),
+    QList<QByteArray> cells{textCell(QStringLiteral("sub-") + record.name.participant),
+                            textCell(record.name.session),
+                            textCell(record.name.task),
+                            textCell(record.name.space),
+                            textCell(record.name.prefix),
+                            textCell(record.name.atlas),
                             row.isRecorded ? nameOf(record.status).toUtf8() : QByteArray("open")};
     for (const LedgerColumn &column : ledgerColumns)
-        cells += cell(record.ledger, column.key);
-    cells += cell(record.reason);
-    return cells.join('\t') + '\n';
+        cells += ledgerCell(record.ledger, column.key);
+    cells += textCell(record.reason);
+    return line(cells);
 }
 
 } // namespace
