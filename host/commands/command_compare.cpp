@@ -78,8 +78,8 @@ int run(const QStringList &arguments)
     MapRequest request;
     request.permutations = *wholeValue(parser, "permutations", 1);
     request.seed = static_cast<std::uint64_t>(*wholeValue(parser, "seed", 0));
-    request.first = readNodeMap(parser.positionalArguments()[0], column);
-    request.second = readNodeMap(parser.positionalArguments()[1], columnB);
+    request.first = readBrainMap(parser.positionalArguments()[0], column);
+    request.second = readBrainMap(parser.positionalArguments()[1], columnB);
     request.matched = matchMaps(request.first, request.second);
     const statistics::MapComparison found = statistics::compare_maps(
         request.matched.first, request.matched.second, request.permutations, request.seed);

@@ -17,7 +17,7 @@ namespace corvane
 namespace
 {
 
-QJsonObject mapFacts(const NodeMap &map)
+QJsonObject mapFacts(const BrainMap &map)
 {
     return {{QStringLiteral("File"), map.path},
             {QStringLiteral("Column"), map.column},
@@ -25,7 +25,7 @@ QJsonObject mapFacts(const NodeMap &map)
             {QStringLiteral("HasNames"), !map.names.isEmpty()}};
 }
 
-QString axisName(const NodeMap &map)
+QString axisName(const BrainMap &map)
 {
     return QStringLiteral("%1 (%2)").arg(map.column, QFileInfo(map.path).fileName());
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/files/output_folder.h"
-#include "host/group/node_map.h"
+#include "host/group/brain_map.h"
 #include "statistics/correlation.h"
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace corvane
 {
 
 struct MapRequest {
-    NodeMap first, second;
+    BrainMap first, second;
     MatchedMaps matched;
     qint64 permutations = 0;
     std::uint64_t seed = 0;

@@ -9,7 +9,7 @@ namespace corvane
 {
 
 /// One number for each node.
-struct NodeMap {
+struct BrainMap {
     QString path;
     QString column;        ///< the number's name
     QStringList names;     ///< of the nodes; empty without
@@ -27,7 +27,7 @@ struct NodeMap {
 ///        number of nodes.
 /// Throws InputError, for a cell of the column that is neither a number nor missing, and for a name
 /// that comes twice.
-NodeMap readNodeMap(const QString &path, const QString &column);
+BrainMap readBrainMap(const QString &path, const QString &column);
 
 /// The values of two maps, those of one node beside each other.
 struct MatchedMaps {
@@ -38,6 +38,6 @@ struct MatchedMaps {
 
 /// Matches nodes by name, in the order of the first map; by row where a map has no names. Throws
 /// InputError if no name is in both, or rows without names differ in number.
-MatchedMaps matchMaps(const NodeMap &first, const NodeMap &second);
+MatchedMaps matchMaps(const BrainMap &first, const BrainMap &second);
 
 } // namespace corvane

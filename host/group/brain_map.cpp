@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "host/group/node_map.h"
+#include "host/group/brain_map.h"
 
 #include "host/files/input_error.h"
 #include "host/files/text_check.h"
@@ -185,9 +185,9 @@ Eigen::ArrayXd valuesOf(const MapTable &table, int column, const QString &path)
     return values;
 }
 
-MatchedMaps matchRows(const NodeMap &first, const NodeMap &second)
+MatchedMaps matchRows(const BrainMap &first, const BrainMap &second)
 {
-    const NodeMap &nameless = first.names.isEmpty() ? first : second;
+    const BrainMap &nameless = first.names.isEmpty() ? first : second;
     if (first.values.size() != second.values.size())
         throw InputError(second.path, QStringLiteral("rows"), QString::number(second.values.size()),
                          QStringLiteral("%1 as in %2, since nodes of %3 have no names")
@@ -203,21 +203,21 @@ MatchedMaps matchRows(const NodeMap &first, const NodeMap &second)
     return maps;
 }
 
-QString onlyIn(const NodeMap &map, const QStringList &names)
+QString onlyIn(const BrainMap &map, const QStringList &names)
 {
     return QStringLiteral("only in %1: %2").arg(map.path, names.join(QStringLiteral(", ")));
 }
 
 } // namespace
 
-NodeMap readNodeMap(const QString &path, const QString &column)
+BrainMap readBrainMap(const QString &path, const QString &column)
 {
     const MapTable table(path);
     const int values = table.values(column);
     return {path, table.name(values), namesOf(table, path), valuesOf(table, values, path)};
 }
 
-MatchedMaps matchMaps(const NodeMap &first, const NodeMap &second)
+MatchedMaps matchMaps(const BrainMap &first, const BrainMap &second)
 {
     if (first.names.isEmpty() || second.names.isEmpty())
         return matchRows(first, second);
