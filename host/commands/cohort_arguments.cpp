@@ -225,6 +225,9 @@ void addCohortOptions(QCommandLineParser &parser)
          QStringLiteral(
              "Without the study's table: for one participant of many; Corvane cohort OUT "
              "status --collect makes it later.")},
+        {QStringLiteral("then-group"),
+         QStringLiteral("Tests the group as soon as its rows are made: what stands behind this are "
+                        "options of group.")},
         {QStringLiteral("collect"), QStringLiteral("With status: makes the study's table.")},
         {QStringLiteral("sample"), QStringLiteral("With verify: how many rows are computed again."),
          number, QStringLiteral("10")},
@@ -253,6 +256,7 @@ QString stepOf(const QString &option)
                                 {"wait", "participant"},
                                 {"keep-failed", "participant"},
                                 {"no-collect", "participant"},
+                                {"then-group", "participant"},
                                 {"collect", "status"},
                                 {"sample", "verify"},
                                 {"all", "verify"},
