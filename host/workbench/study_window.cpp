@@ -30,10 +30,12 @@ QString commandText(const QJsonObject &options)
     QStringList words;
     for (auto option = options.begin(); option != options.end(); ++option) {
         QString value = option.value().toString();
-        value.replace(QLatin1Char('"'), QLatin1String("\"\"\""));
         words += QStringLiteral("--") + option.key();
-        if (option.value().isString())
-            words += QLatin1Char('"') + value + QLatin1Char('"');
+        if (!option.value().isString())
+            continue;
+        const bool isOneWord = !value.isEmpty() && QProcess::splitCommand(value).value(0) == value;
+        value.replace(QLatin1Char('"'), QLatin1String("\"\"\""));
+        words += isOneWord ? value : QLatin1Char('"') + value + QLatin1Char('"');
     }
     return words.join(QLatin1Char(' '));
 }
