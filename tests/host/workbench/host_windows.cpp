@@ -140,8 +140,8 @@ ImportRequest exampleRequest()
         ImportRequest files;
         files.anatomy = folder.path("sub-01_T1w.nii.gz");
         files.functional = folder.path("sub-01_task-movement_bold.nii.gz");
-        files.atlas = folder.path("sub-01_dseg.nii.gz");
-        files.labels = folder.path("sub-01_dseg.tsv");
+        files.voiSources = {
+            {VoiSource::Atlas, folder.path("sub-01_dseg.nii.gz"), folder.path("sub-01_dseg.tsv")}};
         files.events = folder.path("sub-01_task-movement_events.tsv");
         files.folder = folder.path();
         files.name = QStringLiteral("example");
