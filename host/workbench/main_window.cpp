@@ -16,6 +16,7 @@
 #include "host/workbench/time_course_view.h"
 #include "host/workbench/voi_list.h"
 #include "host/workbench/volume_view.h"
+#include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
 #include "host/workbench/example_files.h"
@@ -90,13 +91,16 @@ QWidget *windowOnTop()
 } // namespace
 
 MainWindow::MainWindow(Session &session, QWidget *parent)
-    : QMainWindow(parent), m_workspace(session.workspace()), m_log(new LogPane(session, this)),
+    : QMainWindow(parent), m_workspace(session.workspace()),
+      m_buttons(std::make_unique<WindowButtonStyle>()), m_log(new LogPane(session, this)),
       m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     addDockWidget(Qt::RightDockWidgetArea, m_vois);
+    for (QDockWidget *pane : findChildren<QDockWidget *>())
+        pane->setStyle(m_buttons.get());
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     makeCentre();
     makeFileMenu();
@@ -127,7 +131,7 @@ void MainWindow::makeCentre()
     auto *const layout = new QVBoxLayout(centre);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    m_tabs = new DocumentTabs(m_workspace, centre);
+    m_tabs = new DocumentTabs(m_workspace, *m_buttons, centre);
     m_pages = new QStackedWidget(centre);
     m_pages->addWidget(makeWelcome());
     m_pages->addWidget(makeVolumePage());
@@ -286,6 +290,7 @@ void MainWindow::refresh()
     m_tabs->refresh();
     const int current = m_workspace.currentDocument();
     const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
+    m_vois->setAnatomyOpen(isOpen);
     for (QAction *action : qAsConst(m_documentActions))
         action->setEnabled(isOpen);
     if (m_shownVoiLoads != m_workspace.voiLoads()) {

@@ -23,6 +23,7 @@ class TimeCourseReader;
 class TimeCourseView;
 class VoiList;
 class VolumeView;
+class WindowButtonStyle;
 class Workspace;
 
 /// The workbench's one main window: a view of a session, which plugins change behind its back.
@@ -89,6 +90,7 @@ private:
     void showBox(const QString &text);
 
     Workspace &m_workspace;
+    std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QTimer m_refreshSoon;
     QTimer m_fileWatch;

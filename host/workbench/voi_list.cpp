@@ -33,11 +33,17 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
 {
     setObjectName(QStringLiteral("voiPane"));
     auto *const content = new QWidget(this);
-    auto *const layout = new QVBoxLayout(content);
+    auto *const column = new QVBoxLayout(content);
 
-    m_hint = new QLabel(tr("No VOIs are loaded. Open a .voi file, or let a plugin load one."));
+    m_hint = new QLabel;
+    m_hint->setObjectName(QStringLiteral("voiHint"));
     m_hint->setWordWrap(true);
-    layout->addWidget(m_hint);
+    m_hint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    column->addWidget(m_hint);
+    m_listing = new QWidget;
+    column->addWidget(m_listing, 1);
+    auto *const layout = new QVBoxLayout(m_listing);
+    layout->setContentsMargins(0, 0, 0, 0);
 
     m_list = new QListWidget;
     m_list->setObjectName(QStringLiteral("voiList"));
@@ -85,12 +91,29 @@ double VoiList::opacity() const
 void VoiList::setVois(const VoiSet *set)
 {
     fill(set != nullptr ? *set : VoiSet());
-    const bool isLoaded = set != nullptr;
-    m_hint->setVisible(!isLoaded);
+    m_isLoaded = set != nullptr;
     for (QWidget *widget : {static_cast<QWidget *>(m_list), static_cast<QWidget *>(m_showAll),
                             static_cast<QWidget *>(m_hideAll), static_cast<QWidget *>(m_opacity)})
-        widget->setEnabled(isLoaded);
+        widget->setEnabled(m_isLoaded);
+    showHint();
     makeOverlay();
+}
+
+void VoiList::setAnatomyOpen(bool isOpen)
+{
+    m_isAnatomyOpen = isOpen;
+    showHint();
+}
+
+void VoiList::showHint()
+{
+    m_listing->setVisible(m_isAnatomyOpen);
+    m_hint->setVisible(!m_isAnatomyOpen || !m_isLoaded);
+    m_hint->setText(m_isAnatomyOpen
+                        ? tr("No VOIs are loaded. Open a .voi file, or let a plugin load one.")
+                        : tr("VOIs are listed here when an anatomy is open."));
+    static_cast<QBoxLayout *>(widget()->layout())
+        ->setStretchFactor(m_hint, m_isAnatomyOpen ? 0 : 1);
 }
 
 void VoiList::fill(const VoiSet &set)

@@ -30,6 +30,8 @@ public:
 
     /// Lists the VOIs of a set, none for null. One with the same names keeps what is hidden.
     void setVois(const VoiSet *set);
+    /// Without an anatomy that they lie in, nothing is listed.
+    void setAnatomyOpen(bool isOpen);
 
     /// Where the shown VOIs lie; null when none is.
     std::shared_ptr<const VoiOverlay> overlay() const { return m_overlay; }
@@ -42,11 +44,15 @@ Q_SIGNALS:
 
 private:
     void fill(const VoiSet &set);
+    void showHint();
     void showAll(bool shown);
     void makeOverlay();
     void jump(QListWidgetItem *item);
 
     QLabel *m_hint;
+    QWidget *m_listing; ///< all but the hint
+    bool m_isAnatomyOpen = false;
+    bool m_isLoaded = false;
     QListWidget *m_list;
     QPushButton *m_showAll;
     QPushButton *m_hideAll;
