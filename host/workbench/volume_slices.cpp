@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 namespace corvane
@@ -37,10 +38,9 @@ QRgb tinted(int grey, QRgb colour, int parts)
                 mixed(grey, qBlue(colour), parts));
 }
 
-/// Counts of the intensities in every fourth row of every fourth slice, without 0.
-std::vector<int> histogram(const Vmr &vmr)
+/// Counts of the intensities in every row of every slice that is a multiple of `step`, without 0.
+std::vector<int> histogram(const Vmr &vmr, std::size_t step)
 {
-    constexpr std::size_t step = 4;
     std::vector<int> counts(vmr.type == Vmr::UChar ? 256 : 65536);
     withSamples(vmr, [&](const auto *samples) {
         for (std::size_t k = 0; k < size; k += step)
@@ -52,6 +52,11 @@ std::vector<int> histogram(const Vmr &vmr)
     });
     counts[0] = 0;
     return counts;
+}
+
+qint64 sumOf(const std::vector<int> &counts)
+{
+    return std::accumulate(counts.begin(), counts.end(), qint64(0));
 }
 
 } // namespace
@@ -71,10 +76,11 @@ PlaneAxes axesOf(SlicePlane plane)
 
 GreyWindow automaticWindow(const Vmr &vmr)
 {
-    const std::vector<int> counts = histogram(vmr);
-    qint64 total = 0;
-    for (int count : counts)
-        total += count;
+    std::vector<int> counts = histogram(vmr, 4);
+    // A few voxels may lie between the rows that were looked at.
+    if (sumOf(counts) == 0)
+        counts = histogram(vmr, 1);
+    const qint64 total = sumOf(counts);
     if (total == 0)
         return {};
     const auto percentile = [&](double part) {
@@ -84,8 +90,12 @@ GreyWindow automaticWindow(const Vmr &vmr)
             ++intensity;
         return intensity;
     };
-    const int low = percentile(0.01);
-    const int high = std::max(percentile(0.995), low + 1);
+    // Masks and atlases have no dark end that could be left out: all of their values are meant.
+    constexpr int fewValues = 32;
+    const bool isOfFew = std::count_if(counts.begin(), counts.end(),
+                                       [](int count) { return count > 0; }) <= fewValues;
+    const int low = isOfFew ? 0 : percentile(0.01);
+    const int high = std::max(percentile(isOfFew ? 1 : 0.995), low + 1);
     return {(low + high) / 2.0, static_cast<double>(high - low)};
 }
 

@@ -39,7 +39,8 @@ struct GreyWindow {
     }
 };
 
-/// A window from the 1st to the 99.5th percentile of what is not 0, for the first look.
+/// A window for the first look: from the 1st to the 99.5th percentile of what is not 0. That of an
+/// image of few values, such as a mask or an atlas, begins at 0, so that the least is not black.
 GreyWindow automaticWindow(const Vmr &vmr);
 
 bool isInCube(const CubeVoxel &voxel);

@@ -101,7 +101,30 @@ TEST(VolumeSlices, TheFirstWindowLeavesOutBackgroundAndExtremes)
     EXPECT_DOUBLE_EQ(window.level - window.width / 2, 102);
     EXPECT_DOUBLE_EQ(window.level + window.width / 2, 299);
     EXPECT_EQ(automaticWindow(zeroVmr()), GreyWindow());
-    EXPECT_EQ(automaticWindow(volumeWith<quint8>({{{0, 0, 0}, 7}})).width, 1);
+}
+
+TEST(VolumeSlices, MasksAndImagesOfFewValuesAreSeenAtOnce)
+{
+    const std::vector<int> values[] = {{1}, {255}, {1, 2}, {1, 2, 3}, {7}, {1000}, {2, 60000}};
+    for (const std::vector<int> &few : values) {
+        std::vector<std::pair<CubeVoxel, int>> voxels;
+        for (int n = 0; n < 40; ++n)
+            voxels.push_back({{n, 100, 100}, few[static_cast<std::size_t>(n) % few.size()]});
+        const Vmr vmr = volumeWith<quint16>(voxels);
+        const QImage image = sliceImage(vmr, SlicePlane::Sagittal, 100, automaticWindow(vmr));
+        EXPECT_EQ(grey(image, 50, 100), 0) << few.front();
+        EXPECT_EQ(grey(image, int(few.size()) - 1, 100), 255) << few.front();
+        if (few.back() < 2 * 30 * few.front()) {
+            EXPECT_GT(grey(image, 0, 100), 60) << few.front();
+        }
+    }
+}
+
+TEST(VolumeSlices, VoxelsBetweenTheRowsThatAreLookedAtFirstCountToo)
+{
+    const Vmr vmr = volumeWith<quint8>({{{9, 9, 9}, 1}});
+    const QImage image = sliceImage(vmr, SlicePlane::Sagittal, 9, automaticWindow(vmr));
+    EXPECT_EQ(grey(image, 9, 9), 255);
 }
 
 TEST(VolumeSlices, TellTheEndsOfAxesAndPositionsByTheFilesOwnSpace)
