@@ -12,9 +12,11 @@
 #include "host/workbench/dropped_files.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/recent_files.h"
+#include "host/workbench/run_pane.h"
 #include "host/workbench/time_course_reader.h"
 #include "host/workbench/time_course_view.h"
 #include "host/workbench/voi_list.h"
+#include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
 #include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
@@ -24,6 +26,7 @@
 #include "host/workbench/study_window.h"
 #endif
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
@@ -51,6 +54,7 @@ namespace
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString stateKey = QStringLiteral("window/state");
 const QString partsKey = QStringLiteral("window/parts");
+const QString neurologicalKey = QStringLiteral("view/neurological");
 const QString folderKey = QStringLiteral("folder");
 
 /// The cursor of a program at work, while it lives.
@@ -93,12 +97,14 @@ QWidget *windowOnTop()
 MainWindow::MainWindow(Session &session, QWidget *parent)
     : QMainWindow(parent), m_workspace(session.workspace()),
       m_buttons(std::make_unique<WindowButtonStyle>()), m_log(new LogPane(session, this)),
-      m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
+      m_vois(new VoiList(this)), m_run(new RunPane(this)), m_reader(new TimeCourseReader(this)),
+      m_voiReader(new TimeCourseReader(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     addDockWidget(Qt::RightDockWidgetArea, m_vois);
+    addDockWidget(Qt::RightDockWidgetArea, m_run);
     for (QDockWidget *pane : findChildren<QDockWidget *>())
         pane->setStyle(m_buttons.get());
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
@@ -192,6 +198,9 @@ QWidget *MainWindow::makeVolumePage()
     connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
     connect(m_vois, &VoiList::overlayChanged, this,
             [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
+    connect(m_vois, &VoiList::chosenChanged, this, &MainWindow::readVoiCourse);
+    connect(m_run, &RunPane::overlayChanged, this,
+            [this] { m_volume->setRun(m_run->overlay(), m_run->opacity()); });
     return m_parts;
 }
 
@@ -247,14 +256,70 @@ void MainWindow::makeViewMenu()
     cross->setChecked(true);
     cross->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
     connect(cross, &QAction::toggled, m_volume, &VolumeView::setCrossShown);
-    m_documentActions += {next, previous, in, out, whole, automatic, cross};
+    QAction *const fit = menu->addAction(tr("&Fit to the Head"), m_volume, &VolumeView::fitToHead);
+    fit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    m_documentActions += {next, previous, in, out, whole, automatic, cross, fit};
+    menu->addSeparator();
+    addSliceChoice(*menu);
+    menu->addSeparator();
+    addConventions(*menu);
     menu->addSeparator();
     QAction *const vois = m_vois->toggleViewAction();
     vois->setText(tr("&Volumes of Interest"));
     menu->addAction(vois);
+    QAction *const run = m_run->toggleViewAction();
+    run->setText(tr("Functional &Run"));
+    menu->addAction(run);
     QAction *const log = m_log->toggleViewAction();
     log->setText(tr("&Log"));
     menu->addAction(log);
+}
+
+/// All three slices, or one that fills the pane.
+void MainWindow::addSliceChoice(QMenu &menu)
+{
+    const struct {
+        QString text;
+        std::optional<SlicePlane> plane;
+    } choices[] = {{tr("&Three Slices"), std::nullopt},
+                   {tr("&Sagittal Slice Alone"), SlicePlane::Sagittal},
+                   {tr("Co&ronal Slice Alone"), SlicePlane::Coronal},
+                   {tr("A&xial Slice Alone"), SlicePlane::Axial}};
+    auto *const group = new QActionGroup(this);
+    int key = Qt::Key_1;
+    for (const auto &choice : choices) {
+        QAction *const action = menu.addAction(choice.text);
+        action->setCheckable(true);
+        action->setChecked(!choice.plane);
+        action->setShortcut(QKeySequence(Qt::CTRL | key++));
+        group->addAction(action);
+        connect(action, &QAction::triggered, m_volume,
+                [this, plane = choice.plane] { m_volume->showAlone(plane); });
+        connect(m_volume, &VolumeView::aloneChanged, action, [this, action, plane = choice.plane] {
+            action->setChecked(m_volume->alone() == plane);
+        });
+        m_documentActions += action;
+    }
+}
+
+/// Which side of the patient is on the left of the slices. The choice is kept.
+void MainWindow::addConventions(QMenu &menu)
+{
+    auto *const group = new QActionGroup(this);
+    const bool isNeurological = QSettings().value(neurologicalKey).toBool();
+    for (const bool neurological : {false, true}) {
+        QAction *const action =
+            menu.addAction(neurological ? tr("N&eurological: Left on the Left")
+                                        : tr("Ra&diological: Right on the Left"));
+        action->setCheckable(true);
+        action->setChecked(neurological == isNeurological);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, neurological] {
+            QSettings().setValue(neurologicalKey, neurological);
+            m_volume->setNeurological(neurological);
+        });
+    }
+    m_volume->setNeurological(isNeurological);
 }
 
 void MainWindow::makePluginsMenu()
@@ -302,6 +367,8 @@ void MainWindow::refresh()
         m_volume->showVolume(current, *vmr);
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
     m_before->setRun(vtc != nullptr ? &vtc->file : nullptr);
+    m_run->setRun(vtc != nullptr ? &vtc->file : nullptr);
+    readVoiCourse();
     showPage(isOpen ? VolumePage : WelcomePage);
     showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
@@ -347,6 +414,7 @@ void MainWindow::showTimeCourse()
         return;
     }
     scene.repetitionTime = vtc->file.info().repetitionTime;
+    scene.voi = m_voiCourse;
     scene.hint = tr("The cross-hair lies outside the functional run.");
     if (vtc->file.info().cleaning)
         scene.cleaning = ledgerText(*vtc->file.info().cleaning);
@@ -358,12 +426,46 @@ void MainWindow::showTimeCourse()
         [this, cross, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
             TimeCourseScene complete = scene;
             complete.samples = samples;
+            complete.voi = m_voiCourse; // it may have come in the meantime
             m_timeCourse->show(complete);
             m_before->ask(cross, [this, complete](const TimeCourseReader::Samples &before) {
                 TimeCourseScene both = complete;
                 both.before = before;
+                both.voi = m_voiCourse;
                 m_timeCourse->show(std::move(both));
             });
+        });
+}
+
+/// The mean course of the chosen VOI; what is shown stays until it is there.
+void MainWindow::readVoiCourse()
+{
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    const std::optional<std::size_t> chosen = m_vois->chosen();
+    const auto take = [this](const VoiCourse &course) {
+        m_voiCourse = course;
+        TimeCourseScene scene = m_timeCourse->scene();
+        scene.voi = course;
+        m_timeCourse->show(std::move(scene));
+    };
+    if (vtc == nullptr || !chosen) {
+        m_voiReader->forget();
+        take({});
+        return;
+    }
+    const VoiSet &set = m_vois->vois();
+    const Voi &voi = set.vois[*chosen];
+    std::vector<CubeVoxel> voxels;
+    voxels.reserve(voi.voxels.size());
+    for (const auto &voxel : voi.voxels)
+        voxels.push_back(cubeVoxel(set, voxel));
+    const VoiCourse course{voi.name, QColor(voi.r, voi.g, voi.b), {}};
+    m_voiReader->ask(
+        [vtc = vtc->file, voxels = std::move(voxels)](const std::atomic<bool> &isOutdated) {
+            return meanCourseOf(vtc, voxels, isOutdated);
+        },
+        [take, course](const TimeCourseReader::Samples &samples) {
+            take({course.name, course.colour, samples});
         });
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/session/plugin_loader.h"
+#include "host/workbench/time_course_view.h"
 
 #include <QMainWindow>
 #include <QTimer>
@@ -16,11 +17,11 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class RunPane;
 class StudyWindow;
 class Session;
 class BeforeCleaning;
 class TimeCourseReader;
-class TimeCourseView;
 class VoiList;
 class VolumeView;
 class WindowButtonStyle;
@@ -78,6 +79,9 @@ private:
     enum Page { WelcomePage, VolumePage };
     void showPage(Page page);
     void showTimeCourse();
+    void readVoiCourse();
+    void addSliceChoice(QMenu &menu);
+    void addConventions(QMenu &menu);
     void open(const QString &path);
     void chooseFiles();
     void importFiles();
@@ -96,6 +100,7 @@ private:
     QTimer m_fileWatch;
     LogPane *m_log;
     VoiList *m_vois;
+    RunPane *m_run;
     DocumentTabs *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr; ///< one of each Page
     QPushButton *m_welcomeOpen = nullptr;
@@ -104,6 +109,8 @@ private:
     TimeCourseView *m_timeCourse = nullptr;
     BeforeCleaning *m_before = nullptr;
     TimeCourseReader *m_reader;
+    TimeCourseReader *m_voiReader;
+    VoiCourse m_voiCourse; ///< of the chosen VOI, once it is read
     int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for

@@ -37,10 +37,15 @@ public:
     std::shared_ptr<const VoiOverlay> overlay() const { return m_overlay; }
     double opacity() const;
     const QStringList &names() const { return m_names; }
+    const VoiSet &vois() const { return m_set; }
+    /// The VOI whose row is chosen, by its place in the set.
+    std::optional<std::size_t> chosen() const;
 
 Q_SIGNALS:
     void overlayChanged();
     void jumped(const CubeVoxel &voxel);
+    /// Another VOI is chosen, or what is chosen is of another set.
+    void chosenChanged();
 
 private:
     void fill(const VoiSet &set);
