@@ -10,6 +10,8 @@
 #include "host/workbench/before_cleaning.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
+#include "host/workbench/guide.h"
+#include "host/workbench/key_list.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/recent_files.h"
 #include "host/workbench/run_pane.h"
@@ -41,6 +43,7 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTextDocumentFragment>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -333,6 +336,22 @@ void MainWindow::makePluginsMenu()
 void MainWindow::makeHelpMenu()
 {
     m_helpMenu = menuBar()->addMenu(tr("&Help"));
+    const auto open = [this](QWidget *about) {
+        const QString fault = openGuide(guidePageOf(about));
+        if (!fault.isEmpty())
+            showMessageBox(fault);
+    };
+    // Windows that belong to this one have its keys.
+    QAction *const guide = m_helpMenu->addAction(tr("&User's Guide"), this, [this, open] {
+        QWidget *const front = QApplication::activeWindow();
+        open(front != nullptr ? front : this);
+    });
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    auto *const helpKey = new HelpKey(this);
+    connect(helpKey, &HelpKey::pressed, this, open);
+    qApp->installEventFilter(helpKey);
+    m_helpMenu->addAction(tr("&Keys"), this, &MainWindow::showKeys);
+    m_helpMenu->addSeparator();
     QAction *const action = m_helpMenu->addAction(tr("&About Corvane"), this, &MainWindow::about);
     action->setMenuRole(QAction::AboutRole);
 }
@@ -647,17 +666,37 @@ void MainWindow::showBox(const QString &text)
     box->exec();
 }
 
+void MainWindow::showKeys()
+{
+    const ScopedDialog keys(new KeyList(*menuBar(), this));
+    keys->exec();
+}
+
 void MainWindow::about()
 {
+    const auto page = [](const char *name, const QString &text) {
+        const QString file =
+            QDir(guideFolder()).filePath(QString::fromLatin1(name) + QStringLiteral(".html"));
+        return QStringLiteral("<a href=\"%1\">%2</a>")
+            .arg(QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded()), text);
+    };
     QMessageBox::about(
         this, tr("About Corvane"),
-        tr("<h3>Corvane %1.%2.%3</h3><p>An open host for plugins that analyse functional MRI data, "
-           "of Tessera %4.</p><p>Free software under the GNU General Public License, version 3 or "
-           "later.</p>")
-            .arg(hostVersion[0])
-            .arg(hostVersion[1])
-            .arg(hostVersion[2])
-            .arg(QStringLiteral(TESSERA_VERSION)));
+        tr("<h3>Corvane %1</h3><p>An open host for plugins that analyse functional MRI data, "
+           "of Tessera %2.</p><p>%3</p><p>Free software under the <a "
+           "href=\"https://www.gnu.org/licenses/gpl-3.0.html\">GNU General Public License</a>, "
+           "version 3 or later. A tool for research, not meant for diagnosis.</p>")
+            .arg(QStringLiteral("%1.%2.%3")
+                     .arg(hostVersion[0])
+                     .arg(hostVersion[1])
+                     .arg(hostVersion[2]),
+                 QStringLiteral(TESSERA_VERSION),
+                 QStringList{page("users-guide", tr("User's guide")),
+                             page("graph-measures", tr("Measures")),
+                             page("cleaning", tr("Cleaning")),
+                             page("statistics", tr("Group statistics")),
+                             page("file-formats", tr("File formats"))}
+                     .join(QStringLiteral(" \u00b7 "))));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -53,7 +53,7 @@ public:
 
     const LogPane &log() const { return *m_log; }
 
-    /// The Help menu, for what the program adds to it.
+    /// The Help menu, for what the program adds to it behind the guide and the keys.
     QMenu &helpMenu() { return *m_helpMenu; }
 
     /// Says something in a box over the active window, and in the log.
@@ -91,6 +91,7 @@ private:
     void showDocument(int step);
     void start(Plugin &plugin);
     void about();
+    void showKeys();
     void showBox(const QString &text);
 
     Workspace &m_workspace;
