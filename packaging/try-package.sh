@@ -86,7 +86,8 @@ done
 held "every library is found"
 for file in man/man1/Corvane.1.gz applications/corvane.desktop metainfo \
     icons/hicolor/scalable/apps/corvane.svg doc/corvane-tessera/copyright \
-    doc/corvane-tessera/docs/users-guide.md doc/corvane-tessera/docs/pictures/ring.png; do
+    doc/corvane-tessera/docs/users-guide.md doc/corvane-tessera/docs/pictures/ring.png \
+    corvane/guide/users-guide.html corvane/guide/pictures/ring.png; do
     [ -e "$root/usr/share/$file" ] || fail "there is no /usr/share/$file"
 done
 held "manual page, desktop entry, icon, metadata, copyright and documents are in place"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QColor>
+#include <QStringList>
 
 namespace corvane
 {
@@ -10,5 +11,14 @@ namespace corvane
 /// with any vision of colours tell apart: the scheme RdBu of Brewer and Harrower 2003,
 /// doi:10.1179/000870403235002042. Values beyond are those of the limit, no value is grey.
 QColor divergingColour(double value, double limit);
+
+/// Scales from dark to light, for values that have no middle.
+enum class ColourMap { Hot, Viridis, Grey };
+
+/// Their names for users, in the order of ColourMap.
+QStringList colourMapNames();
+
+/// The colour at a share of a scale, 0 to 1; beyond it that of its end.
+QColor sequentialColour(ColourMap map, double share);
 
 } // namespace corvane
