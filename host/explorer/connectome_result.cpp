@@ -233,6 +233,20 @@ void readNodes(const RunFolder &files, NetworkResult &result)
     }
 }
 
+/// "sub-01 ses-a task-rest, Example38": what tells a run from others, and the atlas.
+QString titleOf(const QString &run)
+{
+    QStringList parts;
+    QString atlas;
+    for (const QString &part : run.split(QLatin1Char('_')))
+        if (part.startsWith(QLatin1String("atlas-")) || part.startsWith(QLatin1String("seg-")))
+            atlas = part.section(QLatin1Char('-'), 1);
+        else if (!part.startsWith(QLatin1String("space-")) &&
+                 !part.startsWith(QLatin1String("res-")))
+            parts += part;
+    return parts.join(QLatin1Char(' ')) + QStringLiteral(", ") + atlas;
+}
+
 QRegularExpression matrixForm()
 {
     return QRegularExpression(QStringLiteral(
@@ -294,7 +308,7 @@ NetworkResult readConnectomeResult(const QString &folder, const QString &run)
     if (!result.runs.contains(result.run))
         throw InputError(folder, QStringLiteral("run"), quoted(result.run),
                          QStringLiteral("one of: %1").arg(result.runs.join(QStringLiteral(", "))));
-    result.title = result.run;
+    result.title = titleOf(result.run);
     const RunFolder files{QDir(folder), result.run};
     QStringList names;
     std::vector<ResultMatrix> parts;

@@ -7,8 +7,8 @@ namespace corvane
 {
 
 struct ResultRequest {
-    /// A folder of `Corvane connectome`, of a subject's runs in a study, of `Corvane compute`,
-    /// `graph` or `group`; or one matrix in a file.
+    /// A folder of `Corvane connectome`, of a subject's runs in a study, of `Corvane compute` or
+    /// `group`, or one matrix in a file.
     QString path;
     QString run = {};    ///< what the run's files begin with, up to the atlas; empty for the first
     QString labels = {}; ///< a table of labels with networks, sides; empty for none

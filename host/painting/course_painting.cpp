@@ -119,22 +119,27 @@ void paintCourses(QPainter &painter, const QRectF &area, const CoursePicture &pi
     painter.setPen(inkOf(painter));
     painter.setFont(labelFont(painter, 12));
     double top = area.top() + titleHeight;
+    const bool hasCourses = picture.first.size() > 0;
+    // The scatter stands beside the text, the courses have the whole width below.
+    const double text = double(picture.lines.size()) * lineHeight;
+    const double side =
+        hasCourses ? std::min({std::max(text, 220.0), area.width() / 2, area.height() * 0.6}) : 0;
     const QFontMetricsF metrics(painter.font());
+    const double room = area.width() - side - 2 * gap;
     for (const QString &line : picture.lines) {
-        painter.drawText(QRectF(area.left() + gap, top, area.width() - 2 * gap, lineHeight),
+        painter.drawText(QRectF(area.left() + gap, top, room, lineHeight),
                          Qt::AlignLeft | Qt::AlignVCenter,
-                         metrics.elidedText(line, Qt::ElideRight, area.width() - 2 * gap));
+                         metrics.elidedText(line, Qt::ElideRight, room));
         top += lineHeight;
     }
-    const QRectF rest(area.left(), top + gap, area.width(), area.bottom() - top - gap);
-    if (picture.first.size() == 0) {
-        painter.drawText(rest.adjusted(gap, 0, -gap, 0),
+    if (!hasCourses) {
+        painter.drawText(QRectF(area.left() + gap, top + gap, room, area.bottom() - top - gap),
                          Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, picture.hint);
         painter.restore();
         return;
     }
-    const double side = std::min(rest.height(), rest.width() * 0.4);
-    const QRectF courses(rest.left(), rest.top(), rest.width() - side, rest.height());
+    top = area.top() + titleHeight + std::max(text, side);
+    const QRectF courses(area.left(), top, area.width(), std::max(1.0, area.bottom() - top));
     const QColor colours[2] = {
         isDark(paperOf(painter)) ? QColor(146, 197, 222) : QColor(33, 102, 172),
         isDark(paperOf(painter)) ? QColor(244, 165, 130) : QColor(214, 96, 77)};
@@ -171,10 +176,8 @@ void paintCourses(QPainter &painter, const QRectF &area, const CoursePicture &pi
     scatter.xs = first;
     scatter.ys = second;
     scatter.hasLine = true;
-    paintScatter(
-        painter,
-        QRectF(courses.right(), rest.top() - titleHeight, side, rest.height() + titleHeight),
-        scatter);
+    paintScatter(painter, QRectF(area.right() - side, area.top(), side, side + titleHeight),
+                 scatter);
     painter.restore();
 }
 

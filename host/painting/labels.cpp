@@ -50,7 +50,10 @@ void paintFoot(QPainter &painter, const QRectF &area, const QString &text)
     painter.save();
     painter.setFont(labelFont(painter, 12));
     painter.setPen(inkOf(painter));
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, text);
+    // A number keeps its sign of percent.
+    QString lines = text;
+    lines.replace(QLatin1String(" %"), QString(QChar(QChar::Nbsp)) + QLatin1Char('%'));
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, lines);
     painter.restore();
 }
 

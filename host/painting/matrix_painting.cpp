@@ -210,7 +210,8 @@ MatrixLayout matrixLayout(const QPainter &painter, const QRectF &area,
     const double below = layout.namesOfGroups ? gap : layout.namesRoom;
     const double side =
         std::max(1.0, std::min(area.width() - layout.namesRoom - gap, height - below));
-    layout.map = QRectF(area.left() + layout.namesRoom, area.top() + above, side, side);
+    const double spare = std::max(0.0, area.width() - layout.namesRoom - gap - side);
+    layout.map = QRectF(area.left() + layout.namesRoom + spare / 2, area.top() + above, side, side);
     return layout;
 }
 

@@ -93,11 +93,11 @@ void paintCurve(QPainter &painter, const QRectF &area, const MeasurePicture &pic
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(networkColour, 1.8));
     painter.drawPath(line);
-    QString title = QStringLiteral("%1: %2").arg(curve.name, QString::number(curve.area, 'g', 3));
+    QString numbers = QStringLiteral(": ") + QString::number(curve.area, 'g', 3);
     if (curve.node.size() > 0) {
         painter.setPen(QPen(nodeColour, 1.8));
         painter.drawPath(lineOf(plot, picture.densities, curve.node));
-        title += QStringLiteral(", node %1").arg(QString::number(curve.nodeArea, 'g', 3));
+        numbers += QStringLiteral(", node %1").arg(QString::number(curve.nodeArea, 'g', 3));
     }
     if (picture.now >= plot.first && picture.now <= plot.last) {
         painter.setPen(QPen(inkOf(painter), 1, Qt::DashLine));
@@ -105,10 +105,11 @@ void paintCurve(QPainter &painter, const QRectF &area, const MeasurePicture &pic
     }
     painter.setPen(inkOf(painter));
     painter.setFont(labelFont(painter, 12));
-    painter.drawText(
-        QRectF(area.left() + gap, area.top(), area.width() - gap, 22),
-        Qt::AlignLeft | Qt::AlignVCenter,
-        QFontMetricsF(painter.font()).elidedText(title, Qt::ElideRight, area.width() - 2 * gap));
+    const QFontMetricsF metrics(painter.font());
+    const QString name = metrics.elidedText(
+        curve.name, Qt::ElideRight, area.width() - 2 * gap - metrics.horizontalAdvance(numbers));
+    painter.drawText(QRectF(area.left() + gap, area.top(), area.width() - gap, 22),
+                     Qt::AlignLeft | Qt::AlignVCenter, name + numbers);
 }
 
 } // namespace

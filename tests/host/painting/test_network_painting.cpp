@@ -231,9 +231,8 @@ TEST(CoursePictures, LeaveOutVolumesAndHaveBandsForConditions)
     picture.leftOut[4] = true;
     picture.bands = {{QStringLiteral("go"), 10, 14}};
     const QImage image = painted(paintCourses, picture);
-    // The plot ends where the scatter's side, 0.4 of the width, begins.
     const double left = area.left() + 24;
-    const double right = area.left() + area.width() * 0.6 - axisRight;
+    const double right = area.right() - axisRight;
     const auto at = [&](double volume, int y) {
         return image.pixelColor(int(left + (right - left) * (volume + 0.5) / 20), y);
     };
