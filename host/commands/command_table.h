@@ -14,6 +14,7 @@ Command compareCommand();
 Command computeCommand();
 Command connectomeCommand();
 Command exampleCommand();
+Command figureCommand();
 Command graphCommand();
 Command groupCommand();
 Command importCommand();

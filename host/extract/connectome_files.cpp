@@ -60,6 +60,56 @@ QByteArray coverageTable(const Connectome &connectome)
     return nodeTable(nodeNames(connectome.nodes), {"coverage"}, shares);
 }
 
+/// The middle of each node, in mm: the mean of all voxels of the run that have its label, be they
+/// inside the mask or not. NaN for a node without any.
+MatrixXd nodePlaces(const Connectome &connectome)
+{
+    const Index nodes = Index(connectome.nodes.size());
+    Eigen::MatrixX3d sums = Eigen::MatrixX3d::Zero(nodes, 3);
+    Eigen::ArrayXd counts = Eigen::ArrayXd::Zero(nodes);
+    const GridSize &size = connectome.grid.size;
+    for (const std::vector<Stretch> *stretches : {&connectome.stretches, &connectome.outside})
+        for (const Stretch &stretch : *stretches)
+            for (qint64 voxel = stretch.start; voxel < stretch.start + stretch.length; ++voxel) {
+                sums.row(stretch.node) +=
+                    Eigen::RowVector3d(double(voxel % size[0]), double(voxel / size[0] % size[1]),
+                                       double(voxel / (size[0] * size[1])));
+                counts[stretch.node] += 1;
+            }
+    for (Index node = 0; node < nodes; ++node)
+        sums.row(node) =
+            (connectome.grid.toWorld * (sums.row(node) / counts[node]).transpose()).transpose();
+    return sums;
+}
+
+/// Micrometres are enough for a place.
+QByteArray placeCell(double millimetres)
+{
+    return cell(std::round(millimetres * 1000) / 1000);
+}
+
+QByteArray textCell(const QString &text)
+{
+    return text.isEmpty() ? QByteArray("n/a") : text.toUtf8();
+}
+
+/// What is known of the nodes: where they are, and to what they belong.
+QByteArray nodesTable(const Connectome &connectome)
+{
+    QByteArray table = line(
+        {"index", "name", "network", "hemisphere", "x", "y", "z", "voxels", "used_voxels"});
+    const MatrixXd places = nodePlaces(connectome);
+    for (std::size_t n = 0; n < connectome.nodes.size(); ++n) {
+        const Node &node = connectome.nodes[n];
+        const auto place = places.row(Index(n));
+        table += line({QByteArray::number(node.label), node.name.toUtf8(), textCell(node.network),
+                       textCell(node.hemisphere), placeCell(place[0]), placeCell(place[1]),
+                       placeCell(place[2]), QByteArray::number(node.voxels),
+                       QByteArray::number(connectome.usedVoxels[n])});
+    }
+    return table;
+}
+
 /// FD, standardised DVARS and the motion parameters, as far as the table of confounds knows them.
 QByteArray motionTable(const RunCleaning &cleaning)
 {
@@ -145,6 +195,7 @@ void writeConnectomeTables(const OutputFolder &folder, const ConnectomeRequest &
     write("stat-mean_timeseries.tsv", columnTable(nodes, connectome.cleaned.values));
     write("stat-mean_timeseries.json", seriesSidecar(request, names, connectome));
     write("stat-coverage_bold.tsv", coverageTable(connectome));
+    write("nodes.tsv", nodesTable(connectome));
     write("motion.tsv", motionTable(connectome.cleaning));
     write("outliers.tsv", outlierTable(connectome.cleaning.selection.volumes));
     write("design.tsv", designTable(connectome.cleaning.design));

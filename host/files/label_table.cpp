@@ -138,6 +138,16 @@ struct ColourColumns {
     }
 };
 
+/// The column of the first of these names that the table has in any case of letters; -1 without.
+int columnNamed(const TsvTable &table, std::initializer_list<const char *> names)
+{
+    for (const char *const name : names)
+        for (int column = 0; column < table.columns().size(); ++column)
+            if (table.columns()[column].compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
+                return column;
+    return -1;
+}
+
 LabelTable readColumns(const TsvTable &table)
 {
     const int indexColumn = table.requiredColumn(QStringLiteral("index"));
@@ -147,10 +157,9 @@ LabelTable readColumns(const TsvTable &table)
     if (nameColumn < 0)
         nameColumn = table.requiredColumn(QStringLiteral("name"));
     const ColourColumns colours(table);
-    int networkColumn = table.column(QStringLiteral("network"));
-    if (networkColumn < 0)
-        networkColumn = table.column(QStringLiteral("network_label"));
-    const int hemisphereColumn = table.column(QStringLiteral("hemisphere"));
+    const int networkColumn = columnNamed(
+        table, {"network", "network_label", "network_name", "system", "community", "module"});
+    const int hemisphereColumn = columnNamed(table, {"hemisphere", "hemi", "side"});
 
     LabelCollector labels(table.path());
     for (int row = 0; row < table.rowCount(); ++row) {

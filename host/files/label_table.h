@@ -33,9 +33,10 @@ constexpr std::size_t mostLabels = 20000;
 ///
 /// - tab-separated text with the columns "index" and "name", or in older files "label" in its
 ///   place. Colours stand in a column "color" as "#RRGGBB", "RRGGBB", "#RGB" or "#RRGGBBAA", or in
-///   columns for red, green and blue. The network that a region belongs to stands in a column
-///   "network" or, without it, "network_label", its side in "hemisphere". A text that is empty or
-///   "n/a" is none.
+///   columns for red, green and blue. The network that a region belongs to stands in the
+///   first of the columns "network", "network_label", "network_name", "system", "community" and
+///   "module" that there is, in any case of letters; its side in "hemisphere", "hemi" or "side". A
+///   text that is empty or "n/a" is none.
 /// - a colour table: index, name, red, green, blue and alpha with blanks between them in each line,
 ///   and no line of names.
 ///

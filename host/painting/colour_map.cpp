@@ -26,16 +26,26 @@ QColor colourOn(const std::array<Channels, count> &stops, double share)
     return {channel(0), channel(1), channel(2)};
 }
 
-/// From -limit to limit.
-constexpr std::array<Channels, 9> diverging{{{33, 102, 172},
-                                             {67, 147, 195},
-                                             {146, 197, 222},
-                                             {209, 229, 240},
-                                             {255, 255, 255},
-                                             {253, 219, 199},
-                                             {244, 165, 130},
-                                             {214, 96, 77},
-                                             {178, 24, 43}}};
+/// From -limit to limit, evenly spaced.
+constexpr std::array<Channels, 9> lightStops{{{33, 102, 172},
+                                              {67, 147, 195},
+                                              {146, 197, 222},
+                                              {209, 229, 240},
+                                              {255, 255, 255},
+                                              {253, 219, 199},
+                                              {244, 165, 130},
+                                              {214, 96, 77},
+                                              {178, 24, 43}}};
+
+constexpr std::array<Channels, 9> darkStops{{{146, 197, 222},
+                                             {92, 168, 210},
+                                             {52, 120, 180},
+                                             {36, 66, 100},
+                                             {27, 28, 31},
+                                             {100, 34, 40},
+                                             {178, 44, 52},
+                                             {228, 118, 92},
+                                             {249, 190, 158}}};
 
 /// Over red and yellow.
 constexpr std::array<Channels, 4> hot{{{40, 0, 0}, {220, 30, 0}, {255, 190, 0}, {255, 255, 220}}};
@@ -55,12 +65,12 @@ constexpr std::array<Channels, 2> grey{{{0, 0, 0}, {255, 255, 255}}};
 
 } // namespace
 
-QColor divergingColour(double value, double limit)
+QColor divergingColour(double value, double limit, bool onDark)
 {
     if (std::isnan(value))
-        return {200, 200, 200};
+        return onDark ? QColor(82, 82, 82) : QColor(200, 200, 200);
     const double share = limit > 0 ? std::clamp(value / limit, -1.0, 1.0) : 0;
-    return colourOn(diverging, (share + 1) / 2);
+    return colourOn(onDark ? darkStops : lightStops, (share + 1) / 2);
 }
 
 QStringList colourMapNames()

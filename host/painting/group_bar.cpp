@@ -2,6 +2,7 @@
 #include "host/painting/group_bar.h"
 
 #include "host/painting/category_colours.h"
+#include "host/painting/picture_colours.h"
 
 #include <QFontMetricsF>
 #include <algorithm>
@@ -14,7 +15,7 @@ void paintGroupBar(QPainter &painter, const QRectF &bar, const std::vector<NodeG
                    int nodes, double roomForNames)
 {
     painter.save();
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     const QFontMetricsF metrics(painter.font());
     double free = -std::numeric_limits<double>::infinity();
     for (std::size_t n = 0; n < groups.size(); ++n) {

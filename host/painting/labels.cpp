@@ -2,6 +2,7 @@
 #include "host/painting/labels.h"
 
 #include "host/painting/colour_map.h"
+#include "host/painting/picture_colours.h"
 
 #include <QFontMetricsF>
 #include <algorithm>
@@ -44,12 +45,30 @@ double widestLabel(const QFont &font, const QStringList &names, int every)
     return widest;
 }
 
+void paintFoot(QPainter &painter, const QRectF &area, const QString &text)
+{
+    painter.save();
+    painter.setFont(labelFont(painter, 12));
+    painter.setPen(inkOf(painter));
+    // A number keeps its sign of percent.
+    QString lines = text;
+    lines.replace(QLatin1String(" %"), QString(QChar(QChar::Nbsp)) + QLatin1Char('%'));
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, lines);
+    painter.restore();
+}
+
 void paintTitle(QPainter &painter, const QRectF &area, const QString &text)
 {
     painter.save();
-    painter.setFont(labelFont(painter, int(area.height() * 0.6)));
-    painter.setPen(Qt::black);
-    painter.drawText(area, Qt::AlignCenter, text);
+    // A long title is written smaller, down to the size of other texts, and then cut.
+    int size = int(area.height() * 0.6);
+    while (size > 12 &&
+           QFontMetricsF(labelFont(painter, size)).horizontalAdvance(text) > area.width())
+        --size;
+    painter.setFont(labelFont(painter, size));
+    painter.setPen(inkOf(painter));
+    painter.drawText(area, Qt::AlignCenter,
+                     QFontMetricsF(painter.font()).elidedText(text, Qt::ElideMiddle, area.width()));
     painter.restore();
 }
 
@@ -59,9 +78,10 @@ void paintScale(QPainter &painter, const QRectF &area, double limit)
     const QRectF bar(area.left(), area.top(), area.width(), area.height() / 2);
     QLinearGradient gradient(bar.topLeft(), bar.topRight());
     for (int stop = 0; stop <= 16; ++stop)
-        gradient.setColorAt(stop / 16.0, divergingColour(limit * (stop / 8.0 - 1), limit));
+        gradient.setColorAt(stop / 16.0, divergingColour(limit * (stop / 8.0 - 1), limit,
+                                                         isDark(paperOf(painter))));
     painter.fillRect(bar, gradient);
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(bar);
     painter.setFont(labelFont(painter, largest));

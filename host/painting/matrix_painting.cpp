@@ -4,11 +4,12 @@
 #include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
 #include "host/painting/group_bar.h"
-#include "host/painting/labels.h"
+#include "host/painting/picture_colours.h"
 
 #include <QFontMetricsF>
 #include <QImage>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace corvane
@@ -23,48 +24,99 @@ constexpr double gap = 8;
 constexpr double barWidth = 8;
 constexpr double groupNamesHeight = 20;
 
-/// The colour of a value rounded to a fiftieth of the limit: the picture of many nodes has few
-/// colours and a small file.
-QColor steppedColour(double value, double limit)
+/// Colours of values rounded to a fiftieth of the limit: the picture of many nodes has few colours
+/// and a small file.
+class SteppedColours
 {
-    constexpr double steps = 50;
-    return divergingColour(limit > 0 ? std::round(value / limit * steps) / steps : value, 1);
-}
+public:
+    explicit SteppedColours(bool onDark)
+    {
+        for (int step = -steps; step <= steps; ++step)
+            m_colours[std::size_t(step + steps)] =
+                divergingColour(double(step) / steps, 1, onDark).rgb();
+        m_missing = divergingColour(std::nan(""), 1, onDark).rgb();
+    }
+    QRgb colour(double value, double limit) const
+    {
+        if (std::isnan(value))
+            return m_missing;
+        const double share = limit > 0 ? std::clamp(value / limit, -1.0, 1.0) : 0;
+        return m_colours[std::size_t(std::lround(share * steps) + steps)];
+    }
 
-QImage cells(const NetworkPicture &picture)
+private:
+    static constexpr int steps = 50;
+    std::array<QRgb, 2 * steps + 1> m_colours;
+    QRgb m_missing;
+};
+
+QImage cells(const NetworkPicture &picture, const MatrixLayout &layout, const QColor &paper)
 {
-    const int nodes = int(picture.values.rows());
-    QImage image(nodes, nodes, QImage::Format_RGB32);
-    for (int row = 0; row < nodes; ++row)
-        for (int column = 0; column < nodes; ++column)
-            image.setPixelColor(column, row,
-                                steppedColour(picture.values(row, column), picture.limit));
+    const SteppedColours colours(isDark(paper));
+    QImage image(layout.columns.count, layout.rows.count, QImage::Format_RGB32);
+    const bool hasEdges = picture.edges.has_value();
+    for (int y = 0; y < layout.rows.count; ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        const int row = layout.rows.first + y;
+        for (int x = 0; x < layout.columns.count; ++x) {
+            const int column = layout.columns.first + x;
+            const double value = picture.values(row, column);
+            line[x] = hasEdges && column > row && !std::isnan(value)
+                          ? paper.rgb()
+                          : colours.colour(value, picture.limit);
+        }
+    }
+    if (!hasEdges)
+        return image;
+    for (const RingEdge &edge : *picture.edges) {
+        const int y = std::min(edge.from, edge.to) - layout.rows.first;
+        const int x = std::max(edge.from, edge.to) - layout.columns.first;
+        if (x >= 0 && y >= 0 && x < layout.columns.count && y < layout.rows.count)
+            reinterpret_cast<QRgb *>(image.scanLine(y))[x] =
+                colours.colour(edge.value, picture.limit);
+    }
     return image;
 }
 
-/// Lines between networks.
-void paintBorders(QPainter &painter, const QRectF &map, const NetworkPicture &picture)
+/// The networks as far as they are in a range, counted from its beginning.
+std::vector<NodeGroup> groupsIn(const std::vector<NodeGroup> &groups, const NodeRange &range)
 {
-    const double spacing = map.height() / picture.names.size();
-    painter.setPen(QColor(90, 90, 90));
+    std::vector<NodeGroup> shown;
+    for (const NodeGroup &group : groups) {
+        const int first = std::max(group.first, range.first);
+        const int behind = std::min(group.first + group.count, range.first + range.count);
+        shown.push_back({group.name, first - range.first, std::max(0, behind - first)});
+    }
+    return shown;
+}
+
+/// Lines between networks.
+void paintBorders(QPainter &painter, const MatrixLayout &layout, const NetworkPicture &picture)
+{
+    const QRectF &map = layout.map;
+    painter.setPen(QColor(isDark(paperOf(painter)) ? qRgb(150, 150, 150) : qRgb(90, 90, 90)));
     for (const NodeGroup &group : picture.groups) {
-        const double place = group.first * spacing;
-        painter.drawLine(QPointF(map.left(), map.top() + place),
-                         QPointF(map.right(), map.top() + place));
-        painter.drawLine(QPointF(map.left() + place, map.top()),
-                         QPointF(map.left() + place, map.bottom()));
+        const QRectF cell = layout.cell(group.first, group.first);
+        if (cell.top() >= map.top() && cell.top() <= map.bottom())
+            painter.drawLine(QPointF(map.left(), cell.top()), QPointF(map.right(), cell.top()));
+        if (cell.left() >= map.left() && cell.left() <= map.right())
+            painter.drawLine(QPointF(cell.left(), map.top()), QPointF(cell.left(), map.bottom()));
     }
 }
 
 /// The networks as coloured blocks above the map, with their names as far as these fit.
-void paintGroupsAbove(QPainter &painter, const QRectF &map, const NetworkPicture &picture)
+void paintGroupsAbove(QPainter &painter, const MatrixLayout &layout, const NetworkPicture &picture)
 {
-    const double spacing = map.width() / picture.names.size();
+    const QRectF &map = layout.map;
+    const double spacing = map.width() / layout.columns.count;
     painter.setFont(labelFont(painter, 12));
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     const QFontMetricsF metrics(painter.font());
-    for (std::size_t n = 0; n < picture.groups.size(); ++n) {
-        const NodeGroup &group = picture.groups[n];
+    const std::vector<NodeGroup> groups = groupsIn(picture.groups, layout.columns);
+    for (std::size_t n = 0; n < groups.size(); ++n) {
+        const NodeGroup &group = groups[n];
+        if (group.count == 0)
+            continue;
         const QRectF block(map.left() + group.first * spacing, map.top() - barWidth - 2,
                            group.count * spacing, barWidth);
         painter.fillRect(block, categoryColour(int(n)));
@@ -77,68 +129,123 @@ void paintGroupsAbove(QPainter &painter, const QRectF &map, const NetworkPicture
 }
 
 /// Names at the left edge of the map, and turned below it.
-void paintNames(QPainter &painter, const QRectF &map, const QStringList &names, const LabelFit &fit)
+void paintNames(QPainter &painter, const MatrixLayout &layout, const QStringList &names)
 {
-    const double spacing = map.height() / names.size();
+    const QRectF &map = layout.map;
     const QFontMetricsF metrics(painter.font());
     const double middle = (metrics.ascent() - metrics.descent()) / 2;
-    for (int node = 0; node < names.size(); node += fit.every) {
-        const double place = (node + 0.5) * spacing;
-        const double width = metrics.horizontalAdvance(names[node]);
-        painter.drawText(QPointF(map.left() - gap - width, map.top() + place + middle),
-                         names[node]);
+    const double room = layout.namesRoom - gap;
+    for (int n = 0; n < layout.rows.count; n += layout.fit.every) {
+        const QString name = metrics.elidedText(names[layout.rows.first + n], Qt::ElideRight, room);
+        const double place = map.top() + (n + 0.5) * map.height() / layout.rows.count;
+        painter.drawText(
+            QPointF(map.left() - gap - metrics.horizontalAdvance(name), place + middle), name);
+    }
+    for (int n = 0; n < layout.columns.count; n += layout.fit.every) {
+        const QString name =
+            metrics.elidedText(names[layout.columns.first + n], Qt::ElideRight, room);
         painter.save();
-        painter.translate(map.left() + place + middle, map.bottom() + gap + width);
+        painter.translate(map.left() + (n + 0.5) * map.width() / layout.columns.count + middle,
+                          map.bottom() + gap + metrics.horizontalAdvance(name));
         painter.rotate(-90);
-        painter.drawText(QPointF(0, 0), names[node]);
+        painter.drawText(QPointF(0, 0), name);
         painter.restore();
     }
 }
 
+/// The networks at the left of the map, numbered and coloured as above it.
+void paintGroupsAtLeft(QPainter &painter, const MatrixLayout &layout, const NetworkPicture &picture)
+{
+    const QRectF &map = layout.map;
+    paintGroupBar(painter, QRectF(map.left() - barWidth - 2, map.top(), barWidth, map.height()),
+                  groupsIn(picture.groups, layout.rows), layout.rows.count,
+                  layout.namesRoom - barWidth - 2);
+}
+
+int nodeAt(double share, const NodeRange &range)
+{
+    return share < 0 || share >= 1 ? -1 : range.first + int(share * range.count);
+}
+
 } // namespace
 
-void paintMatrix(QPainter &painter, const QRectF &area, const NetworkPicture &picture)
+int MatrixLayout::rowAt(double y) const
 {
-    painter.save();
-    painter.fillRect(area, Qt::white);
-    paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
+    return nodeAt((y - map.top()) / map.height(), rows);
+}
+
+int MatrixLayout::columnAt(double x) const
+{
+    return nodeAt((x - map.left()) / map.width(), columns);
+}
+
+QRectF MatrixLayout::cell(int row, int column) const
+{
+    const double width = map.width() / columns.count;
+    const double height = map.height() / rows.count;
+    return {map.left() + (column - columns.first) * width, map.top() + (row - rows.first) * height,
+            width, height};
+}
+
+MatrixLayout matrixLayout(const QPainter &painter, const QRectF &area,
+                          const NetworkPicture &picture)
+{
+    MatrixLayout layout;
+    const NodeRange all{0, int(picture.names.size())};
+    layout.rows = picture.rows.value_or(all);
+    layout.columns = picture.columns.value_or(all);
     const bool grouped = !picture.groups.empty();
     const double title = picture.title.isEmpty() ? gap : titleHeight;
     const double above = title + (grouped ? barWidth + groupNamesHeight : 0);
     const double height = area.height() - above - scaleHeight - 3 * gap;
+    // A first guess of the map's side decides on the font, whose names then take their room.
+    layout.fit = fitLabels(0.8 * std::min(area.width(), height) /
+                           std::max({layout.rows.count, layout.columns.count, 1}));
+    // Where there is no room for all nodes, their networks say more than a few of them.
+    layout.namesOfGroups = grouped && layout.fit.every > 1;
+    const QFont font = labelFont(painter, layout.namesOfGroups ? 12 : layout.fit.fontSize);
+    const double widest = layout.namesOfGroups ? widestGroup(font, picture.groups) + barWidth
+                                               : widestLabel(font, picture.names, layout.fit.every);
+    layout.namesRoom = std::min(widest + 2 * gap, area.width() / 3);
+    const double below = layout.namesOfGroups ? gap : layout.namesRoom;
+    const double side =
+        std::max(1.0, std::min(area.width() - layout.namesRoom - gap, height - below));
+    const double spare = std::max(0.0, area.width() - layout.namesRoom - gap - side);
+    layout.map = QRectF(area.left() + layout.namesRoom + spare / 2, area.top() + above, side, side);
+    return layout;
+}
+
+void paintMatrix(QPainter &painter, const QRectF &area, const NetworkPicture &picture)
+{
+    painter.save();
+    painter.fillRect(area, paperOf(painter));
+    paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
     if (!picture.names.isEmpty()) {
-        // A first guess of the map's side decides on the font, whose names then take their room.
-        const LabelFit fit = fitLabels(0.8 * std::min(area.width(), height) / picture.names.size());
-        // Where there is no room for all nodes, their networks say more than a few of them.
-        const bool namesOfGroups = grouped && fit.every > 1;
-        painter.setFont(labelFont(painter, namesOfGroups ? 12 : fit.fontSize));
-        painter.setPen(Qt::black);
-        const double widest = namesOfGroups ? widestGroup(painter.font(), picture.groups) + barWidth
-                                            : widestLabel(painter.font(), picture.names, fit.every);
-        const double names = std::min(widest + 2 * gap, area.width() / 3);
-        const double below = namesOfGroups ? gap : names;
-        const double side = std::max(1.0, std::min(area.width() - names - gap, height - below));
-        const QRectF map(area.left() + names, area.top() + above, side, side);
+        const MatrixLayout layout = matrixLayout(painter, area, picture);
+        painter.setFont(labelFont(painter, layout.namesOfGroups ? 12 : layout.fit.fontSize));
+        painter.setPen(inkOf(painter));
         painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-        painter.drawImage(map, cells(picture));
-        if (namesOfGroups)
-            paintGroupBar(painter, QRectF(map.left() - barWidth - 2, map.top(), barWidth, side),
-                          picture.groups, picture.names.size(), names - barWidth - 2);
+        painter.drawImage(layout.map, cells(picture, layout, paperOf(painter)));
+        if (layout.namesOfGroups)
+            paintGroupsAtLeft(painter, layout, picture);
         else
-            paintNames(painter, map, picture.names, fit);
-        if (grouped) {
-            paintBorders(painter, map, picture);
-            paintGroupsAbove(painter, map, picture);
+            paintNames(painter, layout, picture.names);
+        if (!picture.groups.empty()) {
+            paintBorders(painter, layout, picture);
+            paintGroupsAbove(painter, layout, picture);
         }
-        painter.setPen(Qt::black);
+        painter.setPen(inkOf(painter));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRect(map);
+        painter.drawRect(layout.map);
     }
     const double width = std::min(area.width() - 2 * gap, 300.0);
-    paintScale(
+    const QRectF scale(area.right() - width - gap, area.bottom() - scaleHeight - gap, width,
+                       scaleHeight);
+    paintScale(painter, scale, picture.limit);
+    paintFoot(
         painter,
-        QRectF(area.right() - width - gap, area.bottom() - scaleHeight - gap, width, scaleHeight),
-        picture.limit);
+        QRectF(area.left() + gap, scale.top(), scale.left() - area.left() - 2 * gap, scaleHeight),
+        picture.foot);
     painter.restore();
 }
 

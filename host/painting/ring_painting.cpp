@@ -4,7 +4,7 @@
 #include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
 #include "host/painting/group_bar.h"
-#include "host/painting/labels.h"
+#include "host/painting/picture_colours.h"
 
 #include <QFontMetricsF>
 #include <QPainterPath>
@@ -25,54 +25,76 @@ constexpr double arcDistance = 11;
 constexpr double arcWidth = 8;
 constexpr std::size_t nodesWithAllEdges = 40;
 
-struct Ring {
-    QPointF centre;
-    double radius;
-    int nodes;
+constexpr double legendLine = 18;
+constexpr int mostLegendLines = 3;
 
-    /// In rad, clockwise from the top.
-    double angle(double node) const { return 2 * pi * node / nodes; }
-    QPointF place(double node, double distance) const
+/// The legend of networks, in lines from left to right.
+class Legend
+{
+public:
+    Legend(const QFont &font, const std::vector<NodeGroup> &groups, double width) : m_font(font)
     {
-        return centre + distance * QPointF(std::sin(angle(node)), -std::cos(angle(node)));
+        const QFontMetricsF metrics(font);
+        double x = 0;
+        int line = 0;
+        for (std::size_t n = 0; n < groups.size(); ++n) {
+            const QString name = metrics.elidedText(groups[n].name, Qt::ElideRight, 160);
+            const double needed = 16 + metrics.horizontalAdvance(name) + 14;
+            if (x > 0 && x + needed > width) {
+                x = 0;
+                ++line;
+            }
+            if (line == mostLegendLines)
+                return;
+            m_entries.push_back({name, QPointF(x, line * legendLine), int(n)});
+            x += needed;
+        }
     }
+    double height() const
+    {
+        return m_entries.empty() ? 0 : m_entries.back().place.y() + legendLine + gap;
+    }
+    void paint(QPainter &painter, const QPointF &topLeft) const
+    {
+        painter.setFont(m_font);
+        for (const Entry &entry : m_entries) {
+            const QPointF place = topLeft + entry.place;
+            painter.fillRect(QRectF(place + QPointF(0, 3), QSizeF(11, 11)),
+                             categoryColour(entry.number));
+            painter.setPen(inkOf(painter));
+            painter.drawText(QRectF(place + QPointF(16, 0), QSizeF(400, legendLine)),
+                             Qt::AlignLeft | Qt::AlignVCenter, entry.name);
+        }
+    }
+
+private:
+    struct Entry {
+        QString name;
+        QPointF place;
+        int number;
+    };
+    QFont m_font;
+    std::vector<Entry> m_entries;
 };
 
-void paintEdges(QPainter &painter, const Ring &ring, const std::vector<RingEdge> &edges,
+void paintEdges(QPainter &painter, const RingLayout &ring, const std::vector<RingEdge> &edges,
                 double limit)
 {
+    const bool onDark = isDark(paperOf(painter));
     painter.setBrush(Qt::NoBrush);
     for (const RingEdge &edge : edges) {
-        const double strength = limit > 0 ? std::min(std::abs(edge.value) / limit, 1.0) : 0;
-        // White would be lost on white: weak edges are thin and see-through instead.
-        QColor colour = divergingColour(std::copysign(0.4 + 0.6 * strength, edge.value), 1);
-        colour.setAlphaF(0.15 + 0.85 * strength);
-        painter.setPen(QPen(colour, 0.5 + 3 * strength));
-        QPainterPath path(ring.place(edge.from, ring.radius));
-        // Neighbours are joined near the rim, opposite nodes through the middle.
-        const double apart = std::abs(edge.from - edge.to) / double(ring.nodes);
-        const double inward = 1 - 2 * std::min(apart, 1 - apart);
-        const QPointF middle =
-            (ring.place(edge.from, ring.radius) + ring.place(edge.to, ring.radius)) / 2;
-        path.quadTo(ring.centre + inward * (middle - ring.centre),
-                    ring.place(edge.to, ring.radius));
-        painter.drawPath(path);
+        painter.setPen(edgePen(edge.value, limit, onDark));
+        painter.drawPath(ringEdgePath(ring, edge.from, edge.to));
     }
 }
 
-void paintNodes(QPainter &painter, const Ring &ring)
+void paintNodes(QPainter &painter, const RingLayout &ring)
 {
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::black);
+    painter.setBrush(inkOf(painter));
     const double size = std::clamp(pi * ring.radius / ring.nodes / 2, 1.0, 5.0);
     for (int node = 0; node < ring.nodes; ++node)
         painter.drawEllipse(ring.place(node, ring.radius), size, size);
-}
-
-/// Where there is no room for all nodes, their networks say more than a few of them.
-bool namesOfGroups(const NetworkPicture &picture, const LabelFit &fit)
-{
-    return !picture.groups.empty() && fit.every > 1;
 }
 
 /// From the nodes to their names.
@@ -82,7 +104,7 @@ double namesDistance(const NetworkPicture &picture)
 }
 
 /// Networks as arcs outside the nodes. An arc of no more than a node is still seen.
-void paintArcs(QPainter &painter, const Ring &ring, const std::vector<NodeGroup> &groups)
+void paintArcs(QPainter &painter, const RingLayout &ring, const std::vector<NodeGroup> &groups)
 {
     painter.setBrush(Qt::NoBrush);
     const double radius = ring.radius + arcDistance;
@@ -97,7 +119,7 @@ void paintArcs(QPainter &painter, const Ring &ring, const std::vector<NodeGroup>
 }
 
 /// Names run outward; those on the left half are turned, so that none stands on its head.
-void paintName(QPainter &painter, const Ring &ring, double node, double distance,
+void paintName(QPainter &painter, const RingLayout &ring, double node, double distance,
                const QString &name)
 {
     const QFontMetricsF metrics(painter.font());
@@ -112,17 +134,17 @@ void paintName(QPainter &painter, const Ring &ring, double node, double distance
 
 /// Of all nodes that have one; or of the networks, in the middle of their arcs, but for those that
 /// would overlap the one before or the first, cut to the room.
-void paintNames(QPainter &painter, const Ring &ring, const NetworkPicture &picture,
-                const LabelFit &fit, double room)
+void paintNames(QPainter &painter, const RingLayout &ring, const NetworkPicture &picture)
 {
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
+    const QFontMetricsF metrics(painter.font());
     const double distance = ring.radius + namesDistance(picture);
-    if (!namesOfGroups(picture, fit)) {
-        for (int node = 0; node < ring.nodes; node += fit.every)
-            paintName(painter, ring, node, distance, picture.names[node]);
+    if (!ring.namesOfGroups) {
+        for (int node = 0; node < ring.nodes; node += ring.fit.every)
+            paintName(painter, ring, node, distance,
+                      metrics.elidedText(picture.names[node], Qt::ElideRight, ring.namesRoom));
         return;
     }
-    const QFontMetricsF metrics(painter.font());
     const double apart = metrics.height() * ring.nodes / (2 * pi * distance);
     double before = -ring.nodes;
     double first = 2 * ring.nodes;
@@ -131,17 +153,15 @@ void paintNames(QPainter &painter, const Ring &ring, const NetworkPicture &pictu
         if (middle - before < apart || first + ring.nodes - middle < apart)
             continue;
         paintName(painter, ring, middle, distance,
-                  metrics.elidedText(group.name, Qt::ElideRight, room));
+                  metrics.elidedText(group.name, Qt::ElideRight, ring.namesRoom));
         before = middle;
         first = std::min(first, middle);
     }
 }
 
-/// The room that names take outward.
-double namesWidth(const QPainter &painter, const NetworkPicture &picture, const LabelFit &fit)
+Legend legendOf(const QPainter &painter, const QRectF &area, const NetworkPicture &picture)
 {
-    return namesOfGroups(picture, fit) ? widestGroup(painter.font(), picture.groups)
-                                       : widestLabel(painter.font(), picture.names, fit.every);
+    return Legend(labelFont(painter, 12), picture.groups, area.width() - 2 * gap);
 }
 
 QString edgesText(std::size_t shown, std::size_t all)
@@ -173,40 +193,91 @@ std::size_t edgesInRing(std::size_t nodes)
     return most * (most - std::min<std::size_t>(most, 1)) / 2;
 }
 
+double RingLayout::angle(double node) const
+{
+    return 2 * pi * node / nodes;
+}
+
+QPointF RingLayout::place(double node, double distance) const
+{
+    return centre + distance * QPointF(std::sin(angle(node)), -std::cos(angle(node)));
+}
+
+int RingLayout::nodeAt(const QPointF &place) const
+{
+    const QPointF from = place - centre;
+    const double distance = std::hypot(from.x(), from.y());
+    if (nodes == 0 || distance < radius - 12 || distance > radius + namesRoom + 3 * gap)
+        return -1;
+    const double turn = std::atan2(from.x(), -from.y()) / (2 * pi);
+    return int(std::lround((turn < 0 ? turn + 1 : turn) * nodes)) % nodes;
+}
+
+QPainterPath ringEdgePath(const RingLayout &ring, int from, int to)
+{
+    const QPointF start = ring.place(from, ring.radius);
+    const QPointF end = ring.place(to, ring.radius);
+    QPainterPath path(start);
+    // Neighbours are joined near the rim, opposite nodes through the middle.
+    const double apart = std::abs(from - to) / double(ring.nodes);
+    const double inward = 1 - 2 * std::min(apart, 1 - apart);
+    path.quadTo(ring.centre + inward * ((start + end) / 2 - ring.centre), end);
+    return path;
+}
+
+RingLayout ringLayout(const QPainter &painter, const QRectF &area, const NetworkPicture &picture)
+{
+    RingLayout ring;
+    ring.nodes = int(picture.names.size());
+    const double title = picture.title.isEmpty() ? 0 : titleHeight;
+    const double whole = area.height() - title - scaleHeight - 2 * gap;
+    const auto fitTo = [&](double half) { return fitLabels(2 * pi * 0.75 * half / ring.nodes); };
+    ring.fit = fitTo(std::min(area.width(), whole) / 2);
+    // Where there is no room for all nodes, their networks say more than a few of them.
+    ring.namesOfGroups = !picture.groups.empty() && ring.fit.every > 1;
+    const double legend = picture.groups.empty() ? 0 : legendOf(painter, area, picture).height();
+    const QRectF round(area.left(), area.top() + title, area.width(), whole - legend);
+    const double half = std::min(round.width(), round.height()) / 2;
+    const QFont font = labelFont(painter, ring.namesOfGroups ? 13 : ring.fit.fontSize);
+    ring.namesRoom = std::min(ring.namesOfGroups ? widestGroup(font, picture.groups)
+                                                 : widestLabel(font, picture.names, ring.fit.every),
+                              half * 0.4);
+    ring.centre = round.center();
+    ring.radius = std::max(half - namesDistance(picture) - gap - ring.namesRoom, half / 3);
+    return ring;
+}
+
 void paintRing(QPainter &painter, const QRectF &area, const NetworkPicture &picture)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(area, Qt::white);
+    painter.fillRect(area, paperOf(painter));
     paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
-    const double title = picture.title.isEmpty() ? 0 : titleHeight;
-    const QRectF round(area.left(), area.top() + title, area.width(),
-                       area.height() - title - scaleHeight - 2 * gap);
-    const int nodes = picture.names.size();
-    const auto all = strongestEdges(picture.values, std::size_t(-1)).size();
-    const std::vector<RingEdge> edges =
-        strongestEdges(picture.values, edgesInRing(std::size_t(nodes)));
-    if (nodes > 0) {
-        const double half = std::min(round.width(), round.height()) / 2;
-        const LabelFit fit = fitLabels(2 * pi * 0.75 * half / nodes);
-        painter.setFont(labelFont(painter, namesOfGroups(picture, fit) ? 13 : fit.fontSize));
-        const double outside = namesDistance(picture) + gap;
-        double room = namesWidth(painter, picture, fit);
-        if (namesOfGroups(picture, fit))
-            room = std::min(room, half * 0.36);
-        const Ring ring{round.center(), std::max(half - outside - room, half / 3), nodes};
-        paintEdges(painter, ring, edges, picture.limit);
+    QString foot = picture.foot;
+    std::vector<RingEdge> chosen;
+    if (!picture.edges) {
+        const auto all = strongestEdges(picture.values, std::size_t(-1)).size();
+        chosen = strongestEdges(picture.values, edgesInRing(std::size_t(picture.names.size())));
+        foot = foot.isEmpty() ? edgesText(chosen.size(), all) : foot;
+    }
+    if (!picture.names.isEmpty()) {
+        const RingLayout ring = ringLayout(painter, area, picture);
+        painter.setFont(labelFont(painter, ring.namesOfGroups ? 13 : ring.fit.fontSize));
+        paintEdges(painter, ring, picture.edges ? *picture.edges : chosen, picture.limit);
         paintNodes(painter, ring);
         paintArcs(painter, ring, picture.groups);
-        paintNames(painter, ring, picture, fit, room);
+        paintNames(painter, ring, picture);
     }
-    const QRectF foot(area.left() + gap, area.bottom() - scaleHeight - gap, area.width() - 2 * gap,
-                      scaleHeight);
-    painter.setFont(labelFont(painter, 14));
-    painter.setPen(Qt::black);
-    painter.drawText(foot, Qt::AlignLeft | Qt::AlignTop, edgesText(edges.size(), all));
-    const double width = std::min(foot.width() / 2, 300.0);
-    paintScale(painter, QRectF(foot.right() - width, foot.top(), width, scaleHeight),
+    const QRectF below(area.left() + gap, area.bottom() - scaleHeight - gap, area.width() - 2 * gap,
+                       scaleHeight);
+    if (!picture.groups.empty()) {
+        const Legend legend = legendOf(painter, area, picture);
+        legend.paint(painter, below.topLeft() - QPointF(0, legend.height()));
+    }
+    const double width = std::min(below.width() / 2, 300.0);
+    paintFoot(painter,
+              QRectF(below.topLeft(), QSizeF(below.width() - width - 2 * gap, scaleHeight)), foot);
+    paintScale(painter, QRectF(below.right() - width, below.top(), width, scaleHeight),
                picture.limit);
     painter.restore();
 }

@@ -2,6 +2,7 @@
 #include "host/painting/scatter_painting.h"
 
 #include "host/painting/labels.h"
+#include "host/painting/picture_colours.h"
 #include "host/painting/volume_axis.h"
 
 #include <QFontMetricsF>
@@ -24,8 +25,9 @@ constexpr double gap = 12;
 constexpr int fontSize = 13;
 
 const QColor pointColour(33, 102, 172);
+const QColor pointOnDark(146, 197, 222);
 const QColor lineColour(178, 24, 43);
-const QColor gridColour(225, 225, 225);
+const QColor lineOnDark(244, 165, 130);
 
 /// The ends of an axis.
 struct Range {
@@ -95,17 +97,17 @@ void paintTicks(QPainter &painter, const Plot &plot)
 {
     for (const double tick : ticksOf(plot.x)) {
         const QPointF at(plot.place(tick, plot.y.low));
-        painter.setPen(gridColour);
+        painter.setPen(faintOf(painter));
         painter.drawLine(QPointF(at.x(), plot.area.top()), QPointF(at.x(), plot.area.bottom()));
-        painter.setPen(Qt::black);
+        painter.setPen(inkOf(painter));
         painter.drawText(QRectF(at.x() - 50, plot.area.bottom() + 4, 100, 18),
                          Qt::AlignHCenter | Qt::AlignTop, QString::number(tick, 'g', 4));
     }
     for (const double tick : ticksOf(plot.y)) {
         const QPointF at(plot.place(plot.x.low, tick));
-        painter.setPen(tick == 0 ? Qt::gray : gridColour);
+        painter.setPen(tick == 0 ? QColor(Qt::gray) : faintOf(painter));
         painter.drawLine(QPointF(plot.area.left(), at.y()), QPointF(plot.area.right(), at.y()));
-        painter.setPen(Qt::black);
+        painter.setPen(inkOf(painter));
         painter.drawText(QRectF(plot.area.left() - 56, at.y() - 10, 50, 20),
                          Qt::AlignRight | Qt::AlignVCenter, QString::number(tick, 'g', 4));
     }
@@ -115,7 +117,7 @@ void paintAxes(QPainter &painter, const QRectF &area, const Plot &plot,
                const ScatterPicture &picture)
 {
     paintTicks(painter, plot);
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(plot.area);
     painter.drawText(QRectF(plot.area.left(), plot.area.bottom() + 22, plot.area.width(), 22),
@@ -131,7 +133,7 @@ void paintPoints(QPainter &painter, const Plot &plot, const ScatterPicture &pict
 {
     // 100 points are dots of 4 pixels, 80,000 a cloud.
     const double crowd = std::sqrt(100.0 / std::max<double>(100.0, double(picture.xs.size())));
-    QColor colour = pointColour;
+    QColor colour = isDark(paperOf(painter)) ? pointOnDark : pointColour;
     colour.setAlphaF(std::max(0.08, 0.7 * std::sqrt(crowd)));
     const double radius = std::max(1.2, 4 * std::sqrt(crowd));
     painter.setPen(Qt::NoPen);
@@ -170,7 +172,7 @@ void paintLine(QPainter &painter, const Plot &plot, const ScatterPicture &pictur
     const auto [slope, intercept] = lineOf(picture);
     if (!std::isfinite(slope))
         return;
-    painter.setPen(QPen(lineColour, 2));
+    painter.setPen(QPen(isDark(paperOf(painter)) ? lineOnDark : lineColour, 2));
     painter.drawLine(plot.place(plot.x.low, intercept + slope * plot.x.low),
                      plot.place(plot.x.high, intercept + slope * plot.x.high));
 }
@@ -181,12 +183,12 @@ void paintScatter(QPainter &painter, const QRectF &area, const ScatterPicture &p
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(area, Qt::white);
+    painter.fillRect(area, paperOf(painter));
     paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
     painter.setFont(labelFont(painter, fontSize));
     const Plot plot = plotOf(area, picture);
     paintAxes(painter, area, plot, picture);
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     painter.drawText(
         QRectF(plot.area.left(), area.bottom() - footHeight, plot.area.width(), footHeight),
         Qt::AlignCenter, picture.foot);

@@ -2,6 +2,7 @@
 #include "host/painting/volume_axis.h"
 
 #include "host/painting/labels.h"
+#include "host/painting/picture_colours.h"
 
 #include <QFontMetricsF>
 #include <algorithm>
@@ -41,7 +42,7 @@ void paintLeftOut(QPainter &painter, const QRectF &plot, const std::vector<bool>
         const double left = volumePlace(plot, first, volumes);
         painter.fillRect(
             QRectF(left, plot.top(), volumePlace(plot, behind, volumes) - left, plot.height()),
-            QColor(246, 199, 178));
+            leftOutColour(painter));
         first = behind;
     }
 }
@@ -50,7 +51,7 @@ void paintVolumeAxis(QPainter &painter, const QRectF &area, const QString &title
 {
     painter.save();
     const QRectF plot = volumeArea(area);
-    painter.setPen(Qt::black);
+    painter.setPen(inkOf(painter));
     painter.setFont(labelFont(painter, textSize));
     painter.drawText(QRectF(plot.left(), area.top(), plot.width(), axisTitle),
                      Qt::AlignLeft | Qt::AlignVCenter, title);

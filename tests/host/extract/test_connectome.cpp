@@ -278,6 +278,21 @@ TEST_F(ConnectomeCommand, ANodeWithoutCoverageKeepsItsPlace)
         QJsonArray{QStringLiteral("C")});
 }
 
+TEST_F(ConnectomeCommand, TellsOfEachNodeWhereItIsAndToWhatItBelongs)
+{
+    putBytes(path("names.tsv"), "index\tname\tnetwork\themisphere\n"
+                                "1\tA left\tVisual\tL\n2\tA right\tVisual\tR\n3\tB\t\t\n"
+                                "4\tC\tn/a\tn/a\n5\tNowhere\t\t\n");
+    writeImage("mask.nii.gz", {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1});
+    ASSERT_EQ(run({QStringLiteral("--mask"), path("mask.nii.gz")}).status, 0);
+    const Table nodes = readTsv(output("nodes.tsv"));
+    // Voxels of 3 mm in rows of four: a region lies in the mean of its three, masked or not.
+    EXPECT_EQ(nodes.rows[0].join(' '), QByteArray("1 A left Visual L 3 0 0 3 2"));
+    EXPECT_EQ(nodes.rows[1].join(' '), QByteArray("2 A right Visual R 4 2 0 3 3"));
+    EXPECT_EQ(nodes.rows[2].join(' '), QByteArray("3 B n/a n/a 5 4 0 3 3"));
+    EXPECT_EQ(nodes.rows[4].join(' '), QByteArray("5 Nowhere n/a n/a n/a n/a n/a 0 0"));
+}
+
 TEST_F(ConnectomeCommand, ANodeWithJustTheLeastCoverageIsThere)
 {
     const ProgramRun ran = run({QStringLiteral("--min-coverage"), QStringLiteral("1")});

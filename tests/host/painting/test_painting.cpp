@@ -228,6 +228,7 @@ TEST(RingPainting, NetworksAreArcsOutsideTheirNodes)
     int first = 0;
     int others = 0;
     int wrong = 0;
+    int legend = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const bool inFirstQuarter = x > 330 && y < 220;
@@ -235,8 +236,11 @@ TEST(RingPainting, NetworksAreArcsOutsideTheirNodes)
             first += inFirstQuarter && colour == categoryColour(0) ? 1 : 0;
             others += colour == categoryColour(1) ? 1 : 0;
             wrong += inFirstQuarter && colour == categoryColour(1) ? 1 : 0;
-            wrong += (x < 270 || y > 340) && colour == categoryColour(0) ? 1 : 0;
+            const bool inLegend = y > 450;
+            legend += inLegend && colour == categoryColour(0) ? 1 : 0;
+            wrong += !inLegend && (x < 270 || y > 340) && colour == categoryColour(0) ? 1 : 0;
         }
+    EXPECT_EQ(legend, 11 * 11);
     EXPECT_GT(first, 300);
     EXPECT_GT(others, 2 * first);
     EXPECT_EQ(wrong, 0);
