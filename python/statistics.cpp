@@ -31,6 +31,18 @@ using statistics::EdgeData;
 
 // ---- what comes in
 
+/// Does what is to be done for one subject, whose number an error then tells.
+template <typename Work>
+void for_subject(const std::string &name, Index subject, Work work)
+{
+    try {
+        work();
+    } catch (const statistics::Error &error) {
+        throw statistics::Error(name + ", subject " + std::to_string(subject) + ": " +
+                                error.what());
+    }
+}
+
 /// Subjects x edges; of matrices their upper triangles.
 EdgeData edge_data(const py::object &object, const std::string &name)
 {
@@ -50,12 +62,8 @@ EdgeData edge_data(const py::object &object, const std::string &name)
     Eigen::MatrixXd matrix;
     for (Index subject = 0; subject < data.rows(); ++subject) {
         copy(numbers.plane(subject), matrix);
-        try {
-            data.row(subject) = statistics::edges_of(matrix, nodes);
-        } catch (const statistics::Error &error) {
-            throw statistics::Error(name + ", subject " + std::to_string(subject) + ": " +
-                                    error.what());
-        }
+        for_subject(name, subject,
+                    [&] { data.row(subject) = statistics::edges_of(matrix, nodes); });
     }
     return data;
 }
@@ -168,9 +176,11 @@ py::tuple fisher_z(const py::object &correlations)
     Eigen::RowVectorXd row;
     for (Index subject = 0; subject < data.rows(); ++subject) {
         row = data.row(subject);
-        for (const Index edge : statistics::fisher_z(row)) {
-            clipped.emplace_back(subject, edge);
-        }
+        for_subject("correlations", subject, [&] {
+            for (const Index edge : statistics::fisher_z(row)) {
+                clipped.emplace_back(subject, edge);
+            }
+        });
         data.row(subject) = row;
     }
     RowMajor<Index> places(clipped.size(), 2);
