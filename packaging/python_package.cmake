@@ -3,6 +3,7 @@
 list(APPEND CPACK_COMPONENTS_ALL python)
 set(doc_folder_python ${CMAKE_INSTALL_DATAROOTDIR}/doc/python3-nodalis)
 install(FILES copyright DESTINATION ${doc_folder_python} COMPONENT python)
+add_dependencies(nodalis_python packed_changelog)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
     DESTINATION ${doc_folder_python} COMPONENT python)
 
