@@ -203,12 +203,4 @@ py::array to_numpy(const std::vector<Index> &positions)
     return py::array_t<Index>(static_cast<Index>(positions.size()), positions.data());
 }
 
-void require_threads(int threads)
-{
-    if (threads < 0) {
-        throw py::value_error("threads is " + std::to_string(threads) +
-                              ": expected 0, for one per processor, or more");
-    }
-}
-
 } // namespace bindings

@@ -121,7 +121,4 @@ py::array to_numpy(Dense value)
 /// Numbers from 0 as an array.
 py::array to_numpy(const std::vector<Index> &positions);
 
-/// \throws ValueError for a negative number of threads.
-void require_threads(int threads);
-
 } // namespace bindings

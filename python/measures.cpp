@@ -16,7 +16,6 @@ using GraphMeasure = float (*)(const Eigen::MatrixXf &);
 /// k x nodes of a stack, else nodes.
 py::array of_nodes(NodeMeasure measure, const py::object &matrix, int threads)
 {
-    require_threads(threads);
     const Graphs graphs(matrix, "matrix");
     if (!graphs.is_stack()) {
         Eigen::ArrayXf values;
@@ -39,7 +38,6 @@ py::array of_nodes(NodeMeasure measure, const py::object &matrix, int threads)
 /// One number per graph of a stack, else a number.
 py::object of_graphs(GraphMeasure measure, const py::object &matrix, int threads)
 {
-    require_threads(threads);
     const Graphs graphs(matrix, "matrix");
     Eigen::ArrayXf values(graphs.count());
     {
@@ -56,7 +54,6 @@ py::object of_graphs(GraphMeasure measure, const py::object &matrix, int threads
 
 py::array treated(const py::object &matrix, int threads)
 {
-    require_threads(threads);
     const Graphs graphs(matrix, "matrix");
     if (!graphs.is_stack()) {
         Eigen::MatrixXf conditioned;
@@ -85,7 +82,6 @@ py::array treated(const py::object &matrix, int threads)
 py::object spectral_distance(const py::object &first, const py::object &second, int size,
                              int threads)
 {
-    require_threads(threads);
     const Graphs a(first, "a");
     const Graphs b(second, "b");
     if (a.is_stack() && b.is_stack() && a.count() != b.count()) {

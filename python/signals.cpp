@@ -69,8 +69,8 @@ void require_positive(double value, const char *name)
 py::array drift(Index volumes, double tr, double high_pass, std::optional<double> low_pass)
 {
     require_positive(tr, "tr");
-    if (volumes < 0 || !(high_pass >= 0.0) || !(low_pass.value_or(0.0) >= 0.0)) {
-        throw py::value_error("volumes, high_pass or low_pass is negative or no number");
+    if (!(high_pass >= 0.0) || !(low_pass.value_or(0.0) >= 0.0)) {
+        throw py::value_error("high_pass or low_pass is negative or no number");
     }
     std::vector<Index> numbers = signals::cosines_below(volumes, tr, high_pass);
     if (low_pass) {
@@ -97,9 +97,6 @@ py::array butterworth(const py::object &series, double tr, double high_pass, dou
     const auto extended = named<signals::Extension>(
         extension, "extension",
         {{"odd", signals::Extension::odd}, {"constant", signals::Extension::constant}});
-    if (padding && *padding < 0) {
-        throw py::value_error("padding is negative: expected 0 or more");
-    }
     Eigen::MatrixXd values = Numbers(series, "series").matrix(volumes_by_series);
     {
         const py::gil_scoped_release release;

@@ -109,7 +109,7 @@ statistics::Contrast contrast_of(const py::object &object, const std::vector<std
     const Numbers numbers(object, "contrast");
     const std::string expected = statistics::counted(std::ptrdiff_t(columns.size()), "weight") +
                                  ", one per column of the design, or rows of them";
-    statistics::Contrast contrast{"contrast", {}};
+    statistics::Contrast contrast{"(weights)", {}};
     if (numbers.dimensions() == 1) {
         contrast.weights = numbers.vector(expected.c_str()).transpose();
     } else {
@@ -279,7 +279,6 @@ py::dict permutation_test(const py::object &data, const py::object &design,
                           const std::vector<std::string> &blocks, const py::object &given,
                           int threads)
 {
-    require_threads(threads);
     const EdgeData edges = edge_data(data, "data");
     const statistics::Hypothesis hypothesis =
         hypothesis_of(design, columns, contrast, edges.rows());
@@ -407,7 +406,6 @@ py::tuple distance_anova(const py::object &distances, const py::object &design,
                          const std::vector<std::string> &blocks, const py::object &given,
                          int threads)
 {
-    require_threads(threads);
     const Eigen::MatrixXd matrix = Numbers(distances, "distances").matrix("subjects x subjects");
     const statistics::Hypothesis hypothesis =
         hypothesis_of(design, columns, contrast, matrix.rows());

@@ -14,7 +14,6 @@ namespace
 py::tuple minimum_spanning_tree(const py::object &matrix, bool weights_are_lengths, bool mirrored,
                                 int threads)
 {
-    require_threads(threads);
     const Graphs graphs(matrix, "matrix");
     if (!graphs.is_stack()) {
         Eigen::MatrixXf weights;

@@ -4,6 +4,7 @@
 import os
 
 from . import _nodalis
+from ._arguments import thread_count
 
 
 def treatment(matrix, *, threads=0):
@@ -45,7 +46,7 @@ def treatment(matrix, *, threads=0):
            [0.375, 0.   , 2.   ],
            [0.5  , 2.   , 0.   ]], dtype=float32)
     """
-    return _nodalis.treatment(matrix, threads)
+    return _nodalis.treatment(matrix, thread_count(threads))
 
 
 def to_csv(matrix, path):

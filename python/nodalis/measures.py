@@ -2,6 +2,7 @@
 """Measures of graphs and of their nodes. What holds for all of them stands in `nodalis`."""
 
 from . import _nodalis
+from ._arguments import thread_count, whole
 
 
 def degree(matrix, *, threads=0):
@@ -39,7 +40,7 @@ def degree(matrix, *, threads=0):
     >>> nodalis.degree(path)
     array([1., 2., 1.], dtype=float32)
     """
-    return _nodalis.degree(matrix, threads)
+    return _nodalis.degree(matrix, thread_count(threads))
 
 
 def strength(matrix, *, threads=0):
@@ -76,7 +77,7 @@ def strength(matrix, *, threads=0):
     >>> nodalis.strength(path)
     array([0.5 , 0.75, 0.25], dtype=float32)
     """
-    return _nodalis.strength(matrix, threads)
+    return _nodalis.strength(matrix, thread_count(threads))
 
 
 def clustering_coeff(matrix, *, threads=0):
@@ -115,7 +116,7 @@ def clustering_coeff(matrix, *, threads=0):
     >>> nodalis.clustering_coeff(triangle_and_leaf)  # one-sided weights are halved
     array([1.        , 1.        , 0.33333334, 0.        ], dtype=float32)
     """
-    return _nodalis.clustering_coeff(matrix, threads)
+    return _nodalis.clustering_coeff(matrix, thread_count(threads))
 
 
 def local_efficiency(matrix, *, threads=0):
@@ -155,7 +156,7 @@ def local_efficiency(matrix, *, threads=0):
     >>> nodalis.local_efficiency(np.ones((4, 4)))
     array([1., 1., 1., 1.], dtype=float32)
     """
-    return _nodalis.local_efficiency(matrix, threads)
+    return _nodalis.local_efficiency(matrix, thread_count(threads))
 
 
 def global_efficiency(matrix, *, threads=0):
@@ -192,7 +193,7 @@ def global_efficiency(matrix, *, threads=0):
     >>> round(nodalis.global_efficiency(path), 6)  # (1 + 1 + 1/2) / 3
     0.833333
     """
-    return _nodalis.global_efficiency(matrix, threads)
+    return _nodalis.global_efficiency(matrix, thread_count(threads))
 
 
 def nodal_global_efficiency(matrix, *, threads=0):
@@ -230,7 +231,7 @@ def nodal_global_efficiency(matrix, *, threads=0):
     >>> nodalis.nodal_global_efficiency(path)
     array([0.75, 1.  , 0.75], dtype=float32)
     """
-    return _nodalis.nodal_global_efficiency(matrix, threads)
+    return _nodalis.nodal_global_efficiency(matrix, thread_count(threads))
 
 
 def eigenvector_centrality(matrix, *, threads=0):
@@ -272,7 +273,7 @@ def eigenvector_centrality(matrix, *, threads=0):
     >>> nodalis.eigenvector_centrality(star).round(4)
     array([0.7071, 0.3536, 0.3536, 0.3536, 0.3536], dtype=float32)
     """
-    return _nodalis.eigenvector_centrality(matrix, threads)
+    return _nodalis.eigenvector_centrality(matrix, thread_count(threads))
 
 
 def spectral_euclidean(a, b, size=0, *, threads=0):
@@ -322,4 +323,6 @@ def spectral_euclidean(a, b, size=0, *, threads=0):
            [1.4142, 0.    , 1.4142],
            [2.8284, 1.4142, 0.    ]], dtype=float32)
     """
-    return _nodalis.spectral_euclidean(a, b, size, threads)
+    return _nodalis.spectral_euclidean(
+        a, b, whole("size", size, 2**31 - 1), thread_count(threads)
+    )

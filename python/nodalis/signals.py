@@ -10,6 +10,7 @@ from typing import NamedTuple
 import numpy as np
 
 from . import _nodalis
+from ._arguments import optional, real, whole, word
 from .confounds import Component, ConfoundsTable, as_table, read_confounds
 
 __all__ = [
@@ -270,12 +271,12 @@ def clean(
         non_steady,
         censored,
         fd if fd is not None and len(fd) else None,
-        tr,
-        order,
-        high_pass,
-        low_pass,
-        detrend,
-        standardize,
+        real("tr", tr),
+        word("order", order),
+        optional(real, "high_pass", high_pass),
+        optional(real, "low_pass", low_pass),
+        bool(detrend),
+        word("standardize", standardize),
     )
     return Cleaned(**{**found, "ledger": Ledger(**found["ledger"])})
 
@@ -381,15 +382,15 @@ def select(
         table.names,
         table.values,
         table.components,
-        strategy,
-        order,
-        fd_threshold,
-        dvars_threshold,
-        min_segment,
-        dummy_scans,
-        components,
+        word("strategy", strategy),
+        word("order", order),
+        optional(real, "fd_threshold", fd_threshold),
+        optional(real, "dvars_threshold", dvars_threshold),
+        optional(whole, "min_segment", min_segment),
+        optional(whole, "dummy_scans", dummy_scans),
+        optional(whole, "components", components),
         censor,
-        motion_order,
+        optional(word, "motion_order", motion_order),
     )
     return Selection(order=order, **found)
 
@@ -434,7 +435,12 @@ def drift(volumes, tr, high_pass, low_pass=None):
     >>> bool(np.allclose(cosines.T @ cosines, np.eye(7)))
     True
     """
-    return _core.drift(volumes, tr, high_pass, low_pass)
+    return _core.drift(
+        whole("volumes", volumes),
+        real("tr", tr),
+        real("high_pass", high_pass),
+        optional(real, "low_pass", low_pass),
+    )
 
 
 def detrended(series):
@@ -518,7 +524,15 @@ def butterworth(
     >>> bool(abs(left[50:350, 0] - slow[50:350]).max() < 1e-3)
     True
     """
-    return _core.butterworth(series, tr, high_pass, low_pass, order, extension, padding)
+    return _core.butterworth(
+        series,
+        real("tr", tr),
+        real("high_pass", high_pass),
+        real("low_pass", low_pass),
+        whole("order", order, 2**31 - 1),
+        word("extension", extension),
+        optional(whole, "padding", padding),
+    )
 
 
 def butterworth_sections(tr, *, high_pass=0, low_pass=0, order=5):
@@ -554,7 +568,12 @@ def butterworth_sections(tr, *, high_pass=0, low_pass=0, order=5):
     >>> nodalis.signals.butterworth_sections(2.0, low_pass=0.1, order=2).round(4)
     array([[ 0.2066,  0.4131,  0.2066,  1.    , -0.3695,  0.1958]])
     """
-    return _core.butterworth_sections(tr, high_pass, low_pass, order)
+    return _core.butterworth_sections(
+        real("tr", tr),
+        real("high_pass", high_pass),
+        real("low_pass", low_pass),
+        whole("order", order, 2**31 - 1),
+    )
 
 
 def framewise_displacement(motion, *, motion_order="spm"):
@@ -592,7 +611,7 @@ def framewise_displacement(motion, *, motion_order="spm"):
     >>> nodalis.signals.framewise_displacement([[0, 0, 0, 0, 0, 0], [0.5, 0, -1, 0, 0.01, 0]])
     array([nan,  2.])
     """
-    return _core.framewise_displacement(motion, motion_order)
+    return _core.framewise_displacement(motion, word("motion_order", motion_order))
 
 
 def dvars(series):

@@ -14,6 +14,7 @@ from typing import NamedTuple
 import numpy as np
 
 from . import _nodalis
+from ._arguments import real, thread_count, whole, word
 
 __all__ = [
     "Component",
@@ -359,7 +360,7 @@ def design(formula, table, *, other_columns=()):
     ['(Intercept)', 'group[B]']
     """
     columns = [(str(name), [_text(value) for value in table[name]]) for name in table.keys()]
-    return Design(**_core.design(formula, columns, list(other_columns)))
+    return Design(**_core.design(word("formula", formula), columns, list(other_columns)))
 
 
 def edgewise_glm(
@@ -437,8 +438,8 @@ def edgewise_glm(
     array([ True, False, False])
     """
     matrix, columns = _matrix_and_columns(design, columns)
-    if permutations == 0 and given is None:
-        found = _core.glm(data, matrix, columns, contrast, sides)
+    if whole("permutations", permutations) == 0 and given is None:
+        found = _core.glm(data, matrix, columns, contrast, word("sides", sides))
         return _model({**found, "rearrangements": 0, "exhaustive": False})
     return _model(
         _core.permutation_test(
@@ -446,14 +447,14 @@ def edgewise_glm(
             matrix,
             columns,
             contrast,
-            sides,
+            word("sides", sides),
             [],
-            permutations,
-            seed,
-            exchange,
+            whole("permutations", permutations),
+            whole("seed", seed),
+            word("exchange", exchange),
             _labels(blocks),
             given,
-            threads,
+            thread_count(threads),
         )
     )
 
@@ -529,14 +530,14 @@ def nbs(
         matrix,
         columns,
         contrast,
-        sides,
-        [threshold],
-        permutations,
-        seed,
-        exchange,
+        word("sides", sides),
+        [real("threshold", threshold)],
+        whole("permutations", permutations),
+        whole("seed", seed),
+        word("exchange", exchange),
         _labels(blocks),
         given,
-        threads,
+        thread_count(threads),
     )
     components, extent, intensity = found["networks"][0]
     return Nbs(
@@ -631,7 +632,11 @@ def fingerprint(session_1, session_2, *, permutations=5000, seed=1):
     >>> found.rate_1_to_2, found.p_1_to_2
     (1.0, 0.001)
     """
-    return Fingerprint(*_core.fingerprint(session_1, session_2, permutations, seed))
+    return Fingerprint(
+        *_core.fingerprint(
+            session_1, session_2, whole("permutations", permutations), whole("seed", seed)
+        )
+    )
 
 
 def qcfc(data, mean_fd, *, covariates=None, columns=None, distances=None):
@@ -747,11 +752,11 @@ def distance_anova(
             matrix,
             columns,
             contrast,
-            permutations,
-            seed,
+            whole("permutations", permutations),
+            whole("seed", seed),
             _labels(blocks),
             given,
-            threads,
+            thread_count(threads),
         )
     )
 

@@ -4,6 +4,7 @@
 from typing import NamedTuple
 
 from . import _nodalis
+from ._arguments import thread_count
 
 
 class SpanningTree(NamedTuple):
@@ -71,5 +72,7 @@ def minimum_spanning_tree(matrix, *, weights_are_lengths=False, mirrored=True, t
     1.25
     """
     return SpanningTree(
-        *_nodalis.minimum_spanning_tree(matrix, weights_are_lengths, mirrored, threads)
+        *_nodalis.minimum_spanning_tree(
+            matrix, bool(weights_are_lengths), bool(mirrored), thread_count(threads)
+        )
     )

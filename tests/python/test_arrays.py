@@ -213,10 +213,12 @@ def test_a_number_beyond_the_range_is_told_from_a_stack():
         nodalis.strength(stack, threads=2)
 
 
-def test_a_negative_number_of_threads_is_told(graph):
+def test_what_is_no_number_of_threads_is_told(graph):
     for measure in MEASURES:
-        with pytest.raises(ValueError, match="threads is -1: expected 0, for one per processor"):
+        with pytest.raises(ValueError, match="^threads is -1: expected 0 or more$"):
             measure(graph, threads=-1)
+        with pytest.raises(TypeError, match="^threads is '2': expected a whole number$"):
+            measure(graph, threads="2")
 
 
 @pytest.mark.parametrize("threads", [0, 1, 2, 7])

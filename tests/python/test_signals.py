@@ -250,9 +250,15 @@ def test_other_errors_are_told(rng):
         signals.drift(30, 0, 0.01)
     with pytest.raises(ValueError, match="negative"):
         signals.drift(30, 2, -0.01)
+    with pytest.raises(TypeError, match="^tr is '2': expected a number$"):
+        signals.clean(series, tr="2")
+    with pytest.raises(TypeError, match="^high_pass is a list: expected a number$"):
+        signals.clean(series, tr=2, high_pass=[0.01])
+    with pytest.raises(TypeError, match="^order is 5: expected a text$"):
+        signals.clean(series, tr=2, order=5)
     with pytest.raises(ValueError, match='extension is "even": expected one of odd, constant'):
         signals.butterworth(series, 2, low_pass=0.1, extension="even")
-    with pytest.raises(ValueError, match="padding is negative"):
+    with pytest.raises(ValueError, match="padding is -1: expected 0 or more"):
         signals.butterworth(series, 2, low_pass=0.1, padding=-1)
     series[4, 1] = np.nan
     for function in (

@@ -347,10 +347,13 @@ def test_numbers_in_tables_keep_their_digits(rng):
         ({"design": np.ones((30, 2))}, "x1"),
         ({"sides": "left"}, 'sides is "left": expected one of each, both, greater, less'),
         ({"exchange": "all"}, 'exchange is "all": expected one of automatic, permutations, signs'),
-        ({"permutations": -1}, "permutation"),
+        ({"permutations": -1}, "permutations is -1: expected 0 or more"),
         ({"given": np.zeros((3, 4))}, "permutations are of 4 subjects, the test has 30"),
         ({"given": np.full((1, 30), 0.5)}, "given holds what are no whole numbers"),
-        ({"threads": -2}, "threads is -2: expected 0"),
+        ({"threads": -2}, "threads is -2: expected 0 or more"),
+        ({"seed": -1}, "seed is -1: expected 0 or more"),
+        ({"permutations": 2**70}, "permutations is 1180591620717411303424: expected 0 or more, "),
+        ({"blocks": [1, 2]}, "30|blocks"),
     ],
 )
 def test_what_cannot_be_tested_is_told(groups, keywords, text):
@@ -362,6 +365,8 @@ def test_what_cannot_be_tested_is_told(groups, keywords, text):
 
 def test_other_errors_are_told(groups):
     data, design = groups
+    with pytest.raises(TypeError, match="^permutations is 2.5: expected a whole number$"):
+        statistics.edgewise_glm(data, design, [0, 1], permutations=2.5)
     bad = data.copy()
     bad[3, 2] = np.nan
     with pytest.raises(ValueError, match="3"):
