@@ -191,7 +191,7 @@ Eigen::Array<bool, Eigen::Dynamic, 1> flags(const py::object &object, const std:
 Eigen::MatrixXi integers(const py::object &object, const std::string &name, const char *expected)
 {
     const Eigen::MatrixXd values = Numbers(object, name).matrix(expected);
-    const Eigen::MatrixXi whole = values.cwiseMax(-2e9).cwiseMin(2e9).cast<int>();
+    Eigen::MatrixXi whole = values.cwiseMax(-2e9).cwiseMin(2e9).cast<int>();
     if (!(whole.cast<double>().array() == values.array()).all()) {
         throw py::value_error(name + " holds what are no whole numbers");
     }
