@@ -36,7 +36,8 @@ private:
     FunctionalGrid m_grid;
 };
 
-/// The conditions of a protocol, one row each, over the volumes of the run.
+/// The conditions of a protocol, one row each, over the volumes of the run. It is as large as all
+/// of them need: for a scroll area.
 class ConditionTimeline : public QWidget
 {
     Q_OBJECT
@@ -54,6 +55,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    int namesWidth() const;
+
     Prt m_protocol;
     int m_volumes = 0;
 };

@@ -3,9 +3,12 @@
 
 #include "host/session/plugin_loader.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QTimer>
+#include <vector>
 
+class QLabel;
 class QPushButton;
 class QSplitter;
 class QStackedWidget;
@@ -19,6 +22,8 @@ class RecentFilesMenu;
 class StudyWindow;
 class Session;
 class BeforeCleaning;
+struct BidsImport;
+struct ImportRequest;
 class TimeCourseReader;
 class TimeCourseView;
 class VoiList;
@@ -36,7 +41,8 @@ public:
     ~MainWindow() override;
 
     /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
-    /// one, a .voi or .prt is loaded. What cannot be opened is told in one message.
+    /// one, a .voi or .prt is loaded. What has to be imported first goes to the import, a
+    /// pipeline's folder to the list of its runs. What cannot be opened is told in one message.
     void openFiles(const QStringList &paths);
 
     /// Loads the plugins of a folder and lists them in the Plugins menu.
@@ -77,9 +83,20 @@ private:
     enum Page { WelcomePage, VolumePage };
     void showPage(Page page);
     void showTimeCourse();
+    void showNames();
+    void askAboutMismatches();
+    bool mayLoseResults();
+    bool askUser(const QString &text);
+    void rememberOpened(const QString &path);
     void open(const QString &path);
+    QStringList openNow(const QStringList &paths);
     void chooseFiles();
     void importFiles();
+    void importRequest(const ImportRequest &request);
+    void openImported(const QStringList &files);
+    void importRuns(const QString &what, std::vector<BidsImport> runs);
+    void importDataset(const QString &dataset, const QStringList &participants);
+    void chooseDataset();
     void openExample();
     void openStudy();
     void closeDocument();
@@ -103,6 +120,11 @@ private:
     BeforeCleaning *m_before = nullptr;
     TimeCourseReader *m_reader;
     int m_shownVoiLoads = -1;
+    QLabel *m_courseName = nullptr;
+    QString m_checkedLoads;   ///< what was loaded when subjects and spaces were compared last
+    QStringList m_mismatches; ///< those that the user knows of and keeps
+    bool m_isAsking = false;
+    QHash<int, QStringList> m_subjects; ///< files that were opened, by the position of the document
     RecentFilesMenu *m_recent = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;
