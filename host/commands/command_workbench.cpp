@@ -68,8 +68,9 @@ std::unique_ptr<QCoreApplication> makeApplication(const QStringList &, int &argc
 Command workbenchCommand()
 {
     return {nullptr, "Corvane [--plugins DIR] [--start PLUGIN] [FILE...]",
-            "Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt.", run,
-            makeApplication};
+            "Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt; what has "
+            "to be imported first, and folders, lead to the import.",
+            run, makeApplication};
 }
 
 } // namespace corvane
