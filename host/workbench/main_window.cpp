@@ -757,6 +757,7 @@ void MainWindow::showDocument(int step)
 
 void MainWindow::loadPluginFolder(const QString &folder)
 {
+    m_pluginFolder = folder;
     m_plugins = loadPlugins(folder);
     if (m_plugins.empty())
         return;
@@ -771,6 +772,12 @@ void MainWindow::loadPluginFolder(const QString &folder)
         action->setToolTip(asToolTip(plugin->path()));
         connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
     }
+}
+
+bool MainWindow::isEmpty() const
+{
+    return DocumentTabs::openDocuments(m_workspace).isEmpty() && m_workspace.vois() == nullptr &&
+           m_workspace.protocol() == nullptr;
 }
 
 QStringList MainWindow::pluginNames() const

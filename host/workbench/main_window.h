@@ -50,9 +50,14 @@ public:
     /// Loads the plugins of a folder and lists them in the Plugins menu.
     void loadPluginFolder(const QString &folder);
     QStringList pluginNames() const;
+    /// The folder that was given.
+    const QString &pluginFolder() const { return m_pluginFolder; }
     /// Starts the plugin of that name. One that does not start is told in the log; false then, and
     /// when there is none.
     bool startPlugin(const QString &name);
+
+    /// Whether nothing is open: no document, no VOIs, no protocol.
+    bool isEmpty() const;
 
     /// The size of the first start, where the screen has room for it.
     static QSize usualSize() { return {1100, 850}; }
@@ -114,6 +119,7 @@ private:
     Workspace &m_workspace;
     std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
     std::vector<std::unique_ptr<Plugin>> m_plugins;
+    QString m_pluginFolder;
     QTimer m_refreshSoon;
     QTimer m_fileWatch;
     LogPane *m_log;

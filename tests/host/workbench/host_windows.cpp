@@ -252,9 +252,8 @@ void keyList(const LookAtWindow &look)
             action->trigger();
 }
 
-void tourCaption(const LookAtWindow &look)
+void tourCard(const LookAtWindow &look)
 {
-    constexpr int longTime = 1000000; // ms
     Workbench workbench;
     Tour tour({{QString(),
                 QStringLiteral("Start the plugin"),
@@ -262,16 +261,16 @@ void tourCaption(const LookAtWindow &look)
                                "starts it; if it cannot run, the log says why."),
                 [&workbench] { return &workbench.window; },
                 {}}});
-    tour.setSpeed(longTime);
+    tour.playForPeople(QStringLiteral("The example stays open."));
     tour.start();
-    const auto caption = []() -> QWidget * {
+    const auto card = []() -> QWidget * {
         for (QWidget *top : QApplication::topLevelWidgets())
-            if (qobject_cast<QLabel *>(top) && top->isVisible())
+            if (qobject_cast<TourCard *>(top) && top->isVisible())
                 return top;
         return nullptr;
     };
-    ASSERT_TRUE(QTest::qWaitFor([&caption] { return caption() != nullptr; }));
-    look(*caption());
+    ASSERT_TRUE(QTest::qWaitFor([&card] { return card() != nullptr; }));
+    look(*card());
 }
 
 } // namespace
@@ -289,7 +288,7 @@ const std::vector<HostWindow> &hostWindows()
                                              {"Message", message},
                                              {"About", about},
                                              {"KeyList", keyList},
-                                             {"TourCaption", tourCaption}};
+                                             {"TourCard", tourCard}};
     return all;
 }
 
