@@ -120,6 +120,8 @@ void paintPanel(QPainter &painter, const BrainLayout &layout, int panel,
     painter.setFont(labelFont(painter, 12));
     const QRectF caption(area.left(), area.bottom() - captionHeight, area.width(), captionHeight);
     painter.drawText(caption, Qt::AlignCenter, QLatin1String(view.caption));
+    if (area.width() < 140)
+        return;
     painter.drawText(caption.adjusted(gap, 0, -gap, 0), Qt::AlignLeft | Qt::AlignVCenter,
                      QLatin1String(view.atLeft));
     painter.drawText(caption.adjusted(gap, 0, -gap, 0), Qt::AlignRight | Qt::AlignVCenter,
@@ -132,9 +134,11 @@ QString footOf(const BrainPicture &picture)
                                        [](const auto &place) { return !place; });
     if (without == 0)
         return picture.network.foot;
-    return picture.network.foot + QStringLiteral("; %1 of %2 nodes have no place and are not drawn")
-                                      .arg(without)
-                                      .arg(picture.places.size());
+    const QString more = QStringLiteral("%1 of %2 nodes have no place and are not drawn")
+                             .arg(without)
+                             .arg(picture.places.size());
+    return picture.network.foot.isEmpty() ? more
+                                          : picture.network.foot + QStringLiteral("; ") + more;
 }
 
 } // namespace
