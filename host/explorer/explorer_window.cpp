@@ -213,6 +213,12 @@ QWidget *ExplorerWindow::makeNodes()
     auto *const tabs = new QTabWidget;
     tabs->addTab(m_nodes, tr("&Nodes"));
     tabs->addTab(m_edges, tr("&Edges"));
+    for (CopiedTable *table : {m_nodes, m_edges})
+        for (int column = 0; column < table->model()->columnCount(); ++column)
+            table->setColumnWidth(column,
+                                  std::max(table->sizeHintForColumn(column),
+                                           table->horizontalHeader()->sectionSizeHint(column)) +
+                                      8);
     layout->addWidget(m_search);
     layout->addWidget(tabs, 1);
     connect(m_search, &QLineEdit::textChanged, this, &ExplorerWindow::searchFor);
@@ -401,6 +407,8 @@ void ExplorerWindow::restore()
     const QSettings settings;
     resize(usualSize().boundedTo(screen()->availableSize()));
     resizeDocks({m_docks[0], m_docks[4]}, {3, 2}, Qt::Vertical);
+    resizeDocks({m_docks[0], m_docks[1], m_docks[2]}, {1, 1, 1}, Qt::Horizontal);
+    resizeDocks({m_docks[4], m_docks[3], m_docks[5]}, {1, 1, 1}, Qt::Horizontal);
     restoreGeometry(settings.value(geometryKey).toByteArray());
     restoreState(settings.value(stateKey).toByteArray());
 }

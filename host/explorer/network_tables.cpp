@@ -21,7 +21,7 @@ constexpr int nodeColumns = 4;
 QVariant numberData(double value, int role)
 {
     if (role == Qt::TextAlignmentRole)
-        return QVariant::fromValue(Qt::Alignment(Qt::AlignRight | Qt::AlignVCenter));
+        return int(Qt::AlignRight | Qt::AlignVCenter);
     if (role == NodeTableModel::sortRole)
         return std::isnan(value) ? QVariant() : QVariant(value);
     if (role != Qt::DisplayRole)

@@ -24,11 +24,12 @@ QString valueText(double value)
 }
 
 /// The name of a node beside its place, on paper so that it can be read above edges.
-void paintTag(QPainter &painter, const QPointF &place, const QString &name, const QRectF &inside)
+void paintTag(QPainter &painter, const QPointF &place, const QString &name, const QRectF &inside,
+              bool isBelow = false)
 {
     painter.setFont(labelFont(painter, 12));
     QRectF tag = QFontMetricsF(painter.font()).boundingRect(name).adjusted(-4, -2, 4, 2);
-    tag.moveTopLeft(place + QPointF(8, -tag.height() - 6));
+    tag.moveTopLeft(place + QPointF(8, isBelow ? 6 : -tag.height() - 6));
     tag.moveLeft(std::clamp(tag.left(), inside.left(),
                             std::max(inside.left(), inside.right() - tag.width())));
     tag.moveTop(std::max(tag.top(), inside.top()));
@@ -229,14 +230,14 @@ QPointF RingCanvas::placeOf(int node) const
 void RingCanvas::paintMarks(QPainter &painter)
 {
     const std::vector<int> &order = model().shown().order.nodes;
+    const int first = model().placeOf(model().node());
+    const int second = model().placeOf(model().other());
     const auto tag = [&](int place, const QColor &colour) {
         const QPointF at = toWidget().map(m_ring.place(place, m_ring.radius));
         paintNodeMark(painter, at, colour);
         paintTag(painter, at, model().result().nodes[std::size_t(order[std::size_t(place)])].name,
-                 rect());
+                 rect(), place == second);
     };
-    const int first = model().placeOf(model().node());
-    const int second = model().placeOf(model().other());
     if (first >= 0 && second >= 0) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(markColour, 3));
@@ -318,7 +319,8 @@ void BrainCanvas::paintMarks(QPainter &painter)
     }
     for (const int place : {m_pointed, second, first})
         if (isThere(place))
-            paintTag(painter, placeIn(0, place), m_picture.network.names[place], rect());
+            paintTag(painter, placeIn(0, place), m_picture.network.names[place], rect(),
+                     place == second);
 }
 
 void BrainCanvas::click(const QPointF &place)

@@ -241,7 +241,7 @@ RingLayout ringLayout(const QPainter &painter, const QRectF &area, const Network
     const QFont font = labelFont(painter, ring.namesOfGroups ? 13 : ring.fit.fontSize);
     ring.namesRoom = std::min(ring.namesOfGroups ? widestGroup(font, picture.groups)
                                                  : widestLabel(font, picture.names, ring.fit.every),
-                              half * 0.4);
+                              half * 0.34);
     ring.centre = round.center();
     ring.radius = std::max(half - namesDistance(picture) - gap - ring.namesRoom, half / 3);
     return ring;
