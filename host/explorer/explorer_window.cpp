@@ -214,11 +214,7 @@ QWidget *ExplorerWindow::makeNodes()
     tabs->addTab(m_nodes, tr("&Nodes"));
     tabs->addTab(m_edges, tr("&Edges"));
     for (CopiedTable *table : {m_nodes, m_edges})
-        for (int column = 0; column < table->model()->columnCount(); ++column)
-            table->setColumnWidth(column,
-                                  std::max(table->sizeHintForColumn(column),
-                                           table->horizontalHeader()->sectionSizeHint(column)) +
-                                      8);
+        table->resizeColumnsToContents();
     layout->addWidget(m_search);
     layout->addWidget(tabs, 1);
     connect(m_search, &QLineEdit::textChanged, this, &ExplorerWindow::searchFor);
