@@ -96,7 +96,8 @@ void hover(benchmark::State &state)
     paint.wait();
     int step = 0;
     for (auto _ : state) {
-        const QPointF place(100 + 37 * (++step % 10), 300 + 11 * (step % 17));
+        ++step;
+        const QPointF place(100 + 37 * (step % 10), 300 + 11 * (step % 17));
         QMouseEvent move(QEvent::MouseMove, place, Qt::NoButton, Qt::NoButton, {});
         QCoreApplication::sendEvent(&canvas, &move);
         canvas.repaint();
