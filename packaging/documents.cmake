@@ -3,6 +3,7 @@
 # stand to each other as in the sources, so that the example plugin builds where it is installed.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${doc_folder} COMPONENT corvane
     PATTERN architecture.md EXCLUDE
+    PATTERN make-guide EXCLUDE
     PATTERN make-pictures EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/plugin DESTINATION ${doc_folder} COMPONENT corvane
     FILES_MATCHING PATTERN export.h PATTERN "host_function*" PATTERN "host_module*"

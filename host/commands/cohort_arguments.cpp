@@ -6,6 +6,7 @@
 #include "host/commands/connectome_options.h"
 #include "host/commands/group_options.h"
 #include "host/commands/option_values.h"
+#include "host/commands/run_filter_options.h"
 #include "host/files/input_error.h"
 #include "host/files/text_check.h"
 #include "signals/error.h"
@@ -22,43 +23,8 @@ namespace corvane
 namespace
 {
 
-/// An option of labels, and what may stand before them.
-struct LabelOption {
-    const char *option;
-    const char *prefix;
-    QStringList RunFilter::*labels;
-};
-
-constexpr LabelOption labelOptions[] = {{"participant-label", "sub-", &RunFilter::participants},
-                                        {"session-id", "ses-", &RunFilter::sessions},
-                                        {"session-label", "ses-", &RunFilter::sessions},
-                                        {"task-id", "task-", &RunFilter::tasks},
-                                        {"task-label", "task-", &RunFilter::tasks},
-                                        {"space", "space-", &RunFilter::spaces}};
-
 /// Less of a run than this is excluded unless --min-seconds says otherwise.
 constexpr auto leastSeconds = "--min-seconds=240";
-
-bool takesLabels(const QString &option)
-{
-    return std::any_of(std::begin(labelOptions), std::end(labelOptions),
-                       [&](const LabelOption &known) {
-                           return option == QLatin1String("--") + QLatin1String(known.option);
-                       });
-}
-
-/// "--participant_label" as "--participant-label"; a value behind "=" stays as it is.
-QString withDashes(const QString &option)
-{
-    const int end = option.indexOf(QLatin1Char('='));
-    QString name = end < 0 ? option : option.left(end);
-    return name.replace(QLatin1Char('_'), QLatin1Char('-')) + option.mid(name.size());
-}
-
-bool isOption(const QString &argument)
-{
-    return argument.startsWith(QLatin1Char('-')) && argument.size() > 1;
-}
 
 /// Options that say how matrices are made; all of them are compared between two calls.
 QList<QCommandLineOption> settingOptions()
@@ -80,21 +46,6 @@ QJsonObject optionsOf(const QCommandLineParser &parser)
                                                               : QJsonValue(parser.value(name)));
     }
     return options;
-}
-
-/// The labels of an option, without their prefix.
-QStringList labelsOf(const QCommandLineParser &parser, const LabelOption &option)
-{
-    QStringList labels;
-    for (QString label : parser.values(QLatin1String(option.option))) {
-        if (label.startsWith(QLatin1String(option.prefix)))
-            label = label.mid(int(qstrlen(option.prefix)));
-        if (label.isEmpty() || label.contains(QLatin1Char('/')) || nameFault(label))
-            throw UsageError(QStringLiteral("--%1: found %2, expected a label")
-                                 .arg(QLatin1String(option.option), quoted(label)));
-        labels += label;
-    }
-    return labels;
 }
 
 /// Each --labels and --atlas-name belongs to the --atlas before it.
@@ -149,25 +100,7 @@ ConnectomeRequest requestOf(const QCommandLineParser &parser)
 
 QStringList withPlainOptions(const QStringList &arguments)
 {
-    QStringList words;
-    QString labels; // the option whose words these are
-    for (const QString &argument : arguments) {
-        if (!words.isEmpty() && words.last() == QLatin1String("--sbatch-options")) {
-            words += argument; // options, but not ours
-        } else if (isOption(argument)) {
-            labels = withDashes(argument);
-            words += labels;
-            if (!takesLabels(labels))
-                labels.clear();
-        } else if (!labels.isEmpty()) {
-            if (words.last() ==
-                labels) // without a word it stays as it is, for the parser to refuse
-                words.removeLast();
-            words += labels + QLatin1Char('=') + argument;
-        } else {
-            words += argument;
-        }
-    }
+    QStringList words = withLabelWords(arguments, {QStringLiteral("--sbatch-options")});
     const bool hasLimit = std::any_of(words.begin(), words.end(), [](const QString &word) {
         return word.startsWith(QLatin1String("--min-seconds"));
     });
@@ -178,18 +111,10 @@ QStringList withPlainOptions(const QStringList &arguments)
 
 void addCohortOptions(QCommandLineParser &parser)
 {
-    const auto labels = QStringLiteral("labels");
     const auto file = QStringLiteral("file");
     const auto number = QStringLiteral("N");
-    for (const LabelOption &option : labelOptions)
-        parser.addOption({QLatin1String(option.option),
-                          QStringLiteral("Only runs with one of these labels, with or without "
-                                         "\"%1\".")
-                              .arg(QLatin1String(option.prefix)),
-                          labels});
+    addRunFilterOptions(parser);
     parser.addOptions({
-        {QStringLiteral("bids-filter-file"),
-         QStringLiteral("Only runs that fit the entry \"bold\" of this JSON file."), file},
         {QStringLiteral("atlas"),
          QStringLiteral("An image of labels in the space of the runs; may be given more than "
                         "once."),
@@ -225,6 +150,9 @@ void addCohortOptions(QCommandLineParser &parser)
          QStringLiteral(
              "Without the study's table: for one participant of many; Corvane cohort OUT "
              "status --collect makes it later.")},
+        {QStringLiteral("then-group"),
+         QStringLiteral("Tests the group as soon as its rows are made: what stands behind this are "
+                        "options of group.")},
         {QStringLiteral("collect"), QStringLiteral("With status: makes the study's table.")},
         {QStringLiteral("sample"), QStringLiteral("With verify: how many rows are computed again."),
          number, QStringLiteral("10")},
@@ -253,6 +181,7 @@ QString stepOf(const QString &option)
                                 {"wait", "participant"},
                                 {"keep-failed", "participant"},
                                 {"no-collect", "participant"},
+                                {"then-group", "participant"},
                                 {"collect", "status"},
                                 {"sample", "verify"},
                                 {"all", "verify"},
@@ -271,10 +200,7 @@ QString stepOf(const QString &option)
 
 RunFilter runFilter(const QCommandLineParser &parser)
 {
-    RunFilter filter;
-    for (const LabelOption &option : labelOptions)
-        filter.*option.labels += labelsOf(parser, option);
-    filter.filterFile = parser.value(QStringLiteral("bids-filter-file"));
+    RunFilter filter = runFilterOf(parser);
     filter.confoundsNeeded = parser.value(QStringLiteral("clean")) != QLatin1String("none");
     return filter;
 }

@@ -56,6 +56,13 @@ StudySelection selectionOf(const QCommandLineParser &parser, const QString &data
     return selection;
 }
 
+GroupRequest requestOf(const QCommandLineParser &parser, const QString &dataset, const QString &out)
+{
+    GroupRequest request = groupRequest(parser);
+    request.study = selectionOf(parser, dataset, out, request.asksForSessions() || request.paired);
+    return request;
+}
+
 } // namespace
 
 bool choosesRowsOfGroup(const QString &option)
@@ -67,10 +74,14 @@ bool choosesRowsOfGroup(const QString &option)
     return options.contains(option);
 }
 
+void checkGroupOfStudy(const QCommandLineParser &parser, const QString &dataset, const QString &out)
+{
+    requestOf(parser, dataset, out);
+}
+
 void runGroupOfStudy(const QCommandLineParser &parser, const QString &dataset, const QString &out)
 {
-    GroupRequest request = groupRequest(parser);
-    request.study = selectionOf(parser, dataset, out, request.asksForSessions() || request.paired);
+    const GroupRequest request = requestOf(parser, dataset, out);
     const QString given = parser.value(QStringLiteral("group-out"));
     runGroup(request, parser, given.isEmpty() ? out + QStringLiteral("/group") : given,
              QStringLiteral("group"));

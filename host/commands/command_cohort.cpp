@@ -8,6 +8,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
 #include "host/derivatives/run_images.h"
+#include "host/files/end_signals.h"
 #include "host/files/input_error.h"
 #include "host/study/collect.h"
 #include "host/study/row_state.h"
@@ -27,6 +28,9 @@ namespace corvane
 namespace
 {
 
+/// All words behind it are those of the step group.
+const auto thenGroup = QStringLiteral("--then-group");
+
 void print(const QString &line)
 {
     std::printf("%s\n", line.toUtf8().constData());
@@ -38,7 +42,11 @@ struct Call {
     const QCommandLineParser &parser;
     QStringList arguments; ///< plain ones
     QString dataset, out;
+    QStringList thenGroup; ///< the command line of the step group that follows; empty for none
 };
+
+int groupStep(const Call &call);
+void runGroupBehind(const Call &call);
 
 std::vector<ParticipantRows> plannedRows(const Call &call, const StudySettings &settings)
 {
@@ -104,18 +112,21 @@ StudyCommand commandOf(const Call &call)
 
 /// Whether all is done now: else jobs of Slurm are at it, or will be.
 bool ranOnSlurm(const std::vector<ParticipantRows> &participants, const StudySettings &settings,
-                const StudyCommand &command, bool waits)
+                const StudyCommand &command, const Call &call)
 {
-    const std::optional<SlurmJobs> jobs =
-        submitStudy(participants, settings, command,
-                    {QStringLiteral("cohort"), settings.out, QStringLiteral("status"),
-                     QStringLiteral("--collect")});
+    std::vector<QStringList> afterwards{{QStringLiteral("cohort"), settings.out,
+                                         QStringLiteral("status"), QStringLiteral("--collect")}};
+    if (!call.thenGroup.isEmpty())
+        afterwards.push_back(call.thenGroup);
+    const std::optional<SlurmJobs> jobs = submitStudy(participants, settings, command, afterwards);
     if (!jobs) {
         collectStudy(settings.out, print);
+        runGroupBehind(call);
         return true;
     }
     print(QStringLiteral("job %1 with %2, and job %3 that collects; what they print is in %4")
               .arg(jobs->array, counted(jobs->tasks, "task"), jobs->collect, jobs->folder));
+    const bool waits = call.parser.isSet(QStringLiteral("wait"));
     if (waits)
         waitForSlurm(jobs->collect);
     return waits;
@@ -128,15 +139,17 @@ int participantStep(const Call &call)
     const std::vector<ParticipantRows> participants = plannedRows(call, settings);
     prepareStudy(participants, settings, print);
     if (call.parser.isSet(QStringLiteral("slurm")))
-        return ranOnSlurm(participants, settings, command,
-                          call.parser.isSet(QStringLiteral("wait")))
+        return ranOnSlurm(participants, settings, command, call)
                    ? endOf(participants, settings, true)
                    : int(Done);
     runOnThisMachine(participants, settings, command, print);
     const bool collects = !call.parser.isSet(QStringLiteral("no-collect"));
     if (collects)
         collectStudy(settings.out, print);
-    return endOf(participants, settings, collects);
+    const int end = endOf(participants, settings, collects);
+    if (!endSignalHasCome())
+        runGroupBehind(call);
+    return end;
 }
 
 int planStep(const Call &call)
@@ -247,16 +260,15 @@ QStringList plainArguments(const QStringList &found)
                                    QStringLiteral("participant, plan or group")};
 }
 
-int run(const QStringList &given)
+/// Reads a command line and finds its step; none where it only asked for help or a list.
+const Step *readCommandLine(QCommandLineParser &parser, const QStringList &arguments)
 {
-    const QStringList arguments = withPlainOptions(given);
-    QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Makes connectivity matrices of all runs that a pipeline left in a folder of subjects."));
     addCohortOptions(parser);
     parser.parse(arguments);
     if (toldStrategies(parser))
-        return Done;
+        return nullptr;
     const QStringList plain = plainArguments(parser.positionalArguments());
     if (!parseArguments(parser, arguments, plain,
                         {QStringLiteral("participant-label"), QStringLiteral("session-id"),
@@ -264,18 +276,78 @@ int run(const QStringList &given)
                          QStringLiteral("task-label"), QStringLiteral("space"),
                          QStringLiteral("atlas"), QStringLiteral("labels"),
                          QStringLiteral("atlas-name"), QStringLiteral("contrast")}))
-        return Done;
+        return nullptr;
     const QStringList words = parser.positionalArguments();
     for (const Step &step : steps) {
         if (words.last() != QLatin1String(step.name) || step.hasDataset != (words.size() == 3))
             continue;
         requireOptionsOf(step, parser);
-        return step.run({parser, arguments, step.hasDataset ? words.front() : QString(),
-                         words[words.size() - 2]});
+        return &step;
     }
     throw UsageError(QStringLiteral("found %1, expected participant, plan or group behind BIDS_DIR "
                                     "and OUT, or status or verify behind OUT")
                          .arg(quoted(words.last())));
+}
+
+/// Reads a command line that readCommandLine() accepts.
+Call callOf(const QCommandLineParser &parser, const Step &step, const QStringList &arguments)
+{
+    const QStringList words = parser.positionalArguments();
+    return {parser,
+            arguments,
+            step.hasDataset ? words.front() : QString(),
+            words[words.size() - 2],
+            {}};
+}
+
+void runGroupBehind(const Call &call)
+{
+    if (call.thenGroup.isEmpty())
+        return;
+    QCommandLineParser parser;
+    const QStringList arguments = withPlainOptions(call.thenGroup);
+    const Step *const step = readCommandLine(parser, arguments);
+    step->run(callOf(parser, *step, arguments));
+}
+
+/// The command line of the step group with what stands behind --then-group. What cannot be meant is
+/// told now, not after hours of computing. Throws UsageError.
+QStringList groupBehind(const Call &call, const QStringList &options)
+{
+    const QStringList words =
+        QStringList{QStringLiteral("cohort"), call.dataset, call.out, QStringLiteral("group")} +
+        options;
+    QCommandLineParser parser;
+    const Step *const step = readCommandLine(parser, withPlainOptions(words));
+    if (step == nullptr)
+        return {};
+    if (step->run != groupStep)
+        throw UsageError(QStringLiteral("--then-group: found %1, expected options of group")
+                             .arg(quoted(parser.positionalArguments().last())));
+    checkGroupOfStudy(parser, call.dataset, call.out);
+    return words;
+}
+
+int run(const QStringList &given)
+{
+    const int then = given.indexOf(thenGroup);
+    const QStringList arguments = withPlainOptions(given.mid(0, then));
+    QCommandLineParser parser;
+    const Step *const step = readCommandLine(parser, arguments);
+    if (step == nullptr)
+        return Done;
+    Call call = callOf(parser, *step, arguments);
+    if (then >= 0) {
+        if (step->run != participantStep && step->run != planStep)
+            throw UsageError(
+                QStringLiteral("--then-group does not go with %1").arg(QLatin1String(step->name)));
+        if (parser.isSet(QStringLiteral("no-collect")))
+            throw UsageError(QStringLiteral("--then-group does not go with --no-collect"));
+        call.thenGroup = groupBehind(call, given.mid(then + 1));
+        if (call.thenGroup.isEmpty())
+            return Done;
+    }
+    return step->run(call);
 }
 
 /// Pages have pictures, which need fonts.
@@ -285,7 +357,8 @@ std::unique_ptr<QCoreApplication> makeCohortApplication(const QStringList &argum
     const QStringList plain = withPlainOptions(arguments);
     const auto has = [&](const char *word) { return plain.contains(QLatin1String(word)); };
     const bool paints = has("participant") || has("--collect") || has("verify") || has("group");
-    if (has("--no-pages") || !paints)
+    const bool hasPages = !has("--no-pages") || arguments.contains(thenGroup);
+    if (!hasPages || !paints)
         return makePlainApplication(arguments, argc, argv);
     argc = 1; // the arguments are those of a command, none is Qt's
     return makePictureApplication(argc, argv, false);
@@ -309,6 +382,7 @@ Command cohortCommand()
                   [--events [--delay S] [--per-interval] [--centre-intervals]]
                   [--nprocs N | --slurm [--subjects-per-job N] [--sbatch-options "..."]
                   [--wait]] [--no-pages] [--keep-failed] [--no-collect]
+                  [--then-group OPTIONS OF group]
   Corvane cohort BIDS_DIR OUT group [--session-id A] [--task-id A] [--space A]
                   [--atlas-name NAME] [--measure NAME] [--group-out DIR]
                   [--test glm,nbs,distance,icc,fingerprint,qcfc,tangent]

@@ -68,6 +68,7 @@ ComputeRequest requestOf(const QCommandLineParser &parser)
     request.matrixValues = chosenValue(parser, QStringLiteral("values"), matrixValuesNames);
     request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
     request.allowSingular = parser.isSet(QStringLiteral("allow-singular"));
+    request.allowMismatch = parser.isSet(QStringLiteral("allow-mismatch"));
     request.plots = parser.isSet(QStringLiteral("plots"));
     return request;
 }
@@ -99,6 +100,8 @@ int run(const QStringList &arguments)
         {QStringLiteral("allow-singular"),
          QStringLiteral("A partial correlation also where a node is empty, constant or not finite: "
                         "all of it is then 0.")},
+        {QStringLiteral("allow-mismatch"),
+         QStringLiteral("A run or VOIs also of another subject or space than the anatomy.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "
                         "and a line plot per measure.")},
@@ -139,8 +142,8 @@ Command computeCommand()
     return {"compute",
             R"(Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
                   [--seeds all|0,3,5] [--measure correlation|partial-correlation]
-                  [--values absolute|positive|negative] [--no-mst] [--allow-singular] [--plots]
-                  --out DIR)",
+                  [--values absolute|positive|negative] [--no-mst] [--allow-singular]
+                  [--allow-mismatch] [--plots] --out DIR)",
             "Computes connectivity, spanning trees and graph measures; with --plots, draws them.",
             run, makePlotsApplication};
 }

@@ -7,6 +7,7 @@
 #include "host/session/session.h"
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
+#include "host/workbench/screen_fit.h"
 #ifdef CORVANE_IMPORT
 #include "host/tour/guided_tour.h"
 #endif
@@ -38,6 +39,7 @@ int run(const QStringList &arguments)
 #ifdef CORVANE_IMPORT
     new GuidedTour(window);
 #endif
+    new ScreenFit(window);
     window.show();
     // With the event loop running: what goes wrong is told in windows.
     QTimer::singleShot(0, &window, [&] {

@@ -166,7 +166,7 @@ void runGroup(const GroupRequest &request, const QCommandLineParser &parser, con
     const GroupData data = readGroupData(request);
     for (const QString &line : data.left)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
-    TerminalProgress progress(QStringLiteral("permuting"));
+    TerminalProgress progress(QStringLiteral("testing"));
     const GroupResults results = testGroup(data, request, progress.watch());
     for (const QString &line : results.notes)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());

@@ -118,6 +118,20 @@ void chooseFiles(Subject &subject, const ComputeRequest &request, const Workspac
     }
 }
 
+/// What files say against each other is a fault, or a warning where that is allowed.
+QStringList checkedMismatches(const ComputeRequest &request, const Workspace &workspace)
+{
+    QStringList warnings;
+    for (const ProvenanceMismatch &mismatch : workspace.mismatches()) {
+        if (!request.allowMismatch)
+            throw InputError(mismatch.file, mismatch.key, quoted(mismatch.found),
+                             QStringLiteral("%1 as in %2; or --allow-mismatch")
+                                 .arg(quoted(mismatch.expected), printable(mismatch.other, 4096)));
+        warnings += mismatch.text();
+    }
+    return warnings;
+}
+
 /// By the host's own path: the record's text may be cut or lack characters.
 QString protocolInUse(const Subject &subject, const ComputeRequest &request,
                       const Workspace &workspace)
@@ -219,6 +233,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     if (!subject.load())
         throw HostFailure(log);
     workspace.linkedVtc()->file.requireIntact();
+    const QStringList mismatched = checkedMismatches(request, workspace);
     chooseNodes(subject, request);
 
     const QVector<int> seeds = subject.scheme().seedVois;
@@ -238,7 +253,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
     result.cleaning = workspace.linkedVtc()->file.info().cleaning;
     result.protocolFile = protocolInUse(subject, request, workspace);
-    result.warnings = log.said() + withoutMeaning;
+    result.warnings = log.said() + mismatched + withoutMeaning;
     return result;
 }
 

@@ -33,6 +33,7 @@ struct ComputeRequest {
     MatrixValues matrixValues = MatrixValues::Absolute;
     bool computeMst = true;
     bool allowSingular = false; ///< a partial correlation of nodes that it is not defined for, too
+    bool allowMismatch = false; ///< files of different subjects or spaces, too
     bool plots = false;         ///< pictures beside the tables
 };
 
@@ -69,8 +70,9 @@ struct ComputeResult {
 
 /// Loads and computes in a session, which must be the current one; the document that it opens there
 /// is closed again. Throws InputError when a file cannot be used, a seed does not exist, a protocol
-/// is wanted where there is none, or, unless it is allowed, a partial correlation of a node that is
-/// empty, constant or not finite.
+/// is wanted where there is none, or, unless it is allowed, files say that they are of different
+/// subjects or spaces, or a partial correlation is asked of a node that is empty, constant or not
+/// finite.
 ComputeResult compute(Session &session, const ComputeRequest &request);
 
 } // namespace corvane

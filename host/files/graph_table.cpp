@@ -339,7 +339,9 @@ private:
     void findNames()
     {
         const std::vector<Cell> &first = m_rows.front().cells;
-        if (lacksCorner()) {
+        // In tables of connectomes nodes may be called by the numbers of their labels.
+        const bool saysNode = first.front() == "Node" && m_rows.size() == m_width;
+        if (lacksCorner() || saysNode) {
             m_firstRow = 1;
             m_firstColumn = 1;
             return;

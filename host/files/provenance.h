@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <optional>
+#include <vector>
 
 namespace corvane
 {
@@ -22,5 +23,26 @@ std::optional<QString> provenanceFault(const QString &text);
 
 /// What such a text may be, for messages.
 QString provenanceRule();
+
+/// A file and whose data it holds.
+struct FileProvenance {
+    QString file;
+    Provenance provenance;
+};
+
+/// A file that says of subject or space another thing than one before it.
+struct ProvenanceMismatch {
+    QString file;
+    QString key; ///< "subject", "space name"
+    QString found;
+    QString other; ///< the file before it
+    QString expected;
+
+    /// "b.vtc: its subject is "sub-02", that of a.vmr "sub-01"", with files by their bare names.
+    QString text() const;
+};
+
+/// Each file is compared with the first of those before it that know what it says.
+std::vector<ProvenanceMismatch> mismatches(const std::vector<FileProvenance> &files);
 
 } // namespace corvane

@@ -4,7 +4,9 @@
 #include "host/files/input_error.h"
 #include "host/group/group_rearrangements.h"
 #include "statistics/distances.h"
+#include "statistics/parallel.h"
 
+#include <mutex>
 #include <nodalis/nodalis.h>
 #include <set>
 
@@ -16,9 +18,19 @@ namespace
 
 using statistics::Index;
 
-double spectralDistance(Eigen::MatrixXf a, Eigen::MatrixXf b)
+/// The spectrum of each graph, on several threads.
+std::vector<Eigen::VectorXd> spectraOf(const std::vector<Eigen::MatrixXf> &graphs, int threads,
+                                       const ProgressWatch &watch)
 {
-    return double(nodalis::distances::spectral_euclidean(a, b, 0));
+    std::vector<Eigen::VectorXd> spectra(graphs.size());
+    std::mutex mutex; // a watch is told by one thread at a time
+    qint64 done = 0;
+    statistics::for_each_chunk(Index(graphs.size()), threads, [&](Index i, int) {
+        spectra[i] = nodalis::distances::spectrum(graphs[i]);
+        const std::lock_guard<std::mutex> lock(mutex);
+        tellProgress(watch, ++done, qint64(graphs.size()));
+    });
+    return spectra;
 }
 
 DistanceContrast testOf(const QString &text, const Eigen::MatrixXd &distances,
@@ -37,7 +49,8 @@ DistanceContrast testOf(const QString &text, const Eigen::MatrixXd &distances,
 
 } // namespace
 
-DistanceResult testDistances(const GroupData &data, const GroupRequest &request)
+DistanceResult testDistances(const GroupData &data, const GroupRequest &request,
+                             const ProgressWatch &watch)
 {
     const std::set<std::string> participants(data.participants.begin(), data.participants.end());
     const bool areRepeated = participants.size() < data.participants.size();
@@ -45,10 +58,13 @@ DistanceResult testDistances(const GroupData &data, const GroupRequest &request)
         throw InputError(request.table, QStringLiteral("participant_id"),
                          QStringLiteral("one row for each participant"),
                          QStringLiteral("a --contrast to test, or sessions to compare"));
+    const std::vector<Eigen::VectorXd> spectra = spectraOf(data.graphs, request.threads, watch);
     DistanceResult result;
     result.distances = statistics::all_distances(
-        static_cast<Index>(data.graphs.size()),
-        [&](Index i, Index j) { return spectralDistance(data.graphs[i], data.graphs[j]); },
+        Index(spectra.size()),
+        [&](Index i, Index j) {
+            return double(nodalis::distances::between_spectra(spectra[i], spectra[j], 0));
+        },
         request.threads);
     for (const QString &contrast : request.contrasts)
         result.contrasts.push_back(testOf(contrast, result.distances, data, request));

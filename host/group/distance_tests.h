@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/progress.h"
 #include "host/group/group_data.h"
 #include "statistics/dbicc.h"
 #include "statistics/distance_anova.h"
@@ -28,7 +29,8 @@ struct DistanceResult {
 
 /// Compares the graphs of all pairs of rows by the spectral distance that the plugin shows, tests
 /// each contrast, and where participants come in several rows tells how much nearer their own are.
-/// Throws InputError, statistics::Error.
-DistanceResult testDistances(const GroupData &data, const GroupRequest &request);
+/// Throws InputError, statistics::Error, WorkStopped.
+DistanceResult testDistances(const GroupData &data, const GroupRequest &request,
+                             const ProgressWatch &watch);
 
 } // namespace corvane

@@ -43,7 +43,7 @@ GroupResults testGroup(const GroupData &data, const GroupRequest &request,
     for (const ContrastResult &contrast : results.contrasts)
         results.notes += contrast.notes;
     if (request.asks(GroupTest::Distance))
-        results.distance = testDistances(data, request);
+        results.distance = testDistances(data, request, watch);
     if (request.asks(GroupTest::Icc))
         results.icc = testReliability(data);
     if (request.asks(GroupTest::Fingerprint))

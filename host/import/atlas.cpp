@@ -6,7 +6,6 @@
 #include "host/files/input_error.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace corvane
 {
@@ -19,18 +18,6 @@ struct Region : LabelCount {
 };
 
 using Regions = std::map<qint32, Region>;
-
-/// Colours that differ from their neighbours: the hue goes on by the golden angle.
-Colour nthColour(int n)
-{
-    const double hue = std::fmod(n * 0.6180339887498949, 1.0) * 6;
-    const auto channel = [&](double offset) {
-        const double place = std::fmod(hue + offset, 6.0);
-        const double value = std::min(std::max(std::abs(place - 3) - 1, 0.0), 1.0);
-        return static_cast<int>(std::lround(55 + 200 * value));
-    };
-    return {channel(0), channel(4), channel(2)};
-}
 
 void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCube,
                  const FunctionalGrid &grid, const QString &path, Regions &regions)
@@ -58,30 +45,6 @@ void countVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &atlasToCub
                 if (grid.recordedPoint(atlasToCube * voxel))
                     ++region->insideRun;
             }
-}
-
-/// Cube voxels, all or those `step` apart, from `first` to `last` on each axis.
-struct VoxelRange {
-    std::array<int, 3> first;
-    std::array<int, 3> last;
-    int step;
-};
-
-VoxelRange voxelRange(const FunctionalGrid &grid, VoiGrid voiGrid)
-{
-    VoxelRange range{grid.start, grid.start, 1};
-    for (int axis = 0; axis < 3; ++axis)
-        range.last[axis] += grid.resolution * (grid.size[axis] - 1);
-    if (voiGrid == VoiGrid::Functional) {
-        range.step = grid.resolution;
-        return range;
-    }
-    // A lattice point reaches half way to its neighbours; halves round upward.
-    for (int axis = 0; axis < 3; ++axis) {
-        range.first[axis] = std::max(0, range.first[axis] - grid.resolution / 2);
-        range.last[axis] = std::min(cubeSize - 1, range.last[axis] + (grid.resolution - 1) / 2);
-    }
-    return range;
 }
 
 void collectVoxels(const Image3d<qint32> &atlas, const Eigen::Affine3d &cubeToAtlas,
@@ -147,54 +110,12 @@ void noteLosses(const Regions &regions, const QString &path, QStringList &notes)
                           missing.join(QStringLiteral(", ")));
 }
 
-/// How often each sample of the run counts in a mean over a VOI.
-std::vector<double> sampleWeights(const Voi &voi, const FunctionalGrid &grid)
-{
-    std::vector<std::array<int, 3>> points;
-    points.reserve(voi.voxels.size());
-    for (const std::array<int, 3> &voxel : voi.voxels)
-        if (const auto point = grid.recordedPoint(Eigen::Vector3d(voxel[0], voxel[1], voxel[2])))
-            points.push_back(*point);
-    std::sort(points.begin(), points.end());
-    std::vector<double> weights;
-    for (std::size_t n = 0; n < points.size(); ++n) {
-        if (n == 0 || points[n] != points[n - 1])
-            weights.push_back(0);
-        ++weights.back();
-    }
-    return weights;
-}
-
-/// A mean with the weights w is as precise as one with equal weights of (sum w)^2 / sum w^2
-/// samples.
-QStringList precisionNotes(const VoiSet &set, const FunctionalGrid &grid, const QString &path)
-{
-    double samples = 0;
-    double equalSamples = 0;
-    for (const Voi &voi : set.vois) {
-        double sum = 0;
-        double squares = 0;
-        for (const double weight : sampleWeights(voi, grid)) {
-            sum += weight;
-            squares += weight * weight;
-            ++samples;
-        }
-        if (squares > 0)
-            equalSamples += sum * sum / squares;
-    }
-    if (equalSamples > samples * (1 - 1e-9))
-        return {};
-    return {QStringLiteral("%1: VOIs of 1 mm voxels weigh the run's samples unequally: their means "
-                           "are as precise as those of %2 % of the samples")
-                .arg(printable(path, 4096))
-                .arg(std::lround(100 * equalSamples / samples))};
-}
-
 } // namespace
 
 VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
                    const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
-                   const QString &path, QStringList &notes, std::vector<LabelCount> *counts)
+                   const QString &path, QStringList &notes, std::vector<LabelCount> *counts,
+                   int firstColour)
 {
     Regions regions;
     const Eigen::Affine3d cubeToAtlas = atlas.toWorld.inverse() * cubeToWorld;
@@ -211,7 +132,7 @@ VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
         region.voi.name = hasName(table, label) ? entry->second.name : QString::number(label);
         const Colour colour = entry != table.end() && entry->second.colour
                                   ? *entry->second.colour
-                                  : nthColour(static_cast<int>(set.vois.size()));
+                                  : nthColour(firstColour + static_cast<int>(set.vois.size()));
         region.voi.r = colour.r;
         region.voi.g = colour.g;
         region.voi.b = colour.b;

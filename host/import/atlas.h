@@ -3,24 +3,12 @@
 
 #include "host/files/label_table.h"
 #include "host/files/voi_file.h"
-#include "host/import/functional_grid.h"
+#include "host/import/voi_grid.h"
 
 #include <QStringList>
 
 namespace corvane
 {
-
-/// Which voxels a VOI is made of: one for each lattice point of the run, so that a mean weighs each
-/// functional voxel once, or every cube voxel of 1 mm, so that it weighs them by how much of them
-/// lies in the VOI, which costs precision.
-enum class VoiGrid { Functional, Anatomy };
-
-/// What becomes of a label: its voxels in the atlas, and those of them where the run has samples
-/// that were recorded.
-struct LabelCount {
-    qint64 inAtlas = 0;
-    qint64 insideRun = 0;
-};
 
 /// The VOIs of an atlas: one for each label but 0 that the atlas or the table holds, in ascending
 /// order. Labels are taken by nearest neighbour. No VOI holds a place where nothing was recorded. A
@@ -28,9 +16,10 @@ struct LabelCount {
 /// loses voxels is said in `notes`, with its voxels in the atlas and those of them that lie inside
 /// the run. Throws InputError for an image with so many labels that it is no atlas; `path` is the
 /// atlas's. `counts`, if given, gets one entry for each VOI.
+/// Labels without a colour in the table get those from `firstColour` on.
 VoiSet voisOfAtlas(const Image3d<qint32> &atlas, const LabelTable &table,
                    const FunctionalGrid &grid, const Eigen::Affine3d &cubeToWorld, VoiGrid voiGrid,
                    const QString &path, QStringList &notes,
-                   std::vector<LabelCount> *counts = nullptr);
+                   std::vector<LabelCount> *counts = nullptr, int firstColour = 0);
 
 } // namespace corvane

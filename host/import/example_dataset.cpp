@@ -216,8 +216,8 @@ ImportReport writeExample(const QString &folder, const ProgressWatch &watch)
     ImportRequest request;
     request.anatomy = output.path(name(anatomyFile));
     request.functional = output.path(name(runFile));
-    request.atlas = output.path(name(atlasFile));
-    request.labels = output.path(name(labelsFile));
+    request.voiSources = {
+        {VoiSource::Atlas, output.path(name(atlasFile)), output.path(name(labelsFile))}};
     request.events = output.path(name(eventsFile));
     request.name = name(importName);
     request.folder = QFileInfo(request.anatomy).path();

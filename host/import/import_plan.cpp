@@ -9,10 +9,15 @@
 #include "host/files/input_error.h"
 #include "host/files/sample_conversion.h"
 #include "host/files/text_check.h"
+#include "host/import/atlas.h"
 #include "host/import/cleaned_run.h"
+#include "host/import/import_provenance.h"
+#include "host/import/run_mean.h"
+#include "host/import/sphere_table.h"
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 namespace corvane
 {
@@ -84,18 +89,99 @@ bool sameGrid(const GridSize &size, const Eigen::Affine3d &toWorld, const GridSi
            between.isApprox(Eigen::Affine3d::Identity(), 1e-3);
 }
 
-void planVois(ImportPlan &plan, const LabelTable &labels, const Eigen::Affine3d &cubeToWorld)
+/// A file of VOIs with what is quickly read of it.
+struct ReadSource {
+    VoiSource source;
+    LabelTable labels;           ///< of an atlas
+    std::vector<Sphere> spheres; ///< of a table of these
+};
+
+std::vector<ReadSource> readSources(const ImportRequest &request, QStringList &notes)
 {
-    const QString &path = plan.request.atlas;
-    const Image3d<qint32> atlas = readLabels(path, plan.notes);
+    std::vector<ReadSource> sources;
+    for (const VoiSource &source : request.voiSources) {
+        sources.push_back({source, {}, {}});
+        if (source.kind == VoiSource::Spheres)
+            sources.back().spheres = readSpheres(source.file, notes);
+        else if (!source.labels.isEmpty())
+            sources.back().labels = readLabelTable(source.labels, notes);
+    }
+    return sources;
+}
+
+/// All that is not background is one label, whose name is the file's.
+LabelTable makeMask(Image3d<qint32> &image, const QString &path, QStringList &notes)
+{
+    std::set<qint32> values;
+    for (qint32 &value : image.voxels) {
+        if (value == 0)
+            continue;
+        if (values.size() < 2)
+            values.insert(value);
+        value = 1;
+    }
+    if (values.size() > 1)
+        notes += noteOn(path, QStringLiteral("the mask holds more than one value: all but 0 are "
+                                             "one VOI; as an atlas it gives one for each"));
+    LabelTable table;
+    table[1].name = nameWithoutEnding(path);
+    return table;
+}
+
+void addAtlas(ImportPlan &plan, const ReadSource &read, const Eigen::Affine3d &cubeToWorld)
+{
+    const QString &path = read.source.file;
+    const bool isMask = read.source.kind == VoiSource::Mask;
+    Image3d<qint32> atlas = readLabels(path, plan.notes);
+    const LabelTable labels = isMask ? makeMask(atlas, path, plan.notes) : read.labels;
     if (!sameGrid(atlas.size, atlas.toWorld, gridSize(plan.run), plan.run.toWorld))
         plan.notes +=
-            noteOn(path, QStringLiteral("the atlas (%1) has another grid than the run (%2): its "
+            noteOn(path, QStringLiteral("the %1 (%2) has another grid than the run (%3): its "
                                         "labels are taken by nearest neighbour")
-                             .arg(gridText(atlas.size, atlas.toWorld),
+                             .arg(isMask ? QStringLiteral("mask") : QStringLiteral("atlas"),
+                                  gridText(atlas.size, atlas.toWorld),
                                   gridText(gridSize(plan.run), plan.run.toWorld)));
-    plan.vois = voisOfAtlas(atlas, labels, plan.grid, cubeToWorld, plan.request.voiGrid, path,
-                            plan.notes, &plan.labelCounts);
+    const VoiSet set =
+        voisOfAtlas(atlas, labels, plan.grid, cubeToWorld, plan.request.voiGrid, path, plan.notes,
+                    &plan.labelCounts, static_cast<int>(plan.vois.vois.size()));
+    plan.vois.vois.insert(plan.vois.vois.end(), set.vois.begin(), set.vois.end());
+}
+
+void addSpheres(ImportPlan &plan, const ReadSource &read, const Eigen::Affine3d &cubeToWorld)
+{
+    const VoiSet set =
+        voisOfSpheres(read.spheres, plan.grid, cubeToWorld, plan.request.voiGrid, read.source.file,
+                      plan.notes, plan.labelCounts, static_cast<int>(plan.vois.vois.size()));
+    plan.vois.vois.insert(plan.vois.vois.end(), set.vois.begin(), set.vois.end());
+}
+
+void planVois(ImportPlan &plan, const std::vector<ReadSource> &sources,
+              const Eigen::Affine3d &cubeToWorld)
+{
+    for (const ReadSource &read : sources)
+        (read.source.kind == VoiSource::Spheres ? addSpheres : addAtlas)(plan, read, cubeToWorld);
+}
+
+// ---- the anatomy
+
+/// Without an image of it the run's mean stands in.
+Image3d<float> anatomyImage(const ImportRequest &request, QStringList &notes,
+                            const ProgressWatch &watch)
+{
+    if (!request.anatomy.isEmpty())
+        return readImage(request.anatomy, notes);
+    Image3d<float> mean = runMean(request.functional, notes, watch);
+    notes += noteOn(request.functional,
+                    QStringLiteral("without an anatomy the mean of the run stands in its place"));
+    return mean;
+}
+
+Anatomy cubeOf(const Image3d<float> &image, const ImportRequest &request, QStringList &notes)
+{
+    if (!request.anatomy.isEmpty())
+        return resampleAnatomy(image, request.anatomy, notes);
+    QStringList ofMean; // that it is scaled, and cut off as the run is, which is told there
+    return resampleAnatomy(image, request.functional, ofMean);
 }
 
 // ---- what the files hold
@@ -171,10 +257,11 @@ VolumeChoice ImportPlan::volumeChoice() const
     return choice;
 }
 
-ImportPlan planImport(const ImportRequest &request)
+ImportPlan planImport(const ImportRequest &request, const ProgressWatch &watch)
 {
     ImportPlan plan;
     plan.request = request;
+    plan.notes += provenanceNotes(request);
     plan.run = readRunHeader(request.functional, plan.notes);
     plan.repetitionTime =
         runRepetitionTime(request.functional, plan.run, request.repetitionTime, plan.notes);
@@ -184,20 +271,21 @@ ImportPlan planImport(const ImportRequest &request)
             planImportCleaning(*request.cleaning, plan.volumes(), plan.repetitionTime, plan.notes));
     const EventsTable events =
         request.events.isEmpty() ? EventsTable() : readEvents(request.events, plan.notes);
-    const LabelTable labels =
-        request.labels.isEmpty() ? LabelTable() : readLabelTable(request.labels, plan.notes);
+    const std::vector<ReadSource> sources = readSources(request, plan.notes);
 
-    Image3d<float> image = readImage(request.anatomy, plan.notes);
-    const Anatomy anatomy = resampleAnatomy(image, request.anatomy, plan.notes);
+    Image3d<float> image = anatomyImage(request, plan.notes, watch);
+    const Anatomy anatomy = cubeOf(image, request, plan.notes);
     image.voxels = {};
+    const Provenance provenance = provenanceOf(request);
     plan.anatomy = anatomy.vmr;
+    plan.anatomy.provenance = plan.vois.provenance = provenance;
     planFile(plan, FileKind::Vmr,
              QStringLiteral("%1, %2").arg(gridText(image.size, image.toWorld),
                                           anatomy.copied ? QStringLiteral("copied")
                                                          : QStringLiteral("interpolated to 1 mm")));
     plan.grid = layRun(request, plan.run, anatomy, plan.notes);
-    if (!request.atlas.isEmpty()) {
-        planVois(plan, labels, anatomy.toWorld);
+    if (!request.voiSources.empty()) {
+        planVois(plan, sources, anatomy.toWorld);
         planFile(plan, FileKind::Voi, voiText(plan.vois, request.voiGrid));
     }
     if (!request.events.isEmpty()) {
@@ -206,6 +294,7 @@ ImportPlan planImport(const ImportRequest &request)
         if (plan.cleaning)
             plan.protocol =
                 renumberedProtocol(plan.protocol, plan.cleaning->design.rows, plan.notes);
+        plan.protocol.provenance = provenance;
         planFile(plan, FileKind::Prt, protocolText(plan.protocol));
     }
     checkPointsOutside(plan.grid, request.functional, plan.notes);
@@ -229,6 +318,7 @@ VtcInfo uncleanedVtc(const ImportPlan &plan)
     info.nrOfVolumes = plan.volumes();
     info.type = grid.copied && fitsShort(plan.run) ? VtcInfo::Short : VtcInfo::Float;
     info.repetitionTime = plan.repetitionTime;
+    info.provenance = plan.anatomy.provenance;
     return info;
 }
 

@@ -3,10 +3,13 @@
 
 #include "host/files/file_kind.h"
 #include "host/files/nifti_header.h"
+#include "host/files/progress.h"
+#include "host/files/provenance.h"
 #include "host/files/prt_file.h"
 #include "host/files/vtc_file.h"
 #include "host/import/atlas.h"
 #include "host/import/resample_anatomy.h"
+#include "host/import/voi_source.h"
 
 #include <memory>
 #include <optional>
@@ -24,11 +27,11 @@ struct RunCleaning;
 
 /// What to import and how. Paths that are not given are empty.
 struct ImportRequest {
-    QString anatomy;                      ///< 3-D image: NIfTI or NRRD
+    QString anatomy;                      ///< 3-D image: NIfTI or NRRD; else the run's mean
     QString functional;                   ///< 4-D run: NIfTI
-    QString atlas;                        ///< 3-D image of labels, for VOIs
-    QString labels;                       ///< table with the names of the labels
+    std::vector<VoiSource> voiSources;    ///< their VOIs follow each other in this order
     QString events;                       ///< table of events, for a protocol
+    Provenance provenance;                ///< what is empty is taken from the names of the files
     std::optional<int> resolution;        ///< cube voxels per sample; else nearestResolution
     std::optional<double> repetitionTime; ///< seconds; else the header's
     VoiGrid voiGrid = VoiGrid::Functional;
@@ -57,7 +60,7 @@ struct ImportPlan {
     double repetitionTime = 0; ///< seconds
     Vmr anatomy;
     FunctionalGrid grid;
-    VoiSet vois;                                 ///< without an atlas none
+    VoiSet vois;                                 ///< without a source of VOIs none
     std::vector<LabelCount> labelCounts;         ///< one for each VOI
     std::shared_ptr<const RunCleaning> cleaning; ///< null: samples stay as they are
     Prt protocol;                   ///< without events empty; on the volumes that are kept
@@ -72,9 +75,10 @@ struct ImportPlan {
     bool writes(FileKind kind) const;
 };
 
-/// Looks at all files of an import and writes nothing. The samples of the run are not read. Throws
-/// InputError, and with a cleaning what planImportCleaning throws.
-ImportPlan planImport(const ImportRequest &request);
+/// Looks at all files of an import and writes nothing. The samples of the run are read only when
+/// its mean is to be the anatomy, which the watch is told of. Throws InputError, WorkStopped, and
+/// with a cleaning what planImportCleaning throws.
+ImportPlan planImport(const ImportRequest &request, const ProgressWatch &watch = {});
 
 /// What a .vtc of the plan will hold, but for its protocol's path and its checksum; and what it
 /// would hold without the cleaning.

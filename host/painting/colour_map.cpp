@@ -13,6 +13,19 @@ namespace
 
 using Channels = std::array<double, 3>;
 
+/// The colour at a share, 0 to 1, of a scale of evenly spaced colours.
+template <std::size_t count>
+QColor colourOn(const std::array<Channels, count> &stops, double share)
+{
+    const double place = share * double(count - 1);
+    const auto lower = std::min(std::size_t(place), count - 2);
+    const double rest = place - double(lower);
+    const auto channel = [&](std::size_t n) {
+        return int(std::lround(stops[lower][n] + rest * (stops[lower + 1][n] - stops[lower][n])));
+    };
+    return {channel(0), channel(1), channel(2)};
+}
+
 /// From -limit to limit, evenly spaced.
 constexpr std::array<Channels, 9> lightStops{{{33, 102, 172},
                                               {67, 147, 195},
@@ -34,21 +47,49 @@ constexpr std::array<Channels, 9> darkStops{{{146, 197, 222},
                                              {228, 118, 92},
                                              {249, 190, 158}}};
 
+/// Over red and yellow.
+constexpr std::array<Channels, 4> hot{{{40, 0, 0}, {220, 30, 0}, {255, 190, 0}, {255, 255, 220}}};
+
+/// Even to the eye, also in grey: that of van der Walt and Smith, in the public domain.
+constexpr std::array<Channels, 9> viridis{{{68, 1, 84},
+                                           {71, 44, 122},
+                                           {59, 81, 139},
+                                           {44, 113, 142},
+                                           {33, 144, 141},
+                                           {39, 173, 129},
+                                           {92, 200, 99},
+                                           {170, 220, 50},
+                                           {253, 231, 37}}};
+
+constexpr std::array<Channels, 2> grey{{{0, 0, 0}, {255, 255, 255}}};
+
 } // namespace
 
 QColor divergingColour(double value, double limit, bool onDark)
 {
     if (std::isnan(value))
         return onDark ? QColor(82, 82, 82) : QColor(200, 200, 200);
-    const std::array<Channels, 9> &stops = onDark ? darkStops : lightStops;
     const double share = limit > 0 ? std::clamp(value / limit, -1.0, 1.0) : 0;
-    const double place = (share + 1) / 2 * double(stops.size() - 1);
-    const auto lower = std::min(std::size_t(place), stops.size() - 2);
-    const double rest = place - double(lower);
-    const auto channel = [&](std::size_t n) {
-        return int(std::lround(stops[lower][n] + rest * (stops[lower + 1][n] - stops[lower][n])));
-    };
-    return {channel(0), channel(1), channel(2)};
+    return colourOn(onDark ? darkStops : lightStops, (share + 1) / 2);
+}
+
+QStringList colourMapNames()
+{
+    return {QStringLiteral("Hot"), QStringLiteral("Viridis"), QStringLiteral("Grey")};
+}
+
+QColor sequentialColour(ColourMap map, double share)
+{
+    const double bounded = std::isnan(share) ? 0 : std::clamp(share, 0.0, 1.0);
+    switch (map) {
+    case ColourMap::Hot:
+        return colourOn(hot, bounded);
+    case ColourMap::Viridis:
+        return colourOn(viridis, bounded);
+    case ColourMap::Grey:
+        break;
+    }
+    return colourOn(grey, bounded);
 }
 
 } // namespace corvane

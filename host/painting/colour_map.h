@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QColor>
+#include <QStringList>
 
 namespace corvane
 {
@@ -11,5 +12,14 @@ namespace corvane
 /// doi:10.1179/000870403235002042. Values beyond are those of the limit, no value is grey. On dark
 /// paper the middle is dark and the ends are the lighter ones of the same hues.
 QColor divergingColour(double value, double limit, bool onDark = false);
+
+/// Scales from dark to light, for values that have no middle.
+enum class ColourMap { Hot, Viridis, Grey };
+
+/// Their names for users, in the order of ColourMap.
+QStringList colourMapNames();
+
+/// The colour at a share of a scale, 0 to 1; beyond it that of its end.
+QColor sequentialColour(ColourMap map, double share);
 
 } // namespace corvane

@@ -154,6 +154,7 @@ void Workspace::loadVois(const QString &path)
     m_vois.reset();
     ++m_voiLoads;
     m_vois.emplace(readVoiFile(path));
+    m_voiPath = QFileInfo(path).absoluteFilePath();
 }
 
 void Workspace::loadProtocol(const QString &path)
@@ -161,6 +162,19 @@ void Workspace::loadProtocol(const QString &path)
     const Notice notice{this};
     m_protocol.reset();
     m_protocol.emplace(readPrtFile(path));
+    m_protocolPath = QFileInfo(path).absoluteFilePath();
+}
+
+std::vector<ProvenanceMismatch> Workspace::mismatches() const
+{
+    std::vector<FileProvenance> files;
+    if (const Vmr *const vmr = currentVmr())
+        files.push_back({documentPath(m_current), vmr->provenance});
+    if (const LinkedVtc *const vtc = linkedVtc())
+        files.push_back({vtc->file.path(), vtc->file.info().provenance});
+    if (m_vois)
+        files.push_back({m_voiPath, m_vois->set.provenance});
+    return corvane::mismatches(files);
 }
 
 } // namespace corvane

@@ -65,11 +65,16 @@ public:
 
     void loadVois(const QString &path); ///< Throws InputError.
     const LoadedVois *vois() const { return m_vois ? &*m_vois : nullptr; }
+    QString voiPath() const { return m_vois ? m_voiPath : QString(); }
     /// How often VOIs were loaded, or failed to load, so far: whether vois() is what it was.
     int voiLoads() const { return m_voiLoads; }
 
     void loadProtocol(const QString &path); ///< Throws InputError.
     const LoadedProtocol *protocol() const { return m_protocol ? &*m_protocol : nullptr; }
+    QString protocolPath() const { return m_protocol ? m_protocolPath : QString(); }
+
+    /// What the current anatomy, its run and the VOIs say against each other.
+    std::vector<ProvenanceMismatch> mismatches() const;
 
 Q_SIGNALS:
     /// After everything that may have changed what the workspace holds, also after a load that
@@ -100,8 +105,10 @@ private:
     std::optional<LinkedVtc> m_vtc;
     int m_vtcDocument = -1; ///< position of the VMR that m_vtc is linked to
     std::optional<LoadedVois> m_vois;
+    QString m_voiPath;
     int m_voiLoads = 0;
     std::optional<LoadedProtocol> m_protocol;
+    QString m_protocolPath;
 };
 
 } // namespace corvane

@@ -42,9 +42,10 @@ QByteArray shellWord(const QString &word)
     return '\'' + word.toUtf8().replace('\'', "'\\''") + '\'';
 }
 
+/// This program with arguments.
 QByteArray shellCommand(const QStringList &arguments)
 {
-    QByteArray command = "exec " + shellWord(QCoreApplication::applicationFilePath());
+    QByteArray command = shellWord(QCoreApplication::applicationFilePath());
     for (const QString &argument : arguments)
         command += ' ' + shellWord(argument);
     return command;
@@ -55,8 +56,17 @@ QByteArray taskScript(const SlurmWork &work, const QString &list)
 {
     return "#!/bin/sh\n"
            "participants=$(sed -n \"$((SLURM_ARRAY_TASK_ID + 1))p\" " +
-           shellWord(list) + ")\n" + shellCommand(work.taskArguments) +
+           shellWord(list) + ")\nexec " + shellCommand(work.taskArguments) +
            " --participant-label $participants\n";
+}
+
+/// One command after the other, as long as none fails.
+QByteArray scriptOf(const std::vector<QStringList> &commands)
+{
+    QByteArray script = "#!/bin/sh\nset -e\n";
+    for (const QStringList &command : commands)
+        script += shellCommand(command) + '\n';
+    return script;
 }
 
 QByteArray listText(const std::vector<QStringList> &tasks)
@@ -129,7 +139,7 @@ SlurmJobs submitToSlurm(const SlurmWork &work)
     const QString collect = jobs.folder + QStringLiteral("/collect.sh");
     writeFile(list, listText(tasks));
     writeFile(task, taskScript(work, list));
-    writeFile(collect, "#!/bin/sh\n" + shellCommand(work.collectArguments) + '\n');
+    writeFile(collect, scriptOf(work.afterwards));
 
     QStringList arrayOptions{QStringLiteral("--job-name=corvane"),
                              QStringLiteral("--array=0-%1").arg(jobs.tasks - 1),

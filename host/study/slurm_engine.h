@@ -19,9 +19,10 @@ struct SlurmWork {
     int participantsPerTask = 1;
     qint64 memory = 0;   ///< that a task takes, in bytes
     QStringList options; ///< the user's, for sbatch
-    /// Command lines of this program: of a task without its participants, and of what collects.
+    /// Command lines of this program: of a task without its participants, and of what follows when
+    /// all tasks are over, one after the other.
     QStringList taskArguments;
-    QStringList collectArguments;
+    std::vector<QStringList> afterwards;
 };
 
 struct SlurmJobs {

@@ -106,7 +106,7 @@ void runOnThisMachine(const std::vector<ParticipantRows> &participants,
 
 std::optional<SlurmJobs> submitStudy(const std::vector<ParticipantRows> &participants,
                                      const StudySettings &settings, const StudyCommand &command,
-                                     const QStringList &collect)
+                                     const std::vector<QStringList> &afterwards)
 {
     SlurmWork work;
     for (const ParticipantRows &rows : participants)
@@ -120,7 +120,7 @@ std::optional<SlurmJobs> submitStudy(const std::vector<ParticipantRows> &partici
     work.participantsPerTask = command.participantsPerTask;
     work.options = command.slurmOptions;
     work.taskArguments = command.task() + QStringList{QStringLiteral("--nprocs=1")};
-    work.collectArguments = collect;
+    work.afterwards = afterwards;
     return submitToSlurm(work);
 }
 

@@ -43,9 +43,9 @@ void runOnThisMachine(const std::vector<ParticipantRows> &participants,
                       const StudySettings &settings, const StudyCommand &command, const Tell &tell);
 
 /// Submits what is to be made to Slurm, without waiting for it, and returns the jobs; none when
-/// there is nothing to do. `collect` is the command line that collects.
+/// there is nothing to do. `afterwards` are the command lines of what follows: collecting first.
 std::optional<SlurmJobs> submitStudy(const std::vector<ParticipantRows> &participants,
                                      const StudySettings &settings, const StudyCommand &command,
-                                     const QStringList &collect);
+                                     const std::vector<QStringList> &afterwards);
 
 } // namespace corvane

@@ -38,6 +38,17 @@ CohortRun::~CohortRun()
 
 void CohortRun::start(const QString &dataset, const QString &study, const QStringList &options)
 {
+    begin(QStringLiteral("plan"), dataset, study, options);
+}
+
+void CohortRun::startGroup(const QString &dataset, const QString &study, const QStringList &options)
+{
+    begin(QStringLiteral("group"), dataset, study, options);
+}
+
+void CohortRun::begin(const QString &step, const QString &dataset, const QString &study,
+                      const QStringList &options)
+{
     if (isRunning())
         return;
     m_folders = QStringList{dataset, study};
@@ -45,7 +56,7 @@ void CohortRun::start(const QString &dataset, const QString &study, const QStrin
     m_isCancelled = false;
     m_all = m_done = 0;
     Q_EMIT progressed(0, 0);
-    run(QStringLiteral("plan"));
+    run(step);
 }
 
 void CohortRun::cancel()

@@ -8,8 +8,7 @@
 namespace corvane
 {
 
-/// The participant step of a study in a process of this program: asks it first how many rows are
-/// to be made, then makes them. What is done stays done when it is cancelled.
+/// A step of a study in a process of this program. What is done stays done when it is cancelled.
 class CohortRun : public QObject
 {
     Q_OBJECT
@@ -19,8 +18,11 @@ public:
     explicit CohortRun(QObject *parent = nullptr, const QString &program = {});
     ~CohortRun() override;
 
-    /// Options are those of `Corvane cohort` behind the step's name.
+    /// Asks first how many rows are to be made, then makes them. Options are those of
+    /// `Corvane cohort` behind the step's name.
     void start(const QString &dataset, const QString &study, const QStringList &options);
+    /// Tests the group of the rows that are done.
+    void startGroup(const QString &dataset, const QString &study, const QStringList &options);
     /// Asks it to end, and ends it when it does not within ten seconds.
     void cancel();
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
@@ -35,6 +37,8 @@ Q_SIGNALS:
     void ended(const QString &fault);
 
 private:
+    void begin(const QString &step, const QString &dataset, const QString &study,
+               const QStringList &options);
     void run(const QString &step);
     void readLines();
     void takeLine(const QString &line);

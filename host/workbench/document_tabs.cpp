@@ -2,6 +2,7 @@
 #include "host/workbench/document_tabs.h"
 
 #include "host/session/workspace.h"
+#include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 
 #include <QAbstractButton>
@@ -12,8 +13,8 @@
 namespace corvane
 {
 
-DocumentTabs::DocumentTabs(Workspace &workspace, QWidget *parent)
-    : QTabBar(parent), m_workspace(workspace)
+DocumentTabs::DocumentTabs(Workspace &workspace, WindowButtonStyle &buttons, QWidget *parent)
+    : QTabBar(parent), m_workspace(workspace), m_buttons(buttons)
 {
     setObjectName(QStringLiteral("documentTabs"));
     setAccessibleName(tr("Open documents"));
@@ -54,8 +55,10 @@ void DocumentTabs::refresh()
         setTabToolTip(index, asToolTip(file.filePath()));
         const auto side = static_cast<ButtonPosition>(
             style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, this));
-        if (QWidget *const button = tabButton(index, side))
+        if (QWidget *const button = tabButton(index, side)) {
             button->setAccessibleName(tr("Close %1").arg(file.fileName()));
+            button->setStyle(&m_buttons);
+        }
     }
     setCurrentIndex(open.indexOf(m_workspace.currentDocument()));
     setVisible(!open.isEmpty());

@@ -7,6 +7,7 @@
 namespace corvane
 {
 
+class WindowButtonStyle;
 class Workspace;
 
 /// The open documents of the workspace, one tab each; the current one is the current tab.
@@ -15,7 +16,7 @@ class DocumentTabs : public QTabBar
     Q_OBJECT
 
 public:
-    explicit DocumentTabs(Workspace &workspace, QWidget *parent = nullptr);
+    DocumentTabs(Workspace &workspace, WindowButtonStyle &buttons, QWidget *parent = nullptr);
 
     /// Takes over what is open and current in the workspace.
     void refresh();
@@ -28,6 +29,7 @@ private:
     int position(int index) const { return tabData(index).toInt(); }
 
     Workspace &m_workspace;
+    WindowButtonStyle &m_buttons; ///< outlives the tabs
 };
 
 } // namespace corvane

@@ -89,8 +89,8 @@ ImportRequest ImportDialog::request() const
     ImportRequest request;
     request.anatomy = m_ui->anatomy->path();
     request.functional = m_ui->functional->path();
-    request.atlas = m_ui->atlas->path();
-    request.labels = request.atlas.isEmpty() ? QString() : m_ui->labels->path();
+    if (!m_ui->atlas->path().isEmpty())
+        request.voiSources = {{VoiSource::Atlas, m_ui->atlas->path(), m_ui->labels->path()}};
     request.events = m_ui->events->path();
     if (m_ui->resolution->value() > 0)
         request.resolution = m_ui->resolution->value();
@@ -118,8 +118,9 @@ void ImportDialog::setRequest(const ImportRequest &request)
 {
     m_ui->anatomy->setPath(request.anatomy);
     m_ui->functional->setPath(request.functional);
-    m_ui->atlas->setPath(request.atlas);
-    m_ui->labels->setPath(request.labels);
+    const VoiSource atlas = request.voiSources.empty() ? VoiSource() : request.voiSources.front();
+    m_ui->atlas->setPath(atlas.file);
+    m_ui->labels->setPath(atlas.labels);
     m_ui->events->setPath(request.events);
     m_ui->resolution->setValue(request.resolution.value_or(0));
     m_ui->repetitionTime->setValue(request.repetitionTime.value_or(0));

@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/import_previews.h"
 
+#include "host/workbench/import_run_mean.h"
 #include "host/workbench/time_course_view.h"
-#include "host/workbench/voi_overlay.h"
+#include "host/workbench/volume_slices.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QPainter>
+#include <QSlider>
+#include <QVBoxLayout>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace corvane
@@ -26,30 +32,48 @@ int middle(const FunctionalGrid &grid, int axis)
 
 // ---- grids
 
-GridPreview::GridPreview(QWidget *parent) : QWidget(parent)
+/// The slices themselves.
+class GridPicture : public QWidget
 {
-    setAccessibleName(tr("Grid of the run over the anatomy"));
-}
+public:
+    explicit GridPicture(QWidget *parent) : QWidget(parent)
+    {
+        setObjectName(QStringLiteral("gridPicture"));
+    }
 
-void GridPreview::show(const ImportPlan &plan)
-{
-    const VoiOverlay vois(plan.vois, std::vector<bool>(plan.vois.vois.size(), true));
-    const GreyWindow window = automaticWindow(plan.anatomy);
-    m_grid = plan.grid;
-    m_slices.clear();
-    for (SlicePlane plane : planes)
-        m_slices += sliceImage(plan.anatomy, plane, middle(m_grid, axesOf(plane).through), window,
-                               &vois, 0.6);
-    update();
-}
+    void show(const Vmr &anatomy, const FunctionalGrid &grid, const SliceLayers &layers)
+    {
+        m_grid = grid;
+        m_slices.clear();
+        const GreyWindow window = automaticWindow(anatomy);
+        for (std::size_t n = 0; n < std::size(planes); ++n) {
+            const PlaneAxes axes = axesOf(planes[n]);
+            m_slices += sliceImage(anatomy, planes[n], middle(grid, axes.through), window, layers);
+            m_ends[n] = {axisEnds(anatomy, axes.across), axisEnds(anatomy, axes.down)};
+        }
+        update();
+    }
+    void clear()
+    {
+        m_slices.clear();
+        update();
+    }
 
-void GridPreview::clear()
-{
-    m_slices.clear();
-    update();
-}
+    QSize sizeHint() const override { return {540, 190}; }
+    QSize minimumSizeHint() const override { return {300, 110}; }
 
-void GridPreview::paintEvent(QPaintEvent *)
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void paintLetters(QPainter &painter, std::size_t plane, double side) const;
+
+    QList<QImage> m_slices;
+    std::array<std::pair<AxisEnds, AxisEnds>, 3> m_ends; ///< across and down, of each slice
+    FunctionalGrid m_grid;
+};
+
+void GridPicture::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     if (m_slices.isEmpty()) {
@@ -92,8 +116,134 @@ void GridPreview::paintEvent(QPaintEvent *)
             painter.drawLine(QPointF(left, edge(axes.down, j)), QPointF(right, edge(axes.down, j)));
         painter.setPen(QPen(QColor(120, 200, 255), 1.5));
         painter.drawRect(QRectF(QPointF(left, top), QPointF(right, bottom)));
+        paintLetters(painter, static_cast<std::size_t>(n), side);
         painter.restore();
     }
+}
+
+void GridPicture::paintLetters(QPainter &painter, std::size_t plane, double side) const
+{
+    const auto &[across, down] = m_ends[plane];
+    const QRectF inner = QRectF(0, 0, side, side).adjusted(3, 1, -3, -1);
+    painter.setPen(Qt::white);
+    QFont font = painter.font();
+    font.setPixelSize(std::clamp(static_cast<int>(side / 10), 8, 14));
+    painter.setFont(font);
+    const std::pair<Qt::Alignment, QString> letters[] = {
+        {Qt::AlignLeft | Qt::AlignVCenter, across.low},
+        {Qt::AlignRight | Qt::AlignVCenter, across.high},
+        {Qt::AlignHCenter | Qt::AlignTop, down.low},
+        {Qt::AlignHCenter | Qt::AlignBottom, down.high}};
+    for (const auto &[place, letter] : letters) {
+        painter.fillRect(painter.boundingRect(inner, static_cast<int>(place), letter), Qt::black);
+        painter.drawText(inner, static_cast<int>(place), letter);
+    }
+}
+
+GridPreview::GridPreview(QWidget *parent) : QWidget(parent), m_picture(new GridPicture(this))
+{
+    setAccessibleName(tr("Grid of the run over the anatomy"));
+    auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(2);
+    column->addWidget(m_picture, 1);
+    makeControls();
+    column->addWidget(m_controls);
+    clear();
+}
+
+// A mean that is still being read is waited for until its next volume.
+GridPreview::~GridPreview() = default;
+
+void GridPreview::makeControls()
+{
+    m_controls = new QWidget;
+    auto *const row = new QHBoxLayout(m_controls);
+    row->setContentsMargins(0, 0, 0, 0);
+    m_showsVois = new QCheckBox(tr("VOIs"));
+    m_showsVois->setObjectName(QStringLiteral("previewVois"));
+    m_showsVois->setChecked(true);
+    m_showsRun = new QCheckBox(tr("Mean of the run"));
+    m_showsRun->setObjectName(QStringLiteral("previewRun"));
+    m_opacity = new QSlider(Qt::Horizontal);
+    m_opacity->setObjectName(QStringLiteral("previewOpacity"));
+    m_opacity->setAccessibleName(tr("Opacity of the mean in percent"));
+    m_opacity->setToolTip(tr("How strongly the mean of the run covers the anatomy"));
+    m_opacity->setRange(0, 100);
+    m_opacity->setValue(60);
+    m_colours = new QComboBox;
+    m_colours->setObjectName(QStringLiteral("previewColours"));
+    m_colours->setAccessibleName(tr("Colours of the mean"));
+    m_colours->addItems(colourMapNames());
+    for (QWidget *control :
+         {static_cast<QWidget *>(m_showsVois), static_cast<QWidget *>(m_showsRun)})
+        row->addWidget(control);
+    row->addWidget(m_opacity, 1);
+    row->addWidget(m_colours);
+    connect(m_showsVois, &QCheckBox::toggled, this, &GridPreview::paint);
+    connect(m_showsRun, &QCheckBox::toggled, this, &GridPreview::paint);
+    connect(m_opacity, &QSlider::valueChanged, this, &GridPreview::paint);
+    connect(m_colours, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this] { takeMean(m_mean); });
+}
+
+void GridPreview::show(const ImportPlan &plan)
+{
+    m_anatomy = plan.anatomy;
+    m_grid = plan.grid;
+    m_vois = std::make_shared<const VoiOverlay>(plan.vois,
+                                                std::vector<bool>(plan.vois.vois.size(), true));
+    m_controls->setEnabled(true);
+    m_mean.clear();
+    takeMean({});
+    m_reader.ask(
+        [path = plan.request.functional, grid = plan.grid](const std::atomic<bool> &isOutdated) {
+            try {
+                return meanBeforeImport(path, grid, isOutdated);
+            } catch (const std::exception &) {
+                return std::vector<double>(); // the import tells what is wrong
+            }
+        },
+        [this](const TimeCourseReader::Samples &mean) { takeMean(mean); });
+}
+
+void GridPreview::takeMean(const std::vector<double> &mean)
+{
+    m_mean = mean;
+    m_run.reset();
+    if (!mean.empty())
+        m_run = std::make_shared<const RunOverlay>(
+            RunLattice{m_grid.start, m_grid.size, m_grid.resolution}, mean,
+            static_cast<ColourMap>(m_colours->currentIndex()));
+    m_showsRun->setEnabled(m_run != nullptr);
+    m_showsRun->setToolTip(m_run != nullptr ? QString() : tr("The run is being read."));
+    paint();
+}
+
+void GridPreview::clear()
+{
+    m_reader.forget();
+    m_mean.clear();
+    m_run.reset();
+    m_vois.reset();
+    m_anatomy = Vmr();
+    m_controls->setEnabled(false);
+    m_picture->clear();
+}
+
+void GridPreview::paint()
+{
+    const bool showsRun = m_showsRun->isChecked() && m_run != nullptr;
+    m_opacity->setEnabled(showsRun);
+    m_colours->setEnabled(showsRun);
+    if (m_anatomy.voxels == nullptr)
+        return;
+    SliceLayers layers;
+    layers.vois = m_showsVois->isChecked() ? m_vois.get() : nullptr;
+    layers.voiOpacity = 0.6;
+    layers.run = showsRun ? m_run.get() : nullptr;
+    layers.runOpacity = m_opacity->value() / 100.0;
+    m_picture->show(m_anatomy, m_grid, layers);
 }
 
 // ---- conditions

@@ -2,9 +2,16 @@
 #pragma once
 
 #include "host/import/import_plan.h"
+#include "host/workbench/run_overlay.h"
+#include "host/workbench/time_course_reader.h"
+#include "host/workbench/voi_overlay.h"
 
 #include <QImage>
 #include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QSlider;
 
 /// @file
 /// The pictures of the import dialog.
@@ -12,28 +19,43 @@
 namespace corvane
 {
 
-/// Three slices of the anatomy through the middle of the run, with the lattice of the run and the
-/// VOIs drawn over them.
+class GridPicture;
+
+/// Three slices of the anatomy through the middle of the run, with the lattice of the run, its mean
+/// and the VOIs drawn over them, and controls for these. The mean is read on a thread of its own
+/// and comes when it is there.
 class GridPreview : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit GridPreview(QWidget *parent = nullptr);
+    ~GridPreview() override;
 
     void show(const ImportPlan &plan);
     void clear();
     using QWidget::show;
 
-    QSize sizeHint() const override { return {540, 190}; }
-    QSize minimumSizeHint() const override { return {300, 110}; }
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
+    /// The mean of the run that is drawn; null before it is read.
+    std::shared_ptr<const RunOverlay> run() const { return m_run; }
 
 private:
-    QList<QImage> m_slices;
+    void makeControls();
+    void takeMean(const std::vector<double> &mean);
+    void paint();
+
+    GridPicture *m_picture;
+    QWidget *m_controls;
+    QCheckBox *m_showsVois;
+    QCheckBox *m_showsRun;
+    QSlider *m_opacity;
+    QComboBox *m_colours;
+    Vmr m_anatomy;
     FunctionalGrid m_grid;
+    std::shared_ptr<const VoiOverlay> m_vois;
+    std::vector<double> m_mean;
+    std::shared_ptr<const RunOverlay> m_run;
+    TimeCourseReader m_reader;
 };
 
 /// The conditions of a protocol, one row each, over the volumes of the run.

@@ -10,12 +10,17 @@
 #include "host/workbench/before_cleaning.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
+#include "host/workbench/guide.h"
+#include "host/workbench/key_list.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/recent_files.h"
+#include "host/workbench/run_pane.h"
 #include "host/workbench/time_course_reader.h"
 #include "host/workbench/time_course_view.h"
 #include "host/workbench/voi_list.h"
+#include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
+#include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
 #include "host/workbench/example_files.h"
@@ -23,6 +28,7 @@
 #include "host/workbench/study_window.h"
 #endif
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
@@ -37,6 +43,7 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTextDocumentFragment>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -50,6 +57,7 @@ namespace
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString stateKey = QStringLiteral("window/state");
 const QString partsKey = QStringLiteral("window/parts");
+const QString neurologicalKey = QStringLiteral("view/neurological");
 const QString folderKey = QStringLiteral("folder");
 
 /// The cursor of a program at work, while it lives.
@@ -90,13 +98,18 @@ QWidget *windowOnTop()
 } // namespace
 
 MainWindow::MainWindow(Session &session, QWidget *parent)
-    : QMainWindow(parent), m_workspace(session.workspace()), m_log(new LogPane(session, this)),
-      m_vois(new VoiList(this)), m_reader(new TimeCourseReader(this))
+    : QMainWindow(parent), m_workspace(session.workspace()),
+      m_buttons(std::make_unique<WindowButtonStyle>()), m_log(new LogPane(session, this)),
+      m_vois(new VoiList(this)), m_run(new RunPane(this)), m_reader(new TimeCourseReader(this)),
+      m_voiReader(new TimeCourseReader(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     addDockWidget(Qt::BottomDockWidgetArea, m_log);
     addDockWidget(Qt::RightDockWidgetArea, m_vois);
+    addDockWidget(Qt::RightDockWidgetArea, m_run);
+    for (QDockWidget *pane : findChildren<QDockWidget *>())
+        pane->setStyle(m_buttons.get());
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     makeCentre();
     makeFileMenu();
@@ -127,7 +140,7 @@ void MainWindow::makeCentre()
     auto *const layout = new QVBoxLayout(centre);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    m_tabs = new DocumentTabs(m_workspace, centre);
+    m_tabs = new DocumentTabs(m_workspace, *m_buttons, centre);
     m_pages = new QStackedWidget(centre);
     m_pages->addWidget(makeWelcome());
     m_pages->addWidget(makeVolumePage());
@@ -188,6 +201,9 @@ QWidget *MainWindow::makeVolumePage()
     connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
     connect(m_vois, &VoiList::overlayChanged, this,
             [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
+    connect(m_vois, &VoiList::chosenChanged, this, &MainWindow::readVoiCourse);
+    connect(m_run, &RunPane::overlayChanged, this,
+            [this] { m_volume->setRun(m_run->overlay(), m_run->opacity()); });
     return m_parts;
 }
 
@@ -243,14 +259,70 @@ void MainWindow::makeViewMenu()
     cross->setChecked(true);
     cross->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_H));
     connect(cross, &QAction::toggled, m_volume, &VolumeView::setCrossShown);
-    m_documentActions += {next, previous, in, out, whole, automatic, cross};
+    QAction *const fit = menu->addAction(tr("&Fit to the Head"), m_volume, &VolumeView::fitToHead);
+    fit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    m_documentActions += {next, previous, in, out, whole, automatic, cross, fit};
+    menu->addSeparator();
+    addSliceChoice(*menu);
+    menu->addSeparator();
+    addConventions(*menu);
     menu->addSeparator();
     QAction *const vois = m_vois->toggleViewAction();
     vois->setText(tr("&Volumes of Interest"));
     menu->addAction(vois);
+    QAction *const run = m_run->toggleViewAction();
+    run->setText(tr("Functional &Run"));
+    menu->addAction(run);
     QAction *const log = m_log->toggleViewAction();
     log->setText(tr("&Log"));
     menu->addAction(log);
+}
+
+/// All three slices, or one that fills the pane.
+void MainWindow::addSliceChoice(QMenu &menu)
+{
+    const struct {
+        QString text;
+        std::optional<SlicePlane> plane;
+    } choices[] = {{tr("&Three Slices"), std::nullopt},
+                   {tr("&Sagittal Slice Alone"), SlicePlane::Sagittal},
+                   {tr("Co&ronal Slice Alone"), SlicePlane::Coronal},
+                   {tr("A&xial Slice Alone"), SlicePlane::Axial}};
+    auto *const group = new QActionGroup(this);
+    int key = Qt::Key_1;
+    for (const auto &choice : choices) {
+        QAction *const action = menu.addAction(choice.text);
+        action->setCheckable(true);
+        action->setChecked(!choice.plane);
+        action->setShortcut(QKeySequence(Qt::CTRL | key++));
+        group->addAction(action);
+        connect(action, &QAction::triggered, m_volume,
+                [this, plane = choice.plane] { m_volume->showAlone(plane); });
+        connect(m_volume, &VolumeView::aloneChanged, action, [this, action, plane = choice.plane] {
+            action->setChecked(m_volume->alone() == plane);
+        });
+        m_documentActions += action;
+    }
+}
+
+/// Which side of the patient is on the left of the slices. The choice is kept.
+void MainWindow::addConventions(QMenu &menu)
+{
+    auto *const group = new QActionGroup(this);
+    const bool isNeurological = QSettings().value(neurologicalKey).toBool();
+    for (const bool neurological : {false, true}) {
+        QAction *const action =
+            menu.addAction(neurological ? tr("N&eurological: Left on the Left")
+                                        : tr("Ra&diological: Right on the Left"));
+        action->setCheckable(true);
+        action->setChecked(neurological == isNeurological);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, neurological] {
+            QSettings().setValue(neurologicalKey, neurological);
+            m_volume->setNeurological(neurological);
+        });
+    }
+    m_volume->setNeurological(isNeurological);
 }
 
 void MainWindow::makePluginsMenu()
@@ -264,6 +336,22 @@ void MainWindow::makePluginsMenu()
 void MainWindow::makeHelpMenu()
 {
     m_helpMenu = menuBar()->addMenu(tr("&Help"));
+    const auto open = [this](QWidget *about) {
+        const QString fault = openGuide(guidePageOf(about));
+        if (!fault.isEmpty())
+            showMessageBox(fault);
+    };
+    // Windows that belong to this one have its keys.
+    QAction *const guide = m_helpMenu->addAction(tr("&User's Guide"), this, [this, open] {
+        QWidget *const front = QApplication::activeWindow();
+        open(front != nullptr ? front : this);
+    });
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    auto *const helpKey = new HelpKey(this);
+    connect(helpKey, &HelpKey::pressed, this, open);
+    qApp->installEventFilter(helpKey);
+    m_helpMenu->addAction(tr("&Keys"), this, &MainWindow::showKeys);
+    m_helpMenu->addSeparator();
     QAction *const action = m_helpMenu->addAction(tr("&About Corvane"), this, &MainWindow::about);
     action->setMenuRole(QAction::AboutRole);
 }
@@ -286,6 +374,7 @@ void MainWindow::refresh()
     m_tabs->refresh();
     const int current = m_workspace.currentDocument();
     const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
+    m_vois->setAnatomyOpen(isOpen);
     for (QAction *action : qAsConst(m_documentActions))
         action->setEnabled(isOpen);
     if (m_shownVoiLoads != m_workspace.voiLoads()) {
@@ -297,6 +386,8 @@ void MainWindow::refresh()
         m_volume->showVolume(current, *vmr);
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
     m_before->setRun(vtc != nullptr ? &vtc->file : nullptr);
+    m_run->setRun(vtc != nullptr ? &vtc->file : nullptr);
+    readVoiCourse();
     showPage(isOpen ? VolumePage : WelcomePage);
     showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
@@ -342,6 +433,7 @@ void MainWindow::showTimeCourse()
         return;
     }
     scene.repetitionTime = vtc->file.info().repetitionTime;
+    scene.voi = m_voiCourse;
     scene.hint = tr("The cross-hair lies outside the functional run.");
     if (vtc->file.info().cleaning)
         scene.cleaning = ledgerText(*vtc->file.info().cleaning);
@@ -353,12 +445,46 @@ void MainWindow::showTimeCourse()
         [this, cross, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
             TimeCourseScene complete = scene;
             complete.samples = samples;
+            complete.voi = m_voiCourse; // it may have come in the meantime
             m_timeCourse->show(complete);
             m_before->ask(cross, [this, complete](const TimeCourseReader::Samples &before) {
                 TimeCourseScene both = complete;
                 both.before = before;
+                both.voi = m_voiCourse;
                 m_timeCourse->show(std::move(both));
             });
+        });
+}
+
+/// The mean course of the chosen VOI; what is shown stays until it is there.
+void MainWindow::readVoiCourse()
+{
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    const std::optional<std::size_t> chosen = m_vois->chosen();
+    const auto take = [this](const VoiCourse &course) {
+        m_voiCourse = course;
+        TimeCourseScene scene = m_timeCourse->scene();
+        scene.voi = course;
+        m_timeCourse->show(std::move(scene));
+    };
+    if (vtc == nullptr || !chosen) {
+        m_voiReader->forget();
+        take({});
+        return;
+    }
+    const VoiSet &set = m_vois->vois();
+    const Voi &voi = set.vois[*chosen];
+    std::vector<CubeVoxel> voxels;
+    voxels.reserve(voi.voxels.size());
+    for (const auto &voxel : voi.voxels)
+        voxels.push_back(cubeVoxel(set, voxel));
+    const VoiCourse course{voi.name, QColor(voi.r, voi.g, voi.b), {}};
+    m_voiReader->ask(
+        [vtc = vtc->file, voxels = std::move(voxels)](const std::atomic<bool> &isOutdated) {
+            return meanCourseOf(vtc, voxels, isOutdated);
+        },
+        [take, course](const TimeCourseReader::Samples &samples) {
+            take({course.name, course.colour, samples});
         });
 }
 
@@ -540,17 +666,37 @@ void MainWindow::showBox(const QString &text)
     box->exec();
 }
 
+void MainWindow::showKeys()
+{
+    const ScopedDialog keys(new KeyList(*menuBar(), this));
+    keys->exec();
+}
+
 void MainWindow::about()
 {
+    const auto page = [](const char *name, const QString &text) {
+        const QString file =
+            QDir(guideFolder()).filePath(QString::fromLatin1(name) + QStringLiteral(".html"));
+        return QStringLiteral("<a href=\"%1\">%2</a>")
+            .arg(QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded()), text);
+    };
     QMessageBox::about(
         this, tr("About Corvane"),
-        tr("<h3>Corvane %1.%2.%3</h3><p>An open host for plugins that analyse functional MRI data, "
-           "of Tessera %4.</p><p>Free software under the GNU General Public License, version 3 or "
-           "later.</p>")
-            .arg(hostVersion[0])
-            .arg(hostVersion[1])
-            .arg(hostVersion[2])
-            .arg(QStringLiteral(TESSERA_VERSION)));
+        tr("<h3>Corvane %1</h3><p>An open host for plugins that analyse functional MRI data, "
+           "of Tessera %2.</p><p>%3</p><p>Free software under the <a "
+           "href=\"https://www.gnu.org/licenses/gpl-3.0.html\">GNU General Public License</a>, "
+           "version 3 or later. A tool for research, not meant for diagnosis.</p>")
+            .arg(QStringLiteral("%1.%2.%3")
+                     .arg(hostVersion[0])
+                     .arg(hostVersion[1])
+                     .arg(hostVersion[2]),
+                 QStringLiteral(TESSERA_VERSION),
+                 QStringList{page("users-guide", tr("User's guide")),
+                             page("graph-measures", tr("Measures")),
+                             page("cleaning", tr("Cleaning")),
+                             page("statistics", tr("Group statistics")),
+                             page("file-formats", tr("File formats"))}
+                     .join(QStringLiteral(" \u00b7 "))));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/session/plugin_loader.h"
+#include "host/workbench/time_course_view.h"
 
 #include <QMainWindow>
 #include <QTimer>
@@ -16,13 +17,14 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
+class RunPane;
 class StudyWindow;
 class Session;
 class BeforeCleaning;
 class TimeCourseReader;
-class TimeCourseView;
 class VoiList;
 class VolumeView;
+class WindowButtonStyle;
 class Workspace;
 
 /// The workbench's one main window: a view of a session, which plugins change behind its back.
@@ -51,7 +53,7 @@ public:
 
     const LogPane &log() const { return *m_log; }
 
-    /// The Help menu, for what the program adds to it.
+    /// The Help menu, for what the program adds to it behind the guide and the keys.
     QMenu &helpMenu() { return *m_helpMenu; }
 
     /// Says something in a box over the active window, and in the log.
@@ -77,6 +79,9 @@ private:
     enum Page { WelcomePage, VolumePage };
     void showPage(Page page);
     void showTimeCourse();
+    void readVoiCourse();
+    void addSliceChoice(QMenu &menu);
+    void addConventions(QMenu &menu);
     void open(const QString &path);
     void chooseFiles();
     void importFiles();
@@ -86,14 +91,17 @@ private:
     void showDocument(int step);
     void start(Plugin &plugin);
     void about();
+    void showKeys();
     void showBox(const QString &text);
 
     Workspace &m_workspace;
+    std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QTimer m_refreshSoon;
     QTimer m_fileWatch;
     LogPane *m_log;
     VoiList *m_vois;
+    RunPane *m_run;
     DocumentTabs *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr; ///< one of each Page
     QPushButton *m_welcomeOpen = nullptr;
@@ -102,6 +110,8 @@ private:
     TimeCourseView *m_timeCourse = nullptr;
     BeforeCleaning *m_before = nullptr;
     TimeCourseReader *m_reader;
+    TimeCourseReader *m_voiReader;
+    VoiCourse m_voiCourse; ///< of the chosen VOI, once it is read
     int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/slice_view.h"
 
+#include "host/workbench/run_overlay.h"
+#include "host/workbench/shown_thing.h"
+#include "host/workbench/voi_overlay.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -43,9 +49,9 @@ SliceView::SliceView(SlicePlane plane, const SliceScene &scene, QWidget *parent)
     setAccessibleName(planeName(plane));
     setAccessibleDescription(
         tr("Arrow keys move the cross-hair, PageUp and PageDown go through the "
-           "slices, plus and minus zoom."));
-    setStatusTip(tr("Click: cross-hair. Wheel: slices. Ctrl+wheel: zoom. Drag with the right "
-                    "button: window and level; with the middle one: move the picture."));
+           "slices, plus and minus zoom, Return fills the pane with this slice."));
+    setStatusTip(tr("Click: cross-hair. Double click: this slice alone. Wheel: slices. Ctrl+wheel: "
+                    "zoom. Right button: menu; dragged: window and level. Middle button: move."));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setCursor(Qt::CrossCursor);
@@ -56,12 +62,13 @@ SliceView::SliceView(SlicePlane plane, const SliceScene &scene, QWidget *parent)
 
 double SliceView::pixelsPerVoxel() const
 {
-    return m_scene.zoom * std::min(width(), height()) / Vmr::size;
+    return m_scene.zoom * pixelsAtOne();
 }
 
 CubeVoxel SliceView::voxelAt(const QPointF &place) const
 {
-    const QPointF fromMiddle = place - QPointF(width() / 2.0, height() / 2.0);
+    QPointF fromMiddle = place - QPointF(width() / 2.0, height() / 2.0);
+    fromMiddle.rx() *= sense();
     const QPointF point = m_centre + fromMiddle / pixelsPerVoxel();
     CubeVoxel voxel = m_scene.cross;
     voxel[static_cast<std::size_t>(m_axes.across)] = static_cast<int>(std::floor(point.x()));
@@ -73,7 +80,17 @@ QPointF SliceView::placeOf(const CubeVoxel &voxel) const
 {
     const QPointF point(voxel[static_cast<std::size_t>(m_axes.across)] + 0.5,
                         voxel[static_cast<std::size_t>(m_axes.down)] + 0.5);
-    return (point - m_centre) * pixelsPerVoxel() + QPointF(width() / 2.0, height() / 2.0);
+    QPointF fromMiddle = (point - m_centre) * pixelsPerVoxel();
+    fromMiddle.rx() *= sense();
+    return fromMiddle + QPointF(width() / 2.0, height() / 2.0);
+}
+
+void SliceView::showMiddle(const std::array<double, 3> &place)
+{
+    m_centre = QPointF(place[static_cast<std::size_t>(m_axes.across)],
+                       place[static_cast<std::size_t>(m_axes.down)]);
+    m_lastZoom = m_scene.zoom;
+    update();
 }
 
 void SliceView::follow()
@@ -97,13 +114,16 @@ void SliceView::paintEvent(QPaintEvent *)
     if (hasVolume()) {
         const int position = m_scene.cross[static_cast<std::size_t>(m_axes.through)];
         if (m_imageRevision != m_scene.revision || m_imagePosition != position) {
-            m_image = sliceImage(m_scene.vmr, m_plane, position, m_scene.window, m_scene.vois.get(),
-                                 m_scene.voiOpacity);
+            m_image = sliceImage(m_scene.vmr, m_plane, position, m_scene.window,
+                                 {m_scene.vois.get(), m_scene.voiOpacity, m_scene.run.get(),
+                                  m_scene.runOpacity})
+                          .mirrored(sense() < 0, false);
             m_imageRevision = m_scene.revision;
             m_imagePosition = position;
         }
         const double scale = pixelsPerVoxel();
-        const QPointF corner = QPointF(width() / 2.0, height() / 2.0) - m_centre * scale;
+        const QPointF middle(sense() > 0 ? m_centre.x() : Vmr::size - m_centre.x(), m_centre.y());
+        const QPointF corner = QPointF(width() / 2.0, height() / 2.0) - middle * scale;
         painter.setRenderHint(QPainter::SmoothPixmapTransform, scale < 4);
         painter.drawImage(QRectF(corner, QSizeF(scale * Vmr::size, scale * Vmr::size)), m_image);
         if (m_scene.crossShown)
@@ -130,7 +150,9 @@ void SliceView::paintCross(QPainter &painter) const
 
 void SliceView::paintLetters(QPainter &painter) const
 {
-    const AxisEnds across = axisEnds(m_scene.vmr, m_axes.across);
+    AxisEnds across = axisEnds(m_scene.vmr, m_axes.across);
+    if (sense() < 0)
+        std::swap(across.low, across.high);
     const AxisEnds down = axisEnds(m_scene.vmr, m_axes.down);
     const QRect inner = rect().adjusted(6, 4, -6, -4);
     painter.setPen(Qt::white);
@@ -184,7 +206,7 @@ void SliceView::mouseMoveEvent(QMouseEvent *event)
         Q_EMIT windowDragged({m_dragWindow.level - moved.y() * perPixel,
                               std::max(1.0, m_dragWindow.width + moved.x() * perPixel)});
     } else if (event->buttons() & Qt::MiddleButton) {
-        m_centre = m_dragCentre - moved / pixelsPerVoxel();
+        m_centre = m_dragCentre - QPointF(sense() * moved.x(), moved.y()) / pixelsPerVoxel();
         update();
     }
     const CubeVoxel voxel = voxelAt(event->localPos());
@@ -192,6 +214,37 @@ void SliceView::mouseMoveEvent(QMouseEvent *event)
         Q_EMIT pointedAt(voxel);
     else
         Q_EMIT pointedAway();
+}
+
+void SliceView::mouseReleaseEvent(QMouseEvent *event)
+{
+    // With the right button a drag changes the window; a click has the menu.
+    const QPointF moved = event->localPos() - m_dragStart;
+    if (event->button() == Qt::RightButton &&
+        moved.manhattanLength() < QApplication::startDragDistance())
+        popupMenu(event->globalPos());
+}
+
+void SliceView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && hasVolume())
+        Q_EMIT fillAsked();
+}
+
+void SliceView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        popupMenu(mapToGlobal(placeOf(m_scene.cross).toPoint()));
+}
+
+void SliceView::popupMenu(const QPoint &globalPlace)
+{
+    if (!hasVolume())
+        return;
+    const int position = m_scene.cross[static_cast<std::size_t>(m_axes.through)];
+    popupShownThing(this, globalPlace,
+                    {objectName(), [this] { return grab(); },
+                     [this, position] { return sliceTable(m_scene.vmr, m_plane, position); }});
 }
 
 void SliceView::leaveEvent(QEvent *)
@@ -218,9 +271,9 @@ void SliceView::keyPressEvent(QKeyEvent *event)
     const int voxels = event->modifiers() & Qt::ShiftModifier ? 10 : 1;
     switch (hasVolume() ? event->key() : 0) {
     case Qt::Key_Left:
-        return step(m_axes.across, -voxels);
+        return step(m_axes.across, -sense() * voxels);
     case Qt::Key_Right:
-        return step(m_axes.across, voxels);
+        return step(m_axes.across, sense() * voxels);
     case Qt::Key_Up:
         return step(m_axes.down, -voxels);
     case Qt::Key_Down:
@@ -235,6 +288,10 @@ void SliceView::keyPressEvent(QKeyEvent *event)
         return;
     case Qt::Key_Minus:
         Q_EMIT zoomed(1 / 1.25);
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        Q_EMIT fillAsked();
         return;
     default:
         QWidget::keyPressEvent(event);

@@ -14,17 +14,21 @@ struct SliceScene {
     Vmr vmr;
     std::shared_ptr<const VoiOverlay> vois;
     double voiOpacity = 0.5;
+    std::shared_ptr<const RunOverlay> run;
+    double runOpacity = 0.5;
     GreyWindow window;
     CubeVoxel cross{Vmr::size / 2, Vmr::size / 2, Vmr::size / 2};
     bool crossShown = true;
     double zoom = 1;
-    int revision = 0; ///< changes with everything above that changes the colour of a voxel
+    bool neurological = false; ///< the patient's left is on the left; else on the right
+    int revision = 0;          ///< changes with everything above that changes the colour of a voxel
 };
 
 /// One slice with the cross-hair. The mouse or the arrow keys move the cross-hair (ten voxels with
 /// Shift), the wheel or PageUp and PageDown go through the slices, Ctrl and the wheel or + and -
 /// zoom. Dragging with the right button changes window and level, with the middle one it moves a
-/// zoomed picture.
+/// zoomed picture; a right click has a menu for its picture and table. A double click or Return
+/// asks for a slice that fills the pane.
 class SliceView : public QWidget
 {
     Q_OBJECT
@@ -35,7 +39,12 @@ public:
 
     /// The scene has changed. Brings the cross-hair back into a zoomed picture.
     void follow();
+    /// Brings a place of the cube, in voxels, into the middle.
+    void showMiddle(const std::array<double, 3> &place);
 
+    SlicePlane plane() const { return m_plane; }
+    /// What a zoom of 1 makes of a voxel, in pixels.
+    double pixelsAtOne() const { return std::min(width(), height()) / double(Vmr::size); }
     /// The voxel under a place of the widget, with the cross-hair's coordinate through the picture.
     /// It may lie outside the cube.
     CubeVoxel voxelAt(const QPointF &place) const;
@@ -51,11 +60,15 @@ Q_SIGNALS:
     void pointedAway();
     void windowDragged(const GreyWindow &window);
     void zoomed(double factor);
+    void fillAsked(); ///< to fill the pane with this slice, or to have the others back
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -64,6 +77,10 @@ protected:
 
 private:
     double pixelsPerVoxel() const;
+    /// 1 where the cube's axis runs to the right of the widget, -1 in a picture that is turned
+    /// over.
+    int sense() const { return isMirrored(m_scene.vmr, m_plane, m_scene.neurological) ? -1 : 1; }
+    void popupMenu(const QPoint &globalPlace);
     bool hasVolume() const { return m_scene.vmr.voxels != nullptr; }
     void pick(const QPointF &place);
     void step(int axis, int voxels);

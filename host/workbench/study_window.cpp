@@ -5,6 +5,8 @@
 
 #include "host/files/input_error.h"
 #include "host/import/cleaning_choice.h"
+#include "host/study/last_inputs.h"
+#include "host/workbench/group_form.h"
 #include "host/workbench/study_table.h"
 
 #include <QDesktopServices>
@@ -15,6 +17,30 @@
 
 namespace corvane
 {
+
+namespace
+{
+
+/// Below the study's folder.
+const auto groupPage = QStringLiteral("group/group.html");
+
+/// Options as QProcess::splitCommand() reads them.
+QString commandText(const QJsonObject &options)
+{
+    QStringList words;
+    for (auto option = options.begin(); option != options.end(); ++option) {
+        QString value = option.value().toString();
+        words += QStringLiteral("--") + option.key();
+        if (!option.value().isString())
+            continue;
+        const bool isOneWord = !value.isEmpty() && QProcess::splitCommand(value).value(0) == value;
+        value.replace(QLatin1Char('"'), QLatin1String("\"\"\""));
+        words += isOneWord ? value : QLatin1Char('"') + value + QLatin1Char('"');
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+} // namespace
 
 StudyWindow::StudyWindow(QWidget *parent, const QString &program)
     : QDialog(parent), m_ui(new Ui::StudyWindow), m_table(new StudyTable(this)),
@@ -35,7 +61,10 @@ StudyWindow::StudyWindow(QWidget *parent, const QString &program)
     m_ui->processes->setMaximum(std::max(1, QThread::idealThreadCount()));
     m_ui->processes->setValue(m_ui->processes->maximum());
 
-    connect(m_ui->study, &FileField::changed, this, &StudyWindow::load);
+    connect(m_ui->study, &FileField::changed, this, [this] {
+        load();
+        fillForms();
+    });
     connect(m_ui->reload, &QPushButton::clicked, this, &StudyWindow::load);
     connect(m_ui->text, &QLineEdit::textChanged, m_filter, &StudyFilter::setText);
     connect(m_ui->status, qOverload<int>(&QComboBox::currentIndexChanged), this,
@@ -50,11 +79,15 @@ StudyWindow::StudyWindow(QWidget *parent, const QString &program)
             [this] { openBelowStudy(m_table->filesOf(currentRow())); });
     connect(m_ui->studyReport, &QPushButton::clicked, this,
             [this] { openBelowStudy(QStringLiteral("index.html")); });
+    connect(m_ui->dataset, &FileField::changed, this,
+            [this] { m_ui->group->showColumnsOf(m_ui->dataset->path()); });
     for (FileField *field : {m_ui->dataset, m_ui->atlas})
         connect(field, &FileField::changed, this, &StudyWindow::enable);
     connect(m_ui->clean, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &StudyWindow::enable);
     connect(m_ui->compute, &QPushButton::clicked, this, &StudyWindow::compute);
+    connect(m_ui->group, &GroupForm::runWanted, this, &StudyWindow::testGroup);
+    connect(m_ui->group, &GroupForm::reportWanted, this, [this] { openBelowStudy(groupPage); });
     connect(m_ui->cancel, &QPushButton::clicked, &m_run, &CohortRun::cancel);
     connect(&m_run, &CohortRun::progressed, this, &StudyWindow::showProgress);
     connect(&m_run, &CohortRun::said, m_ui->said, &QPlainTextEdit::appendPlainText);
@@ -68,6 +101,24 @@ void StudyWindow::openStudy(const QString &folder)
 {
     m_ui->study->setPath(folder);
     load();
+    fillForms();
+}
+
+/// What the study was computed with stands in its records.
+void StudyWindow::fillForms()
+{
+    const std::optional<StudyInputs> inputs = lastInputs(m_ui->study->path());
+    if (!inputs)
+        return;
+    m_ui->dataset->setPath(inputs->dataset);
+    m_ui->atlas->setPath(inputs->atlas);
+    m_ui->labels->setPath(inputs->labels);
+    QJsonObject options = inputs->options;
+    const QString strategy = options.take(QStringLiteral("clean")).toString();
+    if (m_ui->clean->findText(strategy) < 0)
+        m_ui->clean->addItem(strategy); // columns:a,b
+    m_ui->clean->setCurrentText(strategy);
+    m_ui->options->setText(commandText(options));
 }
 
 void StudyWindow::load()
@@ -116,6 +167,9 @@ void StudyWindow::enable()
     m_ui->compute->setEnabled(!m_run.isRunning() && !folder.isEmpty() &&
                               !m_ui->dataset->path().isEmpty() && !m_ui->atlas->path().isEmpty() &&
                               m_ui->clean->currentIndex() > 0);
+    m_ui->group->enable(!m_run.isRunning() && m_table->rowCount() > 0 &&
+                            !m_ui->dataset->path().isEmpty(),
+                        exists(groupPage));
     m_ui->cancel->setEnabled(m_run.isRunning());
     m_ui->progress->setEnabled(m_run.isRunning());
     m_ui->progress->setTextVisible(m_run.isRunning());
@@ -137,6 +191,13 @@ void StudyWindow::compute()
     options += QProcess::splitCommand(m_ui->options->text());
     m_ui->said->clear();
     m_run.start(m_ui->dataset->path(), m_ui->study->path(), options);
+    enable();
+}
+
+void StudyWindow::testGroup()
+{
+    m_ui->said->clear();
+    m_run.startGroup(m_ui->dataset->path(), m_ui->study->path(), m_ui->group->options());
     enable();
 }
 

@@ -34,10 +34,12 @@ public:
 
 private:
     void load();
+    void fillForms();
     void showRow();
     int currentRow() const;
     void openBelowStudy(const QString &path);
     void compute();
+    void testGroup();
     void showProgress(int done, int all);
     void showEnd(const QString &fault);
     void enable();

@@ -6,18 +6,12 @@
 namespace corvane
 {
 
-namespace
-{
-
-/// The sample of an axis that is nearest to a coordinate, halves upward; -1 outside the run.
 int nearestSample(int coordinate, int start, int resolution, int count)
 {
     const double place = static_cast<double>(coordinate - start) / resolution;
     const auto sample = static_cast<int>(std::floor(place + 0.5));
     return sample >= 0 && sample < count ? sample : -1;
 }
-
-} // namespace
 
 std::optional<std::array<int, 3>> latticePointAt(const VtcInfo &info, const CubeVoxel &voxel)
 {
@@ -43,6 +37,24 @@ std::vector<double> timeCourseAt(const VtcFile &vtc, const CubeVoxel &voxel)
     }
     const float *const samples = vtc.floatSamples() + first;
     return {samples, samples + info.nrOfVolumes};
+}
+
+std::vector<double> meanCourseOf(const VtcFile &vtc, const std::vector<CubeVoxel> &voxels,
+                                 const std::atomic<bool> &isOutdated)
+{
+    if (voxels.empty())
+        return {};
+    std::vector<double> mean(static_cast<std::size_t>(vtc.info().nrOfVolumes));
+    for (const CubeVoxel &voxel : voxels) {
+        if (isOutdated)
+            return {};
+        const std::vector<double> course = timeCourseAt(vtc, voxel);
+        for (std::size_t volume = 0; volume < course.size(); ++volume)
+            mean[volume] += course[volume];
+    }
+    for (double &value : mean)
+        value /= static_cast<double>(voxels.size());
+    return mean;
 }
 
 } // namespace corvane

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/time_course_view.h"
 
+#include "host/files/tsv_text.h"
+#include "host/workbench/shown_thing.h"
 #include "plots/plain_text.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
@@ -44,6 +47,19 @@ double tickStep(double span)
     return 10 * power;
 }
 
+/// A colour darker or lighter, where it would hardly be seen on a ground.
+QColor readableOn(const QColor &ground, const QColor &colour)
+{
+    constexpr int apart = 90;
+    const bool isOnDark = qGray(ground.rgb()) < 128;
+    QColor readable = colour;
+    for (int n = 0; n < 8 && std::abs(qGray(readable.rgb()) - qGray(ground.rgb())) < apart; ++n)
+        readable = isOnDark ? QColor((readable.red() + 255) / 2, (readable.green() + 255) / 2,
+                                     (readable.blue() + 255) / 2)
+                            : readable.darker(130);
+    return readable;
+}
+
 } // namespace
 
 QColor conditionColour(std::size_t index)
@@ -79,7 +95,7 @@ void TimeCourseView::show(TimeCourseScene scene)
     m_scene = std::move(scene);
     m_marked = std::min(m_marked, volumes());
     setToolTip(asToolTip(m_scene.cleaning));
-    setAccessibleDescription(m_scene.samples.empty() ? m_scene.hint : markedText());
+    setAccessibleDescription(volumes() == 0 ? m_scene.hint : markedText());
     update();
 }
 
@@ -106,14 +122,17 @@ QString TimeCourseView::markedText() const
     if (m_marked == 0)
         return {};
     const double seconds = (m_marked - 1) * m_scene.repetitionTime;
+    const auto valueIn = [this](const std::vector<double> &samples) {
+        return QString::number(samples[static_cast<std::size_t>(m_marked - 1)], 'g', 6);
+    };
     QString text =
-        tr("Volume %1 (%2 s): %3")
-            .arg(QString::number(m_marked), QString::number(seconds, 'g', 6),
-                 QString::number(m_scene.samples[static_cast<std::size_t>(m_marked - 1)], 'g', 6));
+        tr("Volume %1 (%2 s)").arg(QString::number(m_marked), QString::number(seconds, 'g', 6));
+    if (!m_scene.samples.empty())
+        text += QStringLiteral(": ") + valueIn(m_scene.samples);
     if (!m_scene.before.empty())
-        text += tr(", before cleaning %1")
-                    .arg(QString::number(m_scene.before[static_cast<std::size_t>(m_marked - 1)],
-                                         'g', 6));
+        text += tr(", before cleaning %1").arg(valueIn(m_scene.before));
+    if (!m_scene.voi.samples.empty())
+        text += tr(", mean of %1: %2").arg(m_scene.voi.name, valueIn(m_scene.voi.samples));
     const QString conditions = conditionsAt(m_marked);
     if (!conditions.isEmpty())
         text += QStringLiteral(", ") + conditions;
@@ -132,8 +151,8 @@ TimeCourseView::Frame TimeCourseView::frame() const
 {
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
-    for (const std::vector<double> *samples : {&m_scene.samples, &m_scene.before}) {
-        for (double sample : *samples) {
+    for (const Course &course : courses()) {
+        for (double sample : *course.samples) {
             if (std::isfinite(sample)) {
                 low = std::min(low, sample);
                 high = std::max(high, sample);
@@ -158,7 +177,7 @@ void TimeCourseView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), palette().base());
-    if (m_scene.samples.empty()) {
+    if (volumes() == 0) {
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(rect().adjusted(8, 0, -8, 0), Qt::AlignCenter | Qt::TextWordWrap,
                          m_scene.hint);
@@ -166,9 +185,10 @@ void TimeCourseView::paintEvent(QPaintEvent *)
         painter.setRenderHint(QPainter::Antialiasing);
         paintBands(painter, where);
         paintAxes(painter, where);
-        if (!m_scene.before.empty())
-            paintSamples(painter, where, m_scene.before, beforeColour);
-        paintSamples(painter, where, m_scene.samples, palette().color(QPalette::Text));
+        // That of the voxel on top.
+        const std::vector<Course> all = courses();
+        for (auto course = all.rbegin(); course != all.rend(); ++course)
+            paintSamples(painter, where, *course->samples, course->colour);
         paintLegend(painter, where);
         paintMarker(painter, where);
     }
@@ -257,16 +277,33 @@ void TimeCourseView::paintSamples(QPainter &painter, const Frame &frame,
     painter.drawLines(lines);
 }
 
-/// Which line is which, where there are two; gives where the names end.
+/// The lines that there are, that of the voxel first.
+std::vector<TimeCourseView::Course> TimeCourseView::courses() const
+{
+    std::vector<Course> all;
+    if (!m_scene.samples.empty())
+        all.push_back({m_scene.before.empty() ? tr("cross-hair") : tr("cleaned"),
+                       palette().color(QPalette::Text), &m_scene.samples});
+    if (!m_scene.before.empty())
+        all.push_back({tr("before cleaning"), beforeColour, &m_scene.before});
+    if (!m_scene.voi.samples.empty())
+        all.push_back({tr("mean of %1").arg(m_scene.voi.name),
+                       readableOn(palette().color(QPalette::Base), m_scene.voi.colour),
+                       &m_scene.voi.samples});
+    return all;
+}
+
+/// Which line is which, where there are several or that of a VOI; gives where the names end.
 double TimeCourseView::paintCourseNames(QPainter &painter, const Frame &frame) const
 {
     double x = frame.plot.left();
-    if (m_scene.before.empty())
+    const std::vector<Course> all = courses();
+    if (all.size() < 2 && m_scene.voi.samples.empty())
         return x;
     const int line = fontMetrics().height();
-    const std::pair<QString, QColor> courses[] = {{tr("cleaned"), palette().color(QPalette::Text)},
-                                                  {tr("before cleaning"), beforeColour}};
-    for (const auto &[name, colour] : courses) {
+    for (const Course &course : all) {
+        const QString &name = course.name;
+        const QColor &colour = course.colour;
         const double width = fontMetrics().horizontalAdvance(name);
         painter.setPen(QPen(colour, 2));
         painter.drawLine(QPointF(x, 4 + line * 0.5), QPointF(x + line, 4 + line * 0.5));
@@ -325,6 +362,37 @@ void TimeCourseView::mouseMoveEvent(QMouseEvent *event)
 void TimeCourseView::leaveEvent(QEvent *)
 {
     mark(0);
+}
+
+void TimeCourseView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (volumes() > 0)
+        popupShownThing(
+            this, event->globalPos(),
+            {QStringLiteral("time course"), [this] { return grab(); }, [this] { return table(); }});
+}
+
+QByteArray TimeCourseView::table() const
+{
+    QByteArrayList head{"volume", "seconds"};
+    const std::vector<Course> all = courses();
+    for (const Course &course : all)
+        head += course.name.toUtf8();
+    if (!m_scene.conditions.empty())
+        head += "condition";
+    QByteArray rows = line(head);
+    for (int volume = 1; volume <= volumes(); ++volume) {
+        QByteArrayList cells{QByteArray::number(volume),
+                             cell((volume - 1) * m_scene.repetitionTime)};
+        for (const Course &course : all)
+            cells += cell((*course.samples)[static_cast<std::size_t>(volume - 1)]);
+        if (!m_scene.conditions.empty()) {
+            const QString conditions = conditionsAt(volume);
+            cells += conditions.isEmpty() ? QByteArray("n/a") : conditions.toUtf8();
+        }
+        rows += line(cells);
+    }
+    return rows;
 }
 
 void TimeCourseView::keyPressEvent(QKeyEvent *event)

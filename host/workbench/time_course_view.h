@@ -10,10 +10,18 @@
 namespace corvane
 {
 
+/// The mean course of a VOI.
+struct VoiCourse {
+    QString name;
+    QColor colour;
+    std::vector<double> samples; ///< one per volume; empty: there is none
+};
+
 /// What a time course view shows.
 struct TimeCourseScene {
-    std::vector<double> samples; ///< one per volume; empty: `hint` is shown instead
+    std::vector<double> samples; ///< one per volume; empty without any: `hint` is shown instead
     std::vector<double> before;  ///< the same volumes before the cleaning; empty: not shown
+    VoiCourse voi;               ///< drawn beside them
     double repetitionTime = 0;   ///< seconds
     std::vector<PrtCondition> conditions;
     QString hint;
@@ -40,6 +48,8 @@ public:
     QString caption() const;
     /// What the marker tells of its volume; empty without one.
     QString markedText() const;
+    /// All that is drawn, a row for each volume, with tabs between the cells.
+    QByteArray table() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -48,6 +58,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
@@ -55,7 +66,18 @@ protected:
 private:
     struct Frame;
 
-    int volumes() const { return static_cast<int>(m_scene.samples.size()); }
+    /// A line of the plot.
+    struct Course {
+        QString name;
+        QColor colour;
+        const std::vector<double> *samples;
+    };
+
+    int volumes() const
+    {
+        return static_cast<int>(std::max(m_scene.samples.size(), m_scene.voi.samples.size()));
+    }
+    std::vector<Course> courses() const;
     Frame frame() const;
     void mark(int volume);
     QString conditionsAt(int volume) const;

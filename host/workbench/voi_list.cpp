@@ -4,6 +4,7 @@
 #include "host/workbench/voi_overlay.h"
 
 #include <QHBoxLayout>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -33,21 +34,30 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
 {
     setObjectName(QStringLiteral("voiPane"));
     auto *const content = new QWidget(this);
-    auto *const layout = new QVBoxLayout(content);
+    auto *const column = new QVBoxLayout(content);
 
-    m_hint = new QLabel(tr("No VOIs are loaded. Open a .voi file, or let a plugin load one."));
+    m_hint = new QLabel;
+    m_hint->setObjectName(QStringLiteral("voiHint"));
     m_hint->setWordWrap(true);
-    layout->addWidget(m_hint);
+    m_hint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    column->addWidget(m_hint);
+    m_listing = new QWidget;
+    column->addWidget(m_listing, 1);
+    auto *const layout = new QVBoxLayout(m_listing);
+    layout->setContentsMargins(0, 0, 0, 0);
 
     m_list = new QListWidget;
     m_list->setObjectName(QStringLiteral("voiList"));
     m_list->setAccessibleName(tr("Volumes of interest"));
     m_list->setAccessibleDescription(
-        tr("Space shows or hides a VOI, Return takes the cross-hair to it."));
-    m_list->setStatusTip(tr("Double click or Return: go there. Check box or Space: show or hide."));
+        tr("Arrow keys choose the VOI whose mean course is drawn, Space shows or hides one, Return "
+           "takes the cross-hair to it."));
+    m_list->setStatusTip(tr("Click or arrow keys: mean course. Double click or Return: go there. "
+                            "Check box or Space: show or hide."));
     m_list->setUniformItemSizes(true);
     connect(m_list, &QListWidget::itemActivated, this, &VoiList::jump);
     connect(m_list, &QListWidget::itemChanged, this, &VoiList::makeOverlay);
+    connect(m_list, &QListWidget::itemSelectionChanged, this, &VoiList::chosenChanged);
     layout->addWidget(m_list, 1);
 
     auto *const buttons = new QHBoxLayout;
@@ -85,12 +95,38 @@ double VoiList::opacity() const
 void VoiList::setVois(const VoiSet *set)
 {
     fill(set != nullptr ? *set : VoiSet());
-    const bool isLoaded = set != nullptr;
-    m_hint->setVisible(!isLoaded);
+    m_isLoaded = set != nullptr;
     for (QWidget *widget : {static_cast<QWidget *>(m_list), static_cast<QWidget *>(m_showAll),
                             static_cast<QWidget *>(m_hideAll), static_cast<QWidget *>(m_opacity)})
-        widget->setEnabled(isLoaded);
+        widget->setEnabled(m_isLoaded);
+    showHint();
     makeOverlay();
+    Q_EMIT chosenChanged();
+}
+
+std::optional<std::size_t> VoiList::chosen() const
+{
+    const QList<QListWidgetItem *> selected = m_list->selectedItems();
+    if (selected.isEmpty())
+        return std::nullopt;
+    return static_cast<std::size_t>(m_list->row(selected.constFirst()));
+}
+
+void VoiList::setAnatomyOpen(bool isOpen)
+{
+    m_isAnatomyOpen = isOpen;
+    showHint();
+}
+
+void VoiList::showHint()
+{
+    m_listing->setVisible(m_isAnatomyOpen);
+    m_hint->setVisible(!m_isAnatomyOpen || !m_isLoaded);
+    m_hint->setText(m_isAnatomyOpen
+                        ? tr("No VOIs are loaded. Open a .voi file, or let a plugin load one.")
+                        : tr("VOIs are listed here when an anatomy is open."));
+    static_cast<QBoxLayout *>(widget()->layout())
+        ->setStretchFactor(m_hint, m_isAnatomyOpen ? 0 : 1);
 }
 
 void VoiList::fill(const VoiSet &set)
@@ -108,6 +144,7 @@ void VoiList::fill(const VoiSet &set)
         for (std::size_t n = 0; n < states.size(); ++n)
             states[n] = m_list->item(static_cast<int>(n))->checkState();
     const int currentRow = sameNames ? m_list->currentRow() : 0;
+    const bool isChosen = sameNames && chosen().has_value();
     m_list->clear();
     m_centres.clear();
     for (std::size_t n = 0; n < set.vois.size(); ++n) {
@@ -118,7 +155,9 @@ void VoiList::fill(const VoiSet &set)
         item->setCheckState(states[n]);
         m_centres.push_back(centreOf(set, n));
     }
-    m_list->setCurrentRow(currentRow);
+    // Where the keyboard begins, but none is chosen before the user does.
+    m_list->setCurrentRow(currentRow, isChosen ? QItemSelectionModel::ClearAndSelect
+                                               : QItemSelectionModel::NoUpdate);
 }
 
 void VoiList::showAll(bool shown)

@@ -30,23 +30,34 @@ public:
 
     /// Lists the VOIs of a set, none for null. One with the same names keeps what is hidden.
     void setVois(const VoiSet *set);
+    /// Without an anatomy that they lie in, nothing is listed.
+    void setAnatomyOpen(bool isOpen);
 
     /// Where the shown VOIs lie; null when none is.
     std::shared_ptr<const VoiOverlay> overlay() const { return m_overlay; }
     double opacity() const;
     const QStringList &names() const { return m_names; }
+    const VoiSet &vois() const { return m_set; }
+    /// The VOI whose row is chosen, by its place in the set.
+    std::optional<std::size_t> chosen() const;
 
 Q_SIGNALS:
     void overlayChanged();
     void jumped(const CubeVoxel &voxel);
+    /// Another VOI is chosen, or what is chosen is of another set.
+    void chosenChanged();
 
 private:
     void fill(const VoiSet &set);
+    void showHint();
     void showAll(bool shown);
     void makeOverlay();
     void jump(QListWidgetItem *item);
 
     QLabel *m_hint;
+    QWidget *m_listing; ///< all but the hint
+    bool m_isAnatomyOpen = false;
+    bool m_isLoaded = false;
     QListWidget *m_list;
     QPushButton *m_showAll;
     QPushButton *m_hideAll;

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/volume_slices.h"
 
+#include "host/workbench/run_overlay.h"
 #include "host/workbench/voi_overlay.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 namespace corvane
@@ -26,21 +28,29 @@ auto withSamples(const Vmr &vmr, Action action)
     return action(static_cast<const quint16 *>(vmr.voxels.get()));
 }
 
-int mixed(int grey, int colour, int parts)
+int mixed(int below, int above, int parts)
 {
-    return (grey * (256 - parts) + colour * parts) / 256;
+    return (below * (256 - parts) + above * parts) / 256;
 }
 
-QRgb tinted(int grey, QRgb colour, int parts)
+QRgb tinted(QRgb below, QRgb above, int parts)
 {
-    return qRgb(mixed(grey, qRed(colour), parts), mixed(grey, qGreen(colour), parts),
-                mixed(grey, qBlue(colour), parts));
+    return qRgb(mixed(qRed(below), qRed(above), parts), mixed(qGreen(below), qGreen(above), parts),
+                mixed(qBlue(below), qBlue(above), parts));
 }
 
-/// Counts of the intensities in every fourth row of every fourth slice, without 0.
-std::vector<int> histogram(const Vmr &vmr)
+CubeVoxel voxelOf(const PlaneAxes &axes, int across, int down, int through)
 {
-    constexpr std::size_t step = 4;
+    CubeVoxel voxel{};
+    voxel[static_cast<std::size_t>(axes.across)] = across;
+    voxel[static_cast<std::size_t>(axes.down)] = down;
+    voxel[static_cast<std::size_t>(axes.through)] = through;
+    return voxel;
+}
+
+/// Counts of the intensities in every row of every slice that is a multiple of `step`, without 0.
+std::vector<int> histogram(const Vmr &vmr, std::size_t step)
+{
     std::vector<int> counts(vmr.type == Vmr::UChar ? 256 : 65536);
     withSamples(vmr, [&](const auto *samples) {
         for (std::size_t k = 0; k < size; k += step)
@@ -52,6 +62,11 @@ std::vector<int> histogram(const Vmr &vmr)
     });
     counts[0] = 0;
     return counts;
+}
+
+qint64 sumOf(const std::vector<int> &counts)
+{
+    return std::accumulate(counts.begin(), counts.end(), qint64(0));
 }
 
 } // namespace
@@ -71,10 +86,11 @@ PlaneAxes axesOf(SlicePlane plane)
 
 GreyWindow automaticWindow(const Vmr &vmr)
 {
-    const std::vector<int> counts = histogram(vmr);
-    qint64 total = 0;
-    for (int count : counts)
-        total += count;
+    std::vector<int> counts = histogram(vmr, 4);
+    // A few voxels may lie between the rows that were looked at.
+    if (sumOf(counts) == 0)
+        counts = histogram(vmr, 1);
+    const qint64 total = sumOf(counts);
     if (total == 0)
         return {};
     const auto percentile = [&](double part) {
@@ -84,8 +100,12 @@ GreyWindow automaticWindow(const Vmr &vmr)
             ++intensity;
         return intensity;
     };
-    const int low = percentile(0.01);
-    const int high = std::max(percentile(0.995), low + 1);
+    // Masks and atlases have no dark end that could be left out: all of their values are meant.
+    constexpr int fewValues = 32;
+    const bool isOfFew = std::count_if(counts.begin(), counts.end(),
+                                       [](int count) { return count > 0; }) <= fewValues;
+    const int low = isOfFew ? 0 : percentile(0.01);
+    const int high = std::max(percentile(isOfFew ? 1 : 0.995), low + 1);
     return {(low + high) / 2.0, static_cast<double>(high - low)};
 }
 
@@ -104,7 +124,7 @@ int intensityAt(const Vmr &vmr, const CubeVoxel &voxel)
 }
 
 QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWindow &window,
-                  const VoiOverlay *vois, double opacity)
+                  const SliceLayers &layers)
 {
     const PlaneAxes axes = axesOf(plane);
     const std::size_t across = strides[static_cast<std::size_t>(axes.across)];
@@ -113,7 +133,11 @@ QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWind
         strides[static_cast<std::size_t>(axes.through)] * static_cast<std::size_t>(position);
     const double lowest = window.level - window.width / 2;
     const double scale = 255 / std::max(window.width, 1e-6);
-    const int parts = static_cast<int>(std::lround(256 * std::clamp(opacity, 0.0, 1.0)));
+    const auto partsOf = [](double opacity) {
+        return static_cast<int>(std::lround(256 * std::clamp(opacity, 0.0, 1.0)));
+    };
+    const int voiParts = partsOf(layers.voiOpacity);
+    const int runParts = partsOf(layers.runOpacity);
 
     QImage image(size, size, QImage::Format_RGB32);
     withSamples(vmr, [&](const auto *samples) {
@@ -124,13 +148,69 @@ QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWind
                 // Rounds, with what the cast cuts off.
                 const double shade = (samples[index] - lowest) * scale + 0.5;
                 const int grey = static_cast<int>(std::clamp(shade, 0.0, 255.0));
-                const quint16 label = vois != nullptr ? vois->labelAt(index) : quint16(0);
-                pixels[column] =
-                    label == 0 ? qRgb(grey, grey, grey) : tinted(grey, vois->colour(label), parts);
+                QRgb colour = qRgb(grey, grey, grey);
+                if (layers.run != nullptr) {
+                    const QRgb run = layers.run->colourAt(voxelOf(axes, column, row, position));
+                    if (run != 0)
+                        colour = tinted(colour, run, runParts);
+                }
+                const quint16 label =
+                    layers.vois != nullptr ? layers.vois->labelAt(index) : quint16(0);
+                if (label != 0)
+                    colour = tinted(colour, layers.vois->colour(label), voiParts);
+                pixels[column] = colour;
             }
         }
     });
     return image;
+}
+
+QByteArray sliceTable(const Vmr &vmr, SlicePlane plane, int position)
+{
+    const PlaneAxes axes = axesOf(plane);
+    QByteArray table;
+    for (int column = 0; column < size; ++column)
+        table += '\t' + QByteArray::number(column);
+    table += '\n';
+    for (int row = 0; row < size; ++row) {
+        table += QByteArray::number(row);
+        for (int column = 0; column < size; ++column)
+            table +=
+                '\t' + QByteArray::number(intensityAt(vmr, voxelOf(axes, column, row, position)));
+        table += '\n';
+    }
+    return table;
+}
+
+std::optional<CubeBox> headBox(const Vmr &vmr)
+{
+    const GreyWindow window = automaticWindow(vmr);
+    const double threshold = window.level - 0.4 * window.width;
+    std::array<std::vector<int>, 3> counts;
+    counts.fill(std::vector<int>(size));
+    withSamples(vmr, [&](const auto *samples) {
+        for (std::size_t k = 0; k < size; ++k)
+            for (std::size_t j = 0; j < size; ++j)
+                for (std::size_t i = 0; i < size; ++i)
+                    if (samples[i + strides[1] * j + strides[2] * k] > threshold) {
+                        ++counts[0][i];
+                        ++counts[1][j];
+                        ++counts[2][k];
+                    }
+    });
+    CubeBox box{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        // A slice with a few bright voxels of noise is none of the head's.
+        const int most = *std::max_element(counts[axis].begin(), counts[axis].end());
+        if (most == 0)
+            return std::nullopt;
+        const auto isOfHead = [most](int count) { return 100 * qint64(count) >= most; };
+        const auto first = std::find_if(counts[axis].begin(), counts[axis].end(), isOfHead);
+        const auto last = std::find_if(counts[axis].rbegin(), counts[axis].rend(), isOfHead);
+        box.low[axis] = static_cast<int>(first - counts[axis].begin());
+        box.high[axis] = size - 1 - static_cast<int>(last - counts[axis].rbegin());
+    }
+    return box;
 }
 
 AxisEnds axisEnds(const Vmr &vmr, int axis)
@@ -149,13 +229,10 @@ AxisEnds axisEnds(const Vmr &vmr, int axis)
     return *largest > 0 ? ends : AxisEnds{ends.high, ends.low};
 }
 
-std::array<double, 3> worldPosition(const Vmr &vmr, const CubeVoxel &voxel)
+bool isMirrored(const Vmr &vmr, SlicePlane plane, bool neurological)
 {
-    std::array<double, 3> world = vmr.space->origin;
-    for (std::size_t axis = 0; axis < 3; ++axis)
-        for (std::size_t n = 0; n < 3; ++n)
-            world[n] += vmr.space->directions[axis][n] * voxel[axis];
-    return world;
+    const QString left = axisEnds(vmr, axesOf(plane).across).low;
+    return left == QLatin1String(neurological ? "R" : "L");
 }
 
 } // namespace corvane

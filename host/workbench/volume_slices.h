@@ -4,8 +4,10 @@
 #include "host/files/cube_voxel.h"
 #include "host/files/vmr_file.h"
 
+#include <QByteArray>
 #include <QImage>
 #include <array>
+#include <optional>
 
 /// @file
 /// From an anatomy to pictures of its slices. The axes of the cube run to the back, down and to the
@@ -14,6 +16,7 @@
 namespace corvane
 {
 
+class RunOverlay;
 class VoiOverlay;
 
 enum class SlicePlane { Sagittal, Coronal, Axial };
@@ -39,7 +42,8 @@ struct GreyWindow {
     }
 };
 
-/// A window from the 1st to the 99.5th percentile of what is not 0, for the first look.
+/// A window for the first look: from the 1st to the 99.5th percentile of what is not 0. That of an
+/// image of few values, such as a mask or an atlas, begins at 0, so that the least is not black.
 GreyWindow automaticWindow(const Vmr &vmr);
 
 bool isInCube(const CubeVoxel &voxel);
@@ -47,10 +51,30 @@ bool isInCube(const CubeVoxel &voxel);
 /// The intensity at a voxel of the cube.
 int intensityAt(const Vmr &vmr, const CubeVoxel &voxel);
 
-/// The picture of one slice: 256 x 256 pixels, one for each voxel. VOIs, if any, shine through with
-/// their colours at `opacity`, 0 to 1.
+/// What lies over the anatomy; null for nothing. Opacities are 0 to 1. VOIs lie on top.
+struct SliceLayers {
+    const VoiOverlay *vois = nullptr;
+    double voiOpacity = 0.5;
+    const RunOverlay *run = nullptr;
+    double runOpacity = 0.5;
+};
+
+/// The picture of one slice: 256 x 256 pixels, one for each voxel.
 QImage sliceImage(const Vmr &vmr, SlicePlane plane, int position, const GreyWindow &window,
-                  const VoiOverlay *vois = nullptr, double opacity = 0.5);
+                  const SliceLayers &layers = {});
+
+/// Its intensities as a table: the first row and column hold the coordinates across and down.
+QByteArray sliceTable(const Vmr &vmr, SlicePlane plane, int position);
+
+/// The voxels from `low` to `high`.
+struct CubeBox {
+    CubeVoxel low;
+    CubeVoxel high;
+};
+
+/// Where the head is: the box of what is brighter than the darkest tenth of the automatic window,
+/// without specks. Nothing for a volume that is black. Looks at the whole volume.
+std::optional<CubeBox> headBox(const Vmr &vmr);
 
 /// Letters for the two ends of an axis of the cube: R and L, A and P, S and I. None when the file
 /// does not say where the cube lies.
@@ -60,7 +84,9 @@ struct AxisEnds {
 };
 AxisEnds axisEnds(const Vmr &vmr, int axis);
 
-/// Millimetres to the right, to the front and up. `vmr.space` must be set.
-std::array<double, 3> worldPosition(const Vmr &vmr, const CubeVoxel &voxel);
+/// Whether the picture of a plane is turned over from left to right so that it shows the patient's
+/// right on the left (radiological) or on the right (neurological). A plane without that axis, and
+/// a volume that does not say where it lies, is not.
+bool isMirrored(const Vmr &vmr, SlicePlane plane, bool neurological);
 
 } // namespace corvane

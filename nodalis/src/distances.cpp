@@ -13,10 +13,10 @@ namespace nodalis
 namespace
 {
 
-/// Ascending eigenvalues.
-Eigen::VectorXd spectrum(const Eigen::MatrixXf &matrix)
+/// \p function is the one that was called.
+Eigen::VectorXd eigenvalues(const Eigen::MatrixXf &matrix, const char *function)
 {
-    const Eigen::MatrixXf weights = detail::conditioned(matrix, "distances::spectral_euclidean");
+    const Eigen::MatrixXf weights = detail::conditioned(matrix, function);
     if (weights.size() == 0) {
         return {};
     }
@@ -46,12 +46,21 @@ namespace distances
 
 float spectral_euclidean(Eigen::MatrixXf &a, Eigen::MatrixXf &b, int size)
 {
-    const Eigen::VectorXd spectrum_a = spectrum(a);
-    const Eigen::VectorXd spectrum_b = spectrum(b);
+    constexpr auto function = "distances::spectral_euclidean";
+    return between_spectra(eigenvalues(a, function), eigenvalues(b, function), size);
+}
+
+Eigen::VectorXd spectrum(const Eigen::MatrixXf &matrix)
+{
+    return eigenvalues(matrix, "distances::spectrum");
+}
+
+float between_spectra(const Eigen::VectorXd &a, const Eigen::VectorXd &b, int size)
+{
     // From n_a + n_b nodes on, further padding pairs zeros with zeros only.
-    const Eigen::Index common = std::max({a.rows(), b.rows(), Eigen::Index{size}});
-    const Eigen::Index m = std::min(common, a.rows() + b.rows());
-    return static_cast<float>((padded(spectrum_a, m) - padded(spectrum_b, m)).norm());
+    const Eigen::Index common = std::max({a.size(), b.size(), Eigen::Index{size}});
+    const Eigen::Index m = std::min(common, a.size() + b.size());
+    return static_cast<float>((padded(a, m) - padded(b, m)).norm());
 }
 
 } // namespace distances

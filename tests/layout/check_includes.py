@@ -10,7 +10,8 @@ import re
 import sys
 
 ROOT = pathlib.Path(sys.argv[1]).resolve()
-MODULES = ("nodalis", "signals", "statistics", "plugin", "dataset", "engine", "results", "plots", "update", "host")
+MODULES = ("nodalis", "signals", "statistics", "python", "plugin", "dataset", "engine", "results", "plots",
+           "update", "host")
 
 
 def read_layers():

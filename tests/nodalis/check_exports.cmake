@@ -5,7 +5,9 @@
 set(wanted
     clustering_coeff
     degree
+    distances::between_spectra
     distances::spectral_euclidean
+    distances::spectrum
     eigenvector_centrality
     global_efficiency
     local_efficiency

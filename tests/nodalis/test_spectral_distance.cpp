@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <nodalis/distances.h>
@@ -44,6 +45,32 @@ TEST(SpectralDistance, IsAPseudometricForEqualSizes)
         EXPECT_LE(distance(a, b), (a - b).norm() * (1.0F + 1e-5F));
         EXPECT_TRUE(near(distance(4.0F * a, 4.0F * b), 4.0 * double{distance(a, b)}));
     }
+}
+
+TEST(SpectralDistance, IsTheSameByWayOfSpectra)
+{
+    graphs::Random random(46);
+    for (int round = 0; round < 300; ++round) {
+        const Eigen::MatrixXf a = graphs::any(12, random);
+        const Eigen::MatrixXf b = graphs::any(12, random);
+        const int size = graphs::below(30, random);
+        const Eigen::VectorXd spectrum = nodalis::distances::spectrum(a);
+        ASSERT_EQ(spectrum.size(), a.rows());
+        EXPECT_TRUE(std::is_sorted(spectrum.data(), spectrum.data() + spectrum.size()));
+        EXPECT_EQ(
+            nodalis::distances::between_spectra(spectrum, nodalis::distances::spectrum(b), size),
+            distance(a, b, size));
+    }
+}
+
+TEST(SpectralDistance, TheSpectrumOfACompleteGraphIsKnown)
+{
+    const Eigen::MatrixXf complete =
+        Eigen::MatrixXf::Ones(5, 5) - Eigen::MatrixXf(Eigen::MatrixXf::Identity(5, 5));
+    Eigen::VectorXd expected(5);
+    expected << -1.0, -1.0, -1.0, -1.0, 4.0;
+    EXPECT_LT((nodalis::distances::spectrum(complete) - expected).norm(), 1e-12);
+    EXPECT_THROW(nodalis::distances::spectrum(Eigen::MatrixXf::Zero(2, 3)), std::invalid_argument);
 }
 
 TEST(SpectralDistance, PadsTheSmallerGraphAndUpToSize)

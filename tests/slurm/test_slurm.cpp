@@ -154,6 +154,23 @@ TEST_F(Slurm, GivesTheBytesOfThisMachine)
     EXPECT_EQ(again.output.toStdString(), m_study.out().toStdString() + ": 5 rows: 5 done\n");
 }
 
+TEST_F(Slurm, TheGroupFollowsItsRows)
+{
+    m_study.addParticipants(5);
+    const QStringList then{QStringLiteral("--then-group"), QStringLiteral("--formula=1"),
+                           QStringLiteral("--contrast=mean=(Intercept)"),
+                           QStringLiteral("--permutations=19")};
+    const ProgramRun ran = submit(QStringList{QStringLiteral("--wait")} + then);
+    EXPECT_EQ(ran.status, 0) << ran.errors.constData();
+    const auto files = KnownStudy::filesBelow(m_study.out());
+    EXPECT_EQ(files.value(QStringLiteral("group/edges.tsv")).count('\n'), 1 + 4 * 3 / 2);
+    // With nothing to compute it is tested here and now.
+    ASSERT_TRUE(QDir(m_study.out() + QStringLiteral("/group")).removeRecursively());
+    const ProgramRun again = submit(then);
+    EXPECT_EQ(again.status, 0) << again.errors.constData();
+    EXPECT_EQ(KnownStudy::filesBelow(m_study.out()), files);
+}
+
 TEST_F(Slurm, ATaskThatIsKilledIsARowThatFailed)
 {
     m_study.add(large("01"));

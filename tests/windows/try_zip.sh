@@ -26,7 +26,8 @@ program="C:\\My Programs (ö)\\$folder\\bin\\Corvane.exe"
 find "$folder" -type f | grep -v '/doc/' | sort >"$work/fresh/files"
 echo "unpacked: $(wc -l <"$work/fresh/files") files, and the documents"
 for file in README.txt LICENSE.txt licenses/LGPL-3 lib/corvane/plugins/tessera.dll \
-    doc/docs/users-guide.md doc/docs/pictures/ring.png; do
+    doc/docs/users-guide.md doc/docs/pictures/ring.png \
+    share/corvane/guide/users-guide.html share/corvane/guide/pictures/ring.png; do
     [ -s "$folder/$file" ] || fail "there is no $file"
 done
 

@@ -31,6 +31,18 @@ namespace distances
 /// \throws std::invalid_argument if a matrix is not square.
 NODALIS_API float spectral_euclidean(Eigen::MatrixXf &a, Eigen::MatrixXf &b, int size);
 
+/// The adjacency spectrum of a graph, as spectral_euclidean() takes it: the eigenvalues of its
+/// weights in ascending order, one for each node. O(n^3) time, O(n^2) memory.
+///
+/// \throws std::invalid_argument if the matrix is not square.
+NODALIS_API Eigen::VectorXd spectrum(const Eigen::MatrixXf &matrix);
+
+/// spectral_euclidean() of two graphs by their spectra: the same value, for distances between many
+/// graphs in O(n) time for each pair.
+///
+/// \param a,b of spectrum().
+NODALIS_API float between_spectra(const Eigen::VectorXd &a, const Eigen::VectorXd &b, int size);
+
 } // namespace distances
 } // namespace NODALIS_ABI
 } // namespace nodalis

@@ -291,6 +291,40 @@ TEST_F(Compute, RefusesAPartialCorrelationThatIsNotDefinedUnlessAllowed)
     EXPECT_TRUE(summary().value("settings").toObject().value("allow singular").toBool());
 }
 
+TEST_F(Compute, RefusesFilesOfDifferentSubjectsOrSpacesUnlessAllowed)
+{
+    Vmr anatomy = zeroVmr();
+    anatomy.provenance = {QStringLiteral("sub-01"), QStringLiteral("T1w")};
+    writeVmr(folder.path("a.vmr"), anatomy);
+    VoiSet set = vois();
+    set.provenance = {QString(), QStringLiteral("MNI")};
+    writeVoiFile(folder.path("set.voi"), set);
+    const ProgramRun other = runCorvane(arguments());
+    EXPECT_EQ(other.status, 1);
+    EXPECT_EQ(other.errorLines(), 1);
+    EXPECT_THAT(other.errors.toStdString(),
+                testing::EndsWith("set.voi: space name: found \"MNI\", expected \"T1w\" as in " +
+                                  folder.path("a.vmr").toStdString() + "; or --allow-mismatch\n"));
+    EXPECT_FALSE(QFileInfo::exists(folder.path("out")));
+    const QStringList allow{QStringLiteral("--allow-mismatch")};
+    const ProgramRun allowed = runCorvane(arguments(allow));
+    EXPECT_EQ(allowed.status, 0);
+    EXPECT_THAT(allowed.errors.toStdString(),
+                testing::HasSubstr("set.voi: its space name is \"MNI\", that of a.vmr \"T1w\"\n"));
+
+    // A run of another subject; the VOIs are the anatomy's.
+    set.provenance = {QStringLiteral("sub-01"), QString()};
+    writeVoiFile(folder.path("set.voi"), set);
+    VtcInfo run = info();
+    run.provenance.subject = QStringLiteral("sub-02");
+    putBytes(folder.path("run.vtc"), vtcBytes(run, samples()));
+    EXPECT_THAT(runCorvane(arguments()).errors.toStdString(),
+                testing::HasSubstr("run.vtc: subject: found \"sub-02\", expected \"sub-01\""));
+    run.provenance.subject = QStringLiteral("sub-01");
+    putBytes(folder.path("run.vtc"), vtcBytes(run, samples()));
+    EXPECT_EQ(runCorvane(arguments()).status, 0);
+}
+
 TEST_F(Compute, TellsWhereAPartialCorrelationHasTooFewVolumesAndWhatTheRunCutsOff)
 {
     Prt prt;

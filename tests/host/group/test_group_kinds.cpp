@@ -2,6 +2,7 @@
 // Distances, reliability, fingerprints, motion and tangent space on the command line, against sums
 // written down plainly here.
 #include "host/files/graph_table.h"
+#include "host/group/distance_tests.h"
 #include "statistics/tangent.h"
 #include "tests/host/group/group_study.h"
 
@@ -172,6 +173,31 @@ TEST_F(GroupKinds, DistancesAreThePluginsAndFollowGroupsAsSumsOverPairsSay)
     const QJsonArray contrasts =
         json()[QStringLiteral("Distances")].toObject()[QStringLiteral("Contrasts")].toArray();
     EXPECT_TRUE(contrasts.first().toObject()[QStringLiteral("AllRearrangements")].toBool());
+}
+
+TEST(GroupDistances, TellHowFarTheyAreAndCanBeStopped)
+{
+    GroupData data;
+    RandomNumbers random(3);
+    for (int i = 0; i < 5; ++i) {
+        Eigen::MatrixXf graph = Eigen::MatrixXf::Zero(4, 4);
+        graph(0, 1) = graph(1, 0) = float(random.uniform());
+        data.graphs.push_back(graph);
+        data.participants.push_back(i < 4 ? std::to_string(i) : "0");
+    }
+    GroupRequest request;
+    request.threads = 2;
+    std::vector<qint64> told;
+    const DistanceResult result = testDistances(data, request, [&](qint64 done, qint64 total) {
+        EXPECT_EQ(total, 5);
+        told.push_back(done);
+        return true;
+    });
+    EXPECT_EQ(told, (std::vector<qint64>{1, 2, 3, 4, 5}));
+    EXPECT_EQ(result.distances(1, 3),
+              double(nodalis::distances::spectral_euclidean(data.graphs[1], data.graphs[3], 0)));
+    EXPECT_THROW(testDistances(data, request, [](qint64 done, qint64) { return done < 2; }),
+                 WorkStopped);
 }
 
 TEST_F(GroupKinds, NearerWithinPeopleIsTheDbicc)

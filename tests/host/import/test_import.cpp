@@ -212,8 +212,8 @@ struct Workplace {
     }
     void useAll()
     {
-        request.atlas = folder.path("atlas.nii");
-        request.labels = folder.path("labels.tsv");
+        request.voiSources = {
+            {VoiSource::Atlas, folder.path("atlas.nii"), folder.path("labels.tsv")}};
         request.events = folder.path("events.tsv");
     }
     QString base() const { return request.folder + QStringLiteral("/sub"); }
@@ -298,7 +298,7 @@ TEST(Import, PutsVoiVoxelsWhereTheAtlasHasThem)
     Workplace place;
     place.useAll();
     imported(place);
-    expectVoisOfAtlas(place.base(), place.request.atlas);
+    expectVoisOfAtlas(place.base(), place.request.voiSources.front().file);
     const VoiSet set = readVoiFile(place.outputPath("sub.voi"));
     ASSERT_EQ(set.vois.size(), 3U);
     EXPECT_EQ(set.vois[2].name, QStringLiteral("three"));
@@ -400,10 +400,11 @@ TEST(Import, SaysADoubtOnce)
     NiftiParts both = atlasParts();
     both.sformCode = 0;
     place.put("both.nii", both);
-    place.request.anatomy = place.request.atlas = place.folder.path("both.nii");
+    place.request.anatomy = place.folder.path("both.nii");
+    place.request.voiSources = {{VoiSource::Atlas, place.request.anatomy}};
     const ImportReport report = imported(place);
     EXPECT_EQ(report.notes.filter(QStringLiteral("the header tells no orientation")),
-              QStringList{place.request.atlas +
+              QStringList{place.request.anatomy +
                           QStringLiteral(": the header tells no orientation: its axes are taken to "
                                          "run to the right, to the front and up")});
 }
@@ -571,7 +572,7 @@ TEST(Import, KeepsTheUnrecordedCornersOfAnObliqueRunOutOfTheVois)
                 labels.push_back(static_cast<quint8>(1 + i / 8));
     setSamples(atlas, labels);
     place.put("atlas.nii", atlas);
-    place.request.atlas = place.folder.path("atlas.nii");
+    place.request.voiSources = {{VoiSource::Atlas, place.folder.path("atlas.nii")}};
     for (const VoiGrid voiGrid : {VoiGrid::Functional, VoiGrid::Anatomy}) {
         place.request.voiGrid = voiGrid;
         const ImportPlan plan = planImport(place.request);
@@ -650,7 +651,7 @@ TEST(Import, SaysAnAtlasOnAnotherGrid)
     atlas.setSpacing(2, -12, -20, -5);
     place.put("atlas.nii", atlas);
     EXPECT_THAT(joined(imported(place).notes),
-                StartsWith(place.request.atlas.toStdString() +
+                StartsWith(place.request.voiSources.front().file.toStdString() +
                            ": the atlas (8 x 9 x 7 voxels of 2 x 2 x 2 mm) has another grid than "
                            "the run (8 x 9 x 7 voxels of 3 x 3 x 3 mm): its labels are taken by "
                            "nearest neighbour"));
@@ -763,7 +764,7 @@ TEST(TiltedRecording, HasNoVoiWithWhatItDidNotRecord)
     setSamples(anatomy, std::vector<quint8>(static_cast<std::size_t>(anatomy.sampleCount()), 1));
     place.put("atlas.nii", anatomy);
     place.request.functional = file;
-    place.request.atlas = place.folder.path("atlas.nii");
+    place.request.voiSources = {{VoiSource::Atlas, place.folder.path("atlas.nii")}};
     imported(place);
     const VtcInfo info = VtcFile(place.outputPath("sub.vtc")).info();
     const VoiSet set = readVoiFile(place.outputPath("sub.voi"));
@@ -790,12 +791,13 @@ TEST(WholeBrainRecording, ComesOverWithItsEventsAndMasks)
         place.request.anatomy = recording("haxby2001/mask_25mm_brain.nii.gz");
         place.request.functional = recording("haxby2001/run001_bold_25mm.nii.gz");
         place.request.events = recording("haxby2001/run001_events.tsv");
-        place.request.atlas = recording("haxby2001/mask_25mm_") + QString::fromLatin1(mask) +
-                              QStringLiteral(".nii.gz");
+        place.request.voiSources = {{VoiSource::Atlas, recording("haxby2001/mask_25mm_") +
+                                                           QString::fromLatin1(mask) +
+                                                           QStringLiteral(".nii.gz")}};
         const ImportReport report = imported(place);
         EXPECT_EQ(joined(report.notes), "");
         expectSamplesOfRun(place.base(), readReference(place.request.functional), true);
-        expectVoisOfAtlas(place.base(), place.request.atlas);
+        expectVoisOfAtlas(place.base(), place.request.voiSources.front().file);
         EXPECT_EQ(readPrtFile(place.outputPath("sub.prt")).conditions.size(), 8U);
     }
 }

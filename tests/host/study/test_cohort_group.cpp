@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Corvane cohort ... group on the example study, of which it is known where its groups differ.
 #include "tests/host/support/host_files.h"
+#include "tests/host/support/interrupted_program.h"
 #include "tests/host/support/program.h"
 
 #include <QDir>
@@ -49,11 +50,7 @@ protected:
         s_folder = std::make_unique<TemporaryFolder>();
         ASSERT_EQ(
             runCorvane({QStringLiteral("example"), QStringLiteral("--study"), study()}).status, 0);
-        const ProgramRun ran = runCorvane(
-            {QStringLiteral("cohort"), study(), out(), QStringLiteral("participant"),
-             QStringLiteral("--no-pages"), QStringLiteral("--task-id"), QStringLiteral("rest"),
-             QStringLiteral("--clean"), QStringLiteral("36P"), QStringLiteral("--atlas"),
-             atlas(".nii.gz"), QStringLiteral("--labels"), atlas(".tsv")});
+        const ProgramRun ran = runCorvane(participants(out()));
         ASSERT_EQ(ran.status, 0) << ran.errors.constData();
     }
     static void TearDownTestSuite() { s_folder.reset(); }
@@ -64,6 +61,23 @@ protected:
     {
         const QDir folder(study() + QStringLiteral("/atlas"));
         return folder.filePath(folder.entryList({QLatin1String("*") + QLatin1String(ending)})[0]);
+    }
+    /// The command line that makes the rows of the study.
+    static QStringList participants(const QString &out)
+    {
+        return {QStringLiteral("cohort"),
+                study(),
+                out,
+                QStringLiteral("participant"),
+                QStringLiteral("--no-pages"),
+                QStringLiteral("--task-id"),
+                QStringLiteral("rest"),
+                QStringLiteral("--clean"),
+                QStringLiteral("36P"),
+                QStringLiteral("--atlas"),
+                atlas(".nii.gz"),
+                QStringLiteral("--labels"),
+                atlas(".tsv")};
     }
     static QString result(const char *name) { return out() + "/group/" + QLatin1String(name); }
 
@@ -79,7 +93,6 @@ protected:
                 QStringLiteral("--contrast"), QStringLiteral("patients=group[Patient]")};
     }
 
-private:
     static std::unique_ptr<TemporaryFolder> s_folder;
 };
 
@@ -131,6 +144,79 @@ TEST_F(CohortGroup, TakesAllSessionsToTellHowWellEdgesRepeat)
     ASSERT_EQ(ran.status, 0) << ran.errors.constData();
     EXPECT_THAT(ran.output.toStdString(), HasSubstr("48 rows"));
     EXPECT_EQ(rowsOf(folder + "/icc.tsv").size(), 38 * 37 / 2);
+}
+
+/// What a group's folder holds, without the name of the study's.
+QMap<QString, QByteArray> filesOf(const QString &out)
+{
+    QMap<QString, QByteArray> files;
+    const QDir folder(out + QStringLiteral("/group"));
+    for (const QString &name : folder.entryList(QDir::Files))
+        files[name] = bytesOf(folder.filePath(name)).replace(out.toUtf8(), "OUT");
+    return files;
+}
+
+TEST_F(CohortGroup, FollowsItsRowsAtOnceAndIsTheSameAfterABreakAndOnTwoThreads)
+{
+    const QStringList asked =
+        patients() + QStringList{QStringLiteral("--session-id=a"), QStringLiteral("--test=nbs"),
+                                 QStringLiteral("--threshold=3"),
+                                 QStringLiteral("--permutations=2000"), QStringLiteral("--page")};
+    ASSERT_EQ(group(asked + QStringList{QStringLiteral("--threads=1")}).status, 0);
+    const auto wanted = filesOf(out());
+    ASSERT_TRUE(wanted.contains(QStringLiteral("group.html")));
+
+    const QString again = s_folder->path("again");
+    const QStringList words = participants(again) + QStringList{QStringLiteral("--then-group")} +
+                              asked + QStringList{QStringLiteral("--threads=2")};
+    const QDir participant(again + QStringLiteral("/sub-02/ses-a/func"));
+    const InterruptedRun broken =
+        runInterrupted(QStringLiteral(CORVANE_PROGRAM), words,
+                       {{SIGTERM, [&] { return !participant.isEmpty(QDir::Files); }}});
+    EXPECT_EQ(broken.signal, SIGTERM) << broken.errors;
+    EXPECT_FALSE(QFile::exists(again + QStringLiteral("/group")));
+    // Once more broken off, while the group is tested.
+    const InterruptedRun late = runInterrupted(
+        QStringLiteral(CORVANE_PROGRAM), words,
+        {{SIGTERM, [&] { return QFile::exists(again + "/participants_connectome.tsv"); }}});
+    EXPECT_EQ(late.signal, SIGTERM) << late.errors;
+    EXPECT_EQ(hiddenIn(again), QStringList());
+
+    const ProgramRun ran = runCorvane(words);
+    EXPECT_EQ(ran.status, 0) << ran.errors.constData();
+    EXPECT_THAT(ran.output.toStdString(), HasSubstr(": 48 rows: 48 done\n"));
+    EXPECT_THAT(ran.output.toStdString(), HasSubstr("/group: 24 rows, 38 nodes, 1 test"));
+    EXPECT_EQ(filesOf(again), wanted);
+}
+
+TEST_F(CohortGroup, WhatIsToFollowIsReadBeforeAnythingIsComputed)
+{
+    const QString never = s_folder->path("never");
+    const auto refusal = [&](const QStringList &before, const QStringList &after) {
+        const ProgramRun ran = runCorvane(participants(never) + before +
+                                          QStringList{QStringLiteral("--then-group")} + after);
+        EXPECT_EQ(ran.status, 2);
+        EXPECT_EQ(ran.errorLines(), 1) << ran.errors.constData();
+        return ran.errors.toStdString();
+    };
+    EXPECT_THAT(refusal({}, {}), HasSubstr("--formula is missing"));
+    EXPECT_THAT(refusal({}, {QStringLiteral("--nprocs=2")}),
+                HasSubstr("--nprocs does not go with group"));
+    EXPECT_THAT(refusal({}, patients() + QStringList{QStringLiteral("--measure=loud")}),
+                HasSubstr("--measure: found"));
+    EXPECT_THAT(refusal({}, patients() + QStringList{QStringLiteral("here")}),
+                HasSubstr("unexpected argument"));
+    EXPECT_THAT(refusal({}, patients() + QStringList{QStringLiteral("--then-group")}),
+                HasSubstr("--then-group does not go with group"));
+    EXPECT_THAT(refusal({QStringLiteral("--no-collect")}, patients()),
+                HasSubstr("--then-group does not go with --no-collect"));
+    EXPECT_FALSE(QFile::exists(never));
+    const ProgramRun status =
+        runCorvane(QStringList{QStringLiteral("cohort"), out(), QStringLiteral("status"),
+                               QStringLiteral("--then-group")} +
+                   patients());
+    EXPECT_EQ(status.status, 2);
+    EXPECT_THAT(status.errors.toStdString(), HasSubstr("--then-group does not go with status"));
 }
 
 TEST_F(CohortGroup, WhatCannotBeIsOneLine)

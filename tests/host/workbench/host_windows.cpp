@@ -7,6 +7,7 @@
 #include "host/tour/tour.h"
 #include "host/workbench/background_work.h"
 #include "host/workbench/import_dialog.h"
+#include "host/workbench/key_list.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/study_window.h"
 #include "host/workbench/time_course_view.h"
@@ -140,8 +141,8 @@ ImportRequest exampleRequest()
         ImportRequest files;
         files.anatomy = folder.path("sub-01_T1w.nii.gz");
         files.functional = folder.path("sub-01_task-movement_bold.nii.gz");
-        files.atlas = folder.path("sub-01_dseg.nii.gz");
-        files.labels = folder.path("sub-01_dseg.tsv");
+        files.voiSources = {
+            {VoiSource::Atlas, folder.path("sub-01_dseg.nii.gz"), folder.path("sub-01_dseg.tsv")}};
         files.events = folder.path("sub-01_task-movement_events.tsv");
         files.folder = folder.path();
         files.name = QStringLiteral("example");
@@ -220,6 +221,19 @@ void about(const LookAtWindow &look)
             action->trigger();
 }
 
+void keyList(const LookAtWindow &look)
+{
+    Workbench workbench;
+    ModalDriver driver;
+    driver.expect<KeyList>([&look](KeyList &keys) {
+        look(keys);
+        QTest::keyClick(&keys, Qt::Key_Escape);
+    });
+    for (QAction *action : workbench.window.menuBar()->actions().constLast()->menu()->actions())
+        if (action->text() == QStringLiteral("&Keys"))
+            action->trigger();
+}
+
 void tourCaption(const LookAtWindow &look)
 {
     constexpr int longTime = 1000000; // ms
@@ -255,6 +269,7 @@ const std::vector<HostWindow> &hostWindows()
                                              {"Progress", progress},
                                              {"Message", message},
                                              {"About", about},
+                                             {"KeyList", keyList},
                                              {"TourCaption", tourCaption}};
     return all;
 }

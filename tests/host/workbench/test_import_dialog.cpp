@@ -50,8 +50,8 @@ protected:
         ImportRequest request;
         request.anatomy = source->path("sub-01_T1w.nii.gz");
         request.functional = source->path("sub-01_task-movement_bold.nii.gz");
-        request.atlas = source->path("sub-01_dseg.nii.gz");
-        request.labels = source->path("sub-01_dseg.tsv");
+        request.voiSources = {{VoiSource::Atlas, source->path("sub-01_dseg.nii.gz"),
+                               source->path("sub-01_dseg.tsv")}};
         request.events = source->path("sub-01_task-movement_events.tsv");
         request.folder = folder.path("out");
         return request;

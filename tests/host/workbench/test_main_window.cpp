@@ -4,12 +4,15 @@
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/log_pane.h"
 #include "host/workbench/main_window.h"
+#include "host/workbench/screen_fit.h"
 #include "tests/gui_test.h"
 #include "tests/host/support/host_files.h"
 #include "tests/support/as_read.h"
 #include "tests/support/modal_driver.h"
 
 #include <QFileDialog>
+#include <QLabel>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -156,6 +159,36 @@ TEST_F(MainWindowTest, OpensAnatomiesBeforeWhatBelongsToThem)
     EXPECT_NE(workspace.linkedVtc(), nullptr);
     EXPECT_NE(workspace.vois(), nullptr);
     EXPECT_EQ(tabs->count(), 1);
+}
+
+TEST_F(MainWindowTest, ListsVoisOnlyWhileAnAnatomyIsOpen)
+{
+    showWindow();
+    const auto *const list = window.findChild<QListWidget *>(QStringLiteral("voiList"));
+    const auto *const hint = window.findChild<QLabel *>(QStringLiteral("voiHint"));
+    writeVoiFile(folder.path("areas.voi"), smallVoiSet());
+    window.openFiles({folder.path("areas.voi")});
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_TRUE(hint->isVisible());
+    window.openFiles({first});
+    EXPECT_TRUE(list->isVisible());
+    EXPECT_FALSE(hint->isVisible());
+    EXPECT_GT(list->count(), 0);
+    action(QStringLiteral("&File"), QStringLiteral("&Close"))->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !list->isVisible(); }));
+    EXPECT_TRUE(hint->isVisible());
+}
+
+TEST(ScreenFitTest, AWindowFitsItsScreenWithItsFrame)
+{
+    const QRect screen(0, 24, 1280, 696);
+    const QMargins frame(2, 20, 2, 3);
+    // What fits stays where it is.
+    EXPECT_EQ(fitted({100, 100, 600, 400}, frame, screen), QRect(100, 100, 600, 400));
+    // What is too large fills the screen, what stands out is moved.
+    EXPECT_EQ(fitted({2, 22, 1400, 850}, frame, screen), QRect(2, 44, 1276, 673));
+    EXPECT_EQ(fitted({900, 400, 600, 400}, frame, screen), QRect(678, 317, 600, 400));
+    EXPECT_EQ(fitted({-50, 0, 600, 400}, frame, screen), QRect(2, 44, 600, 400));
 }
 
 TEST_F(MainWindowTest, TellsAllThatCannotBeOpenedInOneMessage)

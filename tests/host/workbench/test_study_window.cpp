@@ -10,6 +10,7 @@
 #include "tests/host/study/known_study.h"
 
 #include <QAbstractItemModelTester>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDir>
@@ -214,8 +215,9 @@ esac
     QDir::setCurrent(before);
     const QByteArray same = "/the data " + folder.path().toUtf8();
     const QByteArray options = " --atlas /atlas.nii --clean 36P --nprocs 1 --task-id a b\n";
-    EXPECT_EQ(bytesOf(scripts.path("arguments-of-the-test")),
-              "cohort " + same + " plan" + options + "cohort " + same + " participant" + options);
+    EXPECT_EQ(bytesOf(scripts.path("arguments-of-the-test")).toStdString(),
+              ("cohort " + same + " plan" + options + "cohort " + same + " participant" + options)
+                  .toStdString());
     EXPECT_EQ(said(), QStringLiteral("sub-01_atlas-A: done, 154 of 200 volumes kept\n"
                                      "waiting for nothing\nsub-02_atlas-A: excluded: too little"));
     EXPECT_EQ(column(0), QStringList{QStringLiteral("sub-09")});
@@ -272,6 +274,92 @@ esac
         QTest::qWaitFor([&] { return child<QProgressBar>("progress")->value() == 1; }, 30000));
     window.reset();
     EXPECT_EQ(bytesOf(scripts.path("ended")), "ended\n");
+}
+
+TEST_F(StudyWindowTest, TestsTheGroupByWhatItsFormSays)
+{
+    show(R"sh(
+for word in "$@"; do echo "$word" >> arguments-of-the-test; done
+mkdir -p "$STUDY/group"; echo page > "$STUDY/group/group.html"
+echo "$STUDY/group: 24 rows, 38 nodes, 1 test"
+)sh");
+    qputenv("STUDY", folder.path().toUtf8());
+    const TemporaryFolder dataset;
+    putBytes(dataset.path("participants.tsv"), "participant_id\tgroup\tage\nsub-01\tC\t40\n");
+    auto *const form = child<QWidget>("group");
+    auto *const run = form->findChild<QPushButton *>(QStringLiteral("run"));
+    auto *const report = form->findChild<QPushButton *>(QStringLiteral("groupReport"));
+    const auto text = [&](const char *name) {
+        return form->findChild<QLineEdit *>(QLatin1String(name));
+    };
+    const auto check = [&](const char *name) {
+        return form->findChild<QCheckBox *>(QLatin1String(name));
+    };
+    child<FileField>("dataset")->setPath(dataset.path());
+    EXPECT_EQ(form->findChild<QLabel *>(QStringLiteral("columns"))->text(),
+              QStringLiteral("It may name group, age, mean_fd, degrees_of_freedom."));
+    EXPECT_FALSE(run->isEnabled());
+    check("glm")->setChecked(false);
+    check("qcfc")->setChecked(true);
+    EXPECT_TRUE(run->isEnabled()); // needs no model
+    check("nbs")->setChecked(true);
+    EXPECT_FALSE(run->isEnabled());
+    text("formula")->setText(QStringLiteral("group + age"));
+    text("contrast")->setText(QStringLiteral("patients=group[P]"));
+    ASSERT_TRUE(run->isEnabled());
+    text("threshold")->clear();
+    EXPECT_FALSE(run->isEnabled());
+    text("threshold")->setText(QStringLiteral("2.5"));
+    text("furtherOptions")->setText(QStringLiteral("--task-id rest"));
+    EXPECT_FALSE(report->isEnabled());
+
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(scripts.path());
+    run->click();
+    EXPECT_FALSE(run->isEnabled());
+    EXPECT_FALSE(button("compute")->isEnabled());
+    EXPECT_TRUE(button("cancel")->isEnabled());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return run->isEnabled(); }, 30000));
+    QDir::setCurrent(before);
+    EXPECT_EQ(bytesOf(scripts.path("arguments-of-the-test")).split('\n'),
+              (QList<QByteArray>{"cohort", dataset.path().toUtf8(), folder.path().toUtf8(), "group",
+                                 "--test=nbs,qcfc", "--permutations=5000", "--formula=group + age",
+                                 "--contrast=patients=group[P]", "--threshold=2.5", "--plots",
+                                 "--page", "--task-id", "rest", ""}));
+    EXPECT_EQ(said(), folder.path() + QStringLiteral("/group: 24 rows, 38 nodes, 1 test"));
+    Opened opened;
+    ASSERT_TRUE(report->isEnabled());
+    report->click();
+    EXPECT_EQ(opened.paths, QStringList{folder.path("group/group.html")});
+}
+
+TEST(StudyWindow, KnowsWhatTheStudyWasComputedWith)
+{
+    KnownStudy study;
+    study.addParticipants(2);
+    QStringList words =
+        study.arguments(QStringLiteral("participant"),
+                        {QStringLiteral("--measure=pearson,covariance"),
+                         QStringLiteral("--per-interval"), QStringLiteral("--events")});
+    words.removeAll(QStringLiteral("--no-pages"));
+    ASSERT_EQ(runCorvane(words).status, 0);
+    StudyWindow window(nullptr, QStringLiteral(CORVANE_PROGRAM));
+    window.openStudy(study.out());
+    const auto path = [&](const char *name) {
+        return window.findChild<FileField *>(QLatin1String(name))->path();
+    };
+    EXPECT_EQ(path("dataset"), study.dataset());
+    EXPECT_EQ(path("atlas"), study.atlas());
+    EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("clean"))->currentText(),
+              QStringLiteral("columns:trouble"));
+    auto *const compute = window.findChild<QPushButton *>(QStringLiteral("compute"));
+    auto *const progress = window.findChild<QProgressBar *>(QStringLiteral("progress"));
+    ASSERT_TRUE(compute->isEnabled());
+    compute->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return compute->isEnabled(); }, 60000));
+    const QString said = window.findChild<QPlainTextEdit *>(QStringLiteral("said"))->toPlainText();
+    EXPECT_EQ(said.toStdString(), study.out().toStdString() + ": 2 rows: 2 done");
+    EXPECT_EQ(progress->value(), 1);
 }
 
 TEST(Workbench, HasOneWindowForStudies)

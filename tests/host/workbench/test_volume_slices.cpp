@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Slices, VOIs over them and time courses, without widgets.
+#include "host/workbench/run_overlay.h"
 #include "host/workbench/time_course.h"
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_slices.h"
+#include "host/workbench/world_place.h"
 #include "tests/host/support/host_files.h"
 
 #include <gmock/gmock.h>
@@ -101,7 +103,30 @@ TEST(VolumeSlices, TheFirstWindowLeavesOutBackgroundAndExtremes)
     EXPECT_DOUBLE_EQ(window.level - window.width / 2, 102);
     EXPECT_DOUBLE_EQ(window.level + window.width / 2, 299);
     EXPECT_EQ(automaticWindow(zeroVmr()), GreyWindow());
-    EXPECT_EQ(automaticWindow(volumeWith<quint8>({{{0, 0, 0}, 7}})).width, 1);
+}
+
+TEST(VolumeSlices, MasksAndImagesOfFewValuesAreSeenAtOnce)
+{
+    const std::vector<int> values[] = {{1}, {255}, {1, 2}, {1, 2, 3}, {7}, {1000}, {2, 60000}};
+    for (const std::vector<int> &few : values) {
+        std::vector<std::pair<CubeVoxel, int>> voxels;
+        for (int n = 0; n < 40; ++n)
+            voxels.push_back({{n, 100, 100}, few[static_cast<std::size_t>(n) % few.size()]});
+        const Vmr vmr = volumeWith<quint16>(voxels);
+        const QImage image = sliceImage(vmr, SlicePlane::Sagittal, 100, automaticWindow(vmr));
+        EXPECT_EQ(grey(image, 50, 100), 0) << few.front();
+        EXPECT_EQ(grey(image, int(few.size()) - 1, 100), 255) << few.front();
+        if (few.back() < 2 * 30 * few.front()) {
+            EXPECT_GT(grey(image, 0, 100), 60) << few.front();
+        }
+    }
+}
+
+TEST(VolumeSlices, VoxelsBetweenTheRowsThatAreLookedAtFirstCountToo)
+{
+    const Vmr vmr = volumeWith<quint8>({{{9, 9, 9}, 1}});
+    const QImage image = sliceImage(vmr, SlicePlane::Sagittal, 9, automaticWindow(vmr));
+    EXPECT_EQ(grey(image, 9, 9), 255);
 }
 
 TEST(VolumeSlices, TellTheEndsOfAxesAndPositionsByTheFilesOwnSpace)
@@ -113,6 +138,135 @@ TEST(VolumeSlices, TellTheEndsOfAxesAndPositionsByTheFilesOwnSpace)
     EXPECT_EQ(axisEnds(vmr, 1).low + axisEnds(vmr, 1).high, QStringLiteral("SI"));
     EXPECT_EQ(axisEnds(vmr, 2).low + axisEnds(vmr, 2).high, QStringLiteral("RL"));
     EXPECT_THAT(worldPosition(vmr, {1, 2, 3}), ElementsAre(125, 119, 108));
+    EXPECT_EQ(voxelAtWorld(vmr, {125, 119, 108}), (CubeVoxel{1, 2, 3}));
+    EXPECT_EQ(voxelAtWorld(vmr, {125.4, 118.6, 108.4}), (CubeVoxel{1, 2, 3}));
+    EXPECT_FALSE(isInCube(voxelAtWorld(vmr, {1e30, 0, 0})));
+}
+
+TEST(WorldPlace, IsReadAsPeopleWriteIt)
+{
+    const WorldPlace place{-42, -22, 54.5};
+    EXPECT_EQ(worldText(place).toStdString(), "L 42.0  P 22.0  S 54.5 mm");
+    for (const char *text : {"-42 -22 54.5", "-42, -22, 54.5", " -42;-22;54.5 mm",
+                             "L 42  P 22  S 54.5 mm", "l42 p22 s54.5", "S 54.5 L 42 P 22",
+                             "\xe2\x88\x92"
+                             "42 \xe2\x88\x92"
+                             "22 +54.50",
+                             "R -42 A -22 I -54.5"})
+        EXPECT_EQ(worldPlaceOf(QString::fromUtf8(text)), place) << text;
+    for (const char *text : {"", "not known", "1 2", "1 2 3 4", "1 2 three", "R 1 L 2 S 3",
+                             "R 1 2 3", "1 A 2 3", "1e5 2 3"})
+        EXPECT_EQ(worldPlaceOf(QString::fromUtf8(text)), std::nullopt) << text;
+}
+
+TEST(VolumeSlices, AreTurnedOverOnlyForTheOtherConvention)
+{
+    Vmr vmr = zeroVmr();
+    for (const bool neurological : {false, true})
+        EXPECT_FALSE(isMirrored(vmr, SlicePlane::Axial, neurological));
+    vmr.space = VmrSpace{{{{0, -1, 0}, {0, 0, -1}, {-1, 0, 0}}}, {128, 120, 110}};
+    EXPECT_FALSE(isMirrored(vmr, SlicePlane::Axial, false));
+    EXPECT_TRUE(isMirrored(vmr, SlicePlane::Axial, true));
+    EXPECT_TRUE(isMirrored(vmr, SlicePlane::Coronal, true));
+    EXPECT_FALSE(isMirrored(vmr, SlicePlane::Sagittal, true));
+    // The file's own axis runs the other way.
+    vmr.space->directions[2] = {1, 0, 0};
+    EXPECT_TRUE(isMirrored(vmr, SlicePlane::Axial, false));
+    EXPECT_FALSE(isMirrored(vmr, SlicePlane::Axial, true));
+}
+
+TEST(VolumeSlices, FindTheHeadWithoutSpecks)
+{
+    std::vector<std::pair<CubeVoxel, int>> voxels{{{3, 3, 3}, 900}, {{250, 9, 200}, 900}};
+    for (int k = 60; k < 100; ++k)
+        for (int j = 50; j < 90; ++j)
+            for (int i = 40; i < 80; ++i)
+                voxels.push_back({{i, j, k}, 500 + i + j + k});
+    const auto box = headBox(volumeWith<quint16>(voxels));
+    ASSERT_TRUE(box.has_value());
+    EXPECT_EQ(box->low, (CubeVoxel{40, 50, 60}));
+    EXPECT_EQ(box->high, (CubeVoxel{79, 89, 99}));
+    EXPECT_FALSE(headBox(zeroVmr()).has_value());
+}
+
+TEST(VolumeSlices, ATableOfASliceHasItsIntensitiesAtTheirCoordinates)
+{
+    const QByteArray table =
+        sliceTable(volumeWith<quint16>({{{10, 20, 30}, 1000}}), SlicePlane::Coronal, 10);
+    const QList<QByteArray> rows = table.split('\n');
+    ASSERT_EQ(rows.size(), 258); // a head, and an empty piece behind the last line
+    EXPECT_EQ(rows[0].split('\t').value(31), "30");
+    EXPECT_EQ(rows[21].split('\t').value(0), "20");
+    EXPECT_EQ(rows[21].split('\t').value(31), "1000");
+    EXPECT_EQ(table.count("1000"), 1);
+}
+
+TEST(RunOverlay, ColoursWhatWasRecordedFromTheDarkToTheLightEnd)
+{
+    // Samples 2 voxels apart: 0, 1, 2, 3 and one that is no number.
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const RunLattice lattice{{10, 20, 30}, {5, 1, 1}, 2};
+    const RunOverlay run(lattice, {0, 1, 2, 3, none}, ColourMap::Grey);
+    EXPECT_EQ(run.colourAt({10, 20, 30}), QRgb(0)); // as transparent as the rest of the cube
+    EXPECT_EQ(run.colourAt({18, 20, 30}), QRgb(0));
+    EXPECT_EQ(run.colourAt({100, 20, 30}), QRgb(0));
+    EXPECT_EQ(run.colourAt({12, 20, 30}), qRgb(0, 0, 0));
+    EXPECT_EQ(run.colourAt({16, 20, 30}), run.colourAt({15, 19, 29}));
+    EXPECT_GT(qRed(run.colourAt({16, 20, 30})), qRed(run.colourAt({14, 20, 30})) - 1);
+    EXPECT_EQ(run.valueAt({16, 20, 30}), std::optional(3.0));
+    EXPECT_EQ(run.valueAt({0, 0, 0}), std::nullopt);
+
+    const Vmr black = volumeWith<quint8>({});
+    SliceLayers layers;
+    layers.run = &run;
+    layers.runOpacity = 1;
+    const QImage whole = sliceImage(black, SlicePlane::Sagittal, 30, {128, 256}, layers);
+    EXPECT_EQ(whole.pixel(16, 20), run.colourAt({16, 20, 30}));
+    layers.runOpacity = 0.5;
+    const QImage half = sliceImage(black, SlicePlane::Sagittal, 30, {128, 256}, layers);
+    EXPECT_EQ(qRed(half.pixel(16, 20)), qRed(whole.pixel(16, 20)) / 2);
+    // VOIs lie above it.
+    const VoiOverlay voi(setOf({{{16, 20, 30}}}), {true});
+    layers.vois = &voi;
+    layers.voiOpacity = 1;
+    EXPECT_EQ(sliceImage(black, SlicePlane::Sagittal, 30, {128, 256}, layers).pixel(16, 20),
+              qRgb(255, 0, 0));
+}
+
+TEST(RunOverlay, ReadsTheMeanAndSingleVolumesOfARun)
+{
+    const TemporaryFolder folder;
+    const std::atomic<bool> wanted{false};
+    const std::atomic<bool> outdated{true};
+    const VtcInfo info = smallVtcInfo();
+    putBytes(folder.path("a.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+    const VtcFile vtc(folder.path("a.vtc"));
+    const std::vector<double> mean = meanOfRun(vtc, wanted);
+    ASSERT_EQ(mean.size(), 12U);
+    EXPECT_EQ(mean[0], -18.5);
+    EXPECT_EQ(mean[11], 25.5);
+    EXPECT_EQ(volumeOfRun(vtc, 1, wanted)[0], -20);
+    EXPECT_EQ(volumeOfRun(vtc, 4, wanted)[11], 27);
+    EXPECT_THAT(meanOfRun(vtc, outdated), IsEmpty());
+    const RunOverlay run(latticeOf(vtc.info()), mean, ColourMap::Hot);
+    // The lattice point of the course that is read there.
+    EXPECT_EQ(run.valueAt({60, 52, 62}), std::optional(9.5));
+}
+
+TEST(ColourMaps, RunFromDarkToLight)
+{
+    const QStringList names = colourMapNames();
+    ASSERT_EQ(names.size(), 3);
+    for (int map = 0; map < names.size(); ++map) {
+        int last = -1;
+        for (int n = 0; n <= 20; ++n) {
+            const int light = qGray(sequentialColour(ColourMap(map), n / 20.0).rgb());
+            EXPECT_GT(light, last) << names[map].toStdString() << n;
+            last = light;
+        }
+        EXPECT_EQ(sequentialColour(ColourMap(map), -3), sequentialColour(ColourMap(map), 0));
+        EXPECT_EQ(sequentialColour(ColourMap(map), 7), sequentialColour(ColourMap(map), 1));
+    }
 }
 
 TEST(VoiOverlay, ColoursShownVoisAndTheLastOneOnTop)
@@ -126,7 +280,7 @@ TEST(VoiOverlay, ColoursShownVoisAndTheLastOneOnTop)
     EXPECT_EQ(first.labelAt(CubeVoxel{11, 20, 30}), 1);
 
     const QImage image = sliceImage(volumeWith<quint8>({{{10, 20, 30}, 100}}), SlicePlane::Sagittal,
-                                    30, {127.5, 255}, &all, 0.5);
+                                    30, {127.5, 255}, {&all, 0.5});
     EXPECT_EQ(image.pixel(10, 20), qRgb(177, 50, 50));
     EXPECT_EQ(image.pixel(9, 20), qRgb(0, 0, 0));
 }
@@ -186,6 +340,19 @@ TEST(TimeCourse, ReadsFloatsAsTheyAre)
     putBytes(folder.path("a.vtc"), vtcBytes(info, samples));
     EXPECT_THAT(timeCourseAt(VtcFile(folder.path("a.vtc")), {57, 52, 59}),
                 ElementsAre(-20, 0.5, -18, -17));
+}
+
+TEST(TimeCourse, TheMeanOfAVoiIsThatOfTheAnalysis)
+{
+    const TemporaryFolder folder;
+    const std::atomic<bool> wanted{false};
+    const VtcInfo info = smallVtcInfo();
+    putBytes(folder.path("a.vtc"), vtcBytes(info, numberedSamples<short>(info)));
+    const VtcFile vtc(folder.path("a.vtc"));
+    // Two voxels of one sample (8, 9, ...), one of another (-20, -19, ...), one outside: 0.
+    EXPECT_THAT(meanCourseOf(vtc, {{60, 52, 62}, {61, 53, 61}, {57, 52, 59}, {0, 0, 0}}, wanted),
+                ElementsAre(-1, -0.25, 0.5, 1.25));
+    EXPECT_THAT(meanCourseOf(vtc, {}, wanted), IsEmpty());
 }
 
 } // namespace corvane

@@ -1,0 +1,36 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+from . import signals, statistics
+from .matrices import to_csv, treatment
+from .measures import (
+    clustering_coeff,
+    degree,
+    eigenvector_centrality,
+    global_efficiency,
+    local_efficiency,
+    nodal_global_efficiency,
+    spectral_euclidean,
+    strength,
+)
+from .trees import SpanningTree, minimum_spanning_tree
+
+__all__ = [
+    "SpanningTree",
+    "clustering_coeff",
+    "degree",
+    "eigenvector_centrality",
+    "global_efficiency",
+    "local_efficiency",
+    "minimum_spanning_tree",
+    "nodal_global_efficiency",
+    "signals",
+    "spectral_euclidean",
+    "statistics",
+    "strength",
+    "to_csv",
+    "treatment",
+    "version",
+]
+
+__version__: str
+
+def version() -> str: ...
