@@ -14,6 +14,7 @@ Command compareCommand();
 Command computeCommand();
 Command connectomeCommand();
 Command exampleCommand();
+Command exploreCommand();
 Command figureCommand();
 Command graphCommand();
 Command groupCommand();
