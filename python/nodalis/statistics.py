@@ -710,7 +710,7 @@ def distance_anova(
     Parameters
     ----------
     distances : array, subjects x subjects
-        Symmetric, 0 on the diagonal, in any unit; such as those of `nodalis.spectral_euclidean`.
+        Symmetric, 0 on the diagonal, in any unit; such as those of `nodalis.between_spectra`.
     design : Design or array, subjects x columns
         What `design` made of a formula, or a matrix. Without the tested columns it must hold the
         constant.
