@@ -382,8 +382,10 @@ def test_other_errors_are_told(groups):
     with pytest.raises(ValueError, match="columns are given, but a design has its own"):
         named = statistics.design("a", {"a": range(30)})
         statistics.edgewise_glm(data, named, [0, 1], columns=["b", "c"])
-    with pytest.raises(ValueError, match=r"distances has shape \(3,\)|distances"):
+    with pytest.raises(ValueError, match=r"distances has shape \(3, 3\): expected one value per edge"):
         statistics.qcfc(data, np.arange(30.0), distances=np.zeros((3, 3)))
+    with pytest.raises(ValueError, match=r"covariates has shape \(30,\): expected subjects x columns"):
+        statistics.qcfc(data, np.arange(30.0), covariates=np.zeros(30))
     with pytest.raises(ValueError, match=r"distances has shape \(30,\): expected subjects x subjects"):
         statistics.distance_anova(np.zeros(30), design, [0, 1])
     with pytest.raises(ValueError, match="session"):
