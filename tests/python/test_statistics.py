@@ -271,13 +271,22 @@ def test_seeds_and_blocks(groups):
 def test_an_interrupt_ends_a_long_test():
     """It would run for hours."""
     script = """
-import threading, os, signal, numpy as np
+import threading, os, signal, sys, time, numpy as np
 from nodalis import statistics
+main = threading.main_thread().ident
+def is_computing():
+    begun = time.process_time()
+    while time.process_time() - begun < 0.5:
+        if sys._current_frames()[main].f_code.co_name != "edgewise_glm":
+            return False
+        time.sleep(0.01)
+    return True
 def interrupt():
-    while not done:
+    while not is_computing():
+        pass
+    while not ended.is_set():
         os.kill(os.getpid(), signal.SIGINT)
-        if ended.wait(0.1):
-            return
+        ended.wait(0.1)
 done, ended = [], threading.Event()
 design = np.column_stack([np.ones(40), np.arange(40) % 2])
 data = np.random.default_rng(1).normal(size=(40, 4950))
