@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <functional>
+
 #include <nodalis/nodalis.h>
 
 #include "python/arrays.h"
@@ -10,18 +12,28 @@ namespace bindings
 namespace
 {
 
-using NodeMeasure = Eigen::ArrayXf (*)(const Eigen::MatrixXf &);
-using GraphMeasure = float (*)(const Eigen::MatrixXf &);
+using nodalis::Effort;
+using NodeMeasure = std::function<Eigen::ArrayXf(const Eigen::MatrixXf &, const Effort &)>;
+
+/// Of a graph alone all threads are for it, of a stack each graph has one.
+Effort effort_of(const Graphs &graphs, int threads)
+{
+    return {graphs.is_stack() ? 1 : threads, [](double) {
+                heed_signals();
+                return true;
+            }};
+}
 
 /// k x nodes of a stack, else nodes.
-py::array of_nodes(NodeMeasure measure, const py::object &matrix, int threads)
+py::array of_nodes(const NodeMeasure &measure, const py::object &matrix, int threads)
 {
     const Graphs graphs(matrix, "matrix");
+    const Effort effort = effort_of(graphs, threads);
     if (!graphs.is_stack()) {
         Eigen::ArrayXf values;
         {
             const py::gil_scoped_release release;
-            values = measure(graphs.graph(0));
+            values = measure(graphs.graph(0), effort);
         }
         return to_numpy(std::move(values));
     }
@@ -29,21 +41,22 @@ py::array of_nodes(NodeMeasure measure, const py::object &matrix, int threads)
     {
         const py::gil_scoped_release release;
         statistics::for_each_chunk(graphs.count(), threads, [&](Index graph, int) {
-            values.row(graph) = measure(graphs.graph(graph)).matrix().transpose();
+            values.row(graph) = measure(graphs.graph(graph), effort).matrix().transpose();
         });
     }
     return to_numpy(std::move(values));
 }
 
 /// One number per graph of a stack, else a number.
-py::object of_graphs(GraphMeasure measure, const py::object &matrix, int threads)
+py::object global_efficiency(const py::object &matrix, int threads)
 {
     const Graphs graphs(matrix, "matrix");
+    const Effort effort = effort_of(graphs, threads);
     Eigen::ArrayXf values(graphs.count());
     {
         const py::gil_scoped_release release;
         statistics::for_each_chunk(graphs.count(), threads, [&](Index graph, int) {
-            values(graph) = measure(graphs.graph(graph));
+            values(graph) = nodalis::global_efficiency(graphs.graph(graph), effort);
         });
     }
     if (!graphs.is_stack()) {
@@ -102,18 +115,21 @@ void add_measures(py::module_ &module)
             },
             py::arg("matrix"), py::arg("threads"));
     };
-    add_of_nodes("degree", nodalis::degree);
-    add_of_nodes("strength", nodalis::strength);
-    add_of_nodes("clustering_coeff", nodalis::clustering_coeff);
-    add_of_nodes("local_efficiency", nodalis::local_efficiency);
-    add_of_nodes("nodal_global_efficiency", nodalis::nodal_global_efficiency);
-    add_of_nodes("eigenvector_centrality", nodalis::eigenvector_centrality);
-    module.def(
-        "global_efficiency",
-        [](const py::object &matrix, int threads) {
-            return of_graphs(nodalis::global_efficiency, matrix, threads);
-        },
-        py::arg("matrix"), py::arg("threads"));
+    // These take a moment at most, and one thread.
+    using Quick = Eigen::ArrayXf (*)(const Eigen::MatrixXf &);
+    const auto add_quick = [&add_of_nodes](const char *name, Quick measure) {
+        add_of_nodes(name, [measure](const Eigen::MatrixXf &graph, const Effort &) {
+            return measure(graph);
+        });
+    };
+    using Long = Eigen::ArrayXf (*)(const Eigen::MatrixXf &, const Effort &);
+    add_quick("degree", nodalis::degree);
+    add_quick("strength", nodalis::strength);
+    add_quick("clustering_coeff", nodalis::clustering_coeff);
+    add_quick("eigenvector_centrality", nodalis::eigenvector_centrality);
+    add_of_nodes("local_efficiency", Long{nodalis::local_efficiency});
+    add_of_nodes("nodal_global_efficiency", Long{nodalis::nodal_global_efficiency});
+    module.def("global_efficiency", global_efficiency, py::arg("matrix"), py::arg("threads"));
     module.def("treatment", treated, py::arg("matrix"), py::arg("threads"));
     module.def("to_csv", write_csv, py::arg("matrix"), py::arg("path"));
     module.def("version", nodalis::version);

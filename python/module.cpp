@@ -6,6 +6,19 @@
 #include "signals/error.h"
 #include "statistics/error.h"
 
+namespace bindings
+{
+
+void heed_signals()
+{
+    const pybind11::gil_scoped_acquire acquire;
+    if (PyErr_CheckSignals() != 0) {
+        throw pybind11::error_already_set();
+    }
+}
+
+} // namespace bindings
+
 PYBIND11_MODULE(_nodalis, module)
 {
     pybind11::register_exception_translator([](std::exception_ptr thrown) {

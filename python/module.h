@@ -10,6 +10,10 @@
 namespace bindings
 {
 
+/// Lets Ctrl-C end work that takes long: called from time to time while the interpreter's lock is
+/// released. Throws what the signal's handler raised.
+void heed_signals();
+
 void add_measures(pybind11::module_ &module);
 void add_spectra(pybind11::module_ &module);
 void add_trees(pybind11::module_ &module);

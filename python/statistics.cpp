@@ -263,15 +263,6 @@ py::list networks_as_list(std::vector<statistics::NetworkResult> networks, Index
     return list;
 }
 
-/// Lets Ctrl-C end a long test.
-void heed_signals(Index, Index)
-{
-    const py::gil_scoped_acquire acquire;
-    if (PyErr_CheckSignals() != 0) {
-        throw py::error_already_set();
-    }
-}
-
 py::dict permutation_test(const py::object &data, const py::object &design,
                           const std::vector<std::string> &columns, const py::object &contrast,
                           const std::string &sides, const std::vector<double> &thresholds,
@@ -286,7 +277,7 @@ py::dict permutation_test(const py::object &data, const py::object &design,
     options.sides = sides_named(sides);
     options.thresholds = thresholds;
     options.threads = threads;
-    options.progress = heed_signals;
+    options.progress = [](Index, Index) { heed_signals(); };
     const statistics::Rearrangements rearrangements =
         rearrangements_of({permutations, seed, exchange, blocks, given}, hypothesis);
     statistics::PermutationTestResult found;

@@ -191,7 +191,7 @@ private:
             return;
         }
         Progress further = progress;
-        further.lengths.relax(shared);
+        further.lengths.relax(shared, *m_report);
         for (const int node : shared) {
             further.done[node] = 1;
         }
@@ -270,7 +270,7 @@ private:
         PathLengths inside(progress.lengths, near);
         // The last panel is applied while summing up.
         const std::size_t last = std::min(left.size(), std::size_t{PathLengths::panel_depth});
-        inside.relax(Nodes(left_positions.begin(), left_positions.end() - last));
+        inside.relax(Nodes(left_positions.begin(), left_positions.end() - last), *m_report);
         return weighted_inverse_sum(inside,
                                     Nodes(left_positions.end() - last, left_positions.end()),
                                     m_graph.roots(near, node));

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <numeric>
 
-#include "parallel.h"
-
 namespace nodalis::detail
 {
 namespace
@@ -57,11 +55,12 @@ PathLengths::PathLengths(const PathLengths &whole, const std::vector<int> &nodes
     }
 }
 
-void PathLengths::relax(const std::vector<int> &through)
+void PathLengths::relax(const std::vector<int> &through, Report &report)
 {
     const int count = static_cast<int>(through.size());
     for (int k = 0; k < count; k += panel_depth) {
         relax(Panel(*this, through.data() + k, std::min(panel_depth, count - k)), 1);
+        report.add(0.0);
     }
 }
 

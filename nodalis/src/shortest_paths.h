@@ -8,6 +8,7 @@
 #include <Eigen/Core>
 #include <nodalis/effort.h>
 
+#include "parallel.h"
 #include "tiles.h"
 
 namespace nodalis::detail
@@ -35,7 +36,8 @@ public:
     int width() const { return m_lengths.width(); }
     const Tile &tile(int i, int j) const { return m_lengths.tile(i, j); }
 
-    void relax(const std::vector<int> &through);
+    /// Tells \p report between panels that the work goes on. Throws Ended.
+    void relax(const std::vector<int> &through, Report &report);
     /// Throws Ended.
     void relax_all(const Effort &effort);
 

@@ -134,7 +134,7 @@ def local_efficiency(matrix, *, threads=0):
     matrix : array, n x n or k x n x n
         Weights in any unit; float64 is rounded to float32. Negative ones are no edges.
     threads : int
-        For a stack; 0 is one per processor.
+        0 is one per processor. They do not change the result.
 
     Returns
     -------
@@ -171,7 +171,7 @@ def global_efficiency(matrix, *, threads=0):
     matrix : array, n x n or k x n x n
         Weights in any unit; float64 is rounded to float32. Negative ones are no edges.
     threads : int
-        For a stack; 0 is one per processor.
+        0 is one per processor. They do not change the result.
 
     Returns
     -------
@@ -209,7 +209,7 @@ def nodal_global_efficiency(matrix, *, threads=0):
     matrix : array, n x n or k x n x n
         Weights in any unit; float64 is rounded to float32. Negative ones are no edges.
     threads : int
-        For a stack; 0 is one per processor.
+        0 is one per processor. They do not change the result.
 
     Returns
     -------

@@ -3,8 +3,6 @@
 
 import csv
 import json
-import subprocess
-import sys
 
 import numpy as np
 import pytest
@@ -266,43 +264,6 @@ def test_seeds_and_blocks(groups):
     assert (p(blocks=sites) != p()).any()
     with pytest.raises(ValueError, match="same within every block"):
         p(blocks=design[:, 1].tolist())
-
-
-def test_an_interrupt_ends_a_long_test():
-    """It would run for hours."""
-    script = """
-import threading, os, signal, sys, time, numpy as np
-from nodalis import statistics
-main = threading.main_thread().ident
-def is_computing():
-    begun = time.process_time()
-    while time.process_time() - begun < 0.5:
-        if sys._current_frames()[main].f_code.co_name != "edgewise_glm":
-            return False
-        time.sleep(0.01)
-    return True
-def interrupt():
-    while not is_computing():
-        pass
-    while not ended.is_set():
-        os.kill(os.getpid(), signal.SIGINT)
-        ended.wait(0.1)
-done, ended = [], threading.Event()
-design = np.column_stack([np.ones(40), np.arange(40) % 2])
-data = np.random.default_rng(1).normal(size=(40, 4950))
-thread = threading.Thread(target=interrupt)
-try:
-    thread.start()
-    statistics.edgewise_glm(data, design, [0, 1], permutations=10**8)
-except KeyboardInterrupt:
-    done.append(True)
-    ended.set()
-signal.signal(signal.SIGINT, signal.SIG_IGN)
-thread.join()
-print("interrupted" if done else "not interrupted")
-"""
-    said = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=200)
-    assert said.stdout == "interrupted\n", said.stderr
 
 
 # ---- designs
