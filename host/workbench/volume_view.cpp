@@ -9,6 +9,7 @@
 #include <QGridLayout>
 #include <QSignalBlocker>
 #include <QStatusTipEvent>
+#include <QTimer>
 #include <QtConcurrent>
 #include <cmath>
 
@@ -112,7 +113,24 @@ void VolumeView::showAlone(std::optional<SlicePlane> plane)
     }
     if (hadFocus)
         focusSlices();
+    fitAgain();
     Q_EMIT aloneChanged();
+}
+
+void VolumeView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitAgain();
+}
+
+/// What was fitted stays so when the slices have more or less room, once that is known.
+void VolumeView::fitAgain()
+{
+    if (m_fit)
+        QTimer::singleShot(0, this, [this] {
+            if (m_fit)
+                showBox(CubeBox(*m_fit));
+        });
 }
 
 void VolumeView::connectControls()
