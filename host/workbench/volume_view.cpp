@@ -7,6 +7,7 @@
 #include "ui_slice_controls.h"
 
 #include <QGridLayout>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QStatusTipEvent>
 #include <QTimer>
@@ -68,8 +69,16 @@ VolumeView::VolumeView(QWidget *parent)
         m_layout->addWidget(slice, cells[n].y(), cells[n].x());
         m_slices += slice;
     }
-    m_controls = new QWidget(this);
-    m_ui->setupUi(m_controls);
+    auto *const controls = new QWidget;
+    m_ui->setupUi(controls);
+    // On a small screen they are no reason for a window that does not fit it.
+    auto *const area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(controls);
+    area->setMinimumWidth(controls->minimumSizeHint().width());
+    m_controls = area;
     // Texts that come and go may not move the slices.
     for (QLabel *text : {m_ui->intensity, m_ui->mouse}) {
         text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);

@@ -531,6 +531,15 @@ TEST_F(RunShown, ARightClickHasThePictureAndTheTableOfTheCourse)
 
 // ---- looking
 
+TEST_F(VolumeViewTest, TheWindowFitsASmallScreenOfManyPixelsForEachPoint)
+{
+    // 1600 x 1000 with a scale of 2, less the frame.
+    putBytes(folder.path("a.vtc"), smallVtcBytes());
+    window.openFiles({folder.path("a.vtc")});
+    EXPECT_LE(window.minimumSizeHint().width(), 796);
+    EXPECT_LE(window.minimumSizeHint().height(), 474);
+}
+
 TEST_F(VolumeViewTest, ADoubleClickOrReturnFillsThePaneWithOneSlice)
 {
     const QSize small = axial->size();
