@@ -4,6 +4,7 @@
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
 #include "host/tour/tour_stage.h"
+#include "host/workbench/screen_fit.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -77,16 +78,17 @@ void Tour::start()
     if (m_goodBye) {
         qApp->installEventFilter(this);
         m_card = std::make_unique<TourCard>();
-        if (QWidget *const first = m_steps.empty() ? nullptr : m_steps.front().target())
-            arrangeWindows(first->window());
     }
     m_timer.start();
 }
 
 void Tour::look()
 {
-    if (m_isPlaying)
+    if (m_isPlaying) {
+        if (m_isWaiting && m_front && framesOnStage(m_front) != m_frames)
+            arrange(m_front);
         return;
+    }
     if (m_next == m_steps.size()) {
         if (m_goodBye)
             showEnd();
@@ -96,6 +98,14 @@ void Tour::look()
     }
     const TourStep &step = m_steps[m_next];
     QWidget *const target = step.target();
+    if (m_goodBye && m_next == 0 && !m_isArranged && target != nullptr) {
+        // The first window may just have come up: its frame is not known before some time.
+        constexpr int patience = 20;
+        if (frameOf(*target->window()).isNull() && ++m_looks < patience)
+            return;
+        m_isArranged = true;
+        arrange(target->window());
+    }
     const bool isThere = target != nullptr && target->isVisible();
     const bool isPictured = isThere && !step.picture.isEmpty() && !m_folder.isEmpty();
     const QImage picture = isPictured ? pictureOf(target->window()) : QImage();
@@ -154,12 +164,21 @@ bool Tour::keepPicture(const TourStep &step)
     return true;
 }
 
+void Tour::arrange(QWidget *front)
+{
+    arrangeWindows(front);
+    m_front = front;
+    m_frames = framesOnStage(front);
+}
+
 void Tour::showCard(const TourStep &step, QWidget *target)
 {
     QWidget *const window = target->window();
     // A menu closes when what is behind it moves.
     if (window->windowType() != Qt::Popup)
-        arrangeWindows(window);
+        arrange(window);
+    else
+        m_front = nullptr;
     m_column = stageOf(window->screen()->availableGeometry()).card;
     m_window = windowBehind(window)->frameGeometry();
     m_shown.push_back({static_cast<int>(m_shown.size()) + 1, m_captionCount, step.title,
@@ -174,7 +193,7 @@ void Tour::showEnd()
     m_timer.stop();
     m_isOver = true;
     if (QWidget *const first = m_steps.empty() ? nullptr : m_steps.front().target())
-        arrangeWindows(first->window());
+        arrange(first->window());
     if (m_column.isNull())
         m_column = stageOf(QGuiApplication::primaryScreen()->availableGeometry()).card;
     m_lookedAt = m_shown.size();

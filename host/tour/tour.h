@@ -65,6 +65,7 @@ private:
     void play(const TourStep &step, QWidget *target);
     void goOn();
     bool keepPicture(const TourStep &step);
+    void arrange(QWidget *front);
     void showCard(const TourStep &step, QWidget *target);
     void showEnd();
     void showCaption();
@@ -82,6 +83,9 @@ private:
     std::size_t m_lookedAt = 0;       ///< the one on the card
     bool m_isWaiting = false;         ///< for people
     bool m_isOver = false;            ///< all steps are played
+    bool m_isArranged = false;        ///< the windows, for the first step
+    QPointer<QWidget> m_front;        ///< that the windows were arranged for, unless a menu is open
+    QList<QMargins> m_frames;         ///< of the windows then
     int m_looks = 0;                  ///< in vain, for the step that is next
     bool m_isPlaying = false;
     QPointer<QWidget> m_seen;    ///< the target at the last look

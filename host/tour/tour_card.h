@@ -30,8 +30,8 @@ public:
 
     TourCard();
 
-    /// Shows a caption in a column of the screen: at its top, or at its bottom where a window that is
-    /// wider than the screen has room for reaches into the column.
+    /// Shows a caption in a column of the screen: at its top, or at its bottom where a window that
+    /// is wider than the screen has room for reaches into the column.
     void show(const TourCaption &caption, const QRect &column, const QRect &window);
     using QFrame::show;
 

@@ -22,9 +22,9 @@ bool belongsTo(const QWidget *window, const QWidget *owner)
     return false;
 }
 
-/// The windows that stand on the stage, that of the front first and the workbench last, which can
-/// be of any width.
-QWidgetList windowsBehind(QWidget *front)
+/// The windows that stand on the stage, the front first and the workbench last, which can be of any
+/// width.
+QWidgetList windowsOnStage(QWidget *front)
 {
     QWidgetList windows;
     for (QWidget *window : QApplication::topLevelWidgets()) {
@@ -40,6 +40,7 @@ QWidgetList windowsBehind(QWidget *front)
     };
     std::stable_sort(windows.begin(), windows.end(),
                      [&](QWidget *left, QWidget *right) { return rank(left) < rank(right); });
+    windows.prepend(front);
     return windows;
 }
 
@@ -108,10 +109,9 @@ std::vector<std::optional<QRect>> placesOn(const QRect &stage,
 
 void arrangeWindows(QWidget *front)
 {
-    QWidgetList windows = windowsBehind(front);
-    windows.prepend(front);
+    const QWidgetList windows = windowsOnStage(front);
     std::vector<StageWindow> needs;
-    for (const QWidget *window : qAsConst(windows)) {
+    for (const QWidget *window : windows) {
         needs.push_back(needsOf(*window));
         needs.back().isNeeded = belongsTo(front, window);
     }
@@ -132,6 +132,14 @@ void arrangeWindows(QWidget *front)
     }
     front->raise();
     front->activateWindow();
+}
+
+QList<QMargins> framesOnStage(QWidget *front)
+{
+    QList<QMargins> frames;
+    for (const QWidget *window : windowsOnStage(front))
+        frames += frameOf(*window);
+    return frames;
 }
 
 } // namespace corvane

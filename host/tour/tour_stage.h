@@ -32,13 +32,17 @@ struct Stage {
 Stage stageOf(const QRect &screen);
 
 /// Places for the insides of windows on a stage, in columns from the right, those that matter most
-/// first: the first always has one, and the last takes all that is left. None for those that have no
-/// room.
+/// first: the first always has one, and the last takes all that is left. None for those that have
+/// no room.
 std::vector<std::optional<QRect>> placesOn(const QRect &stage,
                                            const std::vector<StageWindow> &windows);
 
 /// Arranges the windows of the program on the screen of `front`, which matters most; those that
 /// have no room are minimised, unless `front` belongs to them. Windows of menus and tips stay.
 void arrangeWindows(QWidget *front);
+
+/// The frames of the windows that arrangeWindows arranges. The system tells of a frame some time
+/// after its window came up: once they have changed, the windows are to be arranged again.
+QList<QMargins> framesOnStage(QWidget *front);
 
 } // namespace corvane

@@ -149,7 +149,12 @@ void Workflow::chooseEntry(const char *text)
 void Workflow::chooseFile(const QString &path)
 {
     act([] { return part("QFileDialog", "fileNameEdit"); },
-        [path](QWidget *line) { enterText(line, path); });
+        [path](QWidget *line) {
+            // The example lies in a hidden folder, of which the dialog knows no files else.
+            auto *const dialog = qobject_cast<QFileDialog *>(line->window());
+            dialog->setFilter(dialog->filter() | QDir::Hidden);
+            enterText(line, path);
+        });
     act(
         []() -> QWidget * {
             const QWidget *const dialog = windowOf("QFileDialog");

@@ -30,29 +30,45 @@ std::vector<double> ofEachPoint(const VtcFile &vtc, const std::atomic<bool> &isO
     return values;
 }
 
-/// Whether a value is one that was recorded.
-bool isSomething(double value)
+/// The value that a part of some are below or at. There is at least one.
+double percentile(std::vector<double> &some, double part)
 {
-    return std::isfinite(value) && value != 0;
+    const auto nth =
+        some.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(some.size() - 1));
+    std::nth_element(some.begin(), nth, some.end());
+    return *nth;
 }
 
-/// The 2nd and the 98th percentile of what was recorded.
-std::pair<double, double> scaleOf(const std::vector<double> &values)
+/// What the colours go by: values between -least and least have none.
+struct Scale {
+    double least = 0;
+    double low = 0;
+    double high = 1;
+
+    bool shows(double value) const
+    {
+        return std::isfinite(value) && value != 0 && std::abs(value) >= least;
+    }
+};
+
+Scale scaleOf(const std::vector<double> &values)
 {
+    Scale scale;
     std::vector<double> some;
-    std::copy_if(values.begin(), values.end(), std::back_inserter(some), isSomething);
+    for (const double value : values)
+        if (scale.shows(value))
+            some.push_back(std::abs(value));
     if (some.empty())
-        return {0, 1};
-    const auto percentile = [&some](double part) {
-        const auto nth =
-            some.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(some.size() - 1));
-        std::nth_element(some.begin(), nth, some.end());
-        return *nth;
-    };
-    const double low = percentile(0.02);
-    const double high = percentile(0.98);
-    // Of one value alone: the light end.
-    return {low < high ? low : low - 1, high};
+        return scale;
+    scale.least = 0.1 * percentile(some, 0.98);
+    some.clear();
+    std::copy_if(values.begin(), values.end(), std::back_inserter(some),
+                 [&scale](double value) { return scale.shows(value); });
+    scale.high = percentile(some, 0.98);
+    scale.low = percentile(some, 0.02);
+    if (!(scale.low < scale.high)) // of one value alone: the light end
+        scale.low = scale.high - 1;
+    return scale;
 }
 
 } // namespace
@@ -89,12 +105,12 @@ RunOverlay::RunOverlay(const RunLattice &lattice, std::vector<double> values, Co
         for (int coordinate = 0; coordinate < Vmr::size; ++coordinate)
             m_nearest[axis].push_back(nearestSample(coordinate, lattice.start[axis],
                                                     lattice.resolution, lattice.size[axis]));
-    const auto [low, high] = scaleOf(m_values);
+    const Scale scale = scaleOf(m_values);
     m_colours.reserve(m_values.size());
-    for (const double value : m_values)
-        m_colours.push_back(isSomething(value)
-                                ? sequentialColour(map, (value - low) / (high - low)).rgb()
-                                : QRgb(0));
+    for (const double value : m_values) {
+        const double share = (value - scale.low) / (scale.high - scale.low);
+        m_colours.push_back(scale.shows(value) ? sequentialColour(map, share).rgb() : QRgb(0));
+    }
 }
 
 qint64 RunOverlay::sampleAt(const CubeVoxel &voxel) const

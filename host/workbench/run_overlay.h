@@ -34,8 +34,9 @@ struct RunLattice {
 RunLattice latticeOf(const VtcInfo &info);
 
 /// One value of each sample of a run as colours of the cube. A sample colours the voxels that it is
-/// the nearest one of. The scale runs from the 2nd to the 98th percentile of what is not 0; values
-/// of 0, where nothing was recorded, and those that are not finite leave the anatomy as it is.
+/// the nearest one of. The scale runs from the 2nd to the 98th percentile of what has a colour.
+/// Values whose size is below a tenth of the 98th percentile, as around the head, and those that
+/// are not finite leave the anatomy as it is.
 class RunOverlay
 {
 public:

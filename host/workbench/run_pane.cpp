@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QSpinBox>
@@ -36,7 +37,14 @@ RunPane::RunPane(QWidget *parent) : QDockWidget(tr("Functional Run"), parent)
     column->addWidget(m_controls);
     column->addStretch();
     makeControls();
-    setWidget(content);
+    // On a small screen it is no reason for a window that does not fit it.
+    auto *const area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(content);
+    area->setMinimumWidth(content->minimumSizeHint().width());
+    setWidget(area);
     setRun(nullptr);
 }
 

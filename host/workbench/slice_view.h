@@ -52,7 +52,7 @@ public:
     QPointF placeOf(const CubeVoxel &voxel) const;
 
     QSize sizeHint() const override { return {360, 360}; }
-    QSize minimumSizeHint() const override { return {120, 120}; }
+    QSize minimumSizeHint() const override { return {120, 96}; }
 
 Q_SIGNALS:
     void picked(const CubeVoxel &voxel);

@@ -7,8 +7,10 @@
 #include "ui_slice_controls.h"
 
 #include <QGridLayout>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QStatusTipEvent>
+#include <QTimer>
 #include <QtConcurrent>
 #include <cmath>
 
@@ -67,8 +69,16 @@ VolumeView::VolumeView(QWidget *parent)
         m_layout->addWidget(slice, cells[n].y(), cells[n].x());
         m_slices += slice;
     }
-    m_controls = new QWidget(this);
-    m_ui->setupUi(m_controls);
+    auto *const controls = new QWidget;
+    m_ui->setupUi(controls);
+    // On a small screen they are no reason for a window that does not fit it.
+    auto *const area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(controls);
+    area->setMinimumWidth(controls->minimumSizeHint().width());
+    m_controls = area;
     // Texts that come and go may not move the slices.
     for (QLabel *text : {m_ui->intensity, m_ui->mouse}) {
         text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -112,7 +122,24 @@ void VolumeView::showAlone(std::optional<SlicePlane> plane)
     }
     if (hadFocus)
         focusSlices();
+    fitAgain();
     Q_EMIT aloneChanged();
+}
+
+void VolumeView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitAgain();
+}
+
+/// What was fitted stays so when the slices have more or less room, once that is known.
+void VolumeView::fitAgain()
+{
+    if (m_fit)
+        QTimer::singleShot(0, this, [this] {
+            if (m_fit)
+                showBox(CubeBox(*m_fit));
+        });
 }
 
 void VolumeView::connectControls()

@@ -55,6 +55,9 @@ Q_SIGNALS:
     void crossMoved();
     void aloneChanged();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     struct Look {
         CubeVoxel cross;
@@ -66,6 +69,7 @@ private:
     void connectControls();
     void follow();
     void showBox(const CubeBox &box);
+    void fitAgain();
     void goToTyped();
     void tellCross();
     void tellMouse(const CubeVoxel &voxel);

@@ -38,7 +38,8 @@ protected:
     TourFromTheMenu()
     {
         QSettings().clear();
-        qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+        // Hidden, as it is where users have it.
+        qputenv("XDG_DATA_HOME", folder.path(".local/share").toUtf8());
         new GuidedTour(window);
         window.show();
         window.activateWindow();

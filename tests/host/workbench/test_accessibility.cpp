@@ -51,9 +51,7 @@ class Accessibility : public testing::TestWithParam<HostWindow>
 
 TEST_P(Accessibility, EachControlHasAName)
 {
-    GetParam().show([](QWidget &window) {
-        EXPECT_GT(expectNames(window), 0);
-    });
+    GetParam().show([](QWidget &window) { EXPECT_GT(expectNames(window), 0); });
 }
 
 TEST_P(Accessibility, TabReachesEachControl)

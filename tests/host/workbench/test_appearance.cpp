@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QTest>
 #include <cmath>
@@ -121,6 +122,15 @@ bool isWindowButton(const QWidget *widget)
             qobject_cast<const QTabBar *>(widget->parentWidget()));
 }
 
+/// In a pane that scrolls, and not all of it in sight now.
+bool isScrolledAway(const QWidget *widget)
+{
+    for (const QWidget *area = widget->parentWidget(); area != nullptr; area = area->parentWidget())
+        if (qobject_cast<const QScrollArea *>(area))
+            return widget->visibleRegion().boundingRect() != widget->rect();
+    return false;
+}
+
 std::string nameOf(const QWidget *widget)
 {
     return widget->metaObject()->className() +
@@ -148,6 +158,7 @@ protected:
                 const bool isEmptyLine = qobject_cast<QLineEdit *>(part) &&
                                          qobject_cast<QLineEdit *>(part)->text().isEmpty();
                 if (!part->isVisible() || !part->isEnabled() || isEmptyLine ||
+                    isScrolledAway(part) ||
                     !(showsText(part) || paintsItself(part) || isWindowButton(part)))
                     continue;
                 ++looked;

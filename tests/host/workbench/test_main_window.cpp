@@ -16,6 +16,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QSettings>
 #include <QSplitter>
 #include <QTest>
@@ -189,6 +190,23 @@ TEST(ScreenFitTest, AWindowFitsItsScreenWithItsFrame)
     EXPECT_EQ(fitted({2, 22, 1400, 850}, frame, screen), QRect(2, 44, 1276, 673));
     EXPECT_EQ(fitted({900, 400, 600, 400}, frame, screen), QRect(678, 317, 600, 400));
     EXPECT_EQ(fitted({-50, 0, 600, 400}, frame, screen), QRect(2, 44, 600, 400));
+}
+
+TEST_F(MainWindowTest, FitsADisplayWithAWindowManagerWithItsFrame)
+{
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        GTEST_SKIP() << "this platform has no window manager; on_display.sh brings one";
+    new ScreenFit(window);
+    window.resize(3000, 2000);
+    showWindow();
+    const QRect screen = window.screen()->availableGeometry();
+    const bool isFitted = QTest::qWaitFor([&] {
+        return window.frameGeometry().height() > window.height() &&
+               screen.contains(window.frameGeometry());
+    });
+    EXPECT_TRUE(isFitted);
+    EXPECT_GT(window.width(), screen.width() - 20);
+    EXPECT_GT(window.height(), screen.height() - 60);
 }
 
 TEST_F(MainWindowTest, TellsAllThatCannotBeOpenedInOneMessage)

@@ -9,6 +9,7 @@
 #include "tests/host/support/host_files.h"
 
 #include <gmock/gmock.h>
+#include <numeric>
 
 namespace corvane
 {
@@ -231,6 +232,19 @@ TEST(RunOverlay, ColoursWhatWasRecordedFromTheDarkToTheLightEnd)
     layers.voiOpacity = 1;
     EXPECT_EQ(sliceImage(black, SlicePlane::Sagittal, 30, {128, 256}, layers).pixel(16, 20),
               qRgb(255, 0, 0));
+}
+
+TEST(RunOverlay, LeavesTheNoiseAroundTheHeadWithoutColour)
+{
+    const RunLattice lattice{{0, 0, 0}, {100, 1, 1}, 1};
+    std::vector<double> values(100, 20);
+    std::iota(values.begin() + 40, values.end(), 900);
+    const RunOverlay run(lattice, values, ColourMap::Grey);
+    EXPECT_EQ(run.colourAt({10, 0, 0}), QRgb(0));
+    EXPECT_EQ(run.valueAt({10, 0, 0}), std::optional(20.0));
+    // The scale is that of the head alone.
+    EXPECT_LT(qRed(run.colourAt({42, 0, 0})), 30);
+    EXPECT_GT(qRed(run.colourAt({97, 0, 0})), 225);
 }
 
 TEST(RunOverlay, ReadsTheMeanAndSingleVolumesOfARun)

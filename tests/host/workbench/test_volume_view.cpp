@@ -531,6 +531,15 @@ TEST_F(RunShown, ARightClickHasThePictureAndTheTableOfTheCourse)
 
 // ---- looking
 
+TEST_F(VolumeViewTest, TheWindowFitsASmallScreenOfManyPixelsForEachPoint)
+{
+    // 1600 x 1000 with a scale of 2, less the frame.
+    putBytes(folder.path("a.vtc"), smallVtcBytes());
+    window.openFiles({folder.path("a.vtc")});
+    EXPECT_LE(window.minimumSizeHint().width(), 796);
+    EXPECT_LE(window.minimumSizeHint().height(), 474);
+}
+
 TEST_F(VolumeViewTest, ADoubleClickOrReturnFillsThePaneWithOneSlice)
 {
     const QSize small = axial->size();
@@ -579,8 +588,15 @@ TEST_F(VolumeViewTest, FitsTheSlicesToTheHead)
         filled = std::max({filled, size.x() / slice->width(), size.y() / slice->height()});
     }
     EXPECT_GT(filled, 0.85);
-    // Another tab and back: still fitted.
+    // Another tab and back: still fitted. One slice alone has more room.
     const double zoom = view->scene().zoom;
+    QTest::keyClick(&window, Qt::Key_4, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return axial->placeOf({89, 110, 80}).y() - axial->placeOf({30, 110, 80}).y() >
+               0.8 * axial->height();
+    }));
+    QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::abs(view->scene().zoom - zoom) < 0.01; }));
     workspace.setCurrentDocument(0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return view->scene().zoom == 1; }));
     workspace.setCurrentDocument(1);
