@@ -728,6 +728,7 @@ bool MainWindow::mayLoseResults()
             if (!name.isEmpty())
                 names += name;
         }
+    names.removeDuplicates(); // a window may be a part of another one
     return names.isEmpty() ||
            askUser(tr("Results that exist nowhere else are open: %1.\n\nQuit all the same?")
                        .arg(names.join(QStringLiteral(", "))));
