@@ -52,7 +52,7 @@ protected:
     void closeWorkbench();                            ///< as a user does; it is gone then
     /// Closing asks while results were not exported; not after this.
     static void takeResultsForExported();
-    void startPlugin();                               ///< from its menu
+    void startPlugin(); ///< from its menu
     std::string logged() const;
     Session session;
     std::unique_ptr<MainWindow> workbench;
