@@ -192,7 +192,7 @@ GivenFiles sortGivenFiles(const QStringList &paths)
         if (kind == FileKind::Other)
             given.faults += unknownText(QFileInfo(file).fileName());
         else if (kind == FileKind::Table || (isForeignImage(file) && (images > 1 || isRun(file))))
-            given.toImport += file;
+            given.toImport += QFileInfo(file).absoluteFilePath();
         else
             given.toOpen += file;
     }
@@ -200,7 +200,7 @@ GivenFiles sortGivenFiles(const QStringList &paths)
     if (!given.toImport.isEmpty() && images == 1)
         for (const QString &file : files)
             if (isForeignImage(file) && given.toOpen.removeAll(file) > 0)
-                given.toImport += file;
+                given.toImport += QFileInfo(file).absoluteFilePath();
     return given;
 }
 

@@ -13,7 +13,7 @@ namespace corvane
 
 struct GivenFiles {
     QStringList toOpen;       ///< the host's own files, and one anatomy by itself
-    QStringList toImport;     ///< runs, tables, and images when there are several
+    QStringList toImport;     ///< runs, tables, and images when there are several; absolute paths
     QString dataset;          ///< the folder of a pipeline; empty for none
     QStringList participants; ///< those of the dataset that are meant; empty for all
     QStringList faults;       ///< what cannot be used, and what could be, in a sentence each

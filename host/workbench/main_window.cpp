@@ -10,6 +10,7 @@
 #include "host/workbench/before_cleaning.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
+#include "host/workbench/file_names.h"
 #include "host/workbench/guide.h"
 #include "host/workbench/key_list.h"
 #include "host/workbench/log_pane.h"
@@ -83,12 +84,6 @@ int turnOf(const QString &path)
     if (kind == FileKind::Vtc)
         return 1;
     return kind == FileKind::Voi || kind == FileKind::Prt ? 2 : 0;
-}
-
-/// Without its folder; empty for none.
-QString bareName(const QString &path)
-{
-    return path.isEmpty() ? QString() : QFileInfo(path).fileName();
 }
 
 QString menuText(QString text)
@@ -422,17 +417,20 @@ void MainWindow::showNames()
     const int current = m_workspace.currentDocument();
     const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
-    const QString run = vtc != nullptr ? bareName(vtc->file.path()) : QString();
-    const QString vois = bareName(m_workspace.voiPath());
-    const QString protocol = bareName(m_workspace.protocolPath());
-    QStringList names{bareName(m_workspace.documentPath(current)), run, vois, protocol};
-    names.removeAll(QString());
-    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane").arg(names.join(QStringLiteral(", ")))
+    const QString run = vtc != nullptr ? vtc->file.path() : QString();
+    const QString protocol = m_workspace.protocolPath();
+    QStringList files{m_workspace.documentPath(current), run, m_workspace.voiPath(), protocol};
+    files.removeAll(QString());
+    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane").arg(namesTogether(files))
                           : QStringLiteral("Corvane"));
-    m_vois->setWindowTitle(vois.isEmpty() ? tr("Volumes of Interest")
-                                          : tr("Volumes of Interest: %1").arg(vois));
+    m_vois->setWindowTitle(m_workspace.voiPath().isEmpty()
+                               ? tr("Volumes of Interest")
+                               : tr("VOIs: %1").arg(namesTogether({m_workspace.voiPath()})));
     m_vois->toggleViewAction()->setText(tr("&Volumes of Interest")); // else it has the title
-    m_courseName->setText(protocol.isEmpty() ? run : tr("%1, protocol %2").arg(run, protocol));
+    m_courseName->setText(
+        protocol.isEmpty()
+            ? namesTogether({run})
+            : tr("%1, protocol %2").arg(namesTogether({run}), namesTogether({protocol})));
     m_courseName->setToolTip(vtc != nullptr ? asToolTip(vtc->file.path()) : QString());
     m_courseName->setVisible(vtc != nullptr);
 }
@@ -584,8 +582,10 @@ void MainWindow::openFiles(const QStringList &paths)
     const GivenFiles given = sortGivenFiles(paths);
     faults = given.faults + openNow(given.toOpen);
     std::vector<ImportRequest> requests;
-    if (!given.toImport.isEmpty())
+    if (!given.toImport.isEmpty()) {
+        rememberUserFolder(given.toImport.front());
         requests = requestsOf(given.toImport, faults);
+    }
 #else
     faults = openNow(paths);
 #endif
@@ -867,6 +867,7 @@ bool MainWindow::mayLoseResults()
             if (!name.isEmpty())
                 names += name;
         }
+    names.removeDuplicates(); // a window may be a part of another one
     return names.isEmpty() ||
            askUser(tr("Results that exist nowhere else are open: %1.\n\nQuit all the same?")
                        .arg(names.join(QStringLiteral(", "))));

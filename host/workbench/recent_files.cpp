@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/recent_files.h"
 
+#include "host/workbench/file_names.h"
 #include "plots/plain_text.h"
 
 #include <QFileInfo>
@@ -37,10 +38,7 @@ bool areThere(const QStringList &files)
 
 QString labelOf(const QStringList &files)
 {
-    QStringList names;
-    for (const QString &file : files)
-        names += QFileInfo(file).fileName();
-    return names.join(QStringLiteral(", ")).replace(QLatin1Char('&'), QLatin1String("&&"));
+    return namesTogether(files).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace

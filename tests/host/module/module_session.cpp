@@ -90,8 +90,17 @@ void ModuleSession::openWorkbench(const QStringList &anatomies)
     ASSERT_TRUE(QTest::qWaitForWindowActive(workbench.get()));
 }
 
+void ModuleSession::takeResultsForExported()
+{
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        for (QObject *part : window->findChildren<QObject *>())
+            if (part->property("unsavedResults").isValid())
+                part->setProperty("unsavedResults", QString());
+}
+
 void ModuleSession::closeWorkbench()
 {
+    takeResultsForExported();
     EXPECT_TRUE(workbench->close());
     workbench.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

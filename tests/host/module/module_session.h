@@ -50,7 +50,9 @@ protected:
     // The workbench
     void openWorkbench(const QStringList &anatomies); ///< with the plugins of the build
     void closeWorkbench();                            ///< as a user does; it is gone then
-    void startPlugin();                               ///< from its menu
+    /// Closing asks while results were not exported; not after this.
+    static void takeResultsForExported();
+    void startPlugin(); ///< from its menu
     std::string logged() const;
     Session session;
     std::unique_ptr<MainWindow> workbench;

@@ -108,6 +108,8 @@ protected:
         QWidget *const windows[] = {windowsOf("ConnectivityObjectUI").value(0),
                                     windowsOf("Tessera").value(0), workbench.get()};
         ASSERT_NE(windows[int(end)], nullptr);
+        if (end == End::Workbench)
+            takeResultsForExported();
         EXPECT_TRUE(windows[int(end)]->close());
     }
 
@@ -194,6 +196,28 @@ TEST_F(ModuleClosing, OfTwoSubjectsWithAllTheirPlots)
             settle(end);
         }
     }
+}
+
+TEST_F(ModuleClosing, AsksOnceWhileResultsWereNotExported)
+{
+    begin(2);
+    const auto expectQuestion = [this](const char *names, QMessageBox::StandardButton answer) {
+        modals.expect<QMessageBox>([=](QMessageBox &box) {
+            EXPECT_EQ(box.text().toStdString(),
+                      std::string("Results that exist nowhere else are open: ") + names +
+                          ".\n\nQuit all the same?");
+            QTest::mouseClick(box.button(answer), Qt::LeftButton);
+        });
+    };
+    expectQuestion("subject 0, subject 1", QMessageBox::No);
+    EXPECT_FALSE(workbench->close());
+    ASSERT_EQ(windowsOf("ConnectivityObjectUI").size(), 2);
+    int exported = 0;
+    for (const QWidget *dialog : windowsOf("ConnectivityObjectUI"))
+        exportTo(folder.path(QStringLiteral("matrix%1.csv").arg(++exported)),
+                 [dialog] { click(dialog, "btn_exportConnectivityMatrix"); });
+    EXPECT_TRUE(workbench->close());
+    EXPECT_EQ(modals.remaining(), 0U);
 }
 
 /// The anatomies of the subjects close first: finished results do not need them.

@@ -213,8 +213,9 @@ TEST_F(ImportOpened, ARunGoesToTheImportWithItsFieldsFilled)
     expectImport([this](const ImportRequest &request) {
         EXPECT_EQ(request.functional, folder.path("run.nii"));
         EXPECT_EQ(request.name, QStringLiteral("run"));
+        EXPECT_EQ(userFolder(), folder.path());
     });
-    window.openFiles({folder.path("run.nii")});
+    window.openFiles({QDir::current().relativeFilePath(folder.path("run.nii"))});
     EXPECT_EQ(driver.remaining(), 0U);
     EXPECT_EQ(workspace.documentCount(), 0);
 }
@@ -330,7 +331,8 @@ TEST_F(FolderOpened, ImportsWhatIsTickedAndShowsTheFirst)
     const QList<QAction *> recent =
         window.findChild<QMenu *>(QStringLiteral("recentFiles"))->actions();
     ASSERT_EQ(recent.size(), 4);
-    EXPECT_THAT(recent[1]->text().toStdString(), HasSubstr("sub-02_task-rest_space-T1w.vtc"));
+    EXPECT_THAT(recent[1]->text().toStdString(),
+                HasSubstr("sub-02_task-rest_space-T1w.vmr, .voi, .vtc"));
     recent[1]->trigger();
     ASSERT_EQ(workspace.documentCount(), 2);
     ASSERT_NE(workspace.linkedVtc(), nullptr);
@@ -420,10 +422,9 @@ TEST_F(SubjectOpened, IsNamedInTheTitleAndThePanes)
     window.openFiles(files);
     writePrtFile(folder.path("blocks.prt"), smallPrt());
     window.openFiles({folder.path("blocks.prt")});
-    EXPECT_EQ(window.windowTitle(),
-              QStringLiteral("one.vmr, one.vtc, one.voi, blocks.prt - Corvane"));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("one.vmr, .vtc, .voi, blocks.prt - Corvane"));
     EXPECT_EQ(window.findChild<QDockWidget *>(QStringLiteral("voiPane"))->windowTitle(),
-              QStringLiteral("Volumes of Interest: one.voi"));
+              QStringLiteral("VOIs: one.voi"));
     EXPECT_EQ(child<QLabel>("courseName")->text(), QStringLiteral("one.vtc, protocol blocks.prt"));
     EXPECT_TRUE(child<QLabel>("courseName")->isVisible());
 }
@@ -475,7 +476,7 @@ TEST_F(SubjectOpened, IsOneRecentEntryWithAllItsFiles)
     window.openFiles({files[2]});
     const QList<QAction *> recent = child<QMenu>("recentFiles")->actions();
     ASSERT_EQ(recent.size(), 3);
-    EXPECT_EQ(recent[0]->text(), QStringLiteral("one.vmr, one.vtc, one.voi"));
+    EXPECT_EQ(recent[0]->text(), QStringLiteral("one.vmr, .vtc, .voi"));
     workspace.unloadVois();
     recent[0]->trigger();
     EXPECT_EQ(workspace.documentCount(), 2);
