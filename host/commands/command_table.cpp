@@ -12,7 +12,7 @@ const std::vector<Command> &commands()
 #ifdef CORVANE_IMPORT
         exampleCommand(),    importCommand(),
 #endif
-        compareCommand(),    computeCommand(), graphCommand(),  groupCommand(),
+        compareCommand(),    computeCommand(), graphCommand(),  distanceCommand(), groupCommand(),
 #ifdef CORVANE_IMPORT
         connectomeCommand(), cohortCommand(),  figureCommand(), tourCommand(),
 #endif
