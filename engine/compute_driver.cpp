@@ -145,6 +145,7 @@ void Tessera::addResult(const QSharedPointer<Subject> &subject, const QString &n
     auto *const object = new ConnectivityObject(name, this);
     object->setSubject(subject);
     object->setMatrices(computed.connectivity);
+    object->setUnsaved(true);
     if (subject->computeMst())
         object->setSpanningTrees(computed.trees);
     if (ui->chkBox_ShowResults->isChecked())

@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/connectivity_object.h"
 
+#include <QVariant>
 #include <utility>
 
 ConnectivityObject::ConnectivityObject(QString name, QObject *parent)
     : QObject(parent), m_name(std::move(name))
 {
+}
+
+void ConnectivityObject::setUnsaved(bool unsaved)
+{
+    setProperty("unsavedResults", unsaved ? m_name : QString());
 }
 
 void ConnectivityObject::setMatrices(const std::vector<Eigen::MatrixXf> &matrices)

@@ -57,6 +57,10 @@ public:
     /// Names of the slices by interval start, from the subject's protocol.
     QMap<int, QString> volumeNames() const;
 
+    /// Whether its matrices exist nowhere else. A host that asks before it quits finds the name of
+    /// such a result as the property "unsavedResults".
+    void setUnsaved(bool unsaved);
+
     /// Shows the results dialog, making it when there is none.
     void showResults();
 

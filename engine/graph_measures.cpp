@@ -6,6 +6,16 @@
 
 #include <algorithm>
 
+namespace
+{
+
+Eigen::ArrayXf globalEfficiencyColumn(const Eigen::MatrixXf &matrix, const nodalis::Effort &effort)
+{
+    return Eigen::ArrayXf::Constant(matrix.rows(), nodalis::global_efficiency(matrix, effort));
+}
+
+} // namespace
+
 const std::vector<GraphMeasure> &graphMeasures()
 {
     static const std::vector<GraphMeasure> measures = {
@@ -17,11 +27,11 @@ const std::vector<GraphMeasure> &graphMeasures()
         {"Segragation", "local_efficiency", "local_efficiency", "Local efficiency",
          "The local efficiency is the global efficiency computed on the neighborhood of the node, "
          "and is related to the clustering coefficient.",
-         "Local Efficiency", true, nodalis::local_efficiency},
+         "Local Efficiency", true, nodalis::local_efficiency, nullptr, nodalis::local_efficiency},
         {"Integration", "global_efficiency", "global_efficiency", "Global efficiency",
          "The global efficiency is the average inverse shortest path length in the network, and is "
          "inversely related to the characteristic path length.",
-         "Global Efficiency", false, nullptr, nodalis::global_efficiency},
+         "Global Efficiency", false, nullptr, nodalis::global_efficiency, globalEfficiencyColumn},
         {"Centrality", "degree", "degree", "Degree",
          "Measure the importance of each node through their number/weights of connections.",
          "Degree", false, nodalis::degree},
@@ -35,7 +45,8 @@ const std::vector<GraphMeasure> &graphMeasures()
         {"Nodal Features", "nodal_ge", "nodal_global_efficiency", "Nodal Global Efficiency",
          "The average of the inverse shortest path length from a node to all the other in the "
          "graph.",
-         "Nodal Global Efficiency", true, nodalis::nodal_global_efficiency},
+         "Nodal Global Efficiency", true, nodalis::nodal_global_efficiency, nullptr,
+         nodalis::nodal_global_efficiency},
     };
     return measures;
 }
@@ -58,8 +69,11 @@ std::vector<GraphMeasure> graphMeasuresOfTables()
     return measures;
 }
 
-Eigen::ArrayXf columnOf(const GraphMeasure &measure, const Eigen::MatrixXf &matrix)
+Eigen::ArrayXf columnOf(const GraphMeasure &measure, const Eigen::MatrixXf &matrix,
+                        const nodalis::Effort &effort)
 {
+    if (measure.withEffort != nullptr)
+        return measure.withEffort(matrix, effort);
     return measure.perNode != nullptr
                ? measure.perNode(matrix)
                : Eigen::ArrayXf::Constant(matrix.rows(), measure.perMatrix(matrix)).eval();

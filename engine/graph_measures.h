@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Eigen/Core>
+#include <nodalis/effort.h>
 
 #include <vector>
 
@@ -19,6 +20,9 @@ struct GraphMeasure {
     bool isLong;       ///< the user is asked before it runs on a large matrix
     Eigen::ArrayXf (*perNode)(const Eigen::MatrixXf &matrix);
     float (*perMatrix)(const Eigen::MatrixXf &matrix) = nullptr;
+    /// The same with threads and progress, for one per node that may take minutes; else null.
+    Eigen::ArrayXf (*withEffort)(const Eigen::MatrixXf &matrix,
+                                 const nodalis::Effort &effort) = nullptr;
 };
 
 /// All measures in the order of the dialog, those of one heading together.
@@ -31,7 +35,9 @@ const GraphMeasure *graphMeasure(const QString &key);
 std::vector<GraphMeasure> graphMeasuresOfTables();
 
 /// The column of a measure: a value per node, for a measure of the matrix its one value for each.
-Eigen::ArrayXf columnOf(const GraphMeasure &measure, const Eigen::MatrixXf &matrix);
+/// Throws nodalis::Ended.
+Eigen::ArrayXf columnOf(const GraphMeasure &measure, const Eigen::MatrixXf &matrix,
+                        const nodalis::Effort &effort = {});
 
 /// The values of a measure that has one per node: a list for each matrix.
 std::vector<std::vector<float>> valuesPerNode(const GraphMeasure &measure,

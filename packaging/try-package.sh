@@ -6,8 +6,8 @@
 #
 #   packaging/try-package.sh [--root DIR]
 #
-# Needs root, debootstrap, the packages of the group `python`, and lintian for its remarks. DIR is a fresh root made by debootstrap
-# before; it is copied. Takes about ten minutes, most of them for building and for downloads.
+# Needs root, debootstrap, the packages of the group `python`, and lintian for its remarks. DIR is a
+# fresh root made by debootstrap before; it is copied. Takes about ten minutes, most of them for building and for downloads.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fresh=

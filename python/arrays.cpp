@@ -91,7 +91,7 @@ void Numbers::refuse(const std::string &expected) const
                           expected);
 }
 
-Eigen::VectorXd Numbers::vector(const char *expected) const
+Eigen::VectorXd Numbers::vector(const std::string &expected) const
 {
     if (dimensions() != 1) {
         refuse(expected);
@@ -107,7 +107,7 @@ Eigen::VectorXd Numbers::vector(const char *expected) const
     return copied;
 }
 
-Eigen::MatrixXd Numbers::matrix(const char *expected) const
+Eigen::MatrixXd Numbers::matrix(const std::string &expected) const
 {
     if (dimensions() != 2) {
         refuse(expected);
@@ -162,13 +162,6 @@ Eigen::MatrixXf Graphs::graph(Index index) const
     return copied;
 }
 
-Eigen::MatrixXd Graphs::exact_graph(Index index) const
-{
-    Eigen::MatrixXd copied;
-    copy(m_numbers.plane(index), copied);
-    return copied;
-}
-
 Eigen::Array<bool, Eigen::Dynamic, 1> flags(const py::object &object, const std::string &name,
                                             Index count)
 {
@@ -177,7 +170,7 @@ Eigen::Array<bool, Eigen::Dynamic, 1> flags(const py::object &object, const std:
     }
     const Numbers numbers(object, name);
     const std::string expected = std::to_string(count) + " values, one per volume";
-    const Eigen::VectorXd values = numbers.vector(expected.c_str());
+    const Eigen::VectorXd values = numbers.vector(expected);
     if (values.size() != count) {
         numbers.refuse(expected);
     }
@@ -188,7 +181,8 @@ Eigen::Array<bool, Eigen::Dynamic, 1> flags(const py::object &object, const std:
     return values.array() == 1.0;
 }
 
-Eigen::MatrixXi integers(const py::object &object, const std::string &name, const char *expected)
+Eigen::MatrixXi integers(const py::object &object, const std::string &name,
+                         const std::string &expected)
 {
     const Eigen::MatrixXd values = Numbers(object, name).matrix(expected);
     Eigen::MatrixXi whole = values.cwiseMax(-2e9).cwiseMin(2e9).cast<int>();

@@ -55,8 +55,8 @@ public:
     [[noreturn]] void refuse(const std::string &expected) const;
 
     /// A list, or a matrix, of any size. \throws ValueError for other shapes.
-    Eigen::VectorXd vector(const char *expected) const;
-    Eigen::MatrixXd matrix(const char *expected) const;
+    Eigen::VectorXd vector(const std::string &expected) const;
+    Eigen::MatrixXd matrix(const std::string &expected) const;
 
 private:
     py::array m_array;
@@ -81,8 +81,6 @@ public:
     Index nodes() const { return m_numbers.size(m_numbers.dimensions() - 1); }
     /// A copy of a graph, from any thread.
     Eigen::MatrixXf graph(Index index) const;
-    /// The same in double precision.
-    Eigen::MatrixXd exact_graph(Index index) const;
 
 private:
     Numbers m_numbers;
@@ -94,7 +92,8 @@ Eigen::Array<bool, Eigen::Dynamic, 1> flags(const py::object &object, const std:
                                             Index count);
 
 /// Whole numbers in two dimensions. \throws ValueError if they are none.
-Eigen::MatrixXi integers(const py::object &object, const std::string &name, const char *expected);
+Eigen::MatrixXi integers(const py::object &object, const std::string &name,
+                         const std::string &expected);
 
 /// An array that takes over the memory of a matrix or list of Eigen.
 template <typename Dense>

@@ -78,33 +78,6 @@ py::array treated(const py::object &matrix, int threads)
     return std::move(stack);
 }
 
-/// Of two graphs, of two stacks of equal length pair by pair, or of a stack and one graph.
-py::object spectral_distance(const py::object &first, const py::object &second, int size,
-                             int threads)
-{
-    const Graphs a(first, "a");
-    const Graphs b(second, "b");
-    if (a.is_stack() && b.is_stack() && a.count() != b.count()) {
-        throw py::value_error("a is a stack of " + std::to_string(a.count()) +
-                              " graphs, b one of " + std::to_string(b.count()) +
-                              ": expected as many");
-    }
-    const bool is_stack = a.is_stack() || b.is_stack();
-    Eigen::ArrayXf values(a.is_stack() ? a.count() : b.count());
-    {
-        const py::gil_scoped_release release;
-        statistics::for_each_chunk(values.size(), threads, [&](Index pair, int) {
-            Eigen::MatrixXf one = a.graph(a.is_stack() ? pair : 0);
-            Eigen::MatrixXf other = b.graph(b.is_stack() ? pair : 0);
-            values(pair) = nodalis::distances::spectral_euclidean(one, other, size);
-        });
-    }
-    if (!is_stack) {
-        return py::float_(values(0));
-    }
-    return to_numpy(std::move(values));
-}
-
 bool write_csv(const py::object &matrix, const std::string &path)
 {
     const Numbers numbers(matrix, "matrix");
@@ -142,8 +115,6 @@ void add_measures(py::module_ &module)
         },
         py::arg("matrix"), py::arg("threads"));
     module.def("treatment", treated, py::arg("matrix"), py::arg("threads"));
-    module.def("spectral_euclidean", spectral_distance, py::arg("a"), py::arg("b"), py::arg("size"),
-               py::arg("threads"));
     module.def("to_csv", write_csv, py::arg("matrix"), py::arg("path"));
     module.def("version", nodalis::version);
 }

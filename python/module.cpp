@@ -18,6 +18,7 @@ PYBIND11_MODULE(_nodalis, module)
         }
     });
     bindings::add_measures(module);
+    bindings::add_spectra(module);
     bindings::add_trees(module);
     bindings::add_signals(module.def_submodule("signals"));
     bindings::add_statistics(module.def_submodule("statistics"));

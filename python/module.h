@@ -11,6 +11,7 @@ namespace bindings
 {
 
 void add_measures(pybind11::module_ &module);
+void add_spectra(pybind11::module_ &module);
 void add_trees(pybind11::module_ &module);
 void add_signals(pybind11::module_ module);
 void add_statistics(pybind11::module_ module);

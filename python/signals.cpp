@@ -255,7 +255,7 @@ py::dict clean(const py::object &series, const std::vector<std::string> &names,
         const Numbers numbers(regressors, "confounds");
         const std::string expected =
             std::to_string(values.rows()) + " volumes x regressors, as many as the series";
-        taken.values = numbers.matrix(expected.c_str());
+        taken.values = numbers.matrix(expected);
         if (taken.values.rows() != values.rows()) {
             numbers.refuse(expected);
         }

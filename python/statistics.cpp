@@ -111,9 +111,9 @@ statistics::Contrast contrast_of(const py::object &object, const std::vector<std
                                  ", one per column of the design, or rows of them";
     statistics::Contrast contrast{"(weights)", {}};
     if (numbers.dimensions() == 1) {
-        contrast.weights = numbers.vector(expected.c_str()).transpose();
+        contrast.weights = numbers.vector(expected).transpose();
     } else {
-        contrast.weights = numbers.matrix(expected.c_str());
+        contrast.weights = numbers.matrix(expected);
     }
     if (contrast.weights.cols() != Index(columns.size())) {
         numbers.refuse(expected);
@@ -128,7 +128,7 @@ statistics::Hypothesis hypothesis_of(const py::object &design,
     const Numbers numbers(design, "design");
     const std::string expected = std::to_string(subjects) + " subjects x " +
                                  std::to_string(columns.size()) + " columns, as the data and names";
-    const Eigen::MatrixXd matrix = numbers.matrix(expected.c_str());
+    const Eigen::MatrixXd matrix = numbers.matrix(expected);
     if (matrix.rows() != subjects || matrix.cols() != Index(columns.size())) {
         numbers.refuse(expected);
     }

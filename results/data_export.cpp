@@ -4,6 +4,7 @@
 #include "results/connectivity_object_ui.h"
 
 #include "dataset/subject.h"
+#include "engine/connectivity_object.h"
 #include "plots/plot_source.h"
 #include "plots/save_dialog.h"
 
@@ -27,11 +28,10 @@ QString baseOf(QString path)
     return path.remove(csvEnding, Qt::CaseSensitive);
 }
 
-/// Silent whatever comes of it. A matrix without entries makes no file.
-void writeCsv(const Eigen::MatrixXf &matrix, const QString &path)
+/// Silent whatever comes of it. A matrix without entries makes no file. Whether there is one.
+bool writeCsv(const Eigen::MatrixXf &matrix, const QString &path)
 {
-    if (matrix.size() > 0)
-        nodalis::to_csv(matrix, path.toStdString());
+    return matrix.size() > 0 && nodalis::to_csv(matrix, path.toStdString());
 }
 
 } // namespace
@@ -57,14 +57,17 @@ void ConnectivityObjectUI::data_exportConnectivityMatrix()
     const QString base = baseOf(path);
     const Matrices all = matrices();
     if (!subject().useProtocol()) {
-        if (!all.empty())
-            writeCsv(all.front(), base); // the library adds the ending
+        if (!all.empty() && writeCsv(all.front(), base)) // the library adds the ending
+            connectivityObject->setUnsaved(false);
         return;
     }
     const QStringList names = subject().protocol().volumeNames.values();
+    bool isSaved = true;
     for (int slice = 0; slice < int(all.size()); ++slice)
-        writeCsv(all[std::size_t(slice)],
-                 base + "_" + QString::number(slice) + "_" + nameAt(names, slice) + csvEnding);
+        isSaved &= writeCsv(all[std::size_t(slice)], base + "_" + QString::number(slice) + "_" +
+                                                         nameAt(names, slice) + csvEnding);
+    if (isSaved)
+        connectivityObject->setUnsaved(false);
 }
 
 void ConnectivityObjectUI::data_exportMSTMatrix()

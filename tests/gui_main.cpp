@@ -25,6 +25,8 @@ const char *const allowedWarnings[] = {
     "This plugin does not support propagateSizeHints\\(\\)",
     "This plugin does not support raise\\(\\)",
     "This plugin does not support grabbing the keyboard",
+    // A window that has gone before the display's server answers.
+    "QXcbConnection: XCB error: 3 \\(BadWindow\\).*",
     // This window has no context menu; its view is connected all the same.
     "QObject::connect: No such slot TimeseriesLinePlot::showContextMenu\\(const QPoint &\\).*",
     "QObject::connect:  \\(receiver name: +'TimeseriesLineplot'\\)",

@@ -5,16 +5,69 @@
 #include "host/commands/commands.h"
 #include "host/compute/graph_files.h"
 #include "host/files/graph_table.h"
+#include "host/files/input_error.h"
+#include "host/files/text_check.h"
 
 #include <QCommandLineParser>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace corvane
 {
 
 namespace
 {
+
+/// Above that local efficiency may take long, which is told before.
+constexpr int manyNodes = 2000;
+
+std::vector<GraphMeasure> measuresOf(const QString &text)
+{
+    const std::vector<GraphMeasure> all = graphMeasuresOfTables();
+    if (text.isEmpty())
+        return all;
+    std::vector<GraphMeasure> measures;
+    QStringList names;
+    for (const GraphMeasure &measure : all)
+        names += QLatin1String(measure.column);
+    for (const QString &part : text.split(QLatin1Char(','))) {
+        const int place = names.indexOf(part.trimmed());
+        if (place < 0)
+            throw UsageError(QStringLiteral("--measures: found %1, expected some of: %2")
+                                 .arg(quoted(part.trimmed()), names.join(QStringLiteral(", "))));
+        measures.push_back(all[std::size_t(place)]);
+    }
+    return measures;
+}
+
+/// "about 40 s", "about 12 min"
+QString aboutSeconds(double seconds)
+{
+    return seconds < 90 ? QStringLiteral("about %1 s").arg(std::max(1.0, std::round(seconds)))
+                        : QStringLiteral("about %1 min").arg(std::round(seconds / 60));
+}
+
+QStringList writeWithProgress(const QString &folder, const GraphTable &graph,
+                              const GraphRequest &request)
+{
+    std::optional<TerminalProgress> progress;
+    const auto watch = [&](const GraphMeasure &measure) {
+        const bool takesLong = QLatin1String(measure.column) == QLatin1String("local_efficiency") &&
+                               graph.weights.rows() > manyNodes;
+        if (takesLong)
+            std::fprintf(stderr, "local efficiency of %s takes %s\n",
+                         counted(graph.weights.rows(), "node").toUtf8().constData(),
+                         aboutSeconds(secondsOfLocalEfficiency(graph.weights, request.threads))
+                             .toUtf8()
+                             .constData());
+        progress.emplace(QString::fromUtf8(measure.name));
+        return progress->watch();
+    };
+    return writeGraphFiles(folder, graph, request, watch);
+}
 
 int run(const QStringList &arguments)
 {
@@ -27,6 +80,9 @@ int run(const QStringList &arguments)
         QStringLiteral("Numbers with commas, tabs, semicolons or blanks between them, with or "
                        "without names around them."));
     parser.addOptions({
+        {QStringLiteral("measures"),
+         QStringLiteral("Only these columns of the table, with commas between them."),
+         QStringLiteral("names")},
         {QStringLiteral("mst"), QStringLiteral("Also write the minimum spanning tree.")},
         {QStringLiteral("out"), QStringLiteral("The folder for the tables."),
          QStringLiteral("folder")},
@@ -35,8 +91,11 @@ int run(const QStringList &arguments)
         return Done;
 
     const QString folder = requiredValue(parser, QStringLiteral("out"));
+    GraphRequest request;
+    request.measures = measuresOf(parser.value(QStringLiteral("measures")));
+    request.withTree = parser.isSet(QStringLiteral("mst"));
     const GraphTable graph = readGraphTable(parser.positionalArguments().front());
-    const QStringList kept = writeGraphFiles(folder, graph, parser.isSet(QStringLiteral("mst")));
+    const QStringList kept = writeWithProgress(folder, graph, request);
     for (const QString &note : graph.notes + graphNotes(graph.weights) + kept)
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());
     std::printf("%s: %s\n", folder.toUtf8().constData(),
@@ -48,7 +107,7 @@ int run(const QStringList &arguments)
 
 Command graphCommand()
 {
-    return {"graph", "Corvane graph MATRIX.csv [--mst] --out DIR",
+    return {"graph", "Corvane graph MATRIX.csv [--measures NAME,NAME] [--mst] --out DIR",
             "Computes the graph measures of a matrix.", run};
 }
 

@@ -15,6 +15,7 @@ Command computeCommand();
 Command connectomeCommand();
 Command distanceCommand();
 Command exampleCommand();
+Command exploreCommand();
 Command figureCommand();
 Command graphCommand();
 Command groupCommand();

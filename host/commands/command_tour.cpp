@@ -14,7 +14,6 @@
 #include "host/workbench/main_window.h"
 
 #include <QFileDialog>
-#include <QSettings>
 
 #include <cstdio>
 #include <optional>
@@ -44,9 +43,7 @@ int run(const QStringList &arguments)
     OutputFolder pictures(folder, arguments.front());
     // The user's own settings stay out of the pictures, and the tour out of them.
     const ScratchFolder settings;
-    for (const QSettings::Format format : {QSettings::NativeFormat, QSettings::IniFormat})
-        QSettings::setPath(format, QSettings::UserScope, settings.path());
-    QSettings::setDefaultFormat(QSettings::IniFormat); // the native one of Windows has no path
+    keepSettingsIn(settings.path());
     Session session(openForeignAnatomy);
     MainWindow window(session);
     const QString pluginFolder =

@@ -4,6 +4,7 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/commands/console.h"
+#include "host/files/scratch_folder.h"
 #include "host/session/session.h"
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
@@ -14,6 +15,8 @@
 
 #include <QCommandLineParser>
 #include <QTimer>
+
+#include <optional>
 
 namespace corvane
 {
@@ -30,14 +33,20 @@ int run(const QStringList &arguments)
     parser.addOption(
         {plugins, QStringLiteral("The folder of the plugins."), QStringLiteral("folder")});
     parser.addOption({start, QStringLiteral("A plugin to start."), QStringLiteral("name")});
+    const QString tour = QStringLiteral("tour");
+    parser.addOption({tour, QStringLiteral("Plays the guided tour and ends with it.")});
     if (!parser.parse(QStringList(QStringLiteral("Corvane")) + arguments))
         throw UsageError(parser.errorText());
     refuseRepeatedOptions(parser);
 
+    // What a tour opens and where its windows stand is not for the user's own settings.
+    std::optional<ScratchFolder> settings;
+    if (parser.isSet(tour))
+        keepSettingsIn(settings.emplace().path());
     Session session(anatomyOpener());
     MainWindow window(session);
 #ifdef CORVANE_IMPORT
-    new GuidedTour(window);
+    auto *const guidedTour = new GuidedTour(window);
 #endif
     new ScreenFit(window);
     window.show();
@@ -49,6 +58,12 @@ int run(const QStringList &arguments)
             window.openFiles(parser.positionalArguments());
         if (parser.isSet(start))
             window.startPlugin(parser.value(start));
+#ifdef CORVANE_IMPORT
+        if (parser.isSet(tour)) {
+            QObject::connect(guidedTour, &GuidedTour::ended, &window, &QCoreApplication::quit);
+            guidedTour->start();
+        }
+#endif
     });
     return QCoreApplication::exec();
 }
@@ -67,9 +82,10 @@ std::unique_ptr<QCoreApplication> makeApplication(const QStringList &, int &argc
 
 Command workbenchCommand()
 {
-    return {nullptr, "Corvane [--plugins DIR] [--start PLUGIN] [FILE...]",
-            "Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt.", run,
-            makeApplication};
+    return {nullptr, "Corvane [--plugins DIR] [--start PLUGIN] [--tour] [FILE...]",
+            "Opens the workbench with these files: .vmr, NIfTI or NRRD, .vtc, .voi, .prt; what has "
+            "to be imported first, and folders, lead to the import.",
+            run, makeApplication};
 }
 
 } // namespace corvane

@@ -29,7 +29,7 @@ const Command *commandOf(const QString &name)
 }
 
 /// Whether the arguments ask for what runs without the name of a command: there are none, or they
-/// begin with one of its options or with a file.
+/// begin with one of its options, or with a file or folder.
 bool asksForNoCommand(const QStringList &arguments)
 {
     if (commandWithoutName().run == nullptr)
@@ -42,7 +42,7 @@ bool asksForNoCommand(const QStringList &arguments)
     for (const char *option : {"--plugins", "--start"})
         if (first.section(QLatin1Char('='), 0, 0) == QLatin1String(option))
             return true;
-    return fileKind(first) != FileKind::Other || QFileInfo(first).isFile();
+    return fileKind(first) != FileKind::Other || QFileInfo::exists(first);
 }
 
 QByteArray usageOf(const Command &command)

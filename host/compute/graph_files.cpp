@@ -8,8 +8,12 @@
 #include "host/files/output_file.h"
 #include "host/files/output_folder.h"
 
+#include <QElapsedTimer>
+
+#include <algorithm>
 #include <cmath>
 #include <nodalis/nodalis.h>
+#include <thread>
 #include <vector>
 
 namespace corvane
@@ -18,13 +22,24 @@ namespace corvane
 namespace
 {
 
-QByteArray featureTable(const GraphTable &graph)
+nodalis::Effort effortOf(int threads, const ProgressWatch &watch)
+{
+    nodalis::Effort effort;
+    effort.threads = threads;
+    if (watch)
+        effort.progress = [watch](double share) { return watch(qint64(share * 1000), 1000); };
+    return effort;
+}
+
+QByteArray featureTable(const GraphTable &graph, const GraphRequest &request,
+                        const MeasureWatch &watch)
 {
     QByteArray table = "node,name";
     std::vector<Eigen::ArrayXf> columns;
-    for (const GraphMeasure &measure : graphMeasuresOfTables()) {
+    for (const GraphMeasure &measure : request.measures) {
         table += QByteArray(",") + measure.column;
-        columns.push_back(columnOf(measure, graph.weights));
+        const ProgressWatch ofMeasure = watch ? watch(measure) : ProgressWatch();
+        columns.push_back(columnOf(measure, graph.weights, effortOf(request.threads, ofMeasure)));
     }
     table += '\n';
     for (int node = 0; node < graph.weights.rows(); ++node) {
@@ -39,16 +54,38 @@ QByteArray featureTable(const GraphTable &graph)
 
 } // namespace
 
-QStringList writeGraphFiles(const QString &path, const GraphTable &graph, bool withTree)
+QStringList writeGraphFiles(const QString &path, const GraphTable &graph,
+                            const GraphRequest &request, const MeasureWatch &watch)
 {
     OutputFolder folder(path, QStringLiteral("graph"));
-    writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph));
-    if (withTree) {
+    writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph, request, watch));
+    if (request.withTree) {
         const Eigen::MatrixXf tree =
             std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
         writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names, graph.names);
     }
     return folder.commit();
+}
+
+double secondsOfLocalEfficiency(const Eigen::MatrixXf &weights, int threads)
+{
+    // Paths among n nodes take n^3 relaxations, so much a node asks of its neighbours. In dense
+    // graphs the nodes share all but about log n passes over the whole.
+    constexpr double nodesOfTrial = 400;
+    const Eigen::MatrixXf trial = Eigen::MatrixXf::Ones(int(nodesOfTrial), int(nodesOfTrial));
+    QElapsedTimer timer;
+    timer.start();
+    nodalis::nodal_global_efficiency(trial);
+    const double secondsOfTrial = double(timer.nsecsElapsed()) * 1e-9;
+    const double nodes = double(weights.rows());
+    double relaxations = 0;
+    for (Eigen::Index node = 0; node < weights.cols(); ++node)
+        relaxations += std::pow(double((weights.col(node).array() > 0.0F).count()), 3);
+    if (nodes > 1)
+        relaxations = std::min(relaxations, std::pow(nodes, 3) * std::log2(nodes));
+    const int processors =
+        threads > 0 ? threads : std::max(1, int(std::thread::hardware_concurrency()));
+    return relaxations / std::pow(nodesOfTrial, 3) * secondsOfTrial / processors;
 }
 
 QStringList graphNotes(const Eigen::MatrixXf &weights)

@@ -330,4 +330,33 @@ QStringList protocolNotes(const Prt &prt)
            mixNotes(prt);
 }
 
+QStringList shortIntervalNotes(const Prt &prt)
+{
+    QStringList notes;
+    for (const PrtCondition &condition : prt.conditions) {
+        if (condition.intervals.empty())
+            continue; // told where the protocol is made
+        int brief = 0;
+        int shortest = condition.intervals.front().second;
+        int volumes = 0;
+        for (const auto &[from, to] : condition.intervals) {
+            const int length = to - from + 1;
+            brief += length < fewVolumes;
+            shortest = std::min(shortest, length);
+            volumes += length;
+        }
+        if (brief > 0)
+            notes +=
+                QStringLiteral("protocol: condition %1: %2 of %3 below %4 volumes, the shortest "
+                               "has %5: their matrices say little")
+                    .arg(quoted(condition.name), QString::number(brief),
+                         ::counted(qint64(condition.intervals.size()), "interval"),
+                         QString::number(fewVolumes), QString::number(shortest));
+        if (volumes < fewVolumes)
+            notes += QStringLiteral("protocol: condition %1 has only %2 in all")
+                         .arg(quoted(condition.name), ::counted(volumes, "volume"));
+    }
+    return notes;
+}
+
 } // namespace corvane

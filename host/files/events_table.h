@@ -54,4 +54,10 @@ Prt protocolFromEvents(const EventsTable &table, const QString &name, double rep
 /// then count as events.
 QStringList protocolNotes(const Prt &prt);
 
+/// A matrix of fewer volumes says little.
+constexpr int fewVolumes = 10;
+
+/// Conditions with intervals below fewVolumes, and those that have fewer in all, one line each.
+QStringList shortIntervalNotes(const Prt &prt);
+
 } // namespace corvane

@@ -18,9 +18,11 @@ struct Ending {
 };
 
 constexpr Ending endings[] = {
-    {".vmr", FileKind::Vmr},   {".vtc", FileKind::Vtc},   {".voi", FileKind::Voi},
-    {".prt", FileKind::Prt},   {".nii", FileKind::Nifti}, {".nii.gz", FileKind::Nifti},
-    {".nrrd", FileKind::Nrrd}, {".nhdr", FileKind::Nrrd},
+    {".vmr", FileKind::Vmr},    {".vtc", FileKind::Vtc},   {".voi", FileKind::Voi},
+    {".prt", FileKind::Prt},    {".nii", FileKind::Nifti}, {".nii.gz", FileKind::Nifti},
+    {".nrrd", FileKind::Nrrd},  {".nhdr", FileKind::Nrrd}, {".tsv", FileKind::Table},
+    {".ctab", FileKind::Table}, {".par", FileKind::Table}, {".1D", FileKind::Table},
+    {".txt", FileKind::Table},
 };
 
 /// The ending by which the kind of a file is known, or the end of the table.
@@ -54,6 +56,15 @@ QString nameWithoutEnding(const QString &path)
     if (ending != std::end(endings))
         name.chop(static_cast<int>(qstrlen(ending->text)));
     return name;
+}
+
+QString knownEndings()
+{
+    QStringList texts;
+    for (const Ending &ending : endings)
+        texts += QLatin1String(ending.text);
+    const QString last = texts.takeLast();
+    return QStringLiteral("%1 and %2").arg(texts.join(QStringLiteral(", ")), last);
 }
 
 QString fileFilter(const QString &description, std::initializer_list<FileKind> kinds)

@@ -17,6 +17,7 @@ enum class FileKind {
     Prt,
     Nifti, ///< also packed
     Nrrd,
+    Table, ///< text with tabs or blanks between its columns
     Other
 };
 
@@ -28,6 +29,9 @@ QString fileName(const QString &name, FileKind kind);
 
 /// The file's name without its folder and without the ending that tells its kind.
 QString nameWithoutEnding(const QString &path);
+
+/// The endings of all kinds, for messages: ".vmr, .vtc, ... and .txt".
+QString knownEndings();
 
 /// A filter for file dialogs: "Time courses (*.vtc)".
 QString fileFilter(const QString &description, std::initializer_list<FileKind> kinds);

@@ -47,6 +47,7 @@ ImportRequest requestOf(const QString &dataset, const StudyRun &run, const Impor
     if (request.voiSources.empty())
         request.voiSources = ownSources(run, companions);
     request.events = companions.events;
+    request.confounds = run.confounds;
     if (!request.repetitionTime)
         request.repetitionTime = run.repetitionTime;
     if (common.cleaning)

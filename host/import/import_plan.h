@@ -35,6 +35,7 @@ struct ImportRequest {
     std::optional<int> resolution;        ///< cube voxels per sample; else nearestResolution
     std::optional<double> repetitionTime; ///< seconds; else the header's
     VoiGrid voiGrid = VoiGrid::Functional;
+    QString confounds; ///< the run's table, for whoever chooses a cleaning; is not read by itself
     std::shared_ptr<const CleaningRequest> cleaning; ///< null: samples stay as they are
     QString name;   ///< of the files that are written, without ending
     QString folder; ///< where they are written; made when it is missing

@@ -2,6 +2,7 @@
 #include "host/painting/brain_painting.h"
 
 #include "host/painting/category_colours.h"
+#include "host/painting/edge_layers.h"
 #include "host/painting/labels.h"
 #include "host/painting/picture_colours.h"
 
@@ -93,15 +94,17 @@ void paintPanel(QPainter &painter, const BrainLayout &layout, int panel,
     painter.setBrush(onDark ? QColor(38, 40, 44) : QColor(247, 247, 247));
     painter.drawPath(toPanel.map(picture.outlines[std::size_t(panel)]));
 
-    if (picture.network.edges)
-        for (const RingEdge &edge : *picture.network.edges) {
-            const auto &from = picture.places[std::size_t(edge.from)];
-            const auto &to = picture.places[std::size_t(edge.to)];
+    if (picture.network.edges) {
+        const std::vector<RingEdge> &edges = *picture.network.edges;
+        paintInLayers(painter, area, edges.size(), [&](QPainter &layer, std::size_t n) {
+            const auto &from = picture.places[std::size_t(edges[n].from)];
+            const auto &to = picture.places[std::size_t(edges[n].to)];
             if (!from || !to)
-                continue;
-            painter.setPen(edgePen(edge.value, picture.network.limit, onDark));
-            painter.drawLine(layout.place(panel, *from), layout.place(panel, *to));
-        }
+                return;
+            layer.setPen(edgePen(edges[n].value, picture.network.limit, onDark));
+            layer.drawLine(layout.place(panel, *from), layout.place(panel, *to));
+        });
+    }
     const std::vector<int> counts = edgesOfNodes(picture);
     const std::vector<int> networks = networksOf(picture.network);
     const int most = counts.empty() ? 0 : *std::max_element(counts.begin(), counts.end());
@@ -120,6 +123,8 @@ void paintPanel(QPainter &painter, const BrainLayout &layout, int panel,
     painter.setFont(labelFont(painter, 12));
     const QRectF caption(area.left(), area.bottom() - captionHeight, area.width(), captionHeight);
     painter.drawText(caption, Qt::AlignCenter, QLatin1String(view.caption));
+    if (area.width() < 140)
+        return;
     painter.drawText(caption.adjusted(gap, 0, -gap, 0), Qt::AlignLeft | Qt::AlignVCenter,
                      QLatin1String(view.atLeft));
     painter.drawText(caption.adjusted(gap, 0, -gap, 0), Qt::AlignRight | Qt::AlignVCenter,
@@ -132,9 +137,11 @@ QString footOf(const BrainPicture &picture)
                                        [](const auto &place) { return !place; });
     if (without == 0)
         return picture.network.foot;
-    return picture.network.foot + QStringLiteral("; %1 of %2 nodes have no place and are not drawn")
-                                      .arg(without)
-                                      .arg(picture.places.size());
+    const QString more = QStringLiteral("%1 of %2 nodes have no place and are not drawn")
+                             .arg(without)
+                             .arg(picture.places.size());
+    return picture.network.foot.isEmpty() ? more
+                                          : picture.network.foot + QStringLiteral("; ") + more;
 }
 
 } // namespace

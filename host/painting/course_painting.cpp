@@ -20,7 +20,6 @@ namespace
 {
 
 constexpr double titleHeight = 30;
-constexpr double lineHeight = 18;
 constexpr double gap = 8;
 
 /// Mean 0 and variance 1 of what there is.
@@ -115,30 +114,27 @@ void paintCourses(QPainter &painter, const QRectF &area, const CoursePicture &pi
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(area, paperOf(painter));
-    paintTitle(painter, QRectF(area.left(), area.top(), area.width(), titleHeight), picture.title);
+    const bool hasCourses = picture.first.size() > 0;
+    // The scatter stands beside the text, the courses have the whole width below.
+    const double most = hasCourses ? std::min({240.0, area.width() / 2, area.height() * 0.5}) : 0;
+    // One that is too small says nothing.
+    const double side = most < 150 ? 0 : most;
+    const double room = area.width() - side - 2 * gap;
+    paintTitle(painter, QRectF(area.left() + gap, area.top(), room, titleHeight), picture.title);
     painter.setPen(inkOf(painter));
     painter.setFont(labelFont(painter, 12));
     double top = area.top() + titleHeight;
-    const bool hasCourses = picture.first.size() > 0;
-    // The scatter stands beside the text, the courses have the whole width below.
-    const double text = double(picture.lines.size()) * lineHeight;
-    const double side =
-        hasCourses ? std::min({std::max(text, 220.0), area.width() / 2, area.height() * 0.6}) : 0;
-    const QFontMetricsF metrics(painter.font());
-    const double room = area.width() - side - 2 * gap;
-    for (const QString &line : picture.lines) {
-        painter.drawText(QRectF(area.left() + gap, top, room, lineHeight),
-                         Qt::AlignLeft | Qt::AlignVCenter,
-                         metrics.elidedText(line, Qt::ElideRight, room));
-        top += lineHeight;
+    for (const QString &line : picture.lines + QStringList(picture.hint)) {
+        QRectF taken;
+        painter.drawText(QRectF(area.left() + gap, top, room, area.bottom() - top),
+                         Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, line, &taken);
+        top += taken.height() + 2;
     }
     if (!hasCourses) {
-        painter.drawText(QRectF(area.left() + gap, top + gap, room, area.bottom() - top - gap),
-                         Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, picture.hint);
         painter.restore();
         return;
     }
-    top = area.top() + titleHeight + std::max(text, side);
+    top = std::max(top, area.top() + titleHeight + side);
     const QRectF courses(area.left(), top, area.width(), std::max(1.0, area.bottom() - top));
     const QColor colours[2] = {
         isDark(paperOf(painter)) ? QColor(146, 197, 222) : QColor(33, 102, 172),
@@ -176,8 +172,9 @@ void paintCourses(QPainter &painter, const QRectF &area, const CoursePicture &pi
     scatter.xs = first;
     scatter.ys = second;
     scatter.hasLine = true;
-    paintScatter(painter, QRectF(area.right() - side, area.top(), side, side + titleHeight),
-                 scatter);
+    if (side > 0)
+        paintScatter(painter, QRectF(area.right() - side, area.top(), side, side + titleHeight),
+                     scatter);
     painter.restore();
 }
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace corvane
 {
@@ -135,6 +136,8 @@ void paintNames(QPainter &painter, const MatrixLayout &layout, const QStringList
     const QFontMetricsF metrics(painter.font());
     const double middle = (metrics.ascent() - metrics.descent()) / 2;
     const double room = layout.namesRoom - gap;
+    if (layout.fit.every > std::max(layout.rows.count, layout.columns.count))
+        return;
     for (int n = 0; n < layout.rows.count; n += layout.fit.every) {
         const QString name = metrics.elidedText(names[layout.rows.first + n], Qt::ElideRight, room);
         const double place = map.top() + (n + 0.5) * map.height() / layout.rows.count;
@@ -210,6 +213,16 @@ MatrixLayout matrixLayout(const QPainter &painter, const QRectF &area,
     const double below = layout.namesOfGroups ? gap : layout.namesRoom;
     const double side =
         std::max(1.0, std::min(area.width() - layout.namesRoom - gap, height - below));
+    // Names that leave less than half of the room to the map are left away.
+    const double most = std::min(area.width() - 2 * gap, height - gap);
+    if (side < most / 2) {
+        layout.fit.every = std::numeric_limits<int>::max();
+        layout.namesOfGroups = false;
+        layout.namesRoom = gap;
+        layout.map = QRectF(area.left() + (area.width() - most) / 2, area.top() + above,
+                            std::max(1.0, most), std::max(1.0, most));
+        return layout;
+    }
     const double spare = std::max(0.0, area.width() - layout.namesRoom - gap - side);
     layout.map = QRectF(area.left() + layout.namesRoom + spare / 2, area.top() + above, side, side);
     return layout;

@@ -128,8 +128,9 @@ void paintMeasures(QPainter &painter, const QRectF &area, const MeasurePicture &
     if (!picture.densities.empty() && count > 0) {
         const QRectF inner(area.left(), area.top() + titleHeight, area.width(),
                            area.height() - titleHeight - footHeight);
-        const int columns = std::clamp(
-            int(std::lround(std::sqrt(count * inner.width() / inner.height() / 1.4))), 1, count);
+        const int most = std::max(1, int(inner.width() / 130));
+        const double wanted = std::sqrt(count * inner.width() / inner.height() / 1.4);
+        const int columns = std::clamp(int(std::lround(wanted)), 1, std::min(count, most));
         const int rows = (count + columns - 1) / columns;
         for (int n = 0; n < count; ++n)
             paintCurve(painter,

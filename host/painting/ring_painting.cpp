@@ -3,6 +3,7 @@
 
 #include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
+#include "host/painting/edge_layers.h"
 #include "host/painting/group_bar.h"
 #include "host/painting/picture_colours.h"
 
@@ -81,11 +82,13 @@ void paintEdges(QPainter &painter, const RingLayout &ring, const std::vector<Rin
                 double limit)
 {
     const bool onDark = isDark(paperOf(painter));
-    painter.setBrush(Qt::NoBrush);
-    for (const RingEdge &edge : edges) {
-        painter.setPen(edgePen(edge.value, limit, onDark));
-        painter.drawPath(ringEdgePath(ring, edge.from, edge.to));
-    }
+    const double reach = ring.radius + 4;
+    const QRectF round(ring.centre - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach));
+    paintInLayers(painter, round, edges.size(), [&](QPainter &layer, std::size_t n) {
+        layer.setBrush(Qt::NoBrush);
+        layer.setPen(edgePen(edges[n].value, limit, onDark));
+        layer.drawPath(ringEdgePath(ring, edges[n].from, edges[n].to));
+    });
 }
 
 void paintNodes(QPainter &painter, const RingLayout &ring)
@@ -241,7 +244,7 @@ RingLayout ringLayout(const QPainter &painter, const QRectF &area, const Network
     const QFont font = labelFont(painter, ring.namesOfGroups ? 13 : ring.fit.fontSize);
     ring.namesRoom = std::min(ring.namesOfGroups ? widestGroup(font, picture.groups)
                                                  : widestLabel(font, picture.names, ring.fit.every),
-                              half * 0.4);
+                              half * 0.34);
     ring.centre = round.center();
     ring.radius = std::max(half - namesDistance(picture) - gap - ring.namesRoom, half / 3);
     return ring;

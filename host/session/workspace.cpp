@@ -48,7 +48,7 @@ void Workspace::closeDocument(int position)
     const Notice notice{this};
     m_documents[static_cast<std::size_t>(position)] = Document();
     if (m_vtcDocument == position)
-        unlinkVtc();
+        forgetVtc();
     if (m_current == position)
         m_current = -1;
 }
@@ -70,7 +70,7 @@ QStringList Workspace::closeShortened()
     };
     if (m_vtc && isShortened(m_vtc->file)) {
         const Notice notice{this};
-        unlinkVtc();
+        forgetVtc();
     }
     for (int position = 0; position < documentCount(); ++position) {
         const auto file = m_documents[static_cast<std::size_t>(position)].vmr.file;
@@ -115,17 +115,24 @@ const VMRHeader *Workspace::currentVmrHeader() const
     return document != nullptr ? &document->header : nullptr;
 }
 
-void Workspace::unlinkVtc()
+void Workspace::forgetVtc()
 {
     m_vtc.reset();
     m_vtcDocument = -1;
+}
+
+void Workspace::unlinkVtc()
+{
+    const Notice notice{this};
+    m_protocol.reset();
+    forgetVtc();
 }
 
 void Workspace::linkVtc(const QString &path)
 {
     const Notice notice{this};
     m_protocol.reset();
-    unlinkVtc();
+    forgetVtc();
     if (currentVmr() == nullptr)
         throw InputError(path, QStringLiteral("linking"), QStringLiteral("no current VMR"),
                          QStringLiteral("an open VMR that is the current document"));
@@ -155,6 +162,13 @@ void Workspace::loadVois(const QString &path)
     ++m_voiLoads;
     m_vois.emplace(readVoiFile(path));
     m_voiPath = QFileInfo(path).absoluteFilePath();
+}
+
+void Workspace::unloadVois()
+{
+    const Notice notice{this};
+    m_vois.reset();
+    ++m_voiLoads;
 }
 
 void Workspace::loadProtocol(const QString &path)

@@ -62,8 +62,10 @@ public:
     void linkVtc(const QString &path);
     /// The VTC that is linked to the current VMR, null without one.
     const LinkedVtc *linkedVtc() const;
+    void unlinkVtc();
 
     void loadVois(const QString &path); ///< Throws InputError.
+    void unloadVois();
     const LoadedVois *vois() const { return m_vois ? &*m_vois : nullptr; }
     QString voiPath() const { return m_vois ? m_voiPath : QString(); }
     /// How often VOIs were loaded, or failed to load, so far: whether vois() is what it was.
@@ -96,7 +98,7 @@ private:
     };
 
     const Document *currentVmrDocument() const;
-    void unlinkVtc();
+    void forgetVtc();
     bool exists(int position) const { return position >= 0 && position < documentCount(); }
 
     AnatomyOpener m_openAnatomy;

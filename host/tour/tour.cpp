@@ -3,15 +3,16 @@
 
 #include "host/files/input_error.h"
 #include "host/files/output_file.h"
+#include "host/tour/tour_stage.h"
 
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <algorithm>
 #include <utility>
 
 namespace corvane
@@ -58,19 +59,27 @@ Tour::Tour(std::vector<TourStep> steps, QObject *parent)
 {
     m_timer.setInterval(lookInterval);
     connect(&m_timer, &QTimer::timeout, this, &Tour::look);
-    m_readingTime.setSingleShot(true);
-    connect(&m_readingTime, &QTimer::timeout, this, &Tour::goOn);
+    m_captionCount =
+        static_cast<int>(std::count_if(m_steps.begin(), m_steps.end(), [](const TourStep &step) {
+            return !step.caption.isEmpty();
+        }));
 }
 
-Tour::~Tour()
+Tour::~Tour() = default;
+
+void Tour::playForPeople(const QString &goodBye)
 {
-    delete m_caption;
+    m_goodBye = goodBye;
 }
 
 void Tour::start()
 {
-    if (m_pause > 0)
+    if (m_goodBye) {
         qApp->installEventFilter(this);
+        m_card = std::make_unique<TourCard>();
+        if (QWidget *const first = m_steps.empty() ? nullptr : m_steps.front().target())
+            arrangeWindows(first->window());
+    }
     m_timer.start();
 }
 
@@ -79,7 +88,10 @@ void Tour::look()
     if (m_isPlaying)
         return;
     if (m_next == m_steps.size()) {
-        finish({});
+        if (m_goodBye)
+            showEnd();
+        else
+            finish({});
         return;
     }
     const TourStep &step = m_steps[m_next];
@@ -108,16 +120,16 @@ void Tour::play(const TourStep &step, QWidget *target)
     ++m_next;
     if (!m_picture.isNull() && !keepPicture(step))
         return;
-    const bool isShown = m_pause > 0 && !step.caption.isEmpty();
-    if (isShown)
-        showCaption(step, target);
     m_act = [act = step.act, guarded = QPointer<QWidget>(target)] {
         if (act && !guarded.isNull())
             act(guarded);
     };
     m_isPlaying = true;
-    // Not from here: this timer does not fire again while its own slot is in another event loop.
-    m_readingTime.start(isShown ? m_pause : 0);
+    if (m_goodBye && !step.caption.isEmpty())
+        showCard(step, target);
+    else // not from here: this timer does not fire again while its own slot is in another event
+         // loop
+        QTimer::singleShot(0, this, &Tour::goOn);
 }
 
 void Tour::goOn()
@@ -142,29 +154,72 @@ bool Tour::keepPicture(const TourStep &step)
     return true;
 }
 
-void Tour::showCaption(const TourStep &step, const QWidget *target)
+void Tour::showCard(const TourStep &step, QWidget *target)
 {
-    if (m_caption == nullptr) {
-        m_caption = new QLabel(nullptr, Qt::ToolTip | Qt::WindowStaysOnTopHint);
-        m_caption->setMargin(12);
-        m_caption->setWordWrap(true);
-        m_caption->setFixedWidth(420);
-        m_caption->setFrameShape(QFrame::StyledPanel);
-        m_caption->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QWidget *const window = target->window();
+    // A menu closes when what is behind it moves.
+    if (window->windowType() != Qt::Popup)
+        arrangeWindows(window);
+    m_column = stageOf(window->screen()->availableGeometry()).card;
+    m_window = windowBehind(window)->frameGeometry();
+    m_shown.push_back({static_cast<int>(m_shown.size()) + 1, m_captionCount, step.title,
+                       step.caption, QPixmap::fromImage(pictureOf(window))});
+    m_lookedAt = m_shown.size() - 1;
+    m_isWaiting = true;
+    showCaption();
+}
+
+void Tour::showEnd()
+{
+    m_timer.stop();
+    m_isOver = true;
+    if (QWidget *const first = m_steps.empty() ? nullptr : m_steps.front().target())
+        arrangeWindows(first->window());
+    if (m_column.isNull())
+        m_column = stageOf(QGuiApplication::primaryScreen()->availableGeometry()).card;
+    m_lookedAt = m_shown.size();
+    m_isWaiting = true;
+    showCaption();
+}
+
+/// The card of the step that is looked at; an earlier one with its picture.
+void Tour::showCaption()
+{
+    if (m_lookedAt == m_shown.size()) {
+        m_card->show({0, m_captionCount, tr("That was the tour"), *m_goodBye, {}}, m_column,
+                     m_window);
+        return;
     }
-    m_caption->setText(QStringLiteral("<b>%1</b><p>%2</p><p><small>%3</small></p>")
-                           .arg(step.title.toHtmlEscaped(), step.caption.toHtmlEscaped(),
-                                tr("Space goes on, Escape ends the tour.")));
-    m_caption->adjustSize();
-    const QRect window = windowBehind(target->window())->frameGeometry();
-    // Below the window, or where the screen ends there, on its lower edge.
-    constexpr int gap = 10;
-    int top = window.bottom() + gap;
-    if (top + m_caption->height() > target->screen()->availableGeometry().bottom())
-        top = window.bottom() - m_caption->height() - gap;
-    m_caption->move(window.center().x() - m_caption->width() / 2, top);
-    m_caption->show();
-    m_caption->raise();
+    TourCaption caption = m_shown[m_lookedAt];
+    const bool isNow = !m_isOver && m_lookedAt + 1 == m_shown.size();
+    if (isNow)
+        caption.picture = QPixmap();
+    m_card->show(caption, m_column, m_window);
+}
+
+void Tour::answer(TourCard::Answer answer)
+{
+    if (answer == TourCard::End) {
+        finish(m_isOver ? QString() : tr("The tour was ended."));
+        return;
+    }
+    if (!m_isWaiting || answer == TourCard::None)
+        return;
+    if (answer == TourCard::Back) {
+        m_lookedAt -= m_lookedAt > 0 ? 1 : 0;
+        showCaption();
+        return;
+    }
+    const std::size_t last = m_isOver ? m_shown.size() : m_shown.size() - 1;
+    if (m_lookedAt < last) {
+        ++m_lookedAt;
+        showCaption();
+    } else if (m_isOver) {
+        finish({});
+    } else {
+        m_isWaiting = false;
+        goOn();
+    }
 }
 
 bool Tour::eventFilter(QObject *watched, QEvent *event)
@@ -172,38 +227,53 @@ bool Tour::eventFilter(QObject *watched, QEvent *event)
     // What the tour does is sent; what people do comes from the system.
     if (!event->spontaneous())
         return QObject::eventFilter(watched, event);
+    TourCard::Answer asked = TourCard::None;
     switch (event->type()) {
     case QEvent::KeyPress:
         switch (static_cast<QKeyEvent *>(event)->key()) {
         case Qt::Key_Escape:
-            finish(tr("The tour was ended."));
+            asked = TourCard::End;
+            break;
+        case Qt::Key_Backspace:
+        case Qt::Key_Left:
+            asked = TourCard::Back;
             break;
         case Qt::Key_Space:
-            if (m_readingTime.isActive())
-                m_readingTime.start(0);
+        case Qt::Key_Right:
+        case Qt::Key_Return:
+            asked = TourCard::Next;
             break;
         default:
             break;
         }
-        return true;
-    case QEvent::KeyRelease:
+        break;
     case QEvent::MouseButtonPress:
+        if (m_card)
+            asked = m_card->answerAt(static_cast<QMouseEvent *>(event)->globalPos());
+        break;
+    case QEvent::ShortcutOverride:
+    case QEvent::KeyRelease:
     case QEvent::MouseButtonRelease:
     case QEvent::MouseButtonDblClick:
     case QEvent::Wheel:
-        return true;
+    case QEvent::ContextMenu:
+        break;
     default:
         return QObject::eventFilter(watched, event);
     }
+    // Not from here: what follows may open a dialog, and an event is to be done with.
+    if (asked != TourCard::None)
+        QTimer::singleShot(0, this, [this, asked] { answer(asked); });
+    return true;
 }
 
 void Tour::finish(const QString &fault)
 {
     m_timer.stop();
-    m_readingTime.stop();
+    m_isWaiting = false;
+    m_act = nullptr;
     qApp->removeEventFilter(this);
-    delete m_caption;
-    m_caption = nullptr;
+    m_card.reset();
     QString said = fault;
     if (!m_folder.isEmpty() && fault.isEmpty()) {
         try {

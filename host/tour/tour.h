@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/tour/tour_card.h"
+
 #include <QImage>
 #include <QObject>
 #include <QPointer>
@@ -8,9 +10,9 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <vector>
-
-class QLabel;
 
 namespace corvane
 {
@@ -38,9 +40,11 @@ public:
     /// Writes the pictures and `captions.md` into a folder, which exists. Without a folder nothing
     /// is written.
     void setFolder(const QString &folder) { m_folder = folder; }
-    /// Shows each caption for a while, for people to read. They go on at once with Space and end
-    /// the tour with Escape.
-    void setSpeed(int millisecondsPerCaption) { m_pause = millisecondsPerCaption; }
+    /// Plays for people: arranges the windows side by side and shows a card with each caption,
+    /// which waits for them. They go on with Next or Space, look at earlier steps again with Back
+    /// or Backspace, and end the tour with End or Escape. At the end there is a card with
+    /// `goodBye`.
+    void playForPeople(const QString &goodBye);
 
     void start();
 
@@ -61,7 +65,10 @@ private:
     void play(const TourStep &step, QWidget *target);
     void goOn();
     bool keepPicture(const TourStep &step);
-    void showCaption(const TourStep &step, const QWidget *target);
+    void showCard(const TourStep &step, QWidget *target);
+    void showEnd();
+    void showCaption();
+    void answer(TourCard::Answer answer);
     void finish(const QString &fault);
 
     std::vector<TourStep> m_steps;
@@ -69,15 +76,21 @@ private:
     QString m_folder;
     QString m_captions;
     int m_pictures = 0;
-    int m_pause = 0;
-    int m_looks = 0; ///< in vain, for the step that is next
+    std::optional<QString> m_goodBye; ///< set while it plays for people
+    int m_captionCount = 0;           ///< of all steps
+    std::vector<TourCaption> m_shown; ///< so far, each with its picture
+    std::size_t m_lookedAt = 0;       ///< the one on the card
+    bool m_isWaiting = false;         ///< for people
+    bool m_isOver = false;            ///< all steps are played
+    int m_looks = 0;                  ///< in vain, for the step that is next
     bool m_isPlaying = false;
     QPointer<QWidget> m_seen;    ///< the target at the last look
     QImage m_picture;            ///< of its window then, for a step that keeps one
     std::function<void()> m_act; ///< what is to be done when the reader has had time
     QTimer m_timer;
-    QTimer m_readingTime;
-    QLabel *m_caption = nullptr;
+    std::unique_ptr<TourCard> m_card;
+    QRect m_column; ///< of the screen, for the card
+    QRect m_window; ///< the frame of the one that it tells of
 };
 
 } // namespace corvane

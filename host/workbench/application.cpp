@@ -4,6 +4,7 @@
 #include "host/session/log.h"
 
 #include <QFont>
+#include <QSettings>
 #include <QStyle>
 
 #include <cstdio>
@@ -66,6 +67,13 @@ std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv,
     QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
     QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
     return application;
+}
+
+void keepSettingsIn(const QString &folder)
+{
+    for (const QSettings::Format format : {QSettings::NativeFormat, QSettings::IniFormat})
+        QSettings::setPath(format, QSettings::UserScope, folder);
+    QSettings::setDefaultFormat(QSettings::IniFormat); // the native one of Windows has no path
 }
 
 } // namespace corvane

@@ -26,4 +26,7 @@ bool thereIsADisplay();
 /// whatever the environment names; with `canBeWatched` only where it names no platform.
 std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv, bool canBeWatched);
 
+/// Keeps the settings of this process in a folder, apart from the user's own.
+void keepSettingsIn(const QString &folder);
+
 } // namespace corvane

@@ -5,10 +5,10 @@
 #include "host/import/example_dataset.h"
 #include "host/session/log.h"
 #include "host/workbench/background_work.h"
+#include "host/workbench/user_folder.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -17,8 +17,7 @@ namespace corvane
 
 QString exampleFolder(QWidget *parent)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
-                           QStringLiteral("/example");
+    const QString folder = exampleDatasetFolder();
     const QStringList files = exampleFiles(folder);
     if (std::all_of(files.begin(), files.end(),
                     [](const QString &file) { return QFileInfo::exists(file); }))

@@ -2,24 +2,30 @@
 #include "host/workbench/file_field.h"
 
 #include "host/workbench/dropped_files.h"
+#include "host/workbench/message_line.h"
+#include "host/workbench/user_folder.h"
 
 #include <QDropEvent>
 #include <QFileDialog>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLineEdit>
-#include <QSettings>
 #include <QToolButton>
 
 namespace corvane
 {
 
 FileField::FileField(QWidget *parent)
-    : QWidget(parent), m_path(new QLineEdit(this)), m_choose(new QToolButton(this))
+    : QWidget(parent), m_path(new QLineEdit(this)), m_choose(new QToolButton(this)),
+      m_message(new MessageLine(this))
 {
-    auto *const layout = new QHBoxLayout(this);
+    auto *const layout = new QGridLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_path, 1);
-    layout->addWidget(m_choose);
+    layout->setVerticalSpacing(0);
+    layout->addWidget(m_path, 0, 0);
+    layout->addWidget(m_choose, 0, 1);
+    layout->addWidget(m_message, 1, 0, 1, 2);
+    // A label's mnemonic reaches only what takes the focus.
+    setFocusPolicy(Qt::StrongFocus);
     m_choose->setText(QStringLiteral("..."));
     m_choose->setFocusPolicy(Qt::StrongFocus);
     setFocusProxy(m_path);
@@ -59,6 +65,18 @@ void FileField::setPath(const QString &path)
     m_path->setText(path);
 }
 
+QString FileField::message() const
+{
+    return m_message->text();
+}
+
+void FileField::setMessage(const QString &text, bool isFault)
+{
+    m_hasFault = isFault;
+    m_message->show(text, isFault);
+    m_path->setAccessibleDescription(text);
+}
+
 void FileField::dragEnterEvent(QDragEnterEvent *event)
 {
     if (droppedFiles(event->mimeData()).size() == 1)
@@ -73,13 +91,13 @@ void FileField::dropEvent(QDropEvent *event)
 
 void FileField::choose()
 {
-    const QString key = QStringLiteral("folder");
-    const QString start = path().isEmpty() ? QSettings().value(key).toString() : path();
+    const QString start = path().isEmpty() ? userFolder() : path();
     const QString chosen = m_isFolder ? QFileDialog::getExistingDirectory(this, m_name, start)
                                       : QFileDialog::getOpenFileName(this, m_name, start, m_filter);
     if (chosen.isEmpty())
         return;
-    QSettings().setValue(key, m_isFolder ? chosen : QFileInfo(chosen).absolutePath());
+    if (!m_isFolder) // where files go is another matter
+        rememberUserFolder(chosen);
     setPath(chosen);
 }
 

@@ -9,6 +9,8 @@ class QToolButton;
 namespace corvane
 {
 
+class MessageLine;
+
 /// A path that is typed, chosen in a dialog or dropped.
 class FileField : public QWidget
 {
@@ -35,6 +37,11 @@ public:
     QString path() const;
     void setPath(const QString &path);
 
+    /// What is told of the path below it, a fault in a colour of its own; empty for nothing.
+    QString message() const;
+    bool hasFault() const { return m_hasFault; }
+    void setMessage(const QString &text, bool isFault);
+
 Q_SIGNALS:
     void changed();
 
@@ -48,8 +55,10 @@ private:
     QString m_name;
     QString m_filter;
     bool m_isFolder = false;
+    bool m_hasFault = false;
     QLineEdit *m_path;
     QToolButton *m_choose;
+    MessageLine *m_message;
 };
 
 } // namespace corvane

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/import_dialog.h"
 
+#include "host/files/events_table.h"
 #include "host/files/file_kind.h"
 #include "host/import/cleaning_choice.h"
 #include "host/import/import_name.h"
+#include "host/import/import_provenance.h"
 #include "host/import/write_import.h"
 #include "host/session/log.h"
 #include "host/workbench/background_work.h"
+#include "host/workbench/import_choices.h"
 #include "ui_import_dialog.h"
 
 #include <QDir>
@@ -37,50 +40,81 @@ ImportDialog::ImportDialog(QWidget *parent)
     m_ui->setupUi(this);
     m_import = m_ui->buttons->addButton(tr("&Import"), QDialogButtonBox::AcceptRole);
     m_import->setDefault(true);
-    // Not beyond a small screen, or the buttons are out of reach.
-    resize(QSize(900, 760).boundedTo(screen()->availableSize()));
+    // With its frame not beyond a small screen, or the buttons are out of reach.
+    const QSize frame(20, 60);
+    resize(QSize(1220, 700).boundedTo(screen()->availableSize() - frame));
     const QString orAll = tr(";;All files (*)");
-    const QString images = fileFilter(tr("Images"), {FileKind::Nifti, FileKind::Nrrd}) + orAll;
-    m_ui->anatomy->setFilter(images);
-    m_ui->atlas->setFilter(images);
+    m_ui->anatomy->setFilter(fileFilter(tr("Images"), {FileKind::Nifti, FileKind::Nrrd}) + orAll);
     m_ui->functional->setFilter(fileFilter(tr("Runs"), {FileKind::Nifti}) + orAll);
     m_ui->vois->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_ui->vois->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-
-    for (FileField *field : {m_ui->anatomy, m_ui->functional, m_ui->atlas, m_ui->labels,
-                             m_ui->events, m_ui->confounds, m_ui->folder})
-        connect(field, &FileField::changed, this, &ImportDialog::inputChanged);
-    connect(m_ui->name, &QLineEdit::textChanged, this, &ImportDialog::inputChanged);
-    connect(m_ui->repetitionTime, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
-            &ImportDialog::inputChanged);
-    connect(m_ui->resolution, QOverload<int>::of(&QSpinBox::valueChanged), this,
-            &ImportDialog::inputChanged);
-    connect(m_ui->voiGrid, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            &ImportDialog::inputChanged);
     const QStringList strategies = strategyNames();
     for (const QString &name : strategies) {
         m_ui->strategy->addItem(name);
         m_ui->strategy->setItemData(m_ui->strategy->count() - 1, strategyText(name),
                                     Qt::ToolTipRole);
     }
-    connect(m_ui->strategy, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            &ImportDialog::inputChanged);
-    connect(m_ui->fdThreshold, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
-            &ImportDialog::inputChanged);
-    connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &ImportDialog::runImport);
-    connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    restoreChoices();
+    connectFields();
 
     // Not at every letter of a path.
     m_planSoon.setSingleShot(true);
     m_planSoon.setInterval(300);
     connect(&m_planSoon, &QTimer::timeout, this, &ImportDialog::startPlanning);
-    connect(&m_planning, &QFutureWatcherBase::finished, this, &ImportDialog::showPlan);
+    connect(&m_planning, &QFutureWatcherBase::finished, this, &ImportDialog::showOutcome);
     inputChanged();
     startPlanning();
 }
 
-// A plan that is still being made ends on its own, and nobody waits for it.
-ImportDialog::~ImportDialog() = default;
+// A plan that is still being made ends soon, and nobody waits for it.
+ImportDialog::~ImportDialog()
+{
+    if (m_stop)
+        *m_stop = true;
+}
+
+void ImportDialog::connectFields()
+{
+    for (FileField *field :
+         {m_ui->anatomy, m_ui->functional, m_ui->events, m_ui->confounds, m_ui->folder})
+        connect(field, &FileField::changed, this, &ImportDialog::inputChanged);
+    connect(m_ui->voiSources, &VoiSourceList::changed, this, &ImportDialog::inputChanged);
+    for (QLineEdit *line : {m_ui->name, m_ui->subject, m_ui->space})
+        connect(line, &QLineEdit::textChanged, this, &ImportDialog::inputChanged);
+    for (QDoubleSpinBox *box : {m_ui->repetitionTime, m_ui->fdThreshold})
+        connect(box, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
+                &ImportDialog::inputChanged);
+    connect(m_ui->resolution, QOverload<int>::of(&QSpinBox::valueChanged), this,
+            &ImportDialog::inputChanged);
+    for (QComboBox *box : {m_ui->voiGrid, m_ui->strategy})
+        connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+                &ImportDialog::inputChanged);
+    connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &ImportDialog::runImport);
+    connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+// ---- what is remembered
+
+void ImportDialog::restoreChoices()
+{
+    const ImportChoices choices = rememberedChoices();
+    m_ui->voiGrid->setCurrentIndex(choices.voiGrid == VoiGrid::Functional ? 0 : 1);
+    m_ui->strategy->setCurrentText(choices.strategy);
+    m_ui->fdThreshold->setValue(choices.fdThreshold);
+    m_ui->voiSources->setSources(choices.voiSources);
+}
+
+void ImportDialog::rememberChoices() const
+{
+    ImportChoices choices;
+    choices.voiGrid = request().voiGrid;
+    if (m_ui->strategy->currentIndex() > 0)
+        choices.strategy = m_ui->strategy->currentText();
+    choices.fdThreshold = m_ui->fdThreshold->value();
+    choices.voiSources = m_ui->voiSources->sources();
+    choices.folder = QFileInfo(QDir::cleanPath(m_ui->folder->path())).path();
+    corvane::rememberChoices(choices);
+}
 
 // ---- input
 
@@ -89,14 +123,15 @@ ImportRequest ImportDialog::request() const
     ImportRequest request;
     request.anatomy = m_ui->anatomy->path();
     request.functional = m_ui->functional->path();
-    if (!m_ui->atlas->path().isEmpty())
-        request.voiSources = {{VoiSource::Atlas, m_ui->atlas->path(), m_ui->labels->path()}};
+    request.voiSources = m_ui->voiSources->sources();
     request.events = m_ui->events->path();
+    request.provenance = {m_ui->subject->text().trimmed(), m_ui->space->text().trimmed()};
     if (m_ui->resolution->value() > 0)
         request.resolution = m_ui->resolution->value();
     if (m_ui->repetitionTime->value() > 0)
         request.repetitionTime = m_ui->repetitionTime->value();
     request.voiGrid = m_ui->voiGrid->currentIndex() == 0 ? VoiGrid::Functional : VoiGrid::Anatomy;
+    request.confounds = m_ui->confounds->path();
     request.cleaning = cleaning();
     request.name = m_ui->name->text();
     request.folder = m_ui->folder->path();
@@ -118,22 +153,35 @@ void ImportDialog::setRequest(const ImportRequest &request)
 {
     m_ui->anatomy->setPath(request.anatomy);
     m_ui->functional->setPath(request.functional);
-    const VoiSource atlas = request.voiSources.empty() ? VoiSource() : request.voiSources.front();
-    m_ui->atlas->setPath(atlas.file);
-    m_ui->labels->setPath(atlas.labels);
+    m_ui->voiSources->setSources(request.voiSources);
     m_ui->events->setPath(request.events);
+    m_ui->subject->setText(request.provenance.subject);
+    m_ui->space->setText(request.provenance.space);
     m_ui->resolution->setValue(request.resolution.value_or(0));
     m_ui->repetitionTime->setValue(request.repetitionTime.value_or(0));
     m_ui->voiGrid->setCurrentIndex(request.voiGrid == VoiGrid::Functional ? 0 : 1);
+    if (!request.confounds.isEmpty())
+        m_ui->confounds->setPath(request.confounds);
     if (request.cleaning) {
         const CleaningChoice choice = choiceOf(*request.cleaning);
         m_ui->confounds->setPath(choice.confounds);
         m_ui->strategy->setCurrentText(choice.strategy);
         m_ui->fdThreshold->setValue(choice.fdThreshold.value_or(0));
     }
-    m_ui->folder->setPath(request.folder);
+    if (!request.folder.isEmpty())
+        m_ui->folder->setPath(request.folder);
     if (!request.name.isEmpty())
         m_ui->name->setText(request.name);
+}
+
+void ImportDialog::setFiles(const ImportRequest &request)
+{
+    ImportRequest files = request;
+    const ImportRequest now = this->request();
+    if (files.voiSources.empty())
+        files.voiSources = now.voiSources;
+    files.voiGrid = now.voiGrid;
+    setRequest(files);
 }
 
 /// The table beside the run stands there until the user gives another.
@@ -148,22 +196,52 @@ void ImportDialog::suggestConfounds()
         m_ui->confounds->setPath(suggestion);
 }
 
+/// The name follows the run until the user gives another.
+void ImportDialog::suggestName()
+{
+    const QString suggestion = defaultImportName(m_ui->functional->path());
+    const bool follows = m_ui->name->text() == m_suggestedName;
+    m_suggestedName = suggestion;
+    if (follows)
+        m_ui->name->setText(suggestion);
+}
+
+/// Likewise a folder for the subject, beside those of earlier imports.
+void ImportDialog::suggestFolder()
+{
+    const QString suggestion =
+        m_ui->functional->path().isEmpty() ? QString() : proposedFolder(request());
+    const bool follows = m_ui->folder->path() == m_suggestedFolder;
+    m_suggestedFolder = suggestion;
+    if (follows)
+        m_ui->folder->setPath(suggestion);
+}
+
+/// What the names say stands in the empty fields.
+void ImportDialog::suggestProvenance()
+{
+    ImportRequest files = request();
+    files.provenance = {};
+    const Provenance found = provenanceOf(files);
+    const QString unknown = tr("not known");
+    m_ui->subject->setPlaceholderText(found.subject.isEmpty() ? unknown : found.subject);
+    m_ui->space->setPlaceholderText(found.space.isEmpty() ? unknown : found.space);
+}
+
 void ImportDialog::inputChanged()
 {
+    // Each suggestion is an input that comes here again.
     suggestConfounds();
+    suggestName();
+    suggestFolder();
+    suggestProvenance();
     const bool hasTable = !m_ui->confounds->path().isEmpty();
     m_ui->strategy->setEnabled(hasTable);
     m_ui->fdThreshold->setEnabled(hasTable && m_ui->strategy->currentIndex() > 0);
-    // The name follows the run until the user gives another.
-    const QString suggestion = defaultImportName(m_ui->functional->path());
-    if (m_ui->name->text() == m_suggestedName && suggestion != m_suggestedName) {
-        m_suggestedName = suggestion;
-        m_ui->name->setText(suggestion); // comes here again
-        return;
-    }
-    m_suggestedName = suggestion;
     m_import->setEnabled(false);
     m_planIsOld = true;
+    if (m_stop)
+        *m_stop = true;
     m_planSoon.start();
 }
 
@@ -172,27 +250,23 @@ void ImportDialog::inputChanged()
 void ImportDialog::startPlanning()
 {
     if (m_planning.isRunning())
-        return; // showPlan comes back here
+        return; // showOutcome comes back here
     m_planIsOld = false;
-    const ImportRequest asked = request();
-    if (asked.anatomy.isEmpty() || asked.functional.isEmpty()) {
-        clearPlan(tr("Choose an anatomy and a functional run to see what goes where."));
-        return;
-    }
-    clearPlan(tr("Looking at the files..."));
-    m_planning.setFuture(QtConcurrent::run([asked] {
-        PlanOutcome outcome;
-        outcome.fault =
-            faultOf([&] { outcome.plan = std::make_shared<const ImportPlan>(planImport(asked)); });
+    m_ui->state->setText(tr("Looking at the files..."));
+    m_stop = std::make_shared<std::atomic_bool>(false);
+    m_planning.setFuture(QtConcurrent::run([asked = request(), stop = m_stop] {
+        CheckedImport outcome;
+        const QString fault = faultOf(
+            [&] { outcome = checkImport(asked, [stop](qint64, qint64) { return !*stop; }); });
+        if (!fault.isEmpty())
+            outcome.check.other = fault;
         return outcome;
     }));
 }
 
-void ImportDialog::clearPlan(const QString &state)
+void ImportDialog::clearPlan()
 {
     m_plan.reset();
-    m_import->setEnabled(false);
-    m_ui->state->setText(state);
     m_ui->grids->clear();
     m_ui->vois->setRowCount(0);
     m_ui->conditions->show(Prt(), 0);
@@ -200,19 +274,52 @@ void ImportDialog::clearPlan(const QString &state)
     m_ui->notes->clear();
 }
 
-void ImportDialog::showPlan()
+void ImportDialog::showOutcome()
 {
     if (m_planIsOld) {
         startPlanning();
         return;
     }
-    const PlanOutcome outcome = m_planning.result();
-    if (outcome.plan == nullptr) {
-        clearPlan(outcome.fault);
-        return;
-    }
+    const CheckedImport outcome = m_planning.result();
+    showMessages(outcome.check);
     m_plan = outcome.plan;
-    const ImportPlan &plan = *m_plan;
+    if (m_plan != nullptr)
+        showPlan(*m_plan);
+    else
+        clearPlan();
+    const bool isReady = m_plan != nullptr && !outcome.check.hasFaults();
+    if (!outcome.check.other.isEmpty())
+        m_ui->state->setText(outcome.check.other);
+    else if (m_ui->functional->path().isEmpty())
+        m_ui->state->setText(tr("Choose a functional run to see what goes where."));
+    else if (!isReady && m_plan == nullptr)
+        m_ui->state->setText(
+            tr("Nothing can be shown before the run and the anatomy can be read."));
+    else if (!isReady)
+        m_ui->state->setText(
+            tr("%1\nWhat is wrong stands beside its field.").arg(m_ui->state->text()));
+    m_import->setEnabled(isReady);
+}
+
+/// Missing fields are no fault before anything is chosen.
+void ImportDialog::showMessages(const ImportCheck &check)
+{
+    const auto tell = [](auto *field, const FieldCheck &found) {
+        const bool isFault = !found.fault.isEmpty();
+        field->setMessage(isFault ? found.fault : found.found, isFault);
+    };
+    tell(m_ui->anatomy, check.anatomy);
+    tell(m_ui->functional, check.functional);
+    tell(m_ui->events, check.events);
+    tell(m_ui->confounds, check.confounds);
+    m_ui->voiSources->setChecks(check.voiSources);
+    const bool isEmpty = m_ui->functional->path().isEmpty();
+    tell(m_ui->folder, isEmpty ? FieldCheck() : check.folder);
+    m_ui->nameMessage->show(isEmpty ? QString() : check.name.fault, true);
+}
+
+void ImportDialog::showPlan(const ImportPlan &plan)
+{
     const FunctionalGrid &grid = plan.grid;
     m_ui->state->setText(tr("%1 x %2 x %3 samples, %4 mm apart, %5; %6 volumes, one each %7 s")
                              .arg(QString::number(grid.size[0]), QString::number(grid.size[1]),
@@ -224,14 +331,9 @@ void ImportDialog::showPlan()
     showVois(plan);
     m_ui->conditions->show(plan.protocol, plan.keptVolumes());
     showCleaning(plan);
-    m_ui->notes->setPlainText(plan.notes.isEmpty() ? tr("Nothing to note.")
-                                                   : plan.notes.join(QLatin1Char('\n')));
-    const bool isName = isImportName(m_ui->name->text());
-    m_import->setEnabled(isName && !m_ui->folder->path().isEmpty());
-    if (!isName)
-        m_ui->state->setText(tr("The name of the files is missing or cannot be used."));
-    else if (m_ui->folder->path().isEmpty())
-        m_ui->state->setText(m_ui->state->text() + tr(". Choose a folder to import into."));
+    const QStringList notes = plan.notes + shortIntervalNotes(plan.protocol);
+    m_ui->notes->setPlainText(notes.isEmpty() ? tr("Nothing to note.")
+                                              : notes.join(QLatin1Char('\n')));
 }
 
 void ImportDialog::showCleaning(const ImportPlan &plan)
@@ -296,6 +398,7 @@ void ImportDialog::runImport()
         box.exec();
         return;
     }
+    rememberChoices();
     for (const QString &line : report.notes + report.summary)
         logText(line);
     for (const QString &file : report.files)

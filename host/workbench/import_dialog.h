@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/import/import_plan.h"
+#include "host/import/import_check.h"
 
 #include <QDialog>
 #include <QFutureWatcher>
 #include <QTimer>
+#include <atomic>
 #include <memory>
 
 class QPushButton;
@@ -31,33 +32,40 @@ public:
     /// What the dialog asks for now.
     ImportRequest request() const;
     void setRequest(const ImportRequest &request);
+    /// Fills in files alone; choices that are remembered from the last import stay.
+    void setFiles(const ImportRequest &request);
 
     /// The files that were made, but for the protocol, which the run
     /// names; empty before the import.
     const QStringList &importedFiles() const { return m_importedFiles; }
 
 private:
-    struct PlanOutcome {
-        std::shared_ptr<const ImportPlan> plan; ///< null when there is none
-        QString fault;
-    };
-
     std::shared_ptr<const CleaningRequest> cleaning() const;
+    void connectFields();
+    void restoreChoices();
+    void rememberChoices() const;
     void suggestConfounds();
+    void suggestName();
+    void suggestFolder();
+    void suggestProvenance();
     void inputChanged();
     void startPlanning();
-    void showPlan();
+    void showOutcome();
+    void showMessages(const ImportCheck &check);
+    void showPlan(const ImportPlan &plan);
     void showCleaning(const ImportPlan &plan);
     void showVois(const ImportPlan &plan);
-    void clearPlan(const QString &state);
+    void clearPlan();
     void runImport();
 
     std::unique_ptr<Ui::ImportDialog> m_ui;
     QPushButton *m_import;
     QString m_suggestedName;
     QString m_suggestedConfounds;
+    QString m_suggestedFolder;
     QTimer m_planSoon;
-    QFutureWatcher<PlanOutcome> m_planning;
+    QFutureWatcher<CheckedImport> m_planning;
+    std::shared_ptr<std::atomic_bool> m_stop; ///< set when the planning that runs is of no use
     std::shared_ptr<const ImportPlan> m_plan; ///< what is shown, null when nothing is
     bool m_planIsOld = false; ///< the input has changed since the last planning began
     QStringList m_importedFiles;

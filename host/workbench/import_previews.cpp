@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/import_previews.h"
 
+#include "host/workbench/condition_colours.h"
 #include "host/workbench/import_run_mean.h"
-#include "host/workbench/time_course_view.h"
+#include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_slices.h"
 
 #include <QCheckBox>
@@ -268,8 +269,20 @@ void ConditionTimeline::show(const Prt &protocol, int volumes)
 
 QSize ConditionTimeline::sizeHint() const
 {
-    const int rows = std::min(static_cast<int>(m_protocol.conditions.size()), 8);
-    return {300, (rows + 1) * (fontMetrics().height() + 2)};
+    // Below that a short interval can't be told from the next one.
+    constexpr double leastPerVolume = 1.5;
+    const int rows = static_cast<int>(m_protocol.conditions.size());
+    return {std::max(200, static_cast<int>(namesWidth() + leastPerVolume * m_volumes)),
+            (rows + 1) * (fontMetrics().height() + 2)};
+}
+
+/// The longest name, within reason, and what stands around it.
+int ConditionTimeline::namesWidth() const
+{
+    int names = 0;
+    for (const PrtCondition &condition : m_protocol.conditions)
+        names = std::max(names, fontMetrics().horizontalAdvance(condition.name));
+    return std::min(names, 20 * fontMetrics().averageCharWidth()) + 14;
 }
 
 void ConditionTimeline::paintEvent(QPaintEvent *)
@@ -282,10 +295,7 @@ void ConditionTimeline::paintEvent(QPaintEvent *)
         painter.drawText(rect(), Qt::AlignCenter, tr("No conditions"));
         return;
     }
-    int names = 0;
-    for (const PrtCondition &condition : m_protocol.conditions)
-        names = std::max(names, fontMetrics().horizontalAdvance(condition.name));
-    const double left = std::min(names, width() / 3) + 14;
+    const double left = namesWidth();
     const double perVolume = (width() - left - 6) / std::max(m_volumes, 1);
     int y = 0;
     for (std::size_t n = 0; n < m_protocol.conditions.size(); ++n, y += line) {
@@ -296,7 +306,7 @@ void ConditionTimeline::paintEvent(QPaintEvent *)
         for (const auto &[from, to] : condition.intervals)
             painter.fillRect(QRectF(left + (from - 1) * perVolume, y + 2,
                                     std::max(1.0, (to - from + 1) * perVolume), line - 4),
-                             conditionColour(n));
+                             conditionColour(condition.name));
     }
     painter.drawText(QRectF(left, y, width() - left - 6, line), Qt::AlignLeft | Qt::AlignVCenter,
                      QStringLiteral("1"));

@@ -58,7 +58,8 @@ private:
     TimeCourseReader m_reader;
 };
 
-/// The conditions of a protocol, one row each, over the volumes of the run.
+/// The conditions of a protocol, one row each, over the volumes of the run. It is as large as all
+/// of them need: for a scroll area.
 class ConditionTimeline : public QWidget
 {
     Q_OBJECT
@@ -76,6 +77,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    int namesWidth() const;
+
     Prt m_protocol;
     int m_volumes = 0;
 };

@@ -17,14 +17,17 @@
 #include "host/workbench/run_pane.h"
 #include "host/workbench/time_course_reader.h"
 #include "host/workbench/time_course_view.h"
+#include "host/workbench/user_folder.h"
 #include "host/workbench/voi_list.h"
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
 #include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
+#include "host/import/given_files.h"
 #include "host/workbench/example_files.h"
 #include "host/workbench/import_dialog.h"
+#include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #endif
 
@@ -58,7 +61,9 @@ const QString geometryKey = QStringLiteral("window/geometry");
 const QString stateKey = QStringLiteral("window/state");
 const QString partsKey = QStringLiteral("window/parts");
 const QString neurologicalKey = QStringLiteral("view/neurological");
-const QString folderKey = QStringLiteral("folder");
+
+/// An object of a plugin that holds results which exist nowhere else has this property: their name.
+constexpr auto unsavedResults = "unsavedResults";
 
 /// The cursor of a program at work, while it lives.
 class BusyCursor
@@ -78,6 +83,12 @@ int turnOf(const QString &path)
     if (kind == FileKind::Vtc)
         return 1;
     return kind == FileKind::Voi || kind == FileKind::Prt ? 2 : 0;
+}
+
+/// Without its folder; empty for none.
+QString bareName(const QString &path)
+{
+    return path.isEmpty() ? QString() : QFileInfo(path).fileName();
 }
 
 QString menuText(QString text)
@@ -171,6 +182,7 @@ QWidget *MainWindow::makeWelcome()
     m_welcomeOpen = addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
 #ifdef CORVANE_IMPORT
     addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &MainWindow::importFiles);
+    addButton(tr("Import a Pipe&line's Folder..."), "welcomeFolder", &MainWindow::chooseDataset);
     addButton(tr("Open the &Example Dataset"), "welcomeExample", &MainWindow::openExample);
 #endif
     layout->addStretch();
@@ -191,6 +203,12 @@ QWidget *MainWindow::makeVolumePage()
     auto *const course = new QWidget;
     auto *const rows = new QVBoxLayout(course);
     rows->setContentsMargins(0, 0, 0, 0);
+    m_courseName = new QLabel;
+    m_courseName->setObjectName(QStringLiteral("courseName"));
+    m_courseName->setTextFormat(Qt::PlainText);
+    m_courseName->setIndent(4);
+    m_courseName->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    rows->addWidget(m_courseName);
     rows->addWidget(m_timeCourse, 1);
     rows->addWidget(m_before);
     m_parts->addWidget(course);
@@ -214,12 +232,15 @@ void MainWindow::makeFileMenu()
     open->setShortcut(QKeySequence::Open);
     m_recent = new RecentFilesMenu(this);
     connect(m_recent, &RecentFilesMenu::chosen, this,
-            [this](const QString &path) { openFiles({path}); });
+            [this](const QStringList &files) { openFiles(files); });
     menu->addMenu(m_recent);
     menu->addSeparator();
 #ifdef CORVANE_IMPORT
     QAction *const import = menu->addAction(tr("&Import..."), this, &MainWindow::importFiles);
     import->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
+    QAction *const folder =
+        menu->addAction(tr("Import &Folder..."), this, &MainWindow::chooseDataset);
+    folder->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
     menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
     menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
     menu->addSeparator();
@@ -391,9 +412,60 @@ void MainWindow::refresh()
     showPage(isOpen ? VolumePage : WelcomePage);
     showTimeCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
-    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane")
-                                .arg(QFileInfo(m_workspace.documentPath(current)).fileName())
+    showNames();
+    askAboutMismatches();
+}
+
+/// The title and the panes tell what they show.
+void MainWindow::showNames()
+{
+    const int current = m_workspace.currentDocument();
+    const bool isOpen = m_workspace.documentType(current) != ClosedDocument;
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    const QString run = vtc != nullptr ? bareName(vtc->file.path()) : QString();
+    const QString vois = bareName(m_workspace.voiPath());
+    const QString protocol = bareName(m_workspace.protocolPath());
+    QStringList names{bareName(m_workspace.documentPath(current)), run, vois, protocol};
+    names.removeAll(QString());
+    setWindowTitle(isOpen ? QStringLiteral("%1 - Corvane").arg(names.join(QStringLiteral(", ")))
                           : QStringLiteral("Corvane"));
+    m_vois->setWindowTitle(vois.isEmpty() ? tr("Volumes of Interest")
+                                          : tr("Volumes of Interest: %1").arg(vois));
+    m_vois->toggleViewAction()->setText(tr("&Volumes of Interest")); // else it has the title
+    m_courseName->setText(protocol.isEmpty() ? run : tr("%1, protocol %2").arg(run, protocol));
+    m_courseName->setToolTip(vtc != nullptr ? asToolTip(vtc->file.path()) : QString());
+    m_courseName->setVisible(vtc != nullptr);
+}
+
+/// Files of different subjects or spaces are kept only when the user says so. Plugins load files
+/// too, and have finished when this is asked.
+void MainWindow::askAboutMismatches()
+{
+    const LinkedVtc *const vtc = m_workspace.linkedVtc();
+    const QString loads = QStringLiteral("%1 %2").arg(
+        QString::number(m_workspace.voiLoads()), vtc != nullptr ? vtc->file.path() : QString());
+    if (m_isAsking || loads == m_checkedLoads)
+        return;
+    m_checkedLoads = loads;
+    for (const ProvenanceMismatch &mismatch : m_workspace.mismatches()) {
+        if (m_mismatches.contains(mismatch.text()))
+            continue;
+        logText(mismatch.text());
+        const bool isVois = mismatch.file == m_workspace.voiPath();
+        m_isAsking = true;
+        const bool keeps =
+            askUser(tr("%1.\n\nUse it all the same? \"No\" closes it.").arg(mismatch.text()));
+        m_isAsking = false;
+        if (keeps) {
+            m_mismatches += mismatch.text();
+            continue;
+        }
+        if (isVois)
+            m_workspace.unloadVois();
+        else
+            m_workspace.unlinkVtc();
+        return; // what is left is looked at after the change
+    }
 }
 
 /// Files are used where they lie: another program that shortens one takes it away.
@@ -507,6 +579,30 @@ void MainWindow::open(const QString &path)
 
 void MainWindow::openFiles(const QStringList &paths)
 {
+    QStringList faults;
+#ifdef CORVANE_IMPORT
+    const GivenFiles given = sortGivenFiles(paths);
+    faults = given.faults + openNow(given.toOpen);
+    std::vector<ImportRequest> requests;
+    if (!given.toImport.isEmpty())
+        requests = requestsOf(given.toImport, faults);
+#else
+    faults = openNow(paths);
+#endif
+    if (!faults.isEmpty())
+        showMessageBox(faults.join(QLatin1Char('\n')));
+#ifdef CORVANE_IMPORT
+    if (!given.dataset.isEmpty())
+        importDataset(given.dataset, given.participants);
+    if (requests.size() == 1)
+        importRequest(requests.front());
+    else if (!requests.empty())
+        importRuns(tr("Files that were opened together"), runsOfRequests(requests));
+#endif
+}
+
+QStringList MainWindow::openNow(const QStringList &paths)
+{
     QStringList sorted = paths;
     std::stable_sort(sorted.begin(), sorted.end(), [](const QString &left, const QString &right) {
         return turnOf(left) < turnOf(right);
@@ -517,7 +613,7 @@ void MainWindow::openFiles(const QStringList &paths)
         for (const QString &path : qAsConst(sorted)) {
             try {
                 open(path);
-                m_recent->add(path);
+                rememberOpened(path);
                 logText(tr("Opened %1.").arg(QFileInfo(path).fileName()));
             } catch (const InputError &error) {
                 faults += QString::fromUtf8(error.what());
@@ -527,20 +623,36 @@ void MainWindow::openFiles(const QStringList &paths)
         }
     }
     // Where the dialogs of plugins begin, which ask for the same files once more.
-    if (!sorted.isEmpty())
+    if (!sorted.isEmpty()) {
         QFileDialog().setDirectory(QFileInfo(sorted.front()).absolutePath());
+        rememberUserFolder(sorted.front());
+    }
     refresh();
-    if (!faults.isEmpty())
-        showMessageBox(faults.join(QLatin1Char('\n')));
+    return faults;
+}
+
+/// Recent are whole subjects: an anatomy with what was opened on it.
+void MainWindow::rememberOpened(const QString &path)
+{
+    QStringList &files = m_subjects[m_workspace.currentDocument()];
+    const FileKind kind = fileKind(path);
+    const bool isAnatomy = turnOf(path) == 0;
+    if (isAnatomy)
+        files.clear();
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [&](const QString &file) { return fileKind(file) == kind; }),
+                files.end());
+    files += path;
+    m_recent->add(files);
 }
 
 void MainWindow::chooseFiles()
 {
     const QStringList paths = QFileDialog::getOpenFileNames(
-        this, tr("Open"), QSettings().value(folderKey).toString(),
+        this, tr("Open"), userFolder(),
         QStringList{fileFilter(tr("All files of this program"),
                                {FileKind::Vmr, FileKind::Vtc, FileKind::Voi, FileKind::Prt,
-                                FileKind::Nifti, FileKind::Nrrd}),
+                                FileKind::Nifti, FileKind::Nrrd, FileKind::Table}),
                     fileFilter(tr("Anatomies"), {FileKind::Vmr, FileKind::Nifti, FileKind::Nrrd}),
                     fileFilter(tr("Time courses"), {FileKind::Vtc}),
                     fileFilter(tr("Volumes of interest"), {FileKind::Voi}),
@@ -548,17 +660,67 @@ void MainWindow::chooseFiles()
             .join(QStringLiteral(";;")));
     if (paths.isEmpty())
         return;
-    QSettings().setValue(folderKey, QFileInfo(paths.front()).absolutePath());
+    rememberUserFolder(paths.front());
     openFiles(paths);
 }
 
 #ifdef CORVANE_IMPORT
 void MainWindow::importFiles()
 {
+    importRequest({});
+}
+
+/// The import, with its fields filled as far as the request goes.
+void MainWindow::importRequest(const ImportRequest &request)
+{
     const ScopedDialog dialog(new ImportDialog(this));
     dialog->setAttribute(Qt::WA_DeleteOnClose, false);
+    dialog->setFiles(request);
     if (dialog->exec() == QDialog::Accepted && dialog)
-        openFiles(dialog->importedFiles());
+        openImported(dialog->importedFiles());
+}
+
+/// Dialogs go on where the scans are, not where their import has put its files.
+void MainWindow::openImported(const QStringList &files)
+{
+    const QString folder = userFolder();
+    openFiles(files);
+    rememberUserFolder(folder);
+}
+
+/// The first of the runs that were imported is shown, all are among the recent ones.
+void MainWindow::importRuns(const QString &what, std::vector<BidsImport> runs)
+{
+    const ScopedDialog dialog(new RunsDialog(what, std::move(runs), this));
+    if (dialog->exec() != QDialog::Accepted || !dialog)
+        return;
+    const std::vector<QStringList> imported = dialog->imported();
+    for (auto files = imported.rbegin(); files != imported.rend(); ++files)
+        m_recent->add(*files);
+    openImported(imported.front());
+}
+
+void MainWindow::importDataset(const QString &dataset, const QStringList &participants)
+{
+    std::vector<BidsImport> runs;
+    try {
+        const BusyCursor busy;
+        runs = runsOfDataset(dataset, participants);
+    } catch (const InputError &error) {
+        showMessageBox(QString::fromUtf8(error.what()));
+        return;
+    }
+    importRuns(dataset, std::move(runs));
+}
+
+void MainWindow::chooseDataset()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Import Folder"), userFolder());
+    if (folder.isEmpty())
+        return;
+    rememberUserFolder(folder);
+    openFiles({folder});
 }
 
 /// One window for all studies, which goes on computing while it is closed.
@@ -595,6 +757,7 @@ void MainWindow::showDocument(int step)
 
 void MainWindow::loadPluginFolder(const QString &folder)
 {
+    m_pluginFolder = folder;
     m_plugins = loadPlugins(folder);
     if (m_plugins.empty())
         return;
@@ -609,6 +772,12 @@ void MainWindow::loadPluginFolder(const QString &folder)
         action->setToolTip(asToolTip(plugin->path()));
         connect(action, &QAction::triggered, this, [this, &plugin] { start(*plugin); });
     }
+}
+
+bool MainWindow::isEmpty() const
+{
+    return DocumentTabs::openDocuments(m_workspace).isEmpty() && m_workspace.vois() == nullptr &&
+           m_workspace.protocol() == nullptr;
 }
 
 QStringList MainWindow::pluginNames() const
@@ -672,6 +841,37 @@ void MainWindow::showKeys()
     keys->exec();
 }
 
+/// A question over the active window; "No" unless the user says yes.
+bool MainWindow::askUser(const QString &text)
+{
+    QWidget *const onTop = windowOnTop();
+    QWidget *parent = QApplication::activeWindow();
+    if (parent == nullptr)
+        parent = onTop != nullptr ? onTop : this;
+    const ScopedDialog box(new QMessageBox(QMessageBox::Warning, QStringLiteral("Corvane"), text,
+                                           QMessageBox::Yes | QMessageBox::No, parent));
+    box->setDefaultButton(QMessageBox::No);
+    box->setTextFormat(Qt::PlainText);
+    if (onTop != nullptr)
+        box->setWindowFlag(Qt::WindowStaysOnTopHint);
+    return box->exec() == QMessageBox::Yes;
+}
+
+/// One question for all results that exist nowhere else.
+bool MainWindow::mayLoseResults()
+{
+    QStringList names;
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        for (const QObject *part : window->findChildren<QObject *>()) {
+            const QString name = part->property(unsavedResults).toString();
+            if (!name.isEmpty())
+                names += name;
+        }
+    return names.isEmpty() ||
+           askUser(tr("Results that exist nowhere else are open: %1.\n\nQuit all the same?")
+                       .arg(names.join(QStringLiteral(", "))));
+}
+
 void MainWindow::about()
 {
     const auto page = [](const char *name, const QString &text) {
@@ -701,6 +901,10 @@ void MainWindow::about()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    if (!mayLoseResults()) {
+        event->ignore();
+        return;
+    }
     // The session ends with this window. A window of a plugin that wants to stay keeps it.
     for (QWidget *window : QApplication::topLevelWidgets()) {
         if (window != this && window->isVisible() && !window->close()) {

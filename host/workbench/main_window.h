@@ -4,9 +4,12 @@
 #include "host/session/plugin_loader.h"
 #include "host/workbench/time_course_view.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QTimer>
+#include <vector>
 
+class QLabel;
 class QPushButton;
 class QSplitter;
 class QStackedWidget;
@@ -21,6 +24,8 @@ class RunPane;
 class StudyWindow;
 class Session;
 class BeforeCleaning;
+struct BidsImport;
+struct ImportRequest;
 class TimeCourseReader;
 class VoiList;
 class VolumeView;
@@ -38,15 +43,21 @@ public:
     ~MainWindow() override;
 
     /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
-    /// one, a .voi or .prt is loaded. What cannot be opened is told in one message.
+    /// one, a .voi or .prt is loaded. What has to be imported first goes to the import, a
+    /// pipeline's folder to the list of its runs. What cannot be opened is told in one message.
     void openFiles(const QStringList &paths);
 
     /// Loads the plugins of a folder and lists them in the Plugins menu.
     void loadPluginFolder(const QString &folder);
     QStringList pluginNames() const;
+    /// The folder that was given.
+    const QString &pluginFolder() const { return m_pluginFolder; }
     /// Starts the plugin of that name. One that does not start is told in the log; false then, and
     /// when there is none.
     bool startPlugin(const QString &name);
+
+    /// Whether nothing is open: no document, no VOIs, no protocol.
+    bool isEmpty() const;
 
     /// The size of the first start, where the screen has room for it.
     static QSize usualSize() { return {1100, 850}; }
@@ -82,9 +93,20 @@ private:
     void readVoiCourse();
     void addSliceChoice(QMenu &menu);
     void addConventions(QMenu &menu);
+    void showNames();
+    void askAboutMismatches();
+    bool mayLoseResults();
+    bool askUser(const QString &text);
+    void rememberOpened(const QString &path);
     void open(const QString &path);
+    QStringList openNow(const QStringList &paths);
     void chooseFiles();
     void importFiles();
+    void importRequest(const ImportRequest &request);
+    void openImported(const QStringList &files);
+    void importRuns(const QString &what, std::vector<BidsImport> runs);
+    void importDataset(const QString &dataset, const QStringList &participants);
+    void chooseDataset();
     void openExample();
     void openStudy();
     void closeDocument();
@@ -97,6 +119,7 @@ private:
     Workspace &m_workspace;
     std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
     std::vector<std::unique_ptr<Plugin>> m_plugins;
+    QString m_pluginFolder;
     QTimer m_refreshSoon;
     QTimer m_fileWatch;
     LogPane *m_log;
@@ -113,6 +136,11 @@ private:
     TimeCourseReader *m_voiReader;
     VoiCourse m_voiCourse; ///< of the chosen VOI, once it is read
     int m_shownVoiLoads = -1;
+    QLabel *m_courseName = nullptr;
+    QString m_checkedLoads;   ///< what was loaded when subjects and spaces were compared last
+    QStringList m_mismatches; ///< those that the user knows of and keeps
+    bool m_isAsking = false;
+    QHash<int, QStringList> m_subjects; ///< files that were opened, by the position of the document
     RecentFilesMenu *m_recent = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QSettings>
 
+#include <algorithm>
+
 namespace corvane
 {
 
@@ -13,7 +15,33 @@ namespace
 {
 
 const QString key = QStringLiteral("recentFiles");
-constexpr int mostFiles = 10;
+constexpr int mostSubjects = 10;
+
+/// A list of settings holds texts: the files of a subject are lines of one.
+QStringList filesOf(const QString &entry)
+{
+    return entry.split(QLatin1Char('\n'));
+}
+
+bool areAllIn(const QStringList &files, const QStringList &others)
+{
+    return std::all_of(files.begin(), files.end(),
+                       [&](const QString &file) { return others.contains(file); });
+}
+
+bool areThere(const QStringList &files)
+{
+    return std::all_of(files.begin(), files.end(),
+                       [](const QString &file) { return QFileInfo::exists(file); });
+}
+
+QString labelOf(const QStringList &files)
+{
+    QStringList names;
+    for (const QString &file : files)
+        names += QFileInfo(file).fileName();
+    return names.join(QStringLiteral(", ")).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
 
 } // namespace
 
@@ -24,32 +52,35 @@ RecentFilesMenu::RecentFilesMenu(QWidget *parent) : QMenu(tr("Open &Recent"), pa
     fill();
 }
 
-void RecentFilesMenu::add(const QString &path)
+void RecentFilesMenu::add(const QStringList &files)
 {
+    QStringList paths;
+    for (const QString &file : files)
+        paths += QFileInfo(file).absoluteFilePath();
     QSettings settings;
-    QStringList paths = settings.value(key).toStringList();
-    const QString absolute = QFileInfo(path).absoluteFilePath();
-    paths.removeAll(absolute);
-    paths.prepend(absolute);
-    settings.setValue(key, QStringList(paths.mid(0, mostFiles)));
+    QStringList entries{paths.join(QLatin1Char('\n'))};
+    for (const QString &entry : settings.value(key).toStringList())
+        if (!areAllIn(filesOf(entry), paths))
+            entries += entry;
+    settings.setValue(key, QStringList(entries.mid(0, mostSubjects)));
     fill();
 }
 
 void RecentFilesMenu::fill()
 {
     clear();
-    const QStringList paths = QSettings().value(key).toStringList();
-    for (const QString &path : paths) {
-        QString label = QFileInfo(path).fileName();
-        QAction *const action = addAction(label.replace(QLatin1Char('&'), QLatin1String("&&")));
-        action->setToolTip(asToolTip(path));
-        action->setStatusTip(path);
-        action->setEnabled(QFileInfo::exists(path));
-        connect(action, &QAction::triggered, this, [this, path] { Q_EMIT chosen(path); });
+    const QStringList entries = QSettings().value(key).toStringList();
+    for (const QString &entry : entries) {
+        const QStringList files = filesOf(entry);
+        QAction *const action = addAction(labelOf(files));
+        action->setToolTip(asToolTip(entry));
+        action->setStatusTip(files.front());
+        action->setEnabled(areThere(files));
+        connect(action, &QAction::triggered, this, [this, files] { Q_EMIT chosen(files); });
     }
     setToolTipsVisible(true);
-    setEnabled(!paths.isEmpty());
-    if (paths.isEmpty())
+    setEnabled(!entries.isEmpty());
+    if (entries.isEmpty())
         return;
     addSeparator();
     connect(addAction(tr("&Clear This List")), &QAction::triggered, this, [this] {

@@ -6,7 +6,8 @@
 namespace corvane
 {
 
-/// The menu of the files that were opened last, newest first, remembered between sessions.
+/// The menu of the subjects that were opened last, newest first, remembered between sessions: each
+/// an anatomy with the run, the VOIs and the protocol that were opened on it.
 class RecentFilesMenu : public QMenu
 {
     Q_OBJECT
@@ -14,10 +15,11 @@ class RecentFilesMenu : public QMenu
 public:
     explicit RecentFilesMenu(QWidget *parent = nullptr);
 
-    void add(const QString &path);
+    /// The files of a subject, which take the place of an entry with only some of them.
+    void add(const QStringList &files);
 
 Q_SIGNALS:
-    void chosen(const QString &path);
+    void chosen(const QStringList &files);
 
 private:
     void fill();

@@ -2,6 +2,7 @@
 #include "host/workbench/time_course_view.h"
 
 #include "host/files/tsv_text.h"
+#include "host/workbench/condition_colours.h"
 #include "host/workbench/shown_thing.h"
 #include "plots/plain_text.h"
 
@@ -61,15 +62,6 @@ QColor readableOn(const QColor &ground, const QColor &colour)
 }
 
 } // namespace
-
-QColor conditionColour(std::size_t index)
-{
-    // Told apart also by those who see fewer colours (Okabe and Ito).
-    static const QColor colours[] = {{0, 114, 178},   {230, 159, 0},  {0, 158, 115},
-                                     {204, 121, 167}, {86, 180, 233}, {213, 94, 0},
-                                     {240, 228, 66},  {128, 128, 128}};
-    return colours[index % std::size(colours)];
-}
 
 TimeCourseView::TimeCourseView(QWidget *parent) : QWidget(parent)
 {
@@ -202,7 +194,7 @@ void TimeCourseView::paintEvent(QPaintEvent *)
 void TimeCourseView::paintBands(QPainter &painter, const Frame &frame) const
 {
     for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
-        QColor colour = conditionColour(n);
+        QColor colour = conditionColour(m_scene.conditions[n].name);
         colour.setAlpha(80);
         for (const auto &interval : m_scene.conditions[n].intervals) {
             const double from = frame.x(std::min(interval.first, frame.volumes + 1) - 0.5);
@@ -323,7 +315,7 @@ void TimeCourseView::paintLegend(QPainter &painter, const Frame &frame) const
         const double width = fontMetrics().horizontalAdvance(name);
         if (x + line + width > frame.plot.right())
             break;
-        painter.fillRect(QRectF(x, 4 + line * 0.2, line * 0.7, line * 0.7), conditionColour(n));
+        painter.fillRect(QRectF(x, 4 + line * 0.2, line * 0.7, line * 0.7), conditionColour(name));
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(QRectF(x + line, 4, width + 2, line), Qt::AlignVCenter, name);
         x += line + width + 2 * line;

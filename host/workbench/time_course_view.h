@@ -28,9 +28,6 @@ struct TimeCourseScene {
     QString cleaning; ///< what was done to the run, in one line; empty for nothing
 };
 
-/// The colour of a condition, the same wherever conditions are drawn.
-QColor conditionColour(std::size_t index);
-
 /// The samples of one voxel over the volumes, with the intervals of the protocol as bands behind
 /// them. The mouse or the arrow keys read single volumes.
 class TimeCourseView : public QWidget

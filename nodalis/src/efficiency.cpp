@@ -32,7 +32,7 @@ Eigen::ArrayXd inverse_lengths(const detail::PathLengths &paths)
 }
 
 /// Nodal global efficiency in double precision.
-Eigen::ArrayXd nodal_efficiency(const Eigen::MatrixXf &weights)
+Eigen::ArrayXd nodal_efficiency(const Eigen::MatrixXf &weights, const Effort &effort)
 {
     const Eigen::Index n = weights.rows();
     if (n < 2) {
@@ -40,7 +40,7 @@ Eigen::ArrayXd nodal_efficiency(const Eigen::MatrixXf &weights)
     }
     detail::PathLengths paths(weights,
                               [](float w) { return w > 0.0F ? 1.0 / double{w} : detail::no_path; });
-    paths.relax_all();
+    paths.relax_all(effort);
     return inverse_lengths(paths) / static_cast<double>(n - 1);
 }
 
@@ -51,13 +51,25 @@ inline namespace NODALIS_ABI
 
 float global_efficiency(const Eigen::MatrixXf &matrix)
 {
+    return global_efficiency(matrix, {});
+}
+
+float global_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort)
+{
     const Eigen::MatrixXf weights = detail::conditioned(matrix, "global_efficiency");
-    return weights.rows() == 0 ? 0.0F : static_cast<float>(nodal_efficiency(weights).mean());
+    return weights.rows() == 0 ? 0.0F
+                               : static_cast<float>(nodal_efficiency(weights, effort).mean());
 }
 
 Eigen::ArrayXf nodal_global_efficiency(const Eigen::MatrixXf &matrix)
 {
-    return nodal_efficiency(detail::conditioned(matrix, "nodal_global_efficiency")).cast<float>();
+    return nodal_global_efficiency(matrix, {});
+}
+
+Eigen::ArrayXf nodal_global_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort)
+{
+    const Eigen::MatrixXf weights = detail::conditioned(matrix, "nodal_global_efficiency");
+    return nodal_efficiency(weights, effort).cast<float>();
 }
 
 } // namespace NODALIS_ABI

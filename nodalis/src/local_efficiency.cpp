@@ -6,6 +6,7 @@
 #include <nodalis/efficiency.h>
 
 #include "graph.h"
+#include "parallel.h"
 #include "shortest_paths.h"
 
 // Each node i asks for the shortest paths through its neighbours N_i alone. In a dense graph the
@@ -92,23 +93,33 @@ double weighted_inverse_sum(const PathLengths &lengths, const Nodes &through,
 class LocalEfficiency
 {
 public:
-    explicit LocalEfficiency(const Eigen::MatrixXf &weights)
-        : m_graph(graph_of(weights)), m_result(Eigen::ArrayXd::Zero(weights.rows()))
+    LocalEfficiency(const Eigen::MatrixXf &weights, const Effort &effort)
+        : m_graph(graph_of(weights)), m_result(Eigen::ArrayXd::Zero(weights.rows())),
+          m_effort(effort)
     {
     }
 
     Eigen::ArrayXd compute()
     {
         Nodes group;
+        double all = 0.0;
         for (int node = 0; node < m_graph.size(); ++node) {
             if (m_graph.neighbours[node].size() >= 2) {
                 group.push_back(node);
+                all += cost_of(node);
             }
         }
-        if (!group.empty()) {
-            visit(group, {PathLengths(m_graph.roots, [](double root) { return 1.0 / root; }),
-                          Mask(m_graph.size(), 0)});
+        if (group.empty()) {
+            return m_result;
         }
+        const Progress start{PathLengths(m_graph.roots, [](double root) { return 1.0 / root; }),
+                             Mask(m_graph.size(), 0)};
+        detail::Report report(m_effort, all);
+        m_report = &report;
+        std::vector<Nodes> independent;
+        split(group, start.done, independent);
+        detail::for_each_index(independent.size(), m_effort.threads,
+                               [&](std::size_t part) { visit_part(independent[part], start); });
         return m_result;
     }
 
@@ -116,19 +127,59 @@ private:
     /// Relaxing through so few nodes is done by each node of a group on its own.
     static constexpr int few = 8;
 
-    void visit(const Nodes &group, const Progress &progress)
+    /// About how long a node takes.
+    double cost_of(int node) const
     {
-        if (group.size() == 1 || little_is_left(group, progress.done)) {
-            for (const int node : group) {
-                const double k = static_cast<double>(m_graph.neighbours[node].size());
-                m_result[node] = 2.0 * sum_of(node, progress) / (k * (k - 1.0));
-            }
-            return;
-        }
+        const double k = static_cast<double>(m_graph.neighbours[node].size());
+        return k * k * k;
+    }
+
+    bool is_leaf(const Nodes &group, const Mask &done) const
+    {
+        return group.size() == 1 || little_is_left(group, done);
+    }
+
+    std::vector<Nodes> parts_of(const Nodes &group) const
+    {
+        std::vector<Nodes> all;
         const std::size_t step = (group.size() + parts() - 1) / parts();
         for (std::size_t first = 0; first < group.size(); first += step) {
             const std::size_t last = std::min(first + step, group.size());
-            visit_part(Nodes(group.begin() + first, group.begin() + last), progress);
+            all.emplace_back(group.begin() + first, group.begin() + last);
+        }
+        return all;
+    }
+
+    /// The groups that share nothing with each other: threads may take one each.
+    void split(const Nodes &group, const Mask &done, std::vector<Nodes> &independent) const
+    {
+        if (is_leaf(group, done)) {
+            for (const int node : group) {
+                independent.push_back({node});
+            }
+            return;
+        }
+        for (const Nodes &part : parts_of(group)) {
+            if (is_worth_sharing(part, static_cast<double>(shared_by(part, done).size()))) {
+                independent.push_back(part);
+            } else {
+                split(part, done, independent);
+            }
+        }
+    }
+
+    void visit(const Nodes &group, const Progress &progress)
+    {
+        if (is_leaf(group, progress.done)) {
+            for (const int node : group) {
+                const double k = static_cast<double>(m_graph.neighbours[node].size());
+                m_result[node] = 2.0 * sum_of(node, progress) / (k * (k - 1.0));
+                m_report->add(cost_of(node));
+            }
+            return;
+        }
+        for (const Nodes &part : parts_of(group)) {
+            visit_part(part, progress);
         }
     }
 
@@ -226,7 +277,9 @@ private:
     }
 
     Graph m_graph;
-    Eigen::ArrayXd m_result;
+    Eigen::ArrayXd m_result; ///< of each node, written by the one thread that has it
+    const Effort &m_effort;
+    detail::Report *m_report = nullptr;
 };
 
 } // namespace
@@ -236,7 +289,13 @@ inline namespace NODALIS_ABI
 
 Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix)
 {
-    return LocalEfficiency(detail::conditioned(matrix, "local_efficiency")).compute().cast<float>();
+    return local_efficiency(matrix, {});
+}
+
+Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort)
+{
+    const Eigen::MatrixXf weights = detail::conditioned(matrix, "local_efficiency");
+    return LocalEfficiency(weights, effort).compute().cast<float>();
 }
 
 } // namespace NODALIS_ABI

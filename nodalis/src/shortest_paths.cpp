@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "parallel.h"
+
 namespace nodalis::detail
 {
 namespace
@@ -59,24 +61,30 @@ void PathLengths::relax(const std::vector<int> &through)
 {
     const int count = static_cast<int>(through.size());
     for (int k = 0; k < count; k += panel_depth) {
-        relax(Panel(*this, through.data() + k, std::min(panel_depth, count - k)));
+        relax(Panel(*this, through.data() + k, std::min(panel_depth, count - k)), 1);
     }
 }
 
-void PathLengths::relax_all()
+void PathLengths::relax_all(const Effort &effort)
 {
     std::vector<int> all(static_cast<std::size_t>(size()));
     std::iota(all.begin(), all.end(), 0);
-    relax(all);
+    Report report(effort, size());
+    for (int k = 0; k < size(); k += panel_depth) {
+        const int depth = std::min(panel_depth, size() - k);
+        relax(Panel(*this, all.data() + k, depth), effort.threads);
+        report.add(depth);
+    }
 }
 
-void PathLengths::relax(const Panel &panel)
+void PathLengths::relax(const Panel &panel, int threads)
 {
-    for (int j = 0; j < width(); ++j) {
+    for_each_index(static_cast<std::size_t>(width()), threads, [&](std::size_t column) {
+        const int j = static_cast<int>(column);
         for (int i = 0; i <= j; ++i) {
             panel.relax(m_lengths.tile(i, j).data(), *this, i, j);
         }
-    }
+    });
 }
 
 PathLengths::Panel::Panel(const PathLengths &lengths, const int *through, int depth)

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <Eigen/Core>
+#include <nodalis/effort.h>
 
 #include "tiles.h"
 
@@ -35,7 +36,8 @@ public:
     const Tile &tile(int i, int j) const { return m_lengths.tile(i, j); }
 
     void relax(const std::vector<int> &through);
-    void relax_all();
+    /// Throws Ended.
+    void relax_all(const Effort &effort);
 
     /// The shortest paths that start at some nodes and may pass through them.
     class Panel
@@ -66,7 +68,7 @@ public:
     static constexpr int panel_depth = 32;
 
 private:
-    void relax(const Panel &panel);
+    void relax(const Panel &panel, int threads);
 
     SymmetricTiles m_lengths;
 };

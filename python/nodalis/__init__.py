@@ -7,11 +7,11 @@ A graph is a square array of weights, a stack of graphs is k x n x n. What holds
   read-only, and copied once. Other real numbers, booleans and lists become float64 first. The
   argument stays as it is.
 - Measures are computed in double precision from single precision weights: a float64 is rounded to
-  the nearest float32, and what lies below 1e-45 becomes 0. Results are float32.
+  the nearest float32, and what lies below 1e-45 becomes 0. Results are float32, spectra float64.
 - A matrix is read as `treatment` would leave it: what is not finite is no edge, the diagonal is
   ignored, and w_ij and w_ji are averaged where they differ. No measure rescales it.
-- An edge of `degree`, `strength`, `eigenvector_centrality` and `spectral_euclidean` is w != 0; of all
-  others w > 0, so that they see the positive part of signed input only.
+- An edge of `degree`, `strength`, `eigenvector_centrality` and of spectra is w != 0; of all others
+  w > 0, so that they see the positive part of signed input only.
 - A stack is worked on by several threads, `threads` of them or one per processor for 0. The results
   are the same, to the last bit, on any number of threads and any processor.
 - The interpreter's lock is released while a function computes.
@@ -30,13 +30,14 @@ from .measures import (
     global_efficiency,
     local_efficiency,
     nodal_global_efficiency,
-    spectral_euclidean,
     strength,
 )
+from .spectra import between_spectra, spectral_euclidean, spectrum
 from .trees import SpanningTree, minimum_spanning_tree
 
 __all__ = [
     "SpanningTree",
+    "between_spectra",
     "clustering_coeff",
     "degree",
     "eigenvector_centrality",
@@ -46,6 +47,7 @@ __all__ = [
     "nodal_global_efficiency",
     "signals",
     "spectral_euclidean",
+    "spectrum",
     "statistics",
     "strength",
     "to_csv",

@@ -8,13 +8,14 @@ from .measures import (
     global_efficiency,
     local_efficiency,
     nodal_global_efficiency,
-    spectral_euclidean,
     strength,
 )
+from .spectra import between_spectra, spectral_euclidean, spectrum
 from .trees import SpanningTree, minimum_spanning_tree
 
 __all__ = [
     "SpanningTree",
+    "between_spectra",
     "clustering_coeff",
     "degree",
     "eigenvector_centrality",
@@ -24,6 +25,7 @@ __all__ = [
     "nodal_global_efficiency",
     "signals",
     "spectral_euclidean",
+    "spectrum",
     "statistics",
     "strength",
     "to_csv",

@@ -3,6 +3,8 @@
 
 import operator
 
+import numpy as np
+
 
 def whole(name, value, most=2**63 - 1):
     """A whole number from 0 on, also one of numpy."""
@@ -35,6 +37,15 @@ def word(name, value):
     if not isinstance(value, str):
         raise TypeError(f"{name} is {value!r}: expected a text")
     return value
+
+
+def column_names(table):
+    """The names of a data frame's columns; x0, x1, ... of an array's."""
+    names = getattr(table, "columns", None)
+    if names is not None:
+        return [str(name) for name in names]
+    shape = np.shape(table)
+    return [f"x{column}" for column in range(shape[1] if len(shape) == 2 else 0)]
 
 
 def optional(check, name, value):

@@ -2,7 +2,7 @@
 """Measures of graphs and of their nodes. What holds for all of them stands in `nodalis`."""
 
 from . import _nodalis
-from ._arguments import thread_count, whole
+from ._arguments import thread_count
 
 
 def degree(matrix, *, threads=0):
@@ -274,55 +274,3 @@ def eigenvector_centrality(matrix, *, threads=0):
     array([0.7071, 0.3536, 0.3536, 0.3536, 0.3536], dtype=float32)
     """
     return _nodalis.eigenvector_centrality(matrix, thread_count(threads))
-
-
-def spectral_euclidean(a, b, size=0, *, threads=0):
-    """Spectral distance of two graphs, the Euclidean norm of the difference of their sorted spectra.
-
-        d = |sorted eigenvalues of a - sorted eigenvalues of b|
-
-    Both graphs are padded with unconnected nodes to m = max(n_a, n_b, size) first. Each such node is
-    an eigenvalue 0 that takes its place in the sorted order, so that distances are comparable for one
-    m only. Negative weights are kept.
-
-    Parameters
-    ----------
-    a, b : array, n x n or k x n x n
-        Weights in one unit; float64 is rounded to float32. Two stacks are compared pair by pair, a
-        stack and a graph each with the one.
-    size : int
-        The least number of nodes to compare at.
-    threads : int
-        For a stack; 0 is one per processor.
-
-    Returns
-    -------
-    float, or ndarray of float32, k
-        In the unit of the weights; 0 between graphs of equal spectra.
-
-    Raises
-    ------
-    ValueError
-        If a matrix is not square, or two stacks differ in length.
-
-    References
-    ----------
-    Wilson and Zhu 2008, Pattern Recognit 41:2833, doi:10.1016/j.patcog.2008.03.011.
-
-    Examples
-    --------
-    >>> edge = np.array([[0, 1], [1, 0]])  # eigenvalues -1 and 1
-    >>> round(nodalis.spectral_euclidean(edge, 3 * edge), 6)  # sqrt(2^2 + 2^2)
-    2.828427
-
-    The distances of all pairs of a stack, as `nodalis.statistics.distance_anova` takes them:
-
-    >>> stack = np.stack([edge, 2 * edge, 3 * edge])
-    >>> np.stack([nodalis.spectral_euclidean(stack, graph) for graph in stack]).round(4)
-    array([[0.    , 1.4142, 2.8284],
-           [1.4142, 0.    , 1.4142],
-           [2.8284, 1.4142, 0.    ]], dtype=float32)
-    """
-    return _nodalis.spectral_euclidean(
-        a, b, whole("size", size, 2**31 - 1), thread_count(threads)
-    )

@@ -10,7 +10,7 @@ from typing import NamedTuple
 import numpy as np
 
 from . import _nodalis
-from ._arguments import optional, real, whole, word
+from ._arguments import column_names, optional, real, whole, word
 from .confounds import Component, ConfoundsTable, as_table, read_confounds
 
 __all__ = [
@@ -205,12 +205,12 @@ def clean(
     ----------
     series : array, volumes x series
         All volumes of the run, finite; float32 and float64.
-    confounds : Selection or array, volumes x regressors
+    confounds : Selection, array or data frame, volumes x regressors
         What `select` made of a table, or regressors in any unit; None for none.
     tr : float
         Repetition time in seconds.
     names : list of str
-        Of the regressors of an array. "cosine" with digits behind it is a drift.
+        Of the regressors of an array; x0, x1, ... without. "cosine" with digits behind it is a drift.
     non_steady, censored : array of bool, volumes
         Volumes to leave out, beside those of a selection.
     order : str
@@ -261,8 +261,7 @@ def clean(
         filter_only, fd, names = confounds.filter_only, confounds.fd, confounds.names
         confounds = confounds.values
     elif confounds is not None and names is None:
-        confounds = np.asarray(confounds)
-        names = [f"x{column}" for column in range(confounds.shape[1] if confounds.ndim == 2 else 0)]
+        names = column_names(confounds)
     found = _core.clean(
         series,
         list(names or []),

@@ -14,7 +14,7 @@ from typing import NamedTuple
 import numpy as np
 
 from . import _nodalis
-from ._arguments import real, thread_count, whole, word
+from ._arguments import column_names, real, thread_count, whole, word
 
 __all__ = [
     "Component",
@@ -392,7 +392,7 @@ def edgewise_glm(
     ----------
     data : array, subjects x edges or subjects x nodes x nodes
         Complete; in Fisher z where they are correlations.
-    design : Design or array, subjects x columns
+    design : Design, array or data frame, subjects x columns
         What `design` made of a formula, or a matrix.
     contrast : str or array
         "NAME = 0.5*a - b", rows separated by ";" for F; or weights of the columns, rows of them for F.
@@ -487,7 +487,7 @@ def nbs(
     ----------
     data : array, subjects x edges or subjects x nodes x nodes
         Complete upper triangles; in Fisher z where they are correlations.
-    design : Design or array, subjects x columns
+    design : Design, array or data frame, subjects x columns
         What `design` made of a formula, or a matrix.
     contrast : str or array
         As in `edgewise_glm`.
@@ -651,7 +651,7 @@ def qcfc(data, mean_fd, *, covariates=None, columns=None, distances=None):
         In Fisher z where they are correlations.
     mean_fd : array, subjects
         Mean framewise displacement in mm, of all volumes before censoring.
-    covariates : Design or array, subjects x columns
+    covariates : Design, array or data frame, subjects x columns
         The design without motion; a constant is added if they do not span it.
     columns : list of str
         Names of the columns of an array; x0, x1, ... without.
@@ -683,7 +683,7 @@ def qcfc(data, mean_fd, *, covariates=None, columns=None, distances=None):
     """
     names = []
     if covariates is not None:
-        covariates, names = _matrix_and_columns(covariates, columns)
+        covariates, names = _matrix_and_columns(covariates, columns, "covariates")
     return QcFc(*_core.qcfc(data, mean_fd, covariates, names, distances))
 
 
@@ -710,8 +710,8 @@ def distance_anova(
     Parameters
     ----------
     distances : array, subjects x subjects
-        Symmetric, 0 on the diagonal, in any unit; such as those of `nodalis.spectral_euclidean`.
-    design : Design or array, subjects x columns
+        Symmetric, 0 on the diagonal, in any unit; such as those of `nodalis.between_spectra`.
+    design : Design, array or data frame, subjects x columns
         What `design` made of a formula, or a matrix. Without the tested columns it must hold the
         constant.
     contrast : str or array
@@ -771,17 +771,16 @@ def _labels(blocks):
     return [] if blocks is None else [str(block) for block in blocks]
 
 
-def _matrix_and_columns(design, columns):
+def _matrix_and_columns(design, columns, name="design"):
     if isinstance(design, Design):
         if columns is not None:
             raise ValueError("columns are given, but a design has its own")
         return design.matrix, design.columns
-    matrix = np.asarray(design)
     if columns is None:
-        if matrix.ndim != 2:
-            raise ValueError(f"design has shape {matrix.shape}: expected subjects x columns")
-        columns = [f"x{column}" for column in range(matrix.shape[1])]
-    return matrix, list(columns)
+        if np.ndim(design) != 2:
+            raise ValueError(f"{name} has shape {np.shape(design)}: expected subjects x columns")
+        columns = column_names(design)
+    return design, list(columns)
 
 
 def _model(found):

@@ -13,7 +13,7 @@ import sys
 ROOT = pathlib.Path(sys.argv[1])
 PROGRAM = sys.argv[2]
 COMMANDS = ("example", "import", "compute", "graph", "distance", "connectome", "cohort",
-            "group", "tour")
+            "group", "explore", "figure", "tour")
 
 
 def help_of(*command):
@@ -41,7 +41,7 @@ def main():
                  for name in options_in(manual) - known]
     wanted = set().union(*(of_commands[command]
                            for command in ("import", "compute", "graph", "distance", "connectome",
-                                           "cohort", "group")))
+                                           "cohort", "group", "explore", "figure")))
     problems += [f"the synopsis and the options of {command} differ in {name}"
                  for command in COMMANDS
                  for name in of_commands[command] ^ synopsis_of[command]]

@@ -113,6 +113,7 @@ TEST_F(Compute, MakesAResultAndListsIt)
     ASSERT_EQ(object(0)->matrices().size(), 1u);
     EXPECT_EQ(object(0)->matrices()[0].rows(), 4);
     EXPECT_TRUE(object(0)->mstComputed());
+    EXPECT_EQ(object(0)->property("unsavedResults").toString(), "Ann");
 
     ASSERT_EQ(results()->count(), 1);
     EXPECT_EQ(results()->item(0)->text(), "Ann");

@@ -31,6 +31,7 @@ foreach(symbol IN LISTS symbols)
     endif()
 endforeach()
 list(SORT exported)
+list(REMOVE_DUPLICATES exported) # those with an effort have the same names
 if(NOT exported STREQUAL wanted)
     message(SEND_ERROR "exported: ${exported}\nwanted: ${wanted}")
 endif()

@@ -24,6 +24,7 @@ MEASURES = [
     nodalis.global_efficiency,
     nodalis.treatment,
     nodalis.minimum_spanning_tree,
+    nodalis.spectrum,
     lambda matrix, **keywords: nodalis.spectral_euclidean(matrix, matrix[..., :5, :5], **keywords),
 ]
 
@@ -246,6 +247,29 @@ def test_a_stack_of_pairs_and_of_one(rng):
     assert pairs.tolist() == [nodalis.spectral_euclidean(a, b) for a, b in zip(stack, stack[::-1])]
     assert ones.tolist() == [nodalis.spectral_euclidean(a, stack[0]) for a in stack]
     assert ones.tolist() == nodalis.spectral_euclidean(stack[0], stack).tolist()
+
+
+def test_spectra_give_the_same_distances(rng):
+    stack = np.stack([random_graph(rng, 12, 0.5) for _ in range(4)])
+    other = random_graph(rng, 9, 0.5)
+    spectra, of_other = nodalis.spectrum(stack), nodalis.spectrum(other)
+    assert (spectra.dtype, spectra.shape) == (np.float64, (4, 12))
+    assert nodalis.between_spectra(spectra[1], of_other) == nodalis.spectral_euclidean(stack[1], other)
+    for size in (0, 20):
+        for a, b, of_a, of_b in (
+            (stack, stack[::-1], spectra, spectra[::-1]),
+            (stack, other, spectra, of_other),
+            (other, stack, of_other, spectra),
+        ):
+            assert_same(
+                nodalis.between_spectra(of_a, of_b, size), nodalis.spectral_euclidean(a, b, size)
+            )
+    with pytest.raises(ValueError, match="a holds 4 spectra, b 3: expected as many"):
+        nodalis.between_spectra(spectra, spectra[:3])
+    with pytest.raises(ValueError, match=r"b has shape \(1, 4, 12\): expected n, or k x n"):
+        nodalis.between_spectra(spectra, spectra[None])
+    with pytest.raises(ValueError, match="b is not in ascending order: expected a spectrum"):
+        nodalis.between_spectra(spectra, spectra[0, ::-1])
 
 
 def test_other_threads_run_while_a_function_computes(rng):

@@ -18,7 +18,7 @@ from conftest import SOURCES
 
 MODULES = ["nodalis"] + [
     f"nodalis.{name}"
-    for name in ("confounds", "matrices", "measures", "signals", "statistics", "trees")
+    for name in ("confounds", "matrices", "measures", "signals", "spectra", "statistics", "trees")
 ]
 PUBLIC = [
     getattr(module, name)

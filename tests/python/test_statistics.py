@@ -271,13 +271,22 @@ def test_seeds_and_blocks(groups):
 def test_an_interrupt_ends_a_long_test():
     """It would run for hours."""
     script = """
-import threading, os, signal, numpy as np
+import threading, os, signal, sys, time, numpy as np
 from nodalis import statistics
+main = threading.main_thread().ident
+def is_computing():
+    begun = time.process_time()
+    while time.process_time() - begun < 0.5:
+        if sys._current_frames()[main].f_code.co_name != "edgewise_glm":
+            return False
+        time.sleep(0.01)
+    return True
 def interrupt():
-    while not done:
+    while not is_computing():
+        pass
+    while not ended.is_set():
         os.kill(os.getpid(), signal.SIGINT)
-        if ended.wait(0.1):
-            return
+        ended.wait(0.1)
 done, ended = [], threading.Event()
 design = np.column_stack([np.ones(40), np.arange(40) % 2])
 data = np.random.default_rng(1).normal(size=(40, 4950))
@@ -382,8 +391,10 @@ def test_other_errors_are_told(groups):
     with pytest.raises(ValueError, match="columns are given, but a design has its own"):
         named = statistics.design("a", {"a": range(30)})
         statistics.edgewise_glm(data, named, [0, 1], columns=["b", "c"])
-    with pytest.raises(ValueError, match=r"distances has shape \(3,\)|distances"):
+    with pytest.raises(ValueError, match=r"distances has shape \(3, 3\): expected one value per edge"):
         statistics.qcfc(data, np.arange(30.0), distances=np.zeros((3, 3)))
+    with pytest.raises(ValueError, match=r"covariates has shape \(30,\): expected subjects x columns"):
+        statistics.qcfc(data, np.arange(30.0), covariates=np.zeros(30))
     with pytest.raises(ValueError, match=r"distances has shape \(30,\): expected subjects x subjects"):
         statistics.distance_anova(np.zeros(30), design, [0, 1])
     with pytest.raises(ValueError, match="session"):

@@ -214,6 +214,28 @@ TEST_F(DataExport, IntervalsOfOneConditionAreKeptApart)
         expectSameBits(read(files()[slice]), object->matrices()[std::size_t(slice)]);
 }
 
+// A host asks before it quits while this is told of a result.
+TEST_F(DataExport, OnlyAMatrixThatWasWrittenIsSaved)
+{
+    object->setUnsaved(true);
+    const auto unsaved = [this] { return object->property("unsavedResults").toString(); };
+    ASSERT_EQ(unsaved(), object->name());
+    exportTo(seriesButton, at("net.csv"));
+    ASSERT_TRUE(QDir(folder.path()).mkpath("only.csv"));
+    exportTo(matrixButton, at("only.csv/net.csv"));
+    EXPECT_EQ(unsaved(), object->name());
+    exportTo(matrixButton, at("net.csv"));
+    EXPECT_EQ(unsaved(), QString());
+
+    setIntervals({{1, "left"}, {11, "no/where"}});
+    object->setUnsaved(true);
+    exportTo(matrixButton, at("net.csv"));
+    EXPECT_EQ(unsaved(), object->name());
+    setIntervals({{1, "left"}, {11, "right"}});
+    exportTo(matrixButton, at("net.csv"));
+    EXPECT_EQ(unsaved(), QString());
+}
+
 TEST_F(DataExport, TriggersAreWrittenToo)
 {
     setIntervals({{1, "rest"}, {11, "cue", 1}});

@@ -3,6 +3,7 @@
 
 #include <Eigen/Core>
 
+#include <nodalis/effort.h>
 #include <nodalis/export.h>
 
 namespace nodalis
@@ -32,6 +33,11 @@ inline namespace NODALIS_ABI
 /// \throws std::invalid_argument if the matrix is not square.
 NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix);
 
+/// The same values, on several threads and with progress. Each thread may take O(n^2) memory more.
+///
+/// \throws Ended when the progress said so.
+NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort);
+
 /// Global efficiency, the mean inverse shortest path length over all pairs of nodes:
 ///
 ///     E = 1 / (n (n - 1)) * sum over i != j of 1 / d_ij
@@ -47,6 +53,11 @@ NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix);
 /// \throws std::invalid_argument if the matrix is not square.
 NODALIS_API float global_efficiency(const Eigen::MatrixXf &matrix);
 
+/// The same value, on several threads and with progress.
+///
+/// \throws Ended when the progress said so.
+NODALIS_API float global_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort);
+
 /// Global efficiency of each node, the mean inverse shortest path length to all others:
 ///
 ///     E_i = 1 / (n - 1) * sum over j != i of 1 / d_ij
@@ -61,6 +72,12 @@ NODALIS_API float global_efficiency(const Eigen::MatrixXf &matrix);
 /// \return one value per node.
 /// \throws std::invalid_argument if the matrix is not square.
 NODALIS_API Eigen::ArrayXf nodal_global_efficiency(const Eigen::MatrixXf &matrix);
+
+/// The same values, on several threads and with progress.
+///
+/// \throws Ended when the progress said so.
+NODALIS_API Eigen::ArrayXf nodal_global_efficiency(const Eigen::MatrixXf &matrix,
+                                                   const Effort &effort);
 
 } // namespace NODALIS_ABI
 } // namespace nodalis

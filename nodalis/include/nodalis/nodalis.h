@@ -26,6 +26,7 @@
 #include <nodalis/degree.h>
 #include <nodalis/distances.h>
 #include <nodalis/efficiency.h>
+#include <nodalis/effort.h>
 #include <nodalis/mst.h>
 #include <nodalis/treatment.h>
 #include <nodalis/version.h>

@@ -226,8 +226,7 @@ TEST(CommandLine, RefusesAnOptionThatIsGivenTwice)
         QStringList flags;
     } rows[] = {
         {"import",
-         {"anatomy", "functional", "atlas", "labels", "events", "resolution", "tr", "voi-grid",
-          "name", "out"},
+         {"anatomy", "functional", "events", "resolution", "tr", "voi-grid", "name", "out"},
          {}},
         {"compute",
          {"anatomy", "vtc", "voi", "prt", "seeds", "measure", "values", "out"},

@@ -17,7 +17,11 @@ TEST(FileKind, IsToldByTheEndingInAnyCaseOfLetters)
                                      {"sub.nrrd", FileKind::Nrrd},
                                      {"sub.nhdr", FileKind::Nrrd},
                                      {"sub.gz", FileKind::Other},
-                                     {"sub.vtc.txt", FileKind::Other},
+                                     {"sub_events.tsv", FileKind::Table},
+                                     {"labels.CTAB", FileKind::Table},
+                                     {"motion.1d", FileKind::Table},
+                                     {"sub.vtc.txt", FileKind::Table},
+                                     {"sub.docx", FileKind::Other},
                                      {"vmr", FileKind::Other},
                                      {"", FileKind::Other}})
         EXPECT_EQ(fileKind(QString::fromLatin1(path)), kind) << path;
@@ -29,7 +33,8 @@ TEST(FileKind, GivesNamesTheirEndingsAndTakesThemOff)
     EXPECT_EQ(fileName(QStringLiteral("sub"), FileKind::Nifti), QStringLiteral("sub.nii"));
     EXPECT_EQ(nameWithoutEnding(QStringLiteral("/a.b/sub.1.vtc")), QStringLiteral("sub.1"));
     EXPECT_EQ(nameWithoutEnding(QStringLiteral("sub.Nii.gz")), QStringLiteral("sub"));
-    EXPECT_EQ(nameWithoutEnding(QStringLiteral("notes.txt")), QStringLiteral("notes.txt"));
+    EXPECT_EQ(nameWithoutEnding(QStringLiteral("sub_events.tsv")), QStringLiteral("sub_events"));
+    EXPECT_EQ(nameWithoutEnding(QStringLiteral("notes.md")), QStringLiteral("notes.md"));
 }
 
 TEST(FileKind, MakesFiltersForFileDialogs)
@@ -37,6 +42,13 @@ TEST(FileKind, MakesFiltersForFileDialogs)
     EXPECT_EQ(
         fileFilter(QStringLiteral("Anatomies"), {FileKind::Vmr, FileKind::Nifti, FileKind::Nrrd}),
         QStringLiteral("Anatomies (*.vmr *.nii *.nii.gz *.nrrd *.nhdr)"));
+}
+
+TEST(FileKind, TellsAllItsEndings)
+{
+    EXPECT_EQ(knownEndings(),
+              QStringLiteral(".vmr, .vtc, .voi, .prt, .nii, .nii.gz, .nrrd, .nhdr, .tsv, .ctab, "
+                             ".par, .1D and .txt"));
 }
 
 } // namespace corvane

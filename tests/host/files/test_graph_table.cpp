@@ -221,11 +221,18 @@ TEST(GraphTable, OfAMissingFileIsRefused)
     EXPECT_NE(errorOf([&] { readGraphTable(folder.path("none.csv")); }), "no error");
 }
 
+GraphRequest withTree()
+{
+    GraphRequest request;
+    request.withTree = true;
+    return request;
+}
+
 TEST(GraphFiles, HoldAMeasurePerColumnAndANodePerRow)
 {
     const TemporaryFolder folder;
     writeGraphFiles(folder.path(), parsed(",\"a,b\",c,d\n\"a,b\",0,1,0.5\nc,1,0,0\nd,0.5,0,0\n"),
-                    true);
+                    withTree());
     const QList<QByteArray> lines = bytesOf(folder.path("features.csv")).split('\n');
     ASSERT_EQ(lines.size(), 5);
     EXPECT_EQ(lines[0], "node,name,clustering_coeff,local_efficiency,degree,"
@@ -243,9 +250,46 @@ TEST(GraphFiles, HoldAMeasurePerColumnAndANodePerRow)
 TEST(GraphFiles, NumberNodesWithoutNames)
 {
     const TemporaryFolder folder;
-    writeGraphFiles(folder.path(), {{}, pair(), {}}, false);
+    writeGraphFiles(folder.path(), {{}, pair(), {}});
     EXPECT_TRUE(bytesOf(folder.path("features.csv")).contains("\n1,1,0,0,1,"));
     EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("features.csv")});
+}
+
+TEST(GraphFiles, TellHowFarEachMeasureIsAndCanBeStopped)
+{
+    const TemporaryFolder folder;
+    const Eigen::MatrixXf weights = Eigen::MatrixXf::Ones(60, 60);
+    QStringList begun;
+    qint64 last = 0;
+    writeGraphFiles(folder.path("all"), {{}, weights, {}}, {}, [&](const GraphMeasure &measure) {
+        begun += QLatin1String(measure.column);
+        return [&](qint64 done, qint64 total) {
+            last = done;
+            EXPECT_EQ(total, 1000);
+            return true;
+        };
+    });
+    EXPECT_EQ(begun.size(), 7);
+    EXPECT_EQ(last, 1000);
+    const auto stops = [](const GraphMeasure &) { return [](qint64, qint64) { return false; }; };
+    EXPECT_THROW(writeGraphFiles(folder.path("none"), {{}, weights, {}}, {}, stops),
+                 nodalis::Ended);
+    EXPECT_EQ(folder.entries(), QStringList{QStringLiteral("all")});
+}
+
+TEST(GraphFiles, KnowAboutHowLongLocalEfficiencyTakes)
+{
+    const Eigen::MatrixXf weights = Eigen::MatrixXf::Ones(3000, 3000);
+    EXPECT_EQ(secondsOfLocalEfficiency(Eigen::MatrixXf::Zero(3000, 3000), 1), 0);
+    const double dense = secondsOfLocalEfficiency(weights, 1);
+    EXPECT_GT(dense, 0);
+    Eigen::MatrixXf sparse = Eigen::MatrixXf::Zero(3000, 3000);
+    for (int offset = 1; offset <= 30; ++offset) {
+        sparse.diagonal(offset).setOnes();
+        sparse.diagonal(-offset).setOnes();
+    }
+    EXPECT_LT(secondsOfLocalEfficiency(sparse, 1), dense / 10);
+    EXPECT_GT(secondsOfLocalEfficiency(sparse, 1), 0);
 }
 
 TEST(GraphNotes, SayWhatTheMeasuresMakeOfTheMatrix)
@@ -278,6 +322,48 @@ TEST(GraphCommand, WritesTheTables)
         bytesOf(out + QStringLiteral("/features.csv")).contains("\n0,A,1,1,2,0.57735026,2,1,1\n"))
         << bytesOf(out + QStringLiteral("/features.csv")).constData();
     EXPECT_EQ(bytesOf(out + QStringLiteral("/mst.csv")), ",A,B,C\nA,0,1,1\nB,1,0,0\nC,1,0,0\n");
+}
+
+TEST(GraphCommand, ComputesTheMeasuresThatAreNamedInTheirOrder)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("m.csv"), "A,B,C\n0,1,1\n1,0,1\n1,1,0\n");
+    const auto graph = [&](const char *measures) {
+        return runCorvane({QStringLiteral("graph"), folder.path("m.csv"),
+                           QStringLiteral("--measures"), QLatin1String(measures),
+                           QStringLiteral("--out"), folder.path("out")});
+    };
+    EXPECT_EQ(graph("strength, degree").status, 0);
+    EXPECT_EQ(bytesOf(folder.path("out/features.csv")),
+              "node,name,strength,degree\n0,A,2,2\n1,B,2,2\n2,C,2,2\n");
+    const ProgramRun wrong = graph("strength,modularity");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.errorLines(), 1);
+    EXPECT_TRUE(wrong.errors.contains("--measures: found \"modularity\", expected some of: "
+                                      "clustering_coeff, local_efficiency, "))
+        << wrong.errors.constData();
+}
+
+TEST(GraphCommand, TellsHowLongLocalEfficiencyOfManyNodesTakes)
+{
+    const TemporaryFolder folder;
+    constexpr int nodes = 2001;
+    QByteArray ring;
+    for (int node = 0; node < nodes; ++node) {
+        QByteArray row = QByteArray("0,").repeated(nodes);
+        row[2 * ((node + 1) % nodes)] = row[2 * ((node + nodes - 1) % nodes)] = '1';
+        row[row.size() - 1] = '\n';
+        ring += row;
+    }
+    putBytes(folder.path("m.csv"), ring);
+    for (const bool isAsked : {true, false}) {
+        const ProgramRun run = runCorvane(
+            {QStringLiteral("graph"), folder.path("m.csv"), QStringLiteral("--measures"),
+             isAsked ? QStringLiteral("degree,local_efficiency") : QStringLiteral("degree"),
+             QStringLiteral("--out"), folder.path("out")});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.errors, isAsked ? "local efficiency of 2001 nodes takes about 1 s\n" : "");
+    }
 }
 
 TEST(GraphCommand, NotesOnStandardErrorWhatItTakesDifferently)

@@ -13,6 +13,7 @@
 #include "host/painting/volume_axis.h"
 
 #include <QImage>
+#include <QPicture>
 #include <cmath>
 #include <gmock/gmock.h>
 
@@ -112,6 +113,37 @@ TEST(RingPicture, DrawsItsEdgesAlone)
         EXPECT_NEAR(ring.place(node, ring.radius).x(), at.x(), 1e-9);
     }
     EXPECT_EQ(ring.nodeAt(ring.centre), -1);
+}
+
+TEST(RingPicture, ManyEdgesOnLayersLookAsOneAfterTheOther)
+{
+    // A recording of the painter's calls has no layers: played, it paints one edge after the other.
+    NetworkPicture picture = network(60);
+    for (int n = 0; n < 1500; ++n)
+        picture.edges->push_back({n % 60, (n * 7 + 1 + n / 60) % 60, 0.2 + 0.8 * n / 1500});
+    const QImage layered = painted(paintRing, picture);
+    QPicture recorded;
+    {
+        QPainter painter(&recorded);
+        paintRing(painter, area, picture);
+    }
+    QImage plain(700, 600, QImage::Format_RGB32);
+    plain.fill(Qt::green);
+    {
+        QPainter painter(&plain);
+        painter.drawPicture(0, 0, recorded);
+    }
+    const RingLayout ring = layoutOf(ringLayout, picture);
+    int worst = 0;
+    const int reach = int(ring.radius * 0.8);
+    for (int y = -reach; y < reach; ++y)
+        for (int x = -reach; x < reach; ++x) {
+            const QPoint at = ring.centre.toPoint() + QPoint(x, y);
+            if (x * x + y * y < reach * reach)
+                worst = std::max(worst, std::abs(qRed(layered.pixel(at)) - qRed(plain.pixel(at))));
+        }
+    EXPECT_LE(worst, 12);
+    EXPECT_LT(qGreen(layered.pixel(ring.centre.toPoint())), 200) << "there are edges";
 }
 
 TEST(RingPicture, NoTwoNamesOfNetworksOverlap)

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/tour/tour_card.h"
+
 #include <QApplication>
-#include <QLabel>
 #include <QStringList>
 #include <QTest>
 #include <QTimer>
@@ -11,7 +12,7 @@
 #include <utility>
 
 /// @file
-/// A reader of a tour: reads each caption and goes on with Space, also while the tour is in a modal
+/// A reader of a tour: reads each card and goes on with Space, also while the tour is in a modal
 /// dialog.
 
 namespace corvane
@@ -20,7 +21,7 @@ namespace corvane
 class CaptionReader
 {
 public:
-    /// Calls `lookAround` with each caption.
+    /// Calls `lookAround` with each card.
     explicit CaptionReader(std::function<void()> lookAround = {})
         : m_lookAround(std::move(lookAround))
     {
@@ -29,12 +30,23 @@ public:
         m_look.start();
     }
 
-    static QLabel *caption()
+    /// The card that is to be seen; null without one.
+    static TourCard *card()
     {
         for (QWidget *top : QApplication::topLevelWidgets())
-            if (auto *const label = qobject_cast<QLabel *>(top))
-                return label->isVisible() ? label : nullptr;
+            if (auto *const card = qobject_cast<TourCard *>(top))
+                return card->isVisible() ? card : nullptr;
         return nullptr;
+    }
+
+    /// A window that is not blocked by a modal one: it gets what is typed.
+    static QWindow *windowWithKeys()
+    {
+        QWidget *window = QApplication::activeModalWidget();
+        for (QWidget *top : QApplication::topLevelWidgets())
+            if (window == nullptr && top->isVisible() && top->windowType() != Qt::ToolTip)
+                window = top;
+        return window->windowHandle();
     }
 
     QStringList captions; ///< so far
@@ -42,24 +54,14 @@ public:
 private:
     void look()
     {
-        const QLabel *const label = caption();
-        if (label == nullptr || (!captions.isEmpty() && captions.constLast() == label->text()))
+        const TourCard *const shown = card();
+        if (shown == nullptr || (!captions.isEmpty() && captions.constLast() == shown->text()))
             return;
-        captions += label->text();
+        captions += shown->text();
         if (m_lookAround)
             m_lookAround();
         // Not from here: a timer does not fire again while its own slot is in another event loop.
         QTimer::singleShot(0, &m_look, [] { QTest::keyClick(windowWithKeys(), Qt::Key_Space); });
-    }
-
-    /// A window that is not blocked by a modal one.
-    static QWindow *windowWithKeys()
-    {
-        QWidget *window = QApplication::activeModalWidget();
-        for (QWidget *top : QApplication::topLevelWidgets())
-            if (window == nullptr && top->isVisible())
-                window = top;
-        return window->windowHandle();
     }
 
     std::function<void()> m_lookAround;

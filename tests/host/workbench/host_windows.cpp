@@ -9,6 +9,7 @@
 #include "host/workbench/import_dialog.h"
 #include "host/workbench/key_list.h"
 #include "host/workbench/main_window.h"
+#include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #include "host/workbench/time_course_view.h"
 #include "tests/host/support/host_files.h"
@@ -104,9 +105,13 @@ void fullWorkbench(const LookAtWindow &look)
     look(workbench.window);
 }
 
+/// 1280 x 720 without the frame of a window: nothing of the import has to be scrolled there.
+constexpr QSize smallScreen(1260, 660);
+
 void importDialog(const LookAtWindow &look)
 {
     ImportDialog dialog;
+    dialog.resize(smallScreen);
     dialog.show();
     look(dialog);
 }
@@ -156,9 +161,22 @@ void withFilledDialog(const std::function<void(ImportDialog &)> &action)
 {
     ImportDialog dialog;
     dialog.setRequest(exampleRequest());
+    dialog.resize(smallScreen);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitFor([&dialog] { return importButton(dialog)->isEnabled(); }, 30000));
     action(dialog);
+}
+
+void runsDialog(const LookAtWindow &look)
+{
+    ImportRequest second;
+    second.functional = QStringLiteral("/data/sub-02_task-rest_bold.nii.gz");
+    second.name = QStringLiteral("sub-02_task-rest_bold");
+    std::vector<BidsImport> runs = runsOfRequests({exampleRequest(), second});
+    runs.back().reason = QStringLiteral("no table of confounds; found: none");
+    RunsDialog dialog(QStringLiteral("/data"), runs);
+    dialog.show();
+    look(dialog);
 }
 
 void filledImportDialog(const LookAtWindow &look)
@@ -234,9 +252,8 @@ void keyList(const LookAtWindow &look)
             action->trigger();
 }
 
-void tourCaption(const LookAtWindow &look)
+void tourCard(const LookAtWindow &look)
 {
-    constexpr int longTime = 1000000; // ms
     Workbench workbench;
     Tour tour({{QString(),
                 QStringLiteral("Start the plugin"),
@@ -244,16 +261,16 @@ void tourCaption(const LookAtWindow &look)
                                "starts it; if it cannot run, the log says why."),
                 [&workbench] { return &workbench.window; },
                 {}}});
-    tour.setSpeed(longTime);
+    tour.playForPeople(QStringLiteral("The example stays open."));
     tour.start();
-    const auto caption = []() -> QWidget * {
+    const auto card = []() -> QWidget * {
         for (QWidget *top : QApplication::topLevelWidgets())
-            if (qobject_cast<QLabel *>(top) && top->isVisible())
+            if (qobject_cast<TourCard *>(top) && top->isVisible())
                 return top;
         return nullptr;
     };
-    ASSERT_TRUE(QTest::qWaitFor([&caption] { return caption() != nullptr; }));
-    look(*caption());
+    ASSERT_TRUE(QTest::qWaitFor([&card] { return card() != nullptr; }));
+    look(*card());
 }
 
 } // namespace
@@ -264,13 +281,14 @@ const std::vector<HostWindow> &hostWindows()
                                              {"FullWorkbench", fullWorkbench},
                                              {"ImportDialog", importDialog},
                                              {"FilledImportDialog", filledImportDialog},
+                                             {"RunsDialog", runsDialog},
                                              {"ReplaceQuestion", replaceQuestion},
                                              {"Study", studyWindow},
                                              {"Progress", progress},
                                              {"Message", message},
                                              {"About", about},
                                              {"KeyList", keyList},
-                                             {"TourCaption", tourCaption}};
+                                             {"TourCard", tourCard}};
     return all;
 }
 

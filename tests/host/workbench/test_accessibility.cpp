@@ -52,8 +52,7 @@ class Accessibility : public testing::TestWithParam<HostWindow>
 TEST_P(Accessibility, EachControlHasAName)
 {
     GetParam().show([](QWidget &window) {
-        const int controls = expectNames(window);
-        EXPECT_EQ(controls > 0, window.windowType() != Qt::ToolTip);
+        EXPECT_GT(expectNames(window), 0);
     });
 }
 

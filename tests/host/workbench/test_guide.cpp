@@ -10,6 +10,7 @@
 #include "tests/host/support/host_files.h"
 #include "tests/support/modal_driver.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -84,7 +85,7 @@ TEST_F(GuideTest, F1OpensThePageOfTheWindowInFront)
     StudyWindow study(&window);
     study.show();
     study.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&study));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &study; }));
     QTest::keyClick(&study, Qt::Key_F1);
     EXPECT_EQ(browser.pages.constLast(), QStringLiteral("a-folder-of-subjects"));
     // From a modal dialog too, whatever of it has the focus.
@@ -92,7 +93,7 @@ TEST_F(GuideTest, F1OpensThePageOfTheWindowInFront)
     import.setModal(true);
     import.show();
     import.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&import));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &import; }));
     QTest::keyClick(import.findChild<QLineEdit *>(), Qt::Key_F1);
     EXPECT_EQ(browser.pages.constLast(), QStringLiteral("importing-your-data"));
     EXPECT_EQ(browser.pages.size(), 3);

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/cleaning_ledger.h"
+#include "host/workbench/condition_colours.h"
 #include "host/workbench/time_course_view.h"
 
 #include <QCoreApplication>
 #include <QImage>
 #include <QKeyEvent>
+#include <QSettings>
 #include <gtest/gtest.h>
 #include <limits>
+#include <set>
 
 namespace corvane
 {
@@ -98,6 +101,49 @@ TEST(TimeCourseViewTest, DrawsNothingWhereThereIsNoRoom)
     const std::vector<double> samples = {1, 2, 3};
     for (const QSize &size : {QSize(300, 10), QSize(300, 40), QSize(20, 200), QSize(1, 1)})
         EXPECT_FALSE(picture(samples, size).isNull());
+}
+
+/// What is painted behind a volume of a run with these conditions, each of two volumes.
+QRgb bandAt(const QStringList &names, int volume)
+{
+    TimeCourseView view;
+    view.resize(600, 200);
+    TimeCourseScene scene;
+    scene.samples = std::vector<double>(8, 5);
+    scene.repetitionTime = 2;
+    int first = 1;
+    for (const QString &name : names) {
+        scene.conditions.push_back({name, {{first, first + 1}}});
+        first += 2;
+    }
+    view.show(std::move(scene));
+    QImage image(view.size(), QImage::Format_RGB32);
+    view.render(&image);
+    return image.pixel(600 * (2 * volume + 2) / 18 + 20, 60);
+}
+
+TEST(TimeCourseViewTest, GivesAConditionOneColourInEveryRun)
+{
+    QSettings().clear();
+    const QStringList names{QStringLiteral("rest"), QStringLiteral("go"), QStringLiteral("stop")};
+    const QColor rest = conditionColour(names[0]);
+    const QColor go = conditionColour(names[1]);
+    EXPECT_NE(rest, go);
+    EXPECT_NE(bandAt(names, 1), bandAt(names, 3));
+    // In another run they come in another order, and not all of them.
+    EXPECT_EQ(bandAt({names[1], names[0]}, 1), bandAt(names, 3));
+    EXPECT_EQ(bandAt({names[1], names[0]}, 3), bandAt(names, 1));
+    EXPECT_EQ(conditionColour(names[1]), go);
+    // Many names have many colours, and each keeps its own.
+    std::set<QRgb> colours;
+    for (int n = 0; n < 30; ++n)
+        colours.insert(conditionColour(QString::number(n)).rgb());
+    EXPECT_EQ(colours.size(), 30U);
+    EXPECT_EQ(conditionColour(names[0]), rest);
+    // The list of names ends somewhere; the oldest makes room.
+    for (int n = 0; n < 300; ++n)
+        conditionColour(QStringLiteral("more %1").arg(n));
+    EXPECT_EQ(QSettings().value(QStringLiteral("conditionColours")).toStringList().size(), 256);
 }
 
 } // namespace
