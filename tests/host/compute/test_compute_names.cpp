@@ -78,7 +78,7 @@ TEST_F(ComputeNames, AreReadAsTheyWereWhateverTheyAre)
 {
     const QStringList odd[] = {{"#1", "a;b", " blank ", "say \"x\""},
                                {"1", "2", "5", "4"},
-                               {"1", "1.5", "nan", "-3"},
+                               {"1", "1.5", "nan", "x"},
                                {"7", "x", "n/a", "Node"},
                                {"Node", QString::fromUtf8("\xc3\xa4 \xe6\xb5\xb7"), "x", "x"}};
     for (const QStringList &names : odd) {

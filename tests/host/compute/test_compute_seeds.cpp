@@ -64,7 +64,7 @@ TEST_F(ComputeSeeds, OfANameThatSeveralNodesHaveAreAllOfThem)
               ",\"V, one\",two,two,none\ntwo," + lines[1] + "\ntwo," + lines[2] + "\n");
 }
 
-TEST_F(ComputeSeeds, ThatAreUnknownAreTolWithThoseThereAre)
+TEST_F(ComputeSeeds, ThatAreUnknownAreToldWithThoseThereAre)
 {
     const ProgramRun run = runCorvane(arguments({"--seeds", "two,Calcarine L"}));
     EXPECT_EQ(run.status, 1);
