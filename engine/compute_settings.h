@@ -9,8 +9,8 @@
 
 enum class ConnectivityMeasure { Correlation = 1, PartialCorrelation = 2 };
 
-/// Which signs of a matrix stay.
-enum class MatrixValues { Absolute = 0, Positive = 1, Negative = 2 };
+/// Which signs of a matrix stay. The dialog offers the first three.
+enum class MatrixValues { Absolute = 0, Positive = 1, Negative = 2, Signed = 3 };
 
 /// A value of a setting with its name on the command line and in files.
 template <typename Value>
@@ -26,7 +26,8 @@ inline constexpr NamedValue<ConnectivityMeasure> measureNames[] = {
 inline constexpr NamedValue<MatrixValues> matrixValuesNames[] = {
     {MatrixValues::Absolute, "absolute"},
     {MatrixValues::Positive, "positive"},
-    {MatrixValues::Negative, "negative"}};
+    {MatrixValues::Negative, "negative"},
+    {MatrixValues::Signed, "signed"}};
 
 /// The name of a value in one of the lists above, null for a value that it does not have.
 template <typename Value, std::size_t Count>

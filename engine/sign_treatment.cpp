@@ -13,5 +13,7 @@ void treatSigns(Eigen::MatrixXf &matrix, MatrixValues values)
     case MatrixValues::Negative:
         matrix = matrix.unaryExpr([](float x) { return 0.0f > x ? x : 0.0f; }).cwiseAbs();
         break;
+    case MatrixValues::Signed:
+        break;
     }
 }

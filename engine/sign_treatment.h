@@ -9,5 +9,5 @@
 /// alike, the diagonal included.
 ///
 /// Absolute: |x|, a NaN stays NaN. Positive: x where x >= 0, else 0, a NaN too. Negative: |x| where
-/// x < 0, else 0, a NaN too. Any other value changes nothing.
+/// x < 0, else 0, a NaN too. Signed, and any other value, changes nothing.
 void treatSigns(Eigen::MatrixXf &matrix, MatrixValues values);

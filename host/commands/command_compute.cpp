@@ -24,24 +24,54 @@ namespace corvane
 namespace
 {
 
-/// The seeds of "all" or of a list of numbers: empty for all.
-QVector<int> seeds(const QString &text)
+/// What stands between commas, without the blanks around it; names with a comma stand in quotation
+/// marks, as in tables.
+QStringList commaParts(const QString &text)
 {
-    QVector<int> numbers;
+    QStringList parts{QString()};
+    bool isQuoted = false;
+    for (const QChar sign : text) {
+        isQuoted = isQuoted != (sign == QLatin1Char('"'));
+        if (sign == QLatin1Char(',') && !isQuoted)
+            parts += QString();
+        else
+            parts.last() += sign;
+    }
+    for (QString &part : parts) {
+        part = part.trimmed();
+        if (part.size() > 1 && part.startsWith(QLatin1Char('"')) && part.endsWith(QLatin1Char('"')))
+            part =
+                part.mid(1, part.size() - 2).replace(QStringLiteral("\"\""), QStringLiteral("\""));
+    }
+    return parts;
+}
+
+/// "all", a list of numbers, which choose the nodes, or one of names, whose rows are wanted.
+void takeSeeds(ComputeRequest &request, const QString &text)
+{
     if (text == QLatin1String("all"))
-        return numbers;
-    const QStringList parts = text.split(QLatin1Char(','));
+        return;
+    QVector<int> numbers;
+    QStringList names;
+    const QStringList parts = commaParts(text);
     for (const QString &part : parts) {
         bool isNumber = false;
-        const int number = part.trimmed().toInt(&isNumber);
-        if (!isNumber || number < 0) {
-            throw UsageError(QStringLiteral("--seeds: found \"%1\", expected all, or VOI numbers "
-                                            "from 0 with commas between them")
-                                 .arg(text));
-        }
-        numbers.append(number);
+        const int number = part.toInt(&isNumber);
+        if (isNumber && number >= 0)
+            numbers.append(number);
+        else if (!isNumber && !part.isEmpty())
+            names.append(part);
     }
-    return numbers;
+    if (numbers.size() == parts.size()) {
+        request.seeds = numbers;
+    } else if (names.size() == parts.size()) {
+        request.seedNames = names;
+        request.seedNames.removeDuplicates();
+    } else {
+        throw UsageError(QStringLiteral("--seeds: found \"%1\", expected all, or VOI numbers "
+                                        "from 0, or names, with commas between them")
+                             .arg(text));
+    }
 }
 
 /// The file of an option that `Corvane import` makes, and not the image that it makes it from.
@@ -55,21 +85,38 @@ QString importedFile(const QCommandLineParser &parser, const QString &option)
     return path;
 }
 
+/// A table of courses, or the files of a run.
+void takeInputs(ComputeRequest &request, const QCommandLineParser &parser)
+{
+    if (!parser.isSet(QStringLiteral("timeseries"))) {
+        request.anatomy = requiredValue(parser, QStringLiteral("anatomy"));
+        request.vtc = importedFile(parser, QStringLiteral("vtc"));
+        request.voi = importedFile(parser, QStringLiteral("voi"));
+        return;
+    }
+    request.timeseries = requiredValue(parser, QStringLiteral("timeseries"));
+    for (const char *const other : {"anatomy", "vtc", "voi", "allow-mismatch"})
+        if (parser.isSet(QLatin1String(other)))
+            throw UsageError(QStringLiteral("--%1 is for a run, not for --timeseries")
+                                 .arg(QLatin1String(other)));
+}
+
 ComputeRequest requestOf(const QCommandLineParser &parser)
 {
     ComputeRequest request;
-    request.anatomy = requiredValue(parser, QStringLiteral("anatomy"));
-    request.vtc = importedFile(parser, QStringLiteral("vtc"));
-    request.voi = importedFile(parser, QStringLiteral("voi"));
+    takeInputs(request, parser);
     request.prt = parser.value(QStringLiteral("prt"));
     request.useProtocol = parser.isSet(QStringLiteral("use-protocol"));
-    request.seeds = seeds(parser.value(QStringLiteral("seeds")));
+    takeSeeds(request, parser.value(QStringLiteral("seeds")));
     request.measure = chosenValue(parser, QStringLiteral("measure"), measureNames);
     request.matrixValues = chosenValue(parser, QStringLiteral("values"), matrixValuesNames);
-    request.computeMst = !parser.isSet(QStringLiteral("no-mst"));
+    // The strongest connections are of no use as a tree where some of them are negative.
+    request.computeMst =
+        !parser.isSet(QStringLiteral("no-mst")) && request.matrixValues != MatrixValues::Signed;
     request.allowSingular = parser.isSet(QStringLiteral("allow-singular"));
     request.allowMismatch = parser.isSet(QStringLiteral("allow-mismatch"));
     request.plots = parser.isSet(QStringLiteral("plots"));
+    request.names = parser.isSet(QStringLiteral("names"));
     return request;
 }
 
@@ -84,13 +131,18 @@ int run(const QStringList &arguments)
         {QStringLiteral("anatomy"), QStringLiteral("The anatomical volume."), file},
         {QStringLiteral("vtc"), QStringLiteral("The volume time course."), file},
         {QStringLiteral("voi"), QStringLiteral("The volumes of interest."), file},
+        {QStringLiteral("timeseries"),
+         QStringLiteral("Time courses made elsewhere, instead of these three: a column for each "
+                        "node below its name, a line for each volume."),
+         file},
         {QStringLiteral("prt"),
          QStringLiteral("The protocol, instead of the one that the VTC names."), file},
         {QStringLiteral("use-protocol"),
          QStringLiteral("One matrix per protocol interval instead of one for the run.")},
         {QStringLiteral("seeds"),
-         QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0."),
-         QStringLiteral("all|0,3,5"), QStringLiteral("all")},
+         QStringLiteral("The VOIs that become nodes, in this order: all, or numbers from 0. Or "
+                        "names: all become nodes, and the rows of these are a table of their own."),
+         QStringLiteral("all|0,3,5|NAME,NAME"), QStringLiteral("all")},
         {QStringLiteral("measure"), QStringLiteral("The connectivity measure."),
          valueNames(measureNames).join(QLatin1Char('|')), QLatin1String(measureNames[0].name)},
         {QStringLiteral("values"), QStringLiteral("Which signs stay."),
@@ -102,6 +154,9 @@ int run(const QStringList &arguments)
                         "all of it is then 0.")},
         {QStringLiteral("allow-mismatch"),
          QStringLiteral("A run or VOIs also of another subject or space than the anatomy.")},
+        {QStringLiteral("names"),
+         QStringLiteral("The names of the nodes in matrices and time courses, these with a column "
+                        "for each node.")},
         {QStringLiteral("plots"),
          QStringLiteral("Pictures too: ring, matrix and overview of each slice that is no event, "
                         "and a line plot per measure.")},
@@ -120,7 +175,7 @@ int run(const QStringList &arguments)
     OutputFolder files(folder, arguments.front());
     QStringList pictures;
     if (request.plots) {
-        result.warnings += picturesLeftOut(result);
+        result.warnings += picturesLeftOut(request, result);
         TerminalProgress progress(QStringLiteral("drawing"));
         pictures = writeComputePictures(files, request, result, progress.watch());
     }
@@ -140,10 +195,11 @@ int run(const QStringList &arguments)
 Command computeCommand()
 {
     return {"compute",
-            R"(Corvane compute --anatomy F --vtc F --voi F [--prt F] [--use-protocol]
-                  [--seeds all|0,3,5] [--measure correlation|partial-correlation]
-                  [--values absolute|positive|negative] [--no-mst] [--allow-singular]
-                  [--allow-mismatch] [--plots] --out DIR)",
+            R"(Corvane compute --anatomy F --vtc F --voi F | --timeseries F [--prt F]
+                  [--use-protocol] [--seeds all|0,3,5|NAME,NAME] [--names]
+                  [--measure correlation|partial-correlation]
+                  [--values absolute|positive|negative|signed] [--no-mst]
+                  [--allow-singular] [--allow-mismatch] [--plots] --out DIR)",
             "Computes connectivity, spanning trees and graph measures; with --plots, draws them.",
             run, makePlotsApplication};
 }

@@ -28,7 +28,7 @@ QByteArray helpText(const QCommandLineParser &parser, const QString &command)
 } // namespace
 
 bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
-                    const QStringList &plainArguments, const QStringList &repeatable)
+                    const QStringList &plainArguments, const QStringList &repeatable, AndMore more)
 {
     const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                   QStringLiteral("Tells all this."));
@@ -43,7 +43,7 @@ bool parseArguments(QCommandLineParser &parser, const QStringList &arguments,
     refuseRepeatedOptions(parser, repeatable);
     const QStringList plain = parser.positionalArguments();
     const int wanted = plainArguments.size();
-    if (plain.size() > wanted)
+    if (plain.size() > wanted && more == AndMore::Refused)
         throw UsageError(QStringLiteral("unexpected argument ") + quoted(plain[wanted]));
     if (plain.size() < wanted)
         throw UsageError(plainArguments[plain.size()] + QStringLiteral(" is missing"));

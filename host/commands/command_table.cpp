@@ -12,9 +12,9 @@ const std::vector<Command> &commands()
 #ifdef CORVANE_IMPORT
         exampleCommand(),    importCommand(),
 #endif
-        compareCommand(),    computeCommand(), graphCommand(),   groupCommand(),
+        compareCommand(),    computeCommand(), graphCommand(),   distanceCommand(), groupCommand(),
 #ifdef CORVANE_IMPORT
-        connectomeCommand(), cohortCommand(),  exploreCommand(), figureCommand(), tourCommand(),
+        connectomeCommand(), cohortCommand(),  exploreCommand(), figureCommand(),   tourCommand(),
 #endif
     };
     return all;

@@ -13,6 +13,7 @@ Command cohortCommand();
 Command compareCommand();
 Command computeCommand();
 Command connectomeCommand();
+Command distanceCommand();
 Command exampleCommand();
 Command exploreCommand();
 Command figureCommand();

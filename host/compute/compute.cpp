@@ -4,7 +4,9 @@
 #include "dataset/counted.h"
 #include "engine/compute_checks.h"
 #include "engine/compute_steps.h"
+#include "host/files/csv_text.h"
 #include "host/files/input_error.h"
+#include "host/files/series_table.h"
 #include "host/session/workspace.h"
 #include "plugin/host_data.h"
 #include "plugin/host_functions.h"
@@ -87,6 +89,32 @@ public:
     explicit HostFailure(const LogKeeper &log) : std::runtime_error(log.reason()) {}
 };
 
+/// A record with the settings of a request.
+QSharedPointer<Subject> subjectOf(const ComputeRequest &request)
+{
+    auto subject = QSharedPointer<Subject>::create();
+    subject->setMeasure(static_cast<int>(request.measure));
+    subject->setMatrixValues(static_cast<int>(request.matrixValues));
+    subject->setComputeMst(request.computeMst);
+    subject->setUseProtocol(request.useProtocol);
+    return subject;
+}
+
+/// The file that names the nodes.
+const QString &nodesFile(const ComputeRequest &request)
+{
+    return request.timeseries.isEmpty() ? request.voi : request.timeseries;
+}
+
+void takeNamedProtocol(Subject &subject, const ComputeRequest &request, const LogKeeper &log)
+{
+    if (request.prt.isEmpty())
+        return;
+    if (!host_data::loadProtocolFile(subject, request.prt.toUtf8().constData()))
+        throw HostFailure(log);
+    subject.setPrtFile(request.prt);
+}
+
 void chooseFiles(Subject &subject, const ComputeRequest &request, const Workspace &workspace,
                  const LogKeeper &log)
 {
@@ -107,11 +135,7 @@ void chooseFiles(Subject &subject, const ComputeRequest &request, const Workspac
                          QStringLiteral("VOIs of 1.0 mm"));
     }
     subject.setVoiFile(request.voi);
-    if (!request.prt.isEmpty()) {
-        if (!host_data::loadProtocolFile(subject, request.prt.toUtf8().constData()))
-            throw HostFailure(log);
-        subject.setPrtFile(request.prt);
-    }
+    takeNamedProtocol(subject, request, log);
     if (request.useProtocol && !subject.hasProtocol()) {
         throw InputError(request.vtc, QStringLiteral("linked protocol"), QStringLiteral("none"),
                          QStringLiteral("one, or a protocol given with --prt"));
@@ -141,15 +165,15 @@ QString protocolInUse(const Subject &subject, const ComputeRequest &request,
     return subject.hasProtocol() ? workspace.linkedVtc()->file.info().linkedProtocol : QString();
 }
 
-void chooseNodes(Subject &subject, const ComputeRequest &request)
+/// The request's seeds, or all there are: `count` VOIs, or columns.
+void chooseNodes(Subject &subject, const ComputeRequest &request, int count, const char *unit)
 {
-    const int count = subject.voiCount(true);
     ConnectivityScheme scheme = subject.scheme();
     scheme.seedVois = request.seeds;
     for (const int seed : request.seeds) {
         if (seed < 0 || seed >= count) {
-            throw InputError(request.voi, QStringLiteral("seed %1").arg(seed),
-                             counted(count, "VOI"),
+            throw InputError(nodesFile(request), QStringLiteral("seed %1").arg(seed),
+                             counted(count, unit),
                              QStringLiteral("a number from 0 to %1").arg(count - 1));
         }
     }
@@ -184,7 +208,7 @@ void requireDefined(const ComputeRequest &request, const std::vector<ComputedNod
         others.size() < 2
             ? QStringLiteral("nodes that have one (no two of these do)")
             : QStringLiteral("nodes that have one: --seeds ") + others.join(QLatin1Char(','));
-    throw InputError(request.voi, QStringLiteral("partial correlation"),
+    throw InputError(nodesFile(request), QStringLiteral("partial correlation"),
                      warnings.join(QStringLiteral("; ")),
                      instead + QStringLiteral("; or --allow-singular for a matrix of zeros"));
 }
@@ -212,6 +236,89 @@ std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::Ma
     return slices;
 }
 
+/// All of a result but what is computed, from a run and its VOIs.
+ComputeResult loadRun(Session &session, const ComputeRequest &request, const LogKeeper &log)
+{
+    const Workspace &workspace = session.workspace();
+    const OpenDocument document(session.workspace(), request.anatomy);
+    ComputeResult result;
+    result.subject = subjectOf(request);
+    Subject &subject = *result.subject;
+    subject.setDocumentId(document.position());
+    chooseFiles(subject, request, workspace, log);
+    if (!subject.load())
+        throw HostFailure(log);
+    workspace.linkedVtc()->file.requireIntact();
+    const QStringList mismatched = checkedMismatches(request, workspace);
+    chooseNodes(subject, request, subject.voiCount(true), "VOI");
+
+    result.nodes = describeNodes(subject, *workspace.vois());
+    result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
+    result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
+    result.cleaning = workspace.linkedVtc()->file.info().cleaning;
+    result.protocolFile = protocolInUse(subject, request, workspace);
+    result.warnings = log.said() + mismatched;
+    return result;
+}
+
+/// A volume without any value would leave every node without connections.
+void requireValues(const SeriesTable &table, const QString &path)
+{
+    for (Eigen::Index volume = 0; volume < table.values.cols(); ++volume)
+        if (table.values.col(volume).array().isNaN().all())
+            throw InputError(path, QStringLiteral("volume %1").arg(volume + 1),
+                             QStringLiteral("no value in any column"),
+                             QStringLiteral("numbers; leave out the lines of volumes that are not "
+                                            "to count"));
+}
+
+/// The same from a table of courses, each as if it were the only voxel of a VOI.
+ComputeResult loadCourses(const ComputeRequest &request, const LogKeeper &log)
+{
+    const SeriesTable table = readSeriesTable(request.timeseries);
+    requireValues(table, request.timeseries);
+    ComputeResult result;
+    result.subject = subjectOf(request);
+    Subject &subject = *result.subject;
+    subject.setName(QFileInfo(request.timeseries).completeBaseName());
+    subject.voiNames = table.names;
+    for (Eigen::Index node = 0; node < table.values.rows(); ++node)
+        subject.appendTimeseries(table.values.row(node));
+    takeNamedProtocol(subject, request, log);
+    if (request.useProtocol && !subject.hasProtocol())
+        throw InputError(request.timeseries, QStringLiteral("protocol"), QStringLiteral("none"),
+                         QStringLiteral("one given with --prt"));
+    chooseNodes(subject, request, table.names.size(), "column");
+
+    for (const int seed : subject.scheme().seedVois)
+        result.nodes.push_back({seed, table.names[seed], std::nullopt});
+    result.protocolFile = request.prt;
+    result.warnings = log.said() + table.notes;
+    return result;
+}
+
+/// The nodes that are called so, in the order of the names.
+std::vector<int> nodesNamed(const QStringList &names, const ComputeRequest &request,
+                            const std::vector<ComputedNode> &nodes)
+{
+    std::vector<int> found;
+    for (const QString &name : names) {
+        const std::size_t before = found.size();
+        for (std::size_t node = 0; node < nodes.size(); ++node)
+            if (nodes[node].name == name)
+                found.push_back(static_cast<int>(node));
+        if (found.size() > before)
+            continue;
+        QStringList known;
+        for (const ComputedNode &node : nodes)
+            known += QString::fromUtf8(csvField(node.name));
+        throw InputError(nodesFile(request), QStringLiteral("seed ") + quoted(name),
+                         QStringLiteral("no node of that name"),
+                         QStringLiteral("of these: ") + known.join(QStringLiteral(", ")));
+    }
+    return found;
+}
+
 } // namespace
 
 ComputeResult compute(Session &session, const ComputeRequest &request)
@@ -220,26 +327,12 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
         throw std::runtime_error("this program must be named Corvane: it offers its functions "
                                  "under that name only");
     const LogKeeper log(session);
-    const Workspace &workspace = session.workspace();
-    const OpenDocument document(session.workspace(), request.anatomy);
-    const auto record = QSharedPointer<Subject>::create();
-    Subject &subject = *record;
-    subject.setMeasure(static_cast<int>(request.measure));
-    subject.setMatrixValues(static_cast<int>(request.matrixValues));
-    subject.setComputeMst(request.computeMst);
-    subject.setUseProtocol(request.useProtocol);
-    subject.setDocumentId(document.position());
-    chooseFiles(subject, request, workspace, log);
-    if (!subject.load())
-        throw HostFailure(log);
-    workspace.linkedVtc()->file.requireIntact();
-    const QStringList mismatched = checkedMismatches(request, workspace);
-    chooseNodes(subject, request);
+    ComputeResult result =
+        request.timeseries.isEmpty() ? loadRun(session, request, log) : loadCourses(request, log);
+    result.seedRows = nodesNamed(request.seedNames, request, result.nodes);
 
+    const Subject &subject = *result.subject;
     const QVector<int> seeds = subject.scheme().seedVois;
-    ComputeResult result;
-    result.subject = record;
-    result.nodes = describeNodes(subject, *workspace.vois());
     result.timeseries = subject.averagedTimeseries({seeds.begin(), seeds.end()});
     QStringList names;
     for (const ComputedNode &node : result.nodes)
@@ -249,11 +342,12 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
         requireDefined(request, result.nodes, nodeFaults(subject, result.timeseries),
                        withoutMeaning);
     result.slices = computeSlices(subject, result.timeseries);
-    result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;
-    result.vtcChecksum = workspace.linkedVtc()->file.info().checksum;
-    result.cleaning = workspace.linkedVtc()->file.info().cleaning;
-    result.protocolFile = protocolInUse(subject, request, workspace);
-    result.warnings = log.said() + mismatched + withoutMeaning;
+    result.warnings += withoutMeaning;
+    if (request.matrixValues == MatrixValues::Signed)
+        result.warnings += QStringLiteral(
+            "signed: of the measures only degree, strength and eigenvector centrality take "
+            "negative weights into account, the others see the positive ones; there are no "
+            "spanning trees");
     return result;
 }
 

@@ -69,27 +69,36 @@ QJsonObject input(const QString &path, const QString &checksumKind, const QStrin
 
 QJsonObject inputs(const ComputeRequest &request, const ComputeResult &result)
 {
-    const QString sha1Key = QStringLiteral("sha1");
-    QJsonObject all{
-        {QStringLiteral("anatomy"), input(request.anatomy, sha1Key, sha1(request.anatomy))},
-        {QStringLiteral("vtc"),
-         input(request.vtc, QStringLiteral("samples checksum"), result.vtcChecksum)},
-        {QStringLiteral("voi"), input(request.voi, sha1Key, sha1(request.voi))}};
-    if (!result.protocolFile.isEmpty()) {
-        all.insert(QStringLiteral("protocol"),
-                   input(result.protocolFile, sha1Key, sha1(result.protocolFile)));
+    QJsonObject all;
+    const auto add = [&all](const char *role, const QString &path) {
+        all.insert(QLatin1String(role), input(path, QStringLiteral("sha1"), sha1(path)));
+    };
+    if (request.timeseries.isEmpty()) {
+        add("anatomy", request.anatomy);
+        all.insert(QStringLiteral("vtc"),
+                   input(request.vtc, QStringLiteral("samples checksum"), result.vtcChecksum));
+        add("voi", request.voi);
+    } else {
+        add("timeseries", request.timeseries);
     }
+    if (!result.protocolFile.isEmpty())
+        add("protocol", result.protocolFile);
     return all;
 }
 
 QJsonObject settings(const ComputeRequest &request)
 {
-    return {
+    QJsonObject all{
         {QStringLiteral("measure"), QLatin1String(nameOf(request.measure, measureNames))},
         {QStringLiteral("values"), QLatin1String(nameOf(request.matrixValues, matrixValuesNames))},
         {QStringLiteral("spanning tree"), request.computeMst},
         {QStringLiteral("use protocol"), request.useProtocol},
         {QStringLiteral("allow singular"), request.allowSingular}};
+    if (request.names)
+        all.insert(QStringLiteral("names"), true);
+    if (!request.seedNames.isEmpty())
+        all.insert(QStringLiteral("seeds"), QJsonArray::fromStringList(request.seedNames));
+    return all;
 }
 
 QJsonObject versions()
@@ -107,10 +116,15 @@ QJsonArray nodes(const ComputeResult &result)
 {
     QJsonArray all;
     for (const ComputedNode &node : result.nodes) {
-        all.append(QJsonObject{{QStringLiteral("voi"), node.voi},
-                               {QStringLiteral("name"), node.name},
-                               {QStringLiteral("voxels"), node.voxels},
-                               {QStringLiteral("empty"), node.voxels == 0}});
+        QJsonObject entry{{QStringLiteral("name"), node.name}};
+        if (node.voxels) {
+            entry.insert(QStringLiteral("voi"), node.voi);
+            entry.insert(QStringLiteral("voxels"), *node.voxels);
+            entry.insert(QStringLiteral("empty"), node.voxels == 0);
+        } else {
+            entry.insert(QStringLiteral("column"), node.voi);
+        }
+        all.append(entry);
     }
     return all;
 }
@@ -137,6 +151,9 @@ QJsonArray slices(const ComputeRequest &request, const ComputeResult &result)
             entry.insert(QStringLiteral("spanning tree"),
                          tableName(QStringLiteral("mst"), request, result, s));
         }
+        if (!result.seedRows.empty())
+            entry.insert(QStringLiteral("seeds"),
+                         tableName(QStringLiteral("seeds"), request, result, s));
         all.append(entry);
     }
     return all;
@@ -167,16 +184,38 @@ QByteArray summary(const ComputeRequest &request, const ComputeResult &result,
     QJsonObject document{{QStringLiteral("inputs"), inputs(request, result)},
                          {QStringLiteral("settings"), settings(request)},
                          {QStringLiteral("volumes"), static_cast<int>(result.timeseries.cols())},
-                         {QStringLiteral("repetition time in seconds"), result.repetitionTime},
                          {QStringLiteral("nodes"), nodes(result)},
                          {QStringLiteral("slices"), slices(request, result)},
                          {QStringLiteral("versions"), versions()},
                          {QStringLiteral("warnings"), QJsonArray::fromStringList(result.warnings)}};
+    if (result.repetitionTime)
+        document.insert(QStringLiteral("repetition time in seconds"), *result.repetitionTime);
     if (result.cleaning)
         document.insert(QStringLiteral("cleaning"), cleaning(*result.cleaning));
     if (request.plots)
         document.insert(QStringLiteral("pictures"), QJsonArray::fromStringList(pictures));
     return QJsonDocument(document).toJson();
+}
+
+QStringList namesOf(const ComputeResult &result)
+{
+    QStringList names;
+    for (const ComputedNode &node : result.nodes)
+        names += node.name;
+    return names;
+}
+
+QStringList namesOf(const ComputeResult &result, const std::vector<int> &nodes)
+{
+    QStringList names;
+    for (const int node : nodes)
+        names += result.nodes[static_cast<std::size_t>(node)].name;
+    return names;
+}
+
+Eigen::MatrixXf rowsOf(const Eigen::MatrixXf &matrix, const std::vector<int> &rows)
+{
+    return matrix(rows, Eigen::all);
 }
 
 /// The beginning of a text, of whole characters, that fits into that many bytes of UTF-8.
@@ -213,16 +252,24 @@ QString sliceFileName(const QString &kind, const QString &ending, const ComputeR
 void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
                         const ComputeResult &result, const QStringList &pictures)
 {
-    writeMatrixTable(folder.path(QStringLiteral("timeseries.csv")), result.timeseries);
+    const QStringList allNames = namesOf(result);
+    const QStringList names = request.names ? allNames : QStringList();
+    const QString courses = folder.path(QStringLiteral("timeseries.csv"));
+    if (request.names)
+        writeMatrixTable(courses, result.timeseries.transpose(), names);
+    else
+        writeMatrixTable(courses, result.timeseries);
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
-        const auto write = [&](const char *kind, const Eigen::MatrixXf &matrix) {
-            const QString name = tableName(QLatin1String(kind), request, result, s);
-            writeMatrixTable(folder.path(name), matrix);
+        const auto path = [&](const char *kind) {
+            return folder.path(tableName(QLatin1String(kind), request, result, s));
         };
-        write("connectivity", slice.connectivity);
+        writeMatrixTable(path("connectivity"), slice.connectivity, names, names);
         if (request.computeMst)
-            write("mst", slice.mst);
+            writeMatrixTable(path("mst"), slice.mst, names, names);
+        if (!result.seedRows.empty())
+            writeMatrixTable(path("seeds"), rowsOf(slice.connectivity, result.seedRows), allNames,
+                             namesOf(result, result.seedRows));
     }
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(request, result));
     writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result, pictures));

@@ -62,7 +62,7 @@ QStringList writeGraphFiles(const QString &path, const GraphTable &graph,
     if (request.withTree) {
         const Eigen::MatrixXf tree =
             std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
-        writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names);
+        writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names, graph.names);
     }
     return folder.commit();
 }

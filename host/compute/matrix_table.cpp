@@ -7,16 +7,36 @@
 namespace corvane
 {
 
-void writeMatrixTable(const QString &path, const Eigen::MatrixXf &matrix, const QStringList &names)
+namespace
+{
+
+/// In quotation marks also where a reader might take it for a comment, for several cells or for a
+/// name with fewer blanks.
+QByteArray nameField(const QString &name)
+{
+    QByteArray field = csvField(name);
+    const bool isQuoted = field.startsWith('"');
+    const bool isMisread = name.startsWith(QLatin1Char('#')) || name.contains(QLatin1Char(';')) ||
+                           name != name.trimmed();
+    return isMisread && !isQuoted ? '"' + field + '"' : field;
+}
+
+} // namespace
+
+void writeMatrixTable(const QString &path, const Eigen::MatrixXf &matrix,
+                      const QStringList &columns, const QStringList &rows)
 {
     OutputFile file(path);
-    QByteArray line;
-    for (const QString &name : names)
-        line += ',' + csvField(name);
-    if (!names.isEmpty())
-        file.write(line + '\n');
+    QByteArrayList header;
+    if (!rows.isEmpty())
+        header += QByteArray();
+    for (const QString &name : columns)
+        header += nameField(name);
+    if (!columns.isEmpty())
+        file.write(header.join(',') + '\n');
     for (Eigen::Index row = 0; row < matrix.rows(); ++row) {
-        line = names.isEmpty() ? QByteArray() : csvField(names[static_cast<int>(row)]) + ',';
+        QByteArray line =
+            rows.isEmpty() ? QByteArray() : nameField(rows[static_cast<int>(row)]) + ',';
         for (Eigen::Index column = 0; column < matrix.cols(); ++column)
             line += (column > 0 ? "," : "") + csvField(matrix(row, column));
         file.write(line + '\n');

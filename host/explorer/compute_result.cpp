@@ -3,6 +3,8 @@
 #include "host/files/file_kind.h"
 #include "host/files/graph_table.h"
 #include "host/files/input_error.h"
+#include "host/files/json_file.h"
+#include "host/files/series_table.h"
 #include "host/files/text_check.h"
 #include "host/files/text_lines.h"
 #include "host/files/vmr_file.h"
@@ -112,6 +114,19 @@ QStringList ledgerLines(const QJsonObject &cleaning)
                 .arg(text("rank"), text("degrees of freedom"))};
 }
 
+/// The tables of a compute, which has put names around their numbers or not.
+Eigen::MatrixXd readMatrix(const QString &path, bool isNamed)
+{
+    return isNamed ? readMatrixTable(path).values : readNumbers(path);
+}
+
+/// Volumes x nodes.
+Eigen::MatrixXd readCourses(const QString &path, bool isNamed)
+{
+    return isNamed ? readSeriesTable(path).values.cast<double>().transpose().eval()
+                   : readNumbers(path).transpose().eval();
+}
+
 } // namespace
 
 NetworkResult readComputeResult(const QString &folder)
@@ -126,14 +141,19 @@ NetworkResult readComputeResult(const QString &folder)
     for (const QJsonValue value : json.value(key("nodes")).toArray()) {
         const QJsonObject node = value.toObject();
         result.nodes.push_back({node.value(key("name")).toString()});
-        result.nodes.back().voxels = node.value(key("voxels")).toInt();
+        if (node.contains(key("voxels")))
+            result.nodes.back().voxels = node.value(key("voxels")).toInt();
     }
     const QJsonObject cleaning = json.value(key("cleaning")).toObject();
+    const bool isNamed = settings.value(key("names")).toBool();
+    const QString signs = settings.value(key("values")).toString();
+    const bool withoutSigns =
+        signs != QLatin1String("positive") && signs != QLatin1String("signed");
     const bool isWhole = !settings.value(key("use protocol")).toBool();
     for (const QJsonValue value : json.value(key("slices")).toArray()) {
         const QJsonObject slice = value.toObject();
         const QString file = files.filePath(slice.value(key("connectivity")).toString());
-        const Eigen::MatrixXd values = readNumbers(file);
+        const Eigen::MatrixXd values = readMatrix(file, isNamed);
         if (values.rows() != Eigen::Index(result.nodes.size()) || values.rows() != values.cols())
             throw InputError(file, QStringLiteral("rows and columns"),
                              QStringLiteral("%1 x %2").arg(values.rows()).arg(values.cols()),
@@ -146,8 +166,7 @@ NetworkResult readComputeResult(const QString &folder)
                       .arg(measure, QString::number(slice.value(key("slice")).toInt()), condition),
             measure, kindOf(measure), values);
         // The strength of a correlation without its sign is no correlation.
-        if (settings.value(key("values")).toString() != QLatin1String("positive") &&
-            matrix.kind == ValueKind::Correlation)
+        if (withoutSigns && matrix.kind == ValueKind::Correlation)
             matrix.degrees.reset();
         if (isWhole && cleaning.contains(key("degrees of freedom")))
             matrix.degrees = cleaning.value(key("degrees of freedom")).toDouble();
@@ -156,7 +175,7 @@ NetworkResult readComputeResult(const QString &folder)
     const QString course = files.filePath(QStringLiteral("timeseries.csv"));
     if (QFileInfo::exists(course)) {
         ResultSeries series;
-        series.values = readNumbers(course).transpose();
+        series.values = readCourses(course, isNamed);
         if (series.values.cols() == Eigen::Index(result.nodes.size())) {
             for (int volume = 0; volume < int(series.values.rows()); ++volume)
                 series.volumes.push_back(volume);

@@ -3,6 +3,7 @@
 #include "host/explorer/result_readers.h"
 #include "host/files/graph_table.h"
 #include "host/files/input_error.h"
+#include "host/files/json_file.h"
 #include "host/files/text_check.h"
 #include "host/files/tsv_table.h"
 

@@ -8,8 +8,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <cmath>
 
 namespace corvane
@@ -71,20 +69,6 @@ NetworkResult readResult(const ResultRequest &request)
     if (!request.atlas.isEmpty())
         result.atlasFile = request.atlas;
     return result;
-}
-
-QJsonObject readJson(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw InputError(path, QStringLiteral("reading"), file.errorString(),
-                         QStringLiteral("a readable file"));
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    if (!document.isObject())
-        throw InputError(path, QStringLiteral("byte %1").arg(error.offset), error.errorString(),
-                         QStringLiteral("a JSON object"));
-    return document.object();
 }
 
 ResultMatrix resultMatrix(const QString &name, const QString &measure, ValueKind kind,

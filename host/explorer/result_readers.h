@@ -3,8 +3,6 @@
 
 #include "host/explorer/network_result.h"
 
-#include <QJsonObject>
-
 /// @file
 /// A reader for the files of each command. All throw InputError.
 
@@ -21,9 +19,6 @@ NetworkResult readMatrixResult(const QString &path);
 
 /// The beginnings of the names of the runs in a folder of matrices, in the order of names.
 QStringList runsIn(const QString &folder);
-
-/// The object of a JSON file.
-QJsonObject readJson(const QString &path);
 
 /// Fills in both halves from the mean of both, NaN where one of them has no value, and a scale of
 /// colours: to 1 for correlations, else to the largest value off the diagonal.

@@ -35,6 +35,12 @@ int conditionCount(const ComputeResult &result)
                                           [](const ComputedSlice &slice) { return !slice.event; }));
 }
 
+/// The lines of a ring are as thick as connections are strong, which says nothing of signs.
+bool hasRing(const ComputeRequest &request)
+{
+    return request.matrixValues != MatrixValues::Signed;
+}
+
 /// All pictures of a result, in the order in which they are drawn.
 std::vector<Picture> picturesOf(ResultPictures &windows, const ComputeRequest &request,
                                 const ComputeResult &result)
@@ -49,7 +55,8 @@ std::vector<Picture> picturesOf(ResultPictures &windows, const ComputeRequest &r
                                 [&windows, draw, s] { return (windows.*draw)(s); }});
         };
         if (result.nodes.size() <= mostNodesInRing) {
-            add("ring", &ResultPictures::ring);
+            if (hasRing(request))
+                add("ring", &ResultPictures::ring);
             add("overview", &ResultPictures::overview);
         }
         if (result.nodes.size() <= mostNodesInMap)
@@ -77,7 +84,7 @@ void writePicture(const OutputFolder &folder, const QString &name, const QPixmap
 
 } // namespace
 
-QStringList picturesLeftOut(const ComputeResult &result)
+QStringList picturesLeftOut(const ComputeRequest &request, const ComputeResult &result)
 {
     if (conditionCount(result) == 0)
         return {QStringLiteral("Nothing is drawn: all intervals are events")};
@@ -89,6 +96,8 @@ QStringList picturesLeftOut(const ComputeResult &result)
                      .arg(nodes)
                      .arg(most);
     };
+    if (!hasRing(request))
+        lines += QStringLiteral("The ring is not drawn: its lines do not show signs");
     if (nodes > mostNodesInRing)
         add("Ring and overview are", mostNodesInRing);
     if (nodes > mostNodesInMap)

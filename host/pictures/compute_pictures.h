@@ -9,7 +9,7 @@ namespace corvane
 {
 
 /// What of a result is not drawn and why, one line each.
-QStringList picturesLeftOut(const ComputeResult &result);
+QStringList picturesLeftOut(const ComputeRequest &request, const ComputeResult &result);
 
 /// Draws all pictures of a result into the folder: for each slice that is no event its ring, its
 /// matrix and the overview of it, and for the whole result a line plot per measure. Returns their

@@ -12,8 +12,8 @@ import sys
 
 ROOT = pathlib.Path(sys.argv[1])
 PROGRAM = sys.argv[2]
-COMMANDS = ("example", "import", "compute", "graph", "connectome", "cohort", "group",
-            "explore", "figure", "tour")
+COMMANDS = ("example", "import", "compute", "graph", "distance", "connectome", "cohort",
+            "group", "explore", "figure", "tour")
 
 
 def help_of(*command):
@@ -40,8 +40,8 @@ def main():
     problems += [f"the manual page has {name}, the program has not"
                  for name in options_in(manual) - known]
     wanted = set().union(*(of_commands[command]
-                           for command in ("import", "compute", "graph", "connectome", "cohort",
-                                           "group", "explore", "figure")))
+                           for command in ("import", "compute", "graph", "distance", "connectome",
+                                           "cohort", "group", "explore", "figure")))
     problems += [f"the synopsis and the options of {command} differ in {name}"
                  for command in COMMANDS
                  for name in of_commands[command] ^ synopsis_of[command]]

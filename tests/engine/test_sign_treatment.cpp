@@ -15,7 +15,8 @@ constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr auto absolute = MatrixValues::Absolute;
 constexpr auto positive = MatrixValues::Positive;
 constexpr auto negative = MatrixValues::Negative;
-constexpr auto unknown = static_cast<MatrixValues>(3);
+constexpr auto both = MatrixValues::Signed;
+constexpr auto unknown = static_cast<MatrixValues>(4);
 
 struct SignCase {
     MatrixValues values;
@@ -38,7 +39,7 @@ TEST_P(TreatSigns, TreatsEveryEntryAlike)
         else
             EXPECT_EQ(matrix(i), c.after);
         const bool known = nameOf(c.values, matrixValuesNames) != nullptr;
-        EXPECT_FALSE(known && matrix(i) < 0.0f);
+        EXPECT_FALSE(known && c.values != both && matrix(i) < 0.0f);
     }
 }
 
@@ -54,7 +55,8 @@ INSTANTIATE_TEST_SUITE_P(
                     SignCase{negative, 0.0f, 0.0f}, SignCase{negative, -inf, inf},
                     SignCase{negative, inf, 0.0f}, SignCase{unknown, -0.5f, -0.5f},
                     SignCase{static_cast<MatrixValues>(-1), -0.5f, -0.5f},
-                    SignCase{unknown, nan, nan}));
+                    SignCase{unknown, nan, nan}, SignCase{both, -0.5f, -0.5f},
+                    SignCase{both, 0.5f, 0.5f}, SignCase{both, nan, nan}));
 
 TEST(TreatSigns, NegativeOfMatrixWithoutNegativesIsZeroDiagonalIncluded)
 {
