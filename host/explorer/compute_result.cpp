@@ -199,8 +199,9 @@ NetworkResult readMatrixResult(const QString &path)
     for (Eigen::Index node = 0; node < table.values.rows(); ++node)
         result.nodes.push_back(
             {table.names.isEmpty() ? QString::number(node) : table.names[int(node)]});
-    result.matrices.push_back(
-        resultMatrix(result.title, QStringLiteral("values"), kindOf(table.values), table.values));
+    result.matrices.push_back(resultMatrix(QStringLiteral("values"), QStringLiteral("values"),
+                                           kindOf(table.values), table.values));
+    result.hasNames = !table.names.isEmpty();
     result.notes = table.notes;
     return result;
 }

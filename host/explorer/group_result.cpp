@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/explorer/node_facts.h"
 #include "host/explorer/result_readers.h"
 #include "host/files/graph_table.h"
 #include "host/files/input_error.h"
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
+#include <algorithm>
 
 namespace corvane
 {
@@ -155,6 +157,75 @@ void addOthers(const QDir &files, NetworkResult &result)
     }
 }
 
+/// The tables of nodes that lie beside the matrices of a group: those of a study, or of its table.
+QStringList nodeTablesOf(const QJsonObject &settings, const QDir &group)
+{
+    // A group's folder usually stands in that of its study; the path was written where it was made.
+    QString root =
+        settings.value(QLatin1String("Study")).toObject().value(QLatin1String("Folder")).toString();
+    if (!root.isEmpty() && !QFileInfo(root).isDir())
+        root = group.filePath(QStringLiteral(".."));
+    QStringList folders;
+    if (!root.isEmpty()) {
+        const QDir study(root);
+        for (const QString &subject :
+             study.entryList({QStringLiteral("sub-*")}, QDir::Dirs, QDir::Name)) {
+            folders += study.filePath(subject + QStringLiteral("/func"));
+            const QDir sessions(study.filePath(subject));
+            for (const QString &session :
+                 sessions.entryList({QStringLiteral("ses-*")}, QDir::Dirs, QDir::Name))
+                folders += sessions.filePath(session + QStringLiteral("/func"));
+        }
+    }
+    const QString list = settings.value(QLatin1String("Table")).toString();
+    if (QFileInfo(list).isFile()) {
+        const TsvTable table(list);
+        const int column = table.column(QStringLiteral("matrix"));
+        for (int row = 0; row < table.rowCount() && column >= 0; ++row)
+            folders += QFileInfo(QFileInfo(list).dir().filePath(table.cell(row, column))).path();
+    }
+    folders.removeDuplicates();
+    QStringList tables;
+    for (const QString &folder : qAsConst(folders))
+        for (const QString &file :
+             QDir(folder).entryList({QStringLiteral("*_nodes.tsv")}, QDir::Files, QDir::Name))
+            if (!file.endsWith(QLatin1String("_stat-graphmeasures_nodes.tsv")))
+                tables += QDir(folder).filePath(file);
+    return tables;
+}
+
+/// What a subject's table tells of the nodes; the first table that names them all is taken.
+void takeNodes(const QStringList &tables, std::vector<ResultNode> &nodes)
+{
+    for (const QString &path : tables) {
+        const TsvTable table(path);
+        const auto column = [&](const char *name) { return table.column(QLatin1String(name)); };
+        if (column("name") < 0 || column("network") < 0 || column("z") < 0)
+            continue;
+        QHash<QString, int> rows;
+        for (int row = 0; row < table.rowCount(); ++row)
+            rows.insert(table.cell(row, column("name")), row);
+        if (!std::all_of(nodes.begin(), nodes.end(),
+                         [&](const ResultNode &node) { return rows.contains(node.name); }))
+            continue;
+        for (ResultNode &node : nodes) {
+            const int row = rows.value(node.name);
+            const auto text = [&](const char *name) {
+                const QString cell = column(name) < 0 ? QString() : table.cell(row, column(name));
+                return cell == QLatin1String("n/a") ? QString() : cell;
+            };
+            node.network = text("network");
+            node.hemisphere = hemisphereName(text("hemisphere"));
+            const Eigen::Vector3d place(numberIn(table, row, column("x")),
+                                        numberIn(table, row, column("y")),
+                                        numberIn(table, row, column("z")));
+            if (place.allFinite())
+                node.place = place;
+        }
+        return;
+    }
+}
+
 } // namespace
 
 NetworkResult readGroupResult(const QString &folder)
@@ -167,6 +238,7 @@ NetworkResult readGroupResult(const QString &folder)
                        .arg(json.value(QLatin1String("Participants")).toArray().size());
     for (const QJsonValue node : json.value(QLatin1String("Nodes")).toArray())
         result.nodes.push_back({node.toString()});
+    takeNodes(nodeTablesOf(json.value(QLatin1String("Settings")).toObject(), files), result.nodes);
     for (const QJsonValue value : json.value(QLatin1String("Contrasts")).toArray()) {
         GroupContrast contrast;
         contrast.name = value.toObject().value(QLatin1String("Name")).toString();

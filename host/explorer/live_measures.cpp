@@ -27,7 +27,6 @@ void computeSome(const std::vector<GraphMeasure> &measures, const Eigen::MatrixX
             isEnded = true;
             return;
         }
-        // The efficiency of the network is the mean of its nodes': no paths are sought twice.
         if (measures[m].perNode != nullptr)
             values[m] = measures[m].perNode(weights);
         else if (measures[m].perMatrix != nullptr && weights.rows() > 0)

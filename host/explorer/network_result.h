@@ -85,6 +85,7 @@ struct NetworkResult {
     QString title;
     QString run; ///< which of the folder's runs; empty where there is but one kind
     QStringList runs;
+    bool hasNames = true; ///< false: nodes are called by their numbers, since nothing names them
     std::vector<ResultNode> nodes;
     std::vector<ResultMatrix> matrices;
     std::optional<ResultSeries> series = {};

@@ -4,9 +4,11 @@
 #include "host/explorer/node_facts.h"
 #include "host/explorer/result_readers.h"
 #include "host/files/input_error.h"
+#include "host/files/text_lines.h"
 #include "host/group/node_places.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <cmath>
 
@@ -15,6 +17,21 @@ namespace corvane
 
 namespace
 {
+
+/// The folders below with matrices of runs, in the order of names.
+QStringList foldersOfRuns(const QString &path)
+{
+    QStringList folders;
+    QDirIterator files(path, {QStringLiteral("*_relmat.tsv")}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString folder = QFileInfo(files.next()).path();
+        if (!folders.contains(folder))
+            folders += folder;
+    }
+    folders.sort();
+    return folders;
+}
 
 NetworkResult readFiles(const ResultRequest &request)
 {
@@ -28,12 +45,36 @@ NetworkResult readFiles(const ResultRequest &request)
         return readComputeResult(request.path);
     if (!runsIn(request.path).isEmpty())
         return readConnectomeResult(request.path, request.run);
+    // A participant's folder of a study, or the study's: what is meant lies below.
+    const QStringList below = foldersOfRuns(request.path);
+    if (below.size() == 1)
+        return readConnectomeResult(below.front(), request.run);
+    if (!below.isEmpty())
+        throw InputError(request.path, QStringLiteral("its files"),
+                         QStringLiteral("%1 folders with matrices").arg(below.size()),
+                         QStringLiteral("one of them, such as %1").arg(below.front()));
     throw InputError(request.path, QStringLiteral("its files"),
                      info.exists() ? QStringLiteral("none of a finished result")
                                    : QStringLiteral("no such folder"),
                      QStringLiteral("a folder with *_relmat.tsv (connectome, a participant's "
                                     "func folder of a study), summary.json (compute) or "
                                     "group.json (group), or a matrix"));
+}
+
+/// Names in the order of the nodes, one in each line or with commas between them; false when the
+/// file is something else, such as a table of labels.
+bool takeListOfNames(std::vector<ResultNode> &nodes, const QString &path)
+{
+    QStringList names;
+    for (const TextLine &line : readTextLines(path))
+        for (const QString &name : line.text.split(QLatin1Char(',')))
+            names += name.trimmed();
+    names.removeAll(QString());
+    if (names.size() != int(nodes.size()))
+        return false;
+    for (std::size_t node = 0; node < nodes.size(); ++node)
+        nodes[node].name = names[int(node)];
+    return true;
 }
 
 void takePlaces(std::vector<ResultNode> &nodes, const QString &path)
@@ -58,7 +99,10 @@ NetworkResult readResult(const ResultRequest &request)
 {
     NetworkResult result = readFiles(request);
     result.folder = request.path;
-    if (!request.labels.isEmpty()) {
+    if (!request.labels.isEmpty() && !result.hasNames &&
+        takeListOfNames(result.nodes, request.labels))
+        result.hasNames = true;
+    else if (!request.labels.isEmpty()) {
         for (ResultNode &node : result.nodes)
             node.network = node.hemisphere = QString();
         takeLabels(result.nodes, readLabelTable(request.labels, result.notes), request.labels);

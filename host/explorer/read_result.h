@@ -8,10 +8,13 @@ namespace corvane
 
 struct ResultRequest {
     /// A folder of `Corvane connectome`, of a subject's runs in a study, of `Corvane compute` or
-    /// `group`, or one matrix in a file.
+    /// `group`, or one matrix in a file; also a folder that holds one of these with matrices of
+    /// runs.
     QString path;
-    QString run = {};    ///< what the run's files begin with, up to the atlas; empty for the first
-    QString labels = {}; ///< a table of labels with networks, sides; empty for none
+    QString run = {}; ///< what the run's files begin with, up to the atlas; empty for the first
+    /// A table of labels with networks and sides; for a matrix without names also a list of names
+    /// in the order of its rows. Empty for none.
+    QString labels = {};
     QString centroids = {}; ///< a table of nodes with x, y and z; empty for none
     QString atlas = {}; ///< an image of the atlas or the anatomy, for its outline; empty for none
 };

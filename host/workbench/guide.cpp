@@ -35,6 +35,7 @@ QString pageOfClass(const QWidget &window)
     } pages[] = {{"corvane::MainWindow", "the-workbench"},
                  {"corvane::ImportDialog", "importing-your-data"},
                  {"corvane::StudyWindow", "a-folder-of-subjects"},
+                 {"corvane::ExplorerWindow", "the-connectome-window"},
                  {"ConnectivityObjectUI", "the-results-of-a-subject"},
                  {"CircularPlot", "the-results-of-a-subject"},
                  {"ViewMatrix", "the-results-of-a-subject"},

@@ -28,6 +28,7 @@
 #include "host/import/given_files.h"
 #include "host/workbench/example_files.h"
 #include "host/workbench/import_dialog.h"
+#include "host/workbench/result_windows.h"
 #include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #endif
@@ -238,6 +239,8 @@ void MainWindow::makeFileMenu()
     folder->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
     menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
     menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
+    makeResults();
+    menu->addAction(tr("Open &Result..."), m_results, &ResultWindows::choose);
     menu->addSeparator();
 #endif
     QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
@@ -723,11 +726,29 @@ void MainWindow::chooseDataset()
     openFiles({folder});
 }
 
+/// The node that is selected in a connectome window is where the cross-hair goes.
+void MainWindow::makeResults()
+{
+    m_results = new ResultWindows(this);
+    connect(m_results, &ResultWindows::failed, this, &MainWindow::showMessageBox);
+    connect(m_results, &ResultWindows::placeSelected, this, [this](const WorldPlace &place) {
+        const Vmr *const vmr = m_workspace.currentVmr();
+        if (vmr == nullptr || !vmr->space)
+            return;
+        const CubeVoxel voxel = voxelAtWorld(*vmr, place);
+        if (std::all_of(voxel.begin(), voxel.end(),
+                        [](int index) { return index >= 0 && index < Vmr::size; }))
+            m_volume->setCross(voxel);
+    });
+}
+
 /// One window for all studies, which goes on computing while it is closed.
 void MainWindow::openStudy()
 {
-    if (m_study == nullptr)
+    if (m_study == nullptr) {
         m_study = new StudyWindow(this);
+        connect(m_study, &StudyWindow::resultChosen, m_results, &ResultWindows::open);
+    }
     m_study->show();
     m_study->raise();
     m_study->activateWindow();

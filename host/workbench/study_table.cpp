@@ -148,6 +148,11 @@ QString StudyTable::filesOf(int row) const
            QStringLiteral("/func");
 }
 
+QString StudyTable::matricesOf(int row) const
+{
+    return QStringLiteral("%1_atlas-%2").arg(text(row, "run"), text(row, "atlas_id"));
+}
+
 QString StudyTable::pageOf(int row) const
 {
     for (const QString &page :

@@ -39,6 +39,8 @@ public:
 
     /// Where the files of a row are, below the study's folder: "sub-01/ses-a/func".
     QString filesOf(int row) const;
+    /// What the names of a row's files begin with.
+    QString matricesOf(int row) const;
     /// The best page there is of a row: its own, the participant's or the study's. Empty without.
     QString pageOf(int row) const;
 

@@ -77,6 +77,11 @@ StudyWindow::StudyWindow(QWidget *parent, const QString &program)
     connect(m_ui->rows, &QTableView::doubleClicked, m_ui->report, &QPushButton::click);
     connect(m_ui->files, &QPushButton::clicked, this,
             [this] { openBelowStudy(m_table->filesOf(currentRow())); });
+    connect(m_ui->explore, &QPushButton::clicked, this, [this] {
+        const int row = currentRow();
+        Q_EMIT resultChosen(m_ui->study->path() + QLatin1Char('/') + m_table->filesOf(row),
+                            m_table->matricesOf(row));
+    });
     connect(m_ui->studyReport, &QPushButton::clicked, this,
             [this] { openBelowStudy(QStringLiteral("index.html")); });
     connect(m_ui->dataset, &FileField::changed, this,
@@ -162,6 +167,7 @@ void StudyWindow::enable()
     };
     m_ui->report->setEnabled(row >= 0 && exists(m_table->pageOf(row)));
     m_ui->files->setEnabled(row >= 0 && exists(m_table->filesOf(row)));
+    m_ui->explore->setEnabled(row >= 0 && m_table->text(row, "status") == QLatin1String("done"));
     m_ui->studyReport->setEnabled(!folder.isEmpty() && exists(QStringLiteral("index.html")));
     m_ui->reload->setEnabled(!folder.isEmpty());
     m_ui->compute->setEnabled(!m_run.isRunning() && !folder.isEmpty() &&

@@ -32,6 +32,10 @@ public:
     /// Shows the study in that folder, which may be empty yet.
     void openStudy(const QString &folder);
 
+Q_SIGNALS:
+    /// The matrices of a row are to be looked at: their folder, and the beginning of their names.
+    void resultChosen(const QString &folder, const QString &run);
+
 private:
     void load();
     void fillForms();

@@ -196,6 +196,28 @@ TEST(ReadResult, GroupHasItsTestsAndComponents)
     EXPECT_THAT(errorOf([&] { read(folder); }), HasSubstr("expected two numbers of nodes"));
 }
 
+TEST(ReadResult, GroupTakesNodesFromItsStudy)
+{
+    const TemporaryFolder folder;
+    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("study/sub-01/ses-a/func")));
+    putBytes(folder.path("study/sub-01/ses-a/func/r_atlas-T_nodes.tsv"),
+             "index\tname\tnetwork\themisphere\tx\ty\tz\n1\ta\tVisual\tR\t1\t2\t3\n"
+             "2\tb\tMotor\tn/a\t4\t5\tn/a\n3\tdropped\tn/a\tn/a\tn/a\tn/a\tn/a\n");
+    putBytes(folder.path("group.json"),
+             R"({"Nodes": ["a", "b"], "Settings": {"Study": {"Folder": ")" +
+                 folder.path("study").toUtf8() +
+                 R"("}}, "Contrasts": [{"Name": "c", "Statistic": "t"}]})");
+    putBytes(folder.path("edges.tsv"),
+             "contrast\tnode_1\tnode_2\testimate\tt\tF\tdf\tp\tp_perm\tp_fwe\tq\n"
+             "c\ta\tb\t1\t2\tn/a\t3\t0.1\t0.2\t0.3\t0.4\n");
+    const NetworkResult result = read(folder);
+    EXPECT_EQ(result.nodes[0].network, QStringLiteral("Visual"));
+    EXPECT_EQ(result.nodes[0].hemisphere, QStringLiteral("Right"));
+    EXPECT_EQ(*result.nodes[0].place, Eigen::Vector3d(1, 2, 3));
+    EXPECT_EQ(result.nodes[1].network, QStringLiteral("Motor"));
+    EXPECT_FALSE(result.nodes[1].place);
+}
+
 TEST(ReadResult, OneMatrixIsAResult)
 {
     const TemporaryFolder folder;
@@ -205,6 +227,36 @@ TEST(ReadResult, OneMatrixIsAResult)
     const NetworkResult result = readResult(request);
     EXPECT_EQ(result.nodes[2].name, QStringLiteral("2"));
     EXPECT_EQ(result.matrices[0].limit, 4);
+}
+
+TEST(ReadResult, ListOfNamesNamesTheNodesOfAMatrixWithout)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("m.csv"), "0,2,3\n2,0,4\n3,4,0\n");
+    putBytes(folder.path("names.csv"), "L_cuneus,R_cuneus,brainstem\n");
+    ResultRequest request;
+    request.path = folder.path("m.csv");
+    request.labels = folder.path("names.csv");
+    const NetworkResult result = readResult(request);
+    EXPECT_EQ(result.nodes[1].name, QStringLiteral("R_cuneus"));
+    EXPECT_EQ(result.nodes[1].hemisphere, QStringLiteral("Right"));
+    putBytes(folder.path("names.csv"), "a,b\n");
+    EXPECT_THAT(errorOf([&] { readResult(request); }), HasSubstr("expected a column \"index\""));
+}
+
+TEST(ReadResult, FolderAboveTheMatricesOpensThemOrTellsWhichThereAre)
+{
+    const TemporaryFolder folder;
+    const auto put = [&](const char *path) {
+        QDir().mkpath(QFileInfo(folder.path(path)).path());
+        putBytes(folder.path(path), "Node\tx\ty\nx\t1\t-0.1\ny\t-0.1\t1\n");
+    };
+    put("sub-01/ses-a/func/sub-01_atlas-T_stat-pearsoncorrelation_relmat.tsv");
+    EXPECT_EQ(read(folder).run, QStringLiteral("sub-01_atlas-T"));
+    put("sub-02/func/sub-02_atlas-T_stat-pearsoncorrelation_relmat.tsv");
+    EXPECT_THAT(errorOf([&] { read(folder); }),
+                testing::AllOf(HasSubstr("found 2 folders with matrices, expected one of them"),
+                               HasSubstr("sub-01/ses-a/func")));
 }
 
 TEST(ReadResult, SaysWhatItExpects)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/host/workbench/host_windows.h"
 
+#include "host/explorer/explorer_window.h"
+#include "host/explorer/export_dialog.h"
 #include "host/import/example_dataset.h"
 #include "host/session/log.h"
 #include "host/session/session.h"
@@ -12,6 +14,7 @@
 #include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #include "host/workbench/time_course_view.h"
+#include "tests/host/explorer/result_folder.h"
 #include "tests/host/support/host_files.h"
 #include "tests/support/modal_driver.h"
 
@@ -127,6 +130,32 @@ void studyWindow(const LookAtWindow &look)
     window.openStudy(folder.path());
     window.show();
     look(window);
+}
+
+/// With all controls of a result of several matrices, once everything is computed.
+void connectomeWindow(const LookAtWindow &look)
+{
+    QSettings().clear();
+    const ExampleResult files;
+    ResultRequest request;
+    request.path = files.path();
+    ExplorerWindow window(request);
+    window.show();
+    while (window.model().isBusy())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    window.model().select(2, 5);
+    look(window);
+}
+
+void exportDialog(const LookAtWindow &look)
+{
+    const ExampleResult files;
+    ResultRequest request;
+    request.path = files.path();
+    ExplorerModel model(request, std::make_shared<const NetworkResult>(readResult(request)));
+    ExportDialog dialog(model, NetworkView::Ring, false);
+    dialog.show();
+    look(dialog);
 }
 
 QPushButton *importButton(const ImportDialog &dialog)
@@ -284,6 +313,8 @@ const std::vector<HostWindow> &hostWindows()
                                              {"RunsDialog", runsDialog},
                                              {"ReplaceQuestion", replaceQuestion},
                                              {"Study", studyWindow},
+                                             {"Connectome", connectomeWindow},
+                                             {"ExportFigure", exportDialog},
                                              {"Progress", progress},
                                              {"Message", message},
                                              {"About", about},

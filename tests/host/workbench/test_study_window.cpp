@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The window of a study: its table, what it opens, and the step that computes it.
+#include "host/explorer/explorer_window.h"
 #include "host/session/session.h"
 #include "host/workbench/cohort_run.h"
 #include "host/workbench/file_field.h"
 #include "host/workbench/main_window.h"
+#include "host/workbench/result_windows.h"
 #include "host/workbench/study_table.h"
 #include "host/workbench/study_window.h"
+#include "host/workbench/volume_view.h"
+#include "tests/host/explorer/result_folder.h"
 #include "tests/host/study/known_study.h"
 
 #include <QAbstractItemModelTester>
@@ -172,6 +176,20 @@ TEST_F(StudyWindowTest, OpensTheBestPageThereIsAndTheFiles)
               (QStringList{folder.path("sub-01/ses-a/func/sub-01_task-rest_atlas-A_report.html"),
                            folder.path("sub-01/ses-a/func"), folder.path("sub-03.html"),
                            folder.path("index.html")}));
+}
+
+TEST_F(StudyWindowTest, OffersTheMatricesOfARowThatIsDone)
+{
+    show();
+    EXPECT_FALSE(button("explore")->isEnabled());
+    QSignalSpy chosen(window.get(), &StudyWindow::resultChosen);
+    select(0);
+    button("explore")->click();
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen[0][0].toString(), folder.path("sub-01/ses-a/func"));
+    EXPECT_EQ(chosen[0][1].toString(), QStringLiteral("sub-01_task-rest_atlas-A"));
+    select(1);
+    EXPECT_FALSE(button("explore")->isEnabled()) << "it was excluded";
 }
 
 TEST_F(StudyWindowTest, AnotherTableIsToldAndAnEmptyFolderIsNoFault)
@@ -376,6 +394,45 @@ TEST(Workbench, HasOneWindowForStudies)
         EXPECT_TRUE(studies.first()->isVisible());
         studies.first()->close();
     }
+}
+
+TEST(Workbench, CrossHairFollowsTheNodeOfAResult)
+{
+    const ExampleResult files;
+    const TemporaryFolder folder;
+    Vmr vmr;
+    vmr.space = VmrSpace{{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, {-120, -130, -100}};
+    vmr.voxels = std::shared_ptr<const void>(
+        new quint8[std::size_t(Vmr::voxelCount)](),
+        [](const void *voxels) { delete[] static_cast<const quint8 *>(voxels); });
+    writeVmr(folder.path("a.vmr"), vmr);
+    Session session;
+    MainWindow window(session);
+    window.show();
+    window.openFiles({folder.path("a.vmr")});
+    auto *const results = window.findChild<ResultWindows *>();
+    ASSERT_NE(results, nullptr);
+    QSignalSpy failed(results, &ResultWindows::failed);
+    results->open(files.path());
+    EXPECT_EQ(failed.size(), 0);
+    auto *const explorer = window.findChild<ExplorerWindow *>();
+    ASSERT_NE(explorer, nullptr);
+    EXPECT_TRUE(explorer->isVisible());
+    explorer->model().select(3); // at (0, 80, 12) mm
+    EXPECT_EQ(window.findChild<VolumeView *>()->scene().cross, (CubeVoxel{120, 210, 112}));
+    explorer->close();
+}
+
+TEST(ResultWindows, TellWhatCannotBeOpened)
+{
+    const TemporaryFolder folder;
+    QWidget parent;
+    ResultWindows results(&parent);
+    QSignalSpy failed(&results, &ResultWindows::failed);
+    results.open(folder.path());
+    ASSERT_EQ(failed.size(), 1);
+    EXPECT_TRUE(failed[0][0].toString().contains(QLatin1String("none of a finished result")));
+    EXPECT_TRUE(parent.findChildren<ExplorerWindow *>().isEmpty());
 }
 
 TEST(CohortRun, FollowsTheProgramItself)
