@@ -9,6 +9,9 @@
 #include "host/study/row_state.h"
 #include "host/study/study_folder.h"
 
+#include <QFileInfo>
+#include <QSet>
+
 #include <algorithm>
 
 namespace corvane
@@ -64,8 +67,16 @@ void prepareStudy(const std::vector<ParticipantRows> &participants, const StudyS
     makeStudyFolder(settings.out);
     tidyStudyFolder(settings.out);
     writeDescription(settings.out, settings.dataset, tell);
-    for (const ParticipantRows &rows : participants)
+    QSet<QString> folders;
+    for (const ParticipantRows &rows : participants) {
         writePlan(rows, settings);
+        for (const StudyRow &row : rows)
+            folders.insert(settings.out + QLatin1Char('/') + row.name.folder);
+    }
+    // Also where nothing is left to do: a process may have been killed right behind its last row.
+    for (const QString &folder : qAsConst(folders))
+        if (QFileInfo(folder).isDir())
+            tidyStudyFolder(folder);
 }
 
 QStringList StudyCommand::task() const
