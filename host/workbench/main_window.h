@@ -17,7 +17,7 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
-class ResultWindows;
+class ResultOpener;
 class RunPane;
 class StudyWindow;
 class Session;
@@ -116,7 +116,7 @@ private:
     VoiCourse m_voiCourse; ///< of the chosen VOI, once it is read
     int m_shownVoiLoads = -1;
     RecentFilesMenu *m_recent = nullptr;
-    ResultWindows *m_results = nullptr;
+    ResultOpener *m_results = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;
     QMenu *m_helpMenu = nullptr;
