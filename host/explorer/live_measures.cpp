@@ -17,21 +17,27 @@ namespace
 using Eigen::Index;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// Computes what is left of a list until it is empty or the work is ended.
+/// Computes what is left of a list until it is empty or the work is ended. What takes longest is
+/// spread over two threads by itself.
 void computeSome(const std::vector<GraphMeasure> &measures, const Eigen::MatrixXf &weights,
                  std::vector<Eigen::ArrayXf> &values, std::atomic<std::size_t> &next,
                  std::atomic<bool> &isEnded, const GoOn &goOn)
-{
+try {
+    const nodalis::Effort effort{2, [&](double) { return !isEnded && (!goOn || goOn()); }};
     for (std::size_t m = next++; m < measures.size(); m = next++) {
         if (isEnded || (goOn && !goOn())) {
             isEnded = true;
             return;
         }
-        if (measures[m].perNode != nullptr)
+        if (measures[m].perNode != nullptr && measures[m].withEffort != nullptr)
+            values[m] = measures[m].withEffort(weights, effort);
+        else if (measures[m].perNode != nullptr)
             values[m] = measures[m].perNode(weights);
         else if (measures[m].perMatrix != nullptr && weights.rows() > 0)
             values[m] = Eigen::ArrayXf::Constant(1, measures[m].perMatrix(weights));
     }
+} catch (const nodalis::Ended &) {
+    isEnded = true;
 }
 
 /// The measures that take longest first, so that the threads end together.

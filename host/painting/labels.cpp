@@ -48,12 +48,19 @@ double widestLabel(const QFont &font, const QStringList &names, int every)
 void paintFoot(QPainter &painter, const QRectF &area, const QString &text)
 {
     painter.save();
-    painter.setFont(labelFont(painter, 12));
     painter.setPen(inkOf(painter));
     // A number keeps its sign of percent.
     QString lines = text;
     lines.replace(QLatin1String(" %"), QString(QChar(QChar::Nbsp)) + QLatin1Char('%'));
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, lines);
+    constexpr int flags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
+    // A long text is written smaller: all of it counts.
+    int size = 12;
+    while (size > smallest &&
+           QFontMetricsF(labelFont(painter, size)).boundingRect(area, flags, lines).height() >
+               area.height())
+        --size;
+    painter.setFont(labelFont(painter, size));
+    painter.drawText(area, flags, lines);
     painter.restore();
 }
 

@@ -26,7 +26,7 @@ QFont labelFont(const QPainter &painter, int pixels);
 /// The width of the widest name that is shown.
 double widestLabel(const QFont &font, const QStringList &names, int every);
 
-/// What is drawn, in as many lines as it takes, cut to the area.
+/// What is drawn, in as many lines as it takes; a long text in smaller letters, down to 7 pixels.
 void paintFoot(QPainter &painter, const QRectF &area, const QString &text);
 
 /// A title, centred in the area.

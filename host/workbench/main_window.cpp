@@ -28,7 +28,7 @@
 #include "host/import/given_files.h"
 #include "host/workbench/example_files.h"
 #include "host/workbench/import_dialog.h"
-#include "host/workbench/result_windows.h"
+#include "host/workbench/result_opener.h"
 #include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #endif
@@ -240,7 +240,7 @@ void MainWindow::makeFileMenu()
     menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
     menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
     makeResults();
-    menu->addAction(tr("Open &Result..."), m_results, &ResultWindows::choose);
+    menu->addAction(tr("Open &Result..."), m_results, &ResultOpener::choose);
     menu->addSeparator();
 #endif
     QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
@@ -729,9 +729,9 @@ void MainWindow::chooseDataset()
 /// The node that is selected in a connectome window is where the cross-hair goes.
 void MainWindow::makeResults()
 {
-    m_results = new ResultWindows(this);
-    connect(m_results, &ResultWindows::failed, this, &MainWindow::showMessageBox);
-    connect(m_results, &ResultWindows::placeSelected, this, [this](const WorldPlace &place) {
+    m_results = new ResultOpener(this);
+    connect(m_results, &ResultOpener::failed, this, &MainWindow::showMessageBox);
+    connect(m_results, &ResultOpener::placeSelected, this, [this](const WorldPlace &place) {
         const Vmr *const vmr = m_workspace.currentVmr();
         if (vmr == nullptr || !vmr->space)
             return;
@@ -747,7 +747,7 @@ void MainWindow::openStudy()
 {
     if (m_study == nullptr) {
         m_study = new StudyWindow(this);
-        connect(m_study, &StudyWindow::resultChosen, m_results, &ResultWindows::open);
+        connect(m_study, &StudyWindow::resultChosen, m_results, &ResultOpener::open);
     }
     m_study->show();
     m_study->raise();

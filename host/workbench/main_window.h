@@ -20,7 +20,7 @@ namespace corvane
 class DocumentTabs;
 class LogPane;
 class RecentFilesMenu;
-class ResultWindows;
+class ResultOpener;
 class RunPane;
 class StudyWindow;
 class Session;
@@ -144,7 +144,7 @@ private:
     bool m_isAsking = false;
     QHash<int, QStringList> m_subjects; ///< files that were opened, by the position of the document
     RecentFilesMenu *m_recent = nullptr;
-    ResultWindows *m_results = nullptr;
+    ResultOpener *m_results = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;
     QMenu *m_helpMenu = nullptr;

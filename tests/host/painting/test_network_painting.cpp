@@ -313,6 +313,32 @@ TEST(DarkPictures, HaveDarkPaperAndLightInk)
     }
 }
 
+TEST(PictureFoot, ALongTextIsWrittenWhole)
+{
+    // Its last word leaves ink, which is not there without it.
+    const QRectF foot(10, 10, 230, 40);
+    const auto inked = [&](const QString &text) {
+        QImage image(300, 120, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setFont(QFont(QStringLiteral("Liberation Sans")));
+        paintFoot(painter, foot, text);
+        painter.end();
+        QRect ink;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (qGray(image.pixel(x, y)) < 160)
+                    ink |= QRect(x, y, 1, 1);
+        return std::pair(ink, image);
+    };
+    const QString text =
+        QStringLiteral("network 1 of d (greater, threshold 2.5, p 0.0396 by extent, "
+                       "0.0198 by intensity): 43 edges. It is the network that is "
+                       "significant, not its ");
+    EXPECT_NE(inked(text + QStringLiteral("edges.")).second, inked(text).second);
+    EXPECT_LE(inked(text + QStringLiteral("edges.")).first.bottom(), foot.bottom() + 1);
+}
+
 TEST(ColourMap, OnDarkHasADarkMiddleAndTheSameHues)
 {
     EXPECT_EQ(divergingColour(0, 1, true), darkPaper());

@@ -6,7 +6,7 @@
 #include "host/workbench/cohort_run.h"
 #include "host/workbench/file_field.h"
 #include "host/workbench/main_window.h"
-#include "host/workbench/result_windows.h"
+#include "host/workbench/result_opener.h"
 #include "host/workbench/study_table.h"
 #include "host/workbench/study_window.h"
 #include "host/workbench/volume_view.h"
@@ -410,9 +410,9 @@ TEST(Workbench, CrossHairFollowsTheNodeOfAResult)
     MainWindow window(session);
     window.show();
     window.openFiles({folder.path("a.vmr")});
-    auto *const results = window.findChild<ResultWindows *>();
+    auto *const results = window.findChild<ResultOpener *>();
     ASSERT_NE(results, nullptr);
-    QSignalSpy failed(results, &ResultWindows::failed);
+    QSignalSpy failed(results, &ResultOpener::failed);
     results->open(files.path());
     EXPECT_EQ(failed.size(), 0);
     auto *const explorer = window.findChild<ExplorerWindow *>();
@@ -423,12 +423,12 @@ TEST(Workbench, CrossHairFollowsTheNodeOfAResult)
     explorer->close();
 }
 
-TEST(ResultWindows, TellWhatCannotBeOpened)
+TEST(ResultOpener, TellWhatCannotBeOpened)
 {
     const TemporaryFolder folder;
     QWidget parent;
-    ResultWindows results(&parent);
-    QSignalSpy failed(&results, &ResultWindows::failed);
+    ResultOpener results(&parent);
+    QSignalSpy failed(&results, &ResultOpener::failed);
     results.open(folder.path());
     ASSERT_EQ(failed.size(), 1);
     EXPECT_TRUE(failed[0][0].toString().contains(QLatin1String("none of a finished result")));

@@ -12,12 +12,12 @@ namespace corvane
 
 /// The connectome windows of the workbench: opens finished results, and tells where the node lies
 /// that is selected in one of them.
-class ResultWindows : public QObject
+class ResultOpener : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit ResultWindows(QWidget *parent);
+    explicit ResultOpener(QWidget *parent);
 
     /// Asks for the folder of a result.
     void choose();

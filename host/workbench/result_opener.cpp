@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "host/workbench/result_windows.h"
+#include "host/workbench/result_opener.h"
 
 #include "host/explorer/explorer_window.h"
 #include "host/files/input_error.h"
@@ -18,9 +18,9 @@ const QString folderKey = QStringLiteral("explorer/folder");
 
 } // namespace
 
-ResultWindows::ResultWindows(QWidget *parent) : QObject(parent), m_parent(parent) {}
+ResultOpener::ResultOpener(QWidget *parent) : QObject(parent), m_parent(parent) {}
 
-void ResultWindows::choose()
+void ResultOpener::choose()
 {
     const QString folder = QFileDialog::getExistingDirectory(
         m_parent, tr("Open a Result"), QSettings().value(folderKey).toString());
@@ -30,7 +30,7 @@ void ResultWindows::choose()
     open(folder);
 }
 
-void ResultWindows::open(const QString &folder, const QString &run)
+void ResultOpener::open(const QString &folder, const QString &run)
 {
     try {
         ResultRequest request;
