@@ -62,11 +62,11 @@ protected:
     /// What the command prints of the same subjects in the same order, without names.
     std::vector<QStringList> printed(const QStringList &options)
     {
-        const QTemporaryDir folder;
+        const QTemporaryDir tables;
         QStringList words{QStringLiteral("distance")};
         for (const QListWidgetItem *item : results()->selectedItems()) {
             const int index = item->data(Qt::UserRole).toInt();
-            const QString path = folder.filePath(QStringLiteral("%1.csv").arg(words.size()));
+            const QString path = tables.filePath(QStringLiteral("%1.csv").arg(words.size()));
             EXPECT_TRUE(nodalis::to_csv(object(index)->matrices()[0], path.toStdString()));
             words += path;
         }
