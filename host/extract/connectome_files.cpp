@@ -96,8 +96,8 @@ QByteArray textCell(const QString &text)
 /// What is known of the nodes: where they are, and to what they belong.
 QByteArray nodesTable(const Connectome &connectome)
 {
-    QByteArray table = line(
-        {"index", "name", "network", "hemisphere", "x", "y", "z", "voxels", "used_voxels"});
+    QByteArray table =
+        line({"index", "name", "network", "hemisphere", "x", "y", "z", "voxels", "used_voxels"});
     const MatrixXd places = nodePlaces(connectome);
     for (std::size_t n = 0; n < connectome.nodes.size(); ++n) {
         const Node &node = connectome.nodes[n];

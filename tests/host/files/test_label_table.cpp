@@ -60,7 +60,8 @@ TEST(LabelTable, ReadsNetworksAndSides)
     EXPECT_EQ(table.at(2).hemisphere, QString());
     // Where both are there, the network counts.
     EXPECT_EQ(readText("index\tname\tnetwork_label\n1\tA\tx\n").at(1).network, QStringLiteral("x"));
-    EXPECT_EQ(readText("index\tname\tYeo\tSystem\n1\tA\tx\ty\n").at(1).network, QStringLiteral("y"));
+    EXPECT_EQ(readText("index\tname\tYeo\tSystem\n1\tA\tx\ty\n").at(1).network,
+              QStringLiteral("y"));
     EXPECT_EQ(readText("index\tname\tHemi\n1\tA\tlh\n").at(1).hemisphere, QStringLiteral("lh"));
     EXPECT_EQ(readText("index\tname\tnetwork_label\tnetwork\n1\tA\tx\ty\n").at(1).network,
               QStringLiteral("y"));
