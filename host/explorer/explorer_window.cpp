@@ -26,6 +26,7 @@
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <cmath>
 
@@ -201,6 +202,8 @@ QWidget *ExplorerWindow::makeNodes()
     m_search->setPlaceholderText(tr("Find a node (Ctrl+F)"));
     m_search->setAccessibleName(tr("Find a node"));
     m_search->setClearButtonEnabled(true);
+    for (QToolButton *clear : m_search->findChildren<QToolButton *>())
+        clear->setAccessibleName(tr("Clear"));
     m_nodeModel = new NodeTableModel(*m_model, page);
     m_edgeModel = new EdgeTableModel(*m_model, page);
     m_nodes = new CopiedTable(*m_model, m_nodeModel);
@@ -248,7 +251,7 @@ QWidget *ExplorerWindow::makeEvidence()
     layout->setContentsMargins(0, 0, 0, 4);
     auto *const canvas = new EvidenceCanvas(*m_model);
     m_canvases += canvas;
-    auto *const slices = new QPushButton(tr("Show in the &Slices"));
+    auto *const slices = new QPushButton(tr("Show in the Sli&ces"));
     slices->setObjectName(QStringLiteral("slicesButton"));
     slices->setToolTip(tr("Moves the cross-hair of the workbench from one node to the other"));
     connect(slices, &QPushButton::clicked, this, &ExplorerWindow::showInSlices);

@@ -56,7 +56,8 @@ TEST(ComputeSettings, HaveTheNumbersOfASubjectAndNames)
     EXPECT_STREQ(nameOf(static_cast<MatrixValues>(1), matrixValuesNames), "positive");
     EXPECT_STREQ(nameOf(static_cast<MatrixValues>(2), matrixValuesNames), "negative");
     EXPECT_EQ(nameOf(static_cast<ConnectivityMeasure>(0), measureNames), nullptr);
-    EXPECT_EQ(nameOf(static_cast<MatrixValues>(3), matrixValuesNames), nullptr);
+    EXPECT_STREQ(nameOf(static_cast<MatrixValues>(3), matrixValuesNames), "signed");
+    EXPECT_EQ(nameOf(static_cast<MatrixValues>(4), matrixValuesNames), nullptr);
 }
 
 TEST(ComputeSteps, MeasureEachSliceByTheMeasureOfTheSubject)

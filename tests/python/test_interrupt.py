@@ -23,6 +23,10 @@ def interrupt():
     while not ended.is_set():
         os.kill(os.getpid(), signal.SIGINT)
         ended.wait(0.1)
+def end(number, frame):
+    signal.signal(signal.SIGINT, signal.SIG_IGN)  # once is enough
+    raise KeyboardInterrupt
+signal.signal(signal.SIGINT, end)
 done, ended = [], threading.Event()
 PREPARATION
 thread = threading.Thread(target=interrupt)
@@ -32,7 +36,6 @@ try:
 except KeyboardInterrupt:
     done.append(True)
     ended.set()
-signal.signal(signal.SIGINT, signal.SIG_IGN)
 thread.join()
 print("interrupted" if done else "not interrupted")
 """

@@ -144,6 +144,7 @@ void connectomeWindow(const LookAtWindow &look)
     while (window.model().isBusy())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     window.model().select(2, 5);
+    QCoreApplication::processEvents(); // the status bar makes room for what it tells now
     look(window);
 }
 
