@@ -3,6 +3,7 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/commands/console.h"
+#include "host/commands/result_options.h"
 #include "host/explorer/explorer_window.h"
 #include "host/workbench/application.h"
 
@@ -19,27 +20,10 @@ int run(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Opens a finished result in the connectome window."));
-    const QString result = QStringLiteral("RESULT");
-    parser.addPositionalArgument(
-        result, QStringLiteral("A folder of connectome, compute or group, a participant's func "
-                               "folder of a study, or a matrix."));
-    const auto text = [](const char *value) { return QString::fromLatin1(value); };
-    parser.addOptions({
-        {text("run"),
-         QStringLiteral("Which run of the folder: what its files begin with, up to the atlas."),
-         text("name")},
-        {text("labels"), QStringLiteral("A table of labels with networks and sides."),
-         text("file")},
-        {text("centroids"), QStringLiteral("A table of nodes with x, y and z in mm."),
-         text("file")},
-        {text("atlas"), QStringLiteral("An atlas, a mask or an anatomy, for the brain's outline."),
-         text("file")},
-    });
-    if (!parseArguments(parser, arguments, {result}))
+    addResultOptions(parser);
+    if (!parseArguments(parser, arguments, {resultArgument()}))
         return Done;
-    ExplorerWindow window({parser.positionalArguments().front(), parser.value(text("run")),
-                           parser.value(text("labels")), parser.value(text("centroids")),
-                           parser.value(text("atlas"))});
+    ExplorerWindow window(resultRequest(parser));
     window.show();
     return QCoreApplication::exec();
 }

@@ -3,6 +3,7 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
+#include "host/commands/result_options.h"
 #include "host/explorer/figure.h"
 #include "host/workbench/application.h"
 
@@ -27,10 +28,6 @@ void addOptions(QCommandLineParser &parser)
         {text("view"),
          QStringLiteral("What is drawn: %1.").arg(names(valueNames(networkViewNames))),
          text("name"), text("matrix")},
-        {text("run"),
-         QStringLiteral("Which run of the folder: what its files begin with, up to the atlas. The "
-                        "first without."),
-         text("name")},
         {text("matrix"),
          QStringLiteral("Which matrix, by its name in the connectome window. The "
                         "first without."),
@@ -57,12 +54,6 @@ void addOptions(QCommandLineParser &parser)
         {text("node"), QStringLiteral("The selected node."), text("name")},
         {text("other"), QStringLiteral("The other node of the selected edge."), text("name")},
         {text("alone"), QStringLiteral("Only edges of the selected node.")},
-        {text("labels"), QStringLiteral("A table of labels with networks and sides."),
-         text("file")},
-        {text("centroids"), QStringLiteral("A table of nodes with x, y and z in mm."),
-         text("file")},
-        {text("atlas"), QStringLiteral("An atlas, a mask or an anatomy, for the brain's outline."),
-         text("file")},
         {text("width"), QStringLiteral("The width of the figure; 120 without."), text("mm")},
         {text("point-size"), QStringLiteral("The size of its texts; 8 without."), text("points")},
         {text("dpi"), QStringLiteral("Dots per inch of PNG; 300 without."), text("number")},
@@ -112,9 +103,7 @@ std::vector<int> componentsOf(const QCommandLineParser &parser)
 FigureRequest requestOf(const QCommandLineParser &parser)
 {
     FigureRequest request;
-    request.result = {parser.positionalArguments().front(), parser.value(text("run")),
-                      parser.value(text("labels")), parser.value(text("centroids")),
-                      parser.value(text("atlas"))};
+    request.result = resultRequest(parser);
     request.kind = chosenValue(parser, text("view"), networkViewNames);
     ViewSettings &view = request.view;
     view.matrix = parser.value(text("matrix"));
@@ -141,12 +130,9 @@ int run(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Draws a finished result as the connectome window does, without a window."));
-    const QString result = QStringLiteral("RESULT");
-    parser.addPositionalArgument(
-        result, QStringLiteral("A folder of connectome, compute or group, a participant's "
-                               "func folder of a study, or a matrix."));
+    addResultOptions(parser);
     addOptions(parser);
-    if (!parseArguments(parser, arguments, {result}))
+    if (!parseArguments(parser, arguments, {resultArgument()}))
         return Done;
     const QString out = requiredValue(parser, QStringLiteral("out"));
     const QString drawn = writeFigure(requestOf(parser), out);

@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <algorithm>
@@ -46,6 +47,16 @@ void NetworkCanvas::tellSelection()
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
     update();
+}
+
+void NetworkCanvas::selectAt(int position)
+{
+    if (position < 0)
+        return m_model.select(-1);
+    const int node = m_model.shown().order.nodes[std::size_t(position)];
+    const bool isOther =
+        QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && m_model.node() >= 0;
+    m_model.select(isOther ? m_model.node() : node, isOther ? node : -1);
 }
 
 void NetworkCanvas::zoomAbout(const QPointF &place, double factor)

@@ -47,6 +47,9 @@ protected:
 
     virtual void click(const QPointF &place) { Q_UNUSED(place); }
     virtual QString textAt(const QPointF &) { return {}; }
+    /// Selects the node at a position of the picture, nothing for -1; with Shift it becomes the
+    /// other node of the edge.
+    void selectAt(int position);
     /// An arrow key: steps to the right and down.
     virtual void step(int right, int down);
 

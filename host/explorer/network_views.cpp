@@ -4,7 +4,6 @@
 #include "host/painting/labels.h"
 #include "host/painting/picture_colours.h"
 
-#include <QGuiApplication>
 #include <algorithm>
 #include <cmath>
 
@@ -252,13 +251,7 @@ void RingCanvas::paintMarks(QPainter &painter)
 
 void RingCanvas::click(const QPointF &place)
 {
-    const int at = m_ring.nodeAt(fromWidget(place));
-    if (at < 0)
-        return model().select(-1);
-    const int node = model().shown().order.nodes[std::size_t(at)];
-    const bool isOther =
-        QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && model().node() >= 0;
-    model().select(isOther ? model().node() : node, isOther ? node : -1);
+    selectAt(m_ring.nodeAt(fromWidget(place)));
 }
 
 QString RingCanvas::textAt(const QPointF &place)
@@ -325,13 +318,7 @@ void BrainCanvas::paintMarks(QPainter &painter)
 
 void BrainCanvas::click(const QPointF &place)
 {
-    const int at = m_layout.nodeAt(fromWidget(place), m_picture, 12);
-    if (at < 0)
-        return model().select(-1);
-    const int node = model().shown().order.nodes[std::size_t(at)];
-    const bool isOther =
-        QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && model().node() >= 0;
-    model().select(isOther ? model().node() : node, isOther ? node : -1);
+    selectAt(m_layout.nodeAt(fromWidget(place), m_picture, 12));
 }
 
 QString BrainCanvas::textAt(const QPointF &place)
