@@ -10,6 +10,8 @@
 #include "host/derivatives/run_images.h"
 #include "host/files/end_signals.h"
 #include "host/files/input_error.h"
+#include "host/files/progress.h"
+#include "host/files/terminal.h"
 #include "host/study/collect.h"
 #include "host/study/row_state.h"
 #include "host/study/study_folder.h"
@@ -33,6 +35,8 @@ const auto thenGroup = QStringLiteral("--then-group");
 
 void print(const QString &line)
 {
+    if (standardErrorIsTerminal())
+        std::fputs(terminalLineStart, stderr); // instead of a step that is shown there
     std::printf("%s\n", line.toUtf8().constData());
     std::fflush(stdout); // other processes of the study write lines there, too
 }
@@ -50,7 +54,26 @@ void runGroupBehind(const Call &call);
 
 std::vector<ParticipantRows> plannedRows(const Call &call, const StudySettings &settings)
 {
+    const TerminalProgress progress(QStringLiteral("looking for runs"));
     return byParticipant(rowsOf(indexRuns(settings.dataset, runFilter(call.parser)), settings));
+}
+
+void prepare(const std::vector<ParticipantRows> &participants, const StudySettings &settings)
+{
+    const TerminalProgress progress(QStringLiteral("preparing"));
+    prepareStudy(participants, settings, print);
+}
+
+void collect(const QString &out)
+{
+    const TerminalProgress progress(QStringLiteral("collecting"));
+    collectStudy(out, print);
+}
+
+StudyStatus statusOf(const QString &out, const QStringList &folders)
+{
+    const TerminalProgress progress(QStringLiteral("reading"));
+    return studyStatus(out, folders);
 }
 
 bool hasRuns(const std::vector<ParticipantRows> &participants)
@@ -74,7 +97,7 @@ QStringList foldersOf(const std::vector<ParticipantRows> &participants)
 int endOf(const std::vector<ParticipantRows> &participants, const StudySettings &settings,
           bool tells)
 {
-    const StudyCounts counts = studyStatus(settings.out, foldersOf(participants)).counts;
+    const StudyCounts counts = statusOf(settings.out, foldersOf(participants)).counts;
     if (tells)
         print(settings.out + QStringLiteral(": ") + text(counts));
     if (!hasRuns(participants)) {
@@ -120,7 +143,7 @@ bool ranOnSlurm(const std::vector<ParticipantRows> &participants, const StudySet
         afterwards.push_back(call.thenGroup);
     const std::optional<SlurmJobs> jobs = submitStudy(participants, settings, command, afterwards);
     if (!jobs) {
-        collectStudy(settings.out, print);
+        collect(settings.out);
         runGroupBehind(call);
         return true;
     }
@@ -137,7 +160,7 @@ int participantStep(const Call &call)
     const StudySettings settings = studySettings(call.parser, call.dataset, call.out);
     const StudyCommand command = commandOf(call);
     const std::vector<ParticipantRows> participants = plannedRows(call, settings);
-    prepareStudy(participants, settings, print);
+    prepare(participants, settings);
     if (call.parser.isSet(QStringLiteral("slurm")))
         return ranOnSlurm(participants, settings, command, call)
                    ? endOf(participants, settings, true)
@@ -145,7 +168,7 @@ int participantStep(const Call &call)
     runOnThisMachine(participants, settings, command, print);
     const bool collects = !call.parser.isSet(QStringLiteral("no-collect"));
     if (collects)
-        collectStudy(settings.out, print);
+        collect(settings.out);
     const int end = endOf(participants, settings, collects);
     if (!endSignalHasCome())
         runGroupBehind(call);
@@ -191,8 +214,8 @@ int statusStep(const Call &call)
     const QString out = QDir::cleanPath(call.out);
     requireStudy(out);
     if (call.parser.isSet(QStringLiteral("collect")))
-        collectStudy(out, print);
-    const StudyStatus status = studyStatus(out, participantFolders(out));
+        collect(out);
+    const StudyStatus status = statusOf(out, participantFolders(out));
     for (const QString &line : status.lines)
         std::printf("%s\n", line.toUtf8().constData());
     print(out + QStringLiteral(": ") + text(status.counts));
@@ -207,6 +230,7 @@ int verifyStep(const Call &call)
     const int sample = call.parser.isSet(QStringLiteral("all"))
                            ? 0
                            : int(std::min<qint64>(*wholeValue(call.parser, "sample", 1), 1 << 30));
+    const TerminalProgress progress(QStringLiteral("verifying"));
     const VerifyCounts counts =
         ofInputs ? verifyInputs(out, print) : verifyRows(out, sample, requestOf, print);
     const QString done = ofInputs ? QStringLiteral("%1: inputs of %2 read, %3 differ")

@@ -99,6 +99,9 @@ NetworkResult readResult(const ResultRequest &request)
 {
     NetworkResult result = readFiles(request);
     result.folder = request.path;
+    if (result.matrices.empty())
+        throw InputError(request.path, QStringLiteral("its files"), QStringLiteral("no matrix"),
+                         QStringLiteral("one or more"));
     if (!request.labels.isEmpty() && !result.hasNames &&
         takeListOfNames(result.nodes, request.labels))
         result.hasNames = true;

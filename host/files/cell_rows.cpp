@@ -3,6 +3,7 @@
 
 #include "dataset/counted.h"
 #include "host/files/input_error.h"
+#include "host/files/limits.h"
 #include "host/files/text_check.h"
 
 #include <algorithm>
@@ -95,6 +96,8 @@ public:
             const Line line = lineAt(m_next, m_end);
             if (line.isContent()) {
                 rows.push_back(nextRow());
+                m_cells += qint64(rows.back().cells.size());
+                requireRoom(rows);
                 continue;
             }
             m_comments += line.isComment() ? 1 : 0;
@@ -108,6 +111,22 @@ public:
     int comments() const { return m_comments; }
 
 private:
+    void requireRoom(const std::vector<CellRow> &rows) const
+    {
+        if (qint64(rows.size()) > mostRows)
+            tooMany(rows.back(), rows.size(), mostRows, QStringLiteral("rows"));
+        if (m_cells > mostCells)
+            tooMany(rows.back(), std::size_t(m_cells), mostCells, QStringLiteral("cells"));
+    }
+
+    [[noreturn]] void tooMany(const CellRow &row, std::size_t found, qint64 most,
+                              const QString &unit) const
+    {
+        throw InputError(m_path, QStringLiteral("row %1").arg(row.line),
+                         QStringLiteral("%1 %2 or more").arg(QString::number(found), unit),
+                         QStringLiteral("at most %1").arg(most));
+    }
+
     /// Blanks around cells that another sign parts, or those that part them.
     bool isBlank(char c) const
     {
@@ -132,6 +151,8 @@ private:
         bool more = true;
         while (more) {
             row.cells.push_back(nextCell(row));
+            if (qint64(row.cells.size()) > mostColumns)
+                tooMany(row, row.cells.size(), mostColumns, QStringLiteral("columns"));
             more = passSeparator();
         }
         if (m_next != m_end)
@@ -201,6 +222,7 @@ private:
     char m_separator; ///< a blank stands for any number of blanks and tabs
     int m_line = 1;
     int m_comments = 0;
+    qint64 m_cells = 0; ///< in the rows so far
 };
 
 } // namespace

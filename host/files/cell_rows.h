@@ -31,8 +31,8 @@ struct CellTable {
 /// The rows of a table. Between cells stand tabs, commas or semicolons, whichever of these, in this
 /// order, the first line holds, or else blanks. Cells may stand in double quotation marks
 /// (RFC 4180); blanks around them, empty lines and comments (lines that begin with "#") count as
-/// nothing. `bytes` must outlive the cells. Throws InputError for quotation marks that do not fit;
-/// `path` is for messages only.
+/// nothing. `bytes` must outlive the cells. Throws InputError for quotation marks that do not fit,
+/// and for more columns, rows or cells than limits.h allows; `path` is for messages only.
 CellTable splitCells(const QByteArray &bytes, const QString &path);
 
 /// "row 3, column 2", counted in the file from 1.

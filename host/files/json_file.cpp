@@ -2,8 +2,9 @@
 #include "host/files/json_file.h"
 
 #include "host/files/input_error.h"
+#include "host/files/input_file.h"
+#include "host/files/limits.h"
 
-#include <QFile>
 #include <QJsonDocument>
 
 namespace corvane
@@ -11,12 +12,9 @@ namespace corvane
 
 QJsonObject readJson(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw InputError(path, QStringLiteral("reading"), file.errorString(),
-                         QStringLiteral("a readable file"));
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document =
+        QJsonDocument::fromJson(InputFile(path).all(largestTable), &error);
     if (!document.isObject())
         throw InputError(path, QStringLiteral("byte %1").arg(error.offset), error.errorString(),
                          QStringLiteral("a JSON object"));

@@ -18,6 +18,12 @@ constexpr int largestCount = std::numeric_limits<int>::max();
 constexpr qint64 largestText = qint64(1) << 30;
 constexpr qint64 largestTable = qint64(1) << 28;
 
+/// Most cells of a row, rows, and cells of a table of numbers: far more than nodes and volumes can
+/// be, and what is read of a file of separators alone still fits into the memory of a machine.
+constexpr qint64 mostColumns = 100'000;
+constexpr qint64 mostRows = 10'000'000;
+constexpr qint64 mostCells = qint64(1) << 28;
+
 /// Throws InputError "PATH: PLACE: found FOUND UNIT, expected at most MOST" above that number.
 void requireAtMost(qint64 found, qint64 most, const QString &unit, const QString &path,
                    const QString &place);

@@ -166,6 +166,27 @@ TEST_F(Progress, NamesTheStepsOfAConnectomeAndItsFigure)
         ElementsAre("drawing"));
 }
 
+TEST_F(Progress, NamesTheStepsOfACohort)
+{
+    const SmallStudy study(path(QStringLiteral("study")));
+    study.addRun(QStringLiteral("sub-01/func"), QStringLiteral("sub-01_task-rest"),
+                 QStringLiteral("space-T1w"));
+    const auto cohort = [&](const char *step) {
+        QStringList words{QStringLiteral(CORVANE_PROGRAM), QStringLiteral("cohort")};
+        if (QLatin1String(step) != QLatin1String("status"))
+            words += study.path();
+        words += {out(QStringLiteral("made")), QLatin1String(step)};
+        if (QLatin1String(step) == QLatin1String("participant"))
+            words += {QStringLiteral("--clean"),       QStringLiteral("none"),
+                      QStringLiteral("--min-seconds"), QStringLiteral("10"),
+                      QStringLiteral("--atlas"),       study.addAtlas()};
+        return stepsOf(words);
+    };
+    EXPECT_THAT(cohort("participant"),
+                ElementsAre("looking for runs", "preparing", "collecting", "reading"));
+    EXPECT_THAT(cohort("status"), ElementsAre("reading"));
+}
+
 TEST_F(Progress, CtrlCEndsAMeasureOfManyNodes)
 {
     const QStringList table{QStringLiteral("--timeseries"), series(1200, 60)};

@@ -67,7 +67,8 @@ inline QByteArrayList progressSteps(const QByteArray &shown)
         const QByteArray line = shown.mid(begin, at < 0 ? -1 : at - begin);
         const bool isShare = line.endsWith(" %");
         const QByteArray step = isShare ? line.left(line.lastIndexOf(' ', -3)) : line;
-        if (at >= 0 && !step.isEmpty() && (steps.isEmpty() || steps.last() != step))
+        const bool isOutput = line.contains('\n'); // in the place of a step
+        if (at >= 0 && !step.isEmpty() && !isOutput && (steps.isEmpty() || steps.last() != step))
             steps += step;
     }
     return steps;
