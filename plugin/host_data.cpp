@@ -10,7 +10,6 @@
 #include <QDebug>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <new>
@@ -40,10 +39,10 @@ constexpr int mostVoxels = 1 << 24; ///< of one VOI: all of an anatomy
 constexpr int mostConditions = 1 << 16;
 constexpr int mostIntervals = 1 << 20;
 
-/// Whether a host can tell of so many; says so in its log when it cannot.
+/// Whether a host can tell of so many; says so in its log when it cannot. Below zero is none.
 bool isBelieved(int count, int most, const char *what)
 {
-    if (count >= 0 && count <= most)
+    if (count <= most)
         return true;
     logToHost("Plugin> The host tells of %d %s, which cannot be.", count, what);
     return false;
@@ -185,7 +184,7 @@ bool loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples 
         return true;
     if (!isBelieved(record.voxelCount, mostVoxels, "voxels in one VOI"))
         return false;
-    const bool empty = record.voxelCount == 0;
+    const bool empty = record.voxelCount < 1;
     if (empty)
         subject.emptyVois.append(index);
     const std::size_t voxelCount = empty ? 1 : static_cast<std::size_t>(record.voxelCount);
@@ -313,7 +312,7 @@ QHash<int, QString> vmrDocuments()
     constexpr int vmrType = 3;
     QHash<int, QString> documents;
     const int count = hostFunctions().zqGetNumberOfDocsInWorkspace();
-    if (!isBelieved(std::max(count, 0), mostDocuments, "documents"))
+    if (!isBelieved(count, mostDocuments, "documents"))
         return documents;
     for (int position = 0; position < count; ++position) {
         const int type = hostFunctions().zqGetDocumentType(position);
