@@ -26,13 +26,35 @@ MeasureFunction functionOf(ConnectivityMeasure measure)
     return {};
 }
 
+/// The same function, which tells how far it is among that many calls.
+MeasureFunction watched(ConnectivityMeasure measure, std::size_t calls,
+                        const MeasureProgress &progress)
+{
+    if (!functionOf(measure))
+        return {};
+    const auto function = measure == ConnectivityMeasure::Correlation
+                              ? watchedCorrelationMatrix
+                              : watchedPartialCorrelationMatrix;
+    return [=, done = 0.0](const Eigen::MatrixXf &series) mutable {
+        Eigen::MatrixXf matrix =
+            function(series, [&](double share) { progress((done + share) / double(calls)); });
+        done += 1.0;
+        return matrix;
+    };
+}
+
 } // namespace
 
 std::vector<Eigen::MatrixXf> measureSlices(const Subject &subject,
-                                           const Eigen::MatrixXf &timeseries)
+                                           const Eigen::MatrixXf &timeseries,
+                                           const MeasureProgress &progress)
 {
     const auto measure = static_cast<ConnectivityMeasure>(subject.measure());
-    return connectivityWorker(&subject, functionOf(measure), timeseries);
+    if (!progress)
+        return connectivityWorker(&subject, functionOf(measure), timeseries);
+    const std::size_t slices =
+        subject.useProtocol() ? sliceIntervals(subject.protocol()).size() : 1;
+    return connectivityWorker(&subject, watched(measure, slices, progress), timeseries);
 }
 
 ComputedMatrices finishSlices(const Subject &subject, std::vector<Eigen::MatrixXf> measured,

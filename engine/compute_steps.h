@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/measures.h"
 #include "engine/spanning_trees.h"
 
 #include <Eigen/Core>
@@ -34,9 +35,11 @@ struct ComputedMatrices {
 };
 
 /// Step 1 on `timeseries`, nodes x volumes. Throws std::bad_function_call when the subject's
-/// measure is none of ConnectivityMeasure and there is a slice to measure.
+/// measure is none of ConnectivityMeasure and there is a slice to measure, and what the progress of
+/// all slices throws.
 std::vector<Eigen::MatrixXf> measureSlices(const Subject &subject,
-                                           const Eigen::MatrixXf &timeseries);
+                                           const Eigen::MatrixXf &timeseries,
+                                           const MeasureProgress &progress = {});
 
 /// Steps 2 to 4 on what step 1 gave. Matrix values that are none of MatrixValues leave all signs.
 ComputedMatrices finishSlices(const Subject &subject, std::vector<Eigen::MatrixXf> measured,

@@ -37,9 +37,26 @@ float correlation(const Eigen::ArrayXf &x, const Eigen::ArrayXf &y)
     return product / (count * sdx * sdy);
 }
 
+void tell(const MeasureProgress &progress, double share)
+{
+    if (progress)
+        progress(share);
+}
+
 } // namespace
 
 Eigen::MatrixXf correlationMatrix(const Eigen::MatrixXf &series)
+{
+    return watchedCorrelationMatrix(series, {});
+}
+
+Eigen::MatrixXf partialCorrelationMatrix(const Eigen::MatrixXf &series)
+{
+    return watchedPartialCorrelationMatrix(series, {});
+}
+
+Eigen::MatrixXf watchedCorrelationMatrix(const Eigen::MatrixXf &series,
+                                         const MeasureProgress &progress)
 {
     // Transposed, each node's time course is contiguous.
     const Eigen::MatrixXf courses = series.transpose();
@@ -51,18 +68,24 @@ Eigen::MatrixXf correlationMatrix(const Eigen::MatrixXf &series)
             const Eigen::ArrayXf y = courses.col(b);
             result(a, b) = correlation(x, y);
         }
+        tell(progress, double(a + 1) / double(nodes));
     }
     return result;
 }
 
-Eigen::MatrixXf partialCorrelationMatrix(const Eigen::MatrixXf &series)
+Eigen::MatrixXf watchedPartialCorrelationMatrix(const Eigen::MatrixXf &series,
+                                                const MeasureProgress &progress)
 {
-    const Eigen::MatrixXf c = correlationMatrix(series);
+    // The inverse tells nothing in between.
+    constexpr double shareOfCorrelation = 0.8;
+    const Eigen::MatrixXf c = watchedCorrelationMatrix(
+        series, [&](double share) { tell(progress, share * shareOfCorrelation); });
     const Eigen::MatrixXf p = c.inverse();
     Eigen::MatrixXf result(c.rows(), c.cols());
     for (Eigen::Index i = 0; i < result.rows(); ++i) {
         for (Eigen::Index j = 0; j < result.cols(); ++j)
             result(i, j) = -(p(i, j) / sqrtf(p(i, i) * c(j, j)));
     }
+    tell(progress, 1.0);
     return result;
 }

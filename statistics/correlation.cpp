@@ -39,13 +39,18 @@ Eigen::VectorXd standardised(const Eigen::ArrayXd &values)
 }
 
 double p_of_shuffles(const Eigen::VectorXd &x, const Eigen::VectorXd &y,
-                     const Rearrangements &shuffles)
+                     const Rearrangements &shuffles,
+                     const std::function<void(Index done)> &progress)
 {
+    constexpr Index between = 256;
     const double bound = reaching(std::abs(x.dot(y)));
     std::vector<int> source(static_cast<std::size_t>(y.size()));
     std::vector<double> sign(source.size());
     Index reached = 0;
     for (Index p = 0; p < shuffles.count(); ++p) {
+        if (p % between == 0) {
+            progress(p);
+        }
         shuffles.get(p, source.data(), sign.data());
         double product = 0.0;
         for (Index i = 0; i < x.size(); ++i) {
@@ -96,7 +101,8 @@ double spearman(const Eigen::ArrayXd &x, const Eigen::ArrayXd &y)
 }
 
 MapComparison compare_maps(const Eigen::ArrayXd &x, const Eigen::ArrayXd &y, Index permutations,
-                           std::uint64_t seed)
+                           std::uint64_t seed,
+                           const std::function<void(Index done, Index count)> &progress)
 {
     require_equal_length(x, y);
     std::vector<Index> both;
@@ -119,9 +125,17 @@ MapComparison compare_maps(const Eigen::ArrayXd &x, const Eigen::ArrayXd &y, Ind
         throw Error("a map has the same value at all nodes, so there is no correlation");
     }
     const Rearrangements shuffles(static_cast<int>(a.size()), permutations, seed, Purpose::map);
-    result.p_pearson = p_of_shuffles(standardised(a), standardised(b), shuffles);
+    const Index count = shuffles.count();
+    const auto tell = [&](Index done) {
+        if (progress) {
+            progress(done, 2 * count);
+        }
+    };
+    result.p_pearson = p_of_shuffles(standardised(a), standardised(b), shuffles, tell);
     result.p_spearman =
-        p_of_shuffles(standardised(average_ranks(a)), standardised(average_ranks(b)), shuffles);
+        p_of_shuffles(standardised(average_ranks(a)), standardised(average_ranks(b)), shuffles,
+                      [&](Index done) { tell(count + done); });
+    tell(2 * count);
     return result;
 }
 

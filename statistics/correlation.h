@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include <Eigen/Core>
 
@@ -33,10 +34,12 @@ struct MapComparison {
 };
 
 /// Compares two maps over the nodes that have a number in both. p = (b + 1) / (m + 1), or b / M if
-/// all orders are no more than m.
-/// \throws Error if the lists differ in length, fewer than 3 nodes are left, or a map does not
+/// all orders are no more than m. `progress`, if there is one, is told now and then how many of
+/// both correlations' orders are done; what it throws ends the comparison. \throws Error if the
+/// lists differ in length, fewer than 3 nodes are left, or a map does not
 ///         vary.
 MapComparison compare_maps(const Eigen::ArrayXd &x, const Eigen::ArrayXd &y, Index permutations,
-                           std::uint64_t seed);
+                           std::uint64_t seed,
+                           const std::function<void(Index done, Index count)> &progress = {});
 
 } // namespace statistics

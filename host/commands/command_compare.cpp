@@ -4,6 +4,7 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/commands/option_values.h"
+#include "host/files/progress.h"
 #include "host/group/map_files.h"
 
 #include <QCommandLineParser>
@@ -53,6 +54,14 @@ void write(const QString &path, const MapRequest &request, const statistics::Map
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
 }
 
+statistics::MapComparison comparedWithProgress(const MapRequest &request)
+{
+    TerminalProgress progress(QStringLiteral("testing"));
+    return statistics::compare_maps(
+        request.matched.first, request.matched.second, request.permutations, request.seed,
+        [&](statistics::Index done, statistics::Index count) { progress.show(done, count); });
+}
+
 int run(const QStringList &arguments)
 {
     QCommandLineParser parser;
@@ -81,8 +90,7 @@ int run(const QStringList &arguments)
     request.first = readBrainMap(parser.positionalArguments()[0], column);
     request.second = readBrainMap(parser.positionalArguments()[1], columnB);
     request.matched = matchMaps(request.first, request.second);
-    const statistics::MapComparison found = statistics::compare_maps(
-        request.matched.first, request.matched.second, request.permutations, request.seed);
+    const statistics::MapComparison found = comparedWithProgress(request);
     for (const QString &note : request.matched.notes)
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());
     if (parser.isSet(QStringLiteral("out")))

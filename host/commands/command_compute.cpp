@@ -4,6 +4,7 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
+#include "host/commands/measure_time.h"
 #include "host/commands/option_values.h"
 #include "host/compute/compute.h"
 #include "host/compute/compute_files.h"
@@ -171,15 +172,20 @@ int run(const QStringList &arguments)
     const ComputeRequest request = requestOf(parser);
     const QString folder = requiredValue(parser, QStringLiteral("out"));
     Session session(anatomyOpener());
-    ComputeResult result = compute(session, request);
+    TerminalSteps steps;
+    ComputeResult result = compute(session, request, steps.watch());
+    steps.end();
+    for (const ComputedSlice &slice : result.slices)
+        tellTimeOfLocalEfficiency(slice.connectivity, 0);
     OutputFolder files(folder, arguments.front());
     QStringList pictures;
     if (request.plots) {
         result.warnings += picturesLeftOut(request, result);
-        TerminalProgress progress(QStringLiteral("drawing"));
-        pictures = writeComputePictures(files, request, result, progress.watch());
+        pictures =
+            writeComputePictures(files, request, result, steps.begin(QStringLiteral("drawing")));
     }
-    writeComputeTables(files, request, result, pictures);
+    writeComputeTables(files, request, result, pictures, steps.watch());
+    steps.end();
     const QStringList kept = files.commit();
     for (const QString &warning : result.warnings + kept)
         std::fprintf(stderr, "%s\n", warning.toUtf8().constData());

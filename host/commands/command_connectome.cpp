@@ -98,16 +98,21 @@ void makeFiles(const QCommandLineParser &parser)
     const QString path = requiredValue(parser, QStringLiteral("out"));
     Connectome connectome;
     OutputFolder folder(path, QStringLiteral("connectome ") + names.stem());
-    {
-        TerminalProgress progress(QStringLiteral("reading the run"));
-        connectome = makeConnectome(request, progress.watch());
-    }
+    TerminalSteps steps;
+    steps.begin(QStringLiteral("preparing"));
+    connectome = makeConnectome(request, steps.watch());
+    steps.begin(QStringLiteral("writing"));
     writeConnectomeTables(folder, request, names, connectome);
-    if (parser.isSet(QStringLiteral("plots")))
+    if (parser.isSet(QStringLiteral("plots"))) {
+        steps.begin(QStringLiteral("drawing"));
         writeConnectomePictures(folder, names, connectome);
-    if (parser.isSet(QStringLiteral("page")))
+    }
+    if (parser.isSet(QStringLiteral("page"))) {
+        steps.begin(QStringLiteral("writing the page"));
         writeFile(folder.path(runPageName(names)), runPage(request, names, connectome));
+    }
     connectome.notes += folder.commit();
+    steps.end();
     report(path, connectome);
 }
 

@@ -17,6 +17,16 @@ namespace corvane
 namespace
 {
 
+std::vector<ComparedSubject> readAll(const QStringList &paths, const ProgressWatch &watch)
+{
+    std::vector<ComparedSubject> subjects;
+    for (const QString &path : paths) {
+        subjects.push_back(readComparedSubject(path));
+        tellProgress(watch, qint64(subjects.size()), paths.size());
+    }
+    return subjects;
+}
+
 /// The names of files and folders, or their paths as they were given where names are not enough.
 QStringList namesOf(const std::vector<ComparedSubject> &subjects, const QStringList &paths)
 {
@@ -82,12 +92,15 @@ int run(const QStringList &arguments)
         requiredValue(parser, QStringLiteral("out"));
 
     const QStringList paths = parser.positionalArguments();
-    std::vector<ComparedSubject> subjects;
-    for (const QString &path : paths)
-        subjects.push_back(readComparedSubject(path));
-    if (parser.isSet(QStringLiteral("mst")))
+    TerminalSteps steps;
+    std::vector<ComparedSubject> subjects = readAll(paths, steps.begin(QStringLiteral("reading")));
+    if (parser.isSet(QStringLiteral("mst"))) {
+        steps.begin(QStringLiteral("spanning trees"));
         keepSpanningTrees(subjects);
-    const Eigen::MatrixXf distances = groupDistances(subjects);
+    }
+    const Eigen::MatrixXf distances =
+        groupDistances(subjects, steps.begin(QStringLiteral("distances")));
+    steps.end();
     const QStringList names = namesOf(subjects, paths);
     if (parser.isSet(QStringLiteral("out")))
         writeMatrixTable(parser.value(QStringLiteral("out")), distances, names, names);

@@ -5,6 +5,7 @@
 #include "host/commands/option_values.h"
 #include "host/commands/result_options.h"
 #include "host/explorer/figure.h"
+#include "host/files/progress.h"
 #include "host/workbench/application.h"
 
 #include <QCommandLineParser>
@@ -135,7 +136,11 @@ int run(const QStringList &arguments)
     if (!parseArguments(parser, arguments, {resultArgument()}))
         return Done;
     const QString out = requiredValue(parser, QStringLiteral("out"));
-    const QString drawn = writeFigure(requestOf(parser), out);
+    const FigureRequest request = requestOf(parser);
+    TerminalSteps steps;
+    steps.begin(QStringLiteral("drawing"));
+    const QString drawn = writeFigure(request, out);
+    steps.end();
     std::printf("%s: %s\n", out.toUtf8().constData(), drawn.toUtf8().constData());
     return Done;
 }

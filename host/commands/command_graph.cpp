@@ -3,6 +3,7 @@
 #include "host/commands/command_line.h"
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
+#include "host/commands/measure_time.h"
 #include "host/compute/graph_files.h"
 #include "host/files/graph_table.h"
 #include "host/files/input_error.h"
@@ -10,19 +11,13 @@
 
 #include <QCommandLineParser>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <optional>
 
 namespace corvane
 {
 
 namespace
 {
-
-/// Above that local efficiency may take long, which is told before.
-constexpr int manyNodes = 2000;
 
 std::vector<GraphMeasure> measuresOf(const QString &text)
 {
@@ -43,30 +38,23 @@ std::vector<GraphMeasure> measuresOf(const QString &text)
     return measures;
 }
 
-/// "about 40 s", "about 12 min"
-QString aboutSeconds(double seconds)
-{
-    return seconds < 90 ? QStringLiteral("about %1 s").arg(std::max(1.0, std::round(seconds)))
-                        : QStringLiteral("about %1 min").arg(std::round(seconds / 60));
-}
-
 QStringList writeWithProgress(const QString &folder, const GraphTable &graph,
                               const GraphRequest &request)
 {
-    std::optional<TerminalProgress> progress;
+    TerminalSteps steps;
     const auto watch = [&](const GraphMeasure &measure) {
-        const bool takesLong = QLatin1String(measure.column) == QLatin1String("local_efficiency") &&
-                               graph.weights.rows() > manyNodes;
-        if (takesLong)
-            std::fprintf(stderr, "local efficiency of %s takes %s\n",
-                         counted(graph.weights.rows(), "node").toUtf8().constData(),
-                         aboutSeconds(secondsOfLocalEfficiency(graph.weights, request.threads))
-                             .toUtf8()
-                             .constData());
-        progress.emplace(QString::fromUtf8(measure.name));
-        return progress->watch();
+        steps.end();
+        if (QLatin1String(measure.column) == QLatin1String("local_efficiency"))
+            tellTimeOfLocalEfficiency(graph.weights, request.threads);
+        return steps.begin(QString::fromUtf8(measure.name));
     };
-    return writeGraphFiles(folder, graph, request, watch);
+    return writeGraphFiles(folder, graph, request, watch, steps.watch());
+}
+
+GraphTable readWithProgress(const QString &path)
+{
+    const TerminalProgress progress(QStringLiteral("reading"));
+    return readGraphTable(path);
 }
 
 int run(const QStringList &arguments)
@@ -94,7 +82,7 @@ int run(const QStringList &arguments)
     GraphRequest request;
     request.measures = measuresOf(parser.value(QStringLiteral("measures")));
     request.withTree = parser.isSet(QStringLiteral("mst"));
-    const GraphTable graph = readGraphTable(parser.positionalArguments().front());
+    const GraphTable graph = readWithProgress(parser.positionalArguments().front());
     const QStringList kept = writeWithProgress(folder, graph, request);
     for (const QString &note : graph.notes + graphNotes(graph.weights) + kept)
         std::fprintf(stderr, "%s\n", note.toUtf8().constData());

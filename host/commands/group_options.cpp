@@ -163,20 +163,25 @@ QList<QCommandLineOption> groupOptions()
 void runGroup(const GroupRequest &request, const QCommandLineParser &parser, const QString &folder,
               const QString &writer)
 {
-    const GroupData data = readGroupData(request);
+    TerminalSteps steps;
+    const GroupData data = readGroupData(request, steps.watch());
+    steps.end();
     for (const QString &line : data.left)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
-    TerminalProgress progress(QStringLiteral("testing"));
-    const GroupResults results = testGroup(data, request, progress.watch());
+    const GroupResults results = testGroup(data, request, steps.watch());
+    steps.end();
     for (const QString &line : results.notes)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     OutputFolder files(folder, writer);
+    steps.begin(QStringLiteral("writing"));
     writeGroupFiles(files, request, data, results);
     if (parser.isSet(QStringLiteral("plots")))
         writeGroupPictures(files, data, results);
     if (parser.isSet(QStringLiteral("page")))
         writeFile(files.path(QStringLiteral("group.html")), groupPage(request, data, results));
-    for (const QString &line : files.commit())
+    const QStringList kept = files.commit();
+    steps.end();
+    for (const QString &line : kept)
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     std::printf("%s: %s, %s, %s\n", folder.toUtf8().constData(),
                 counted(qint64(data.participants.size()), "row").toUtf8().constData(),

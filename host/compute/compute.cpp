@@ -213,10 +213,25 @@ void requireDefined(const ComputeRequest &request, const std::vector<ComputedNod
                      instead + QStringLiteral("; or --allow-singular for a matrix of zeros"));
 }
 
-/// From the node matrix to the finished slices.
-std::vector<ComputedSlice> computeSlices(const Subject &subject, const Eigen::MatrixXf &timeseries)
+/// The matrices, with thousandths of them as progress.
+std::vector<Eigen::MatrixXf> measured(const Subject &subject, const Eigen::MatrixXf &timeseries,
+                                      const ProgressWatch &watch)
 {
-    ComputedMatrices computed = finishSlices(subject, measureSlices(subject, timeseries));
+    return measureSlices(subject, timeseries, [&watch](double share) {
+        tellProgress(watch, qint64(share * 1000), 1000);
+    });
+}
+
+/// From the node matrix to the finished slices.
+std::vector<ComputedSlice> computeSlices(const Subject &subject, const ComputeRequest &request,
+                                         const Eigen::MatrixXf &timeseries, const StepWatch &steps)
+{
+    const QString measure = QLatin1String(nameOf(request.measure, measureNames));
+    std::vector<Eigen::MatrixXf> matrices =
+        measured(subject, timeseries, beginStep(steps, measure));
+    if (request.computeMst)
+        beginStep(steps, QStringLiteral("spanning trees"));
+    ComputedMatrices computed = finishSlices(subject, std::move(matrices));
     const QStringList names = subject.protocol().volumeNames.values();
     const QList<int> events = subject.protocol().volumeEvents.values();
     std::vector<ComputedSlice> slices;
@@ -321,12 +336,13 @@ std::vector<int> nodesNamed(const QStringList &names, const ComputeRequest &requ
 
 } // namespace
 
-ComputeResult compute(Session &session, const ComputeRequest &request)
+ComputeResult compute(Session &session, const ComputeRequest &request, const StepWatch &steps)
 {
     if (!bindHostFunctions())
         throw std::runtime_error("this program must be named Corvane: it offers its functions "
                                  "under that name only");
     const LogKeeper log(session);
+    beginStep(steps, QStringLiteral("reading"));
     ComputeResult result =
         request.timeseries.isEmpty() ? loadRun(session, request, log) : loadCourses(request, log);
     result.seedRows = nodesNamed(request.seedNames, request, result.nodes);
@@ -341,7 +357,7 @@ ComputeResult compute(Session &session, const ComputeRequest &request)
     if (request.measure == ConnectivityMeasure::PartialCorrelation && !request.allowSingular)
         requireDefined(request, result.nodes, nodeFaults(subject, result.timeseries),
                        withoutMeaning);
-    result.slices = computeSlices(subject, result.timeseries);
+    result.slices = computeSlices(subject, request, result.timeseries, steps);
     result.warnings += withoutMeaning;
     if (request.matrixValues == MatrixValues::Signed)
         result.warnings += QStringLiteral(

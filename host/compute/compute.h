@@ -4,6 +4,7 @@
 #include "dataset/subject.h"
 #include "engine/compute_settings.h"
 #include "host/files/cleaning_ledger.h"
+#include "host/files/progress.h"
 #include "host/session/session.h"
 
 #include <Eigen/Core>
@@ -78,7 +79,7 @@ struct ComputeResult {
 /// is closed again. Throws InputError when a file cannot be used, a seed does not exist, a volume
 /// of a table has no value at all, a protocol is wanted where there is none, or, unless it is
 /// allowed, files say that they are of different subjects or spaces, or a partial correlation is
-/// asked of a node that is empty, constant or not finite.
-ComputeResult compute(Session &session, const ComputeRequest &request);
+/// asked of a node that is empty, constant or not finite; and WorkStopped.
+ComputeResult compute(Session &session, const ComputeRequest &request, const StepWatch &steps = {});
 
 } // namespace corvane

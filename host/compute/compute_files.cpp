@@ -2,6 +2,7 @@
 #include "host/compute/compute_files.h"
 
 #include "engine/graph_measures.h"
+#include "host/compute/graph_files.h"
 #include "host/compute/matrix_table.h"
 #include "host/files/csv_text.h"
 #include "host/files/file_system.h"
@@ -22,7 +23,21 @@ namespace corvane
 namespace
 {
 
-QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result)
+/// The columns of a matrix on all processors.
+std::vector<Eigen::ArrayXf> columnsOf(const std::vector<GraphMeasure> &measures,
+                                      const Eigen::MatrixXf &matrix, const ProgressWatch &watch)
+{
+    std::vector<Eigen::ArrayXf> columns;
+    for (std::size_t m = 0; m < measures.size(); ++m) {
+        const ProgressWatch ofMeasure = watchOfPart(watch, qint64(m), qint64(measures.size()));
+        columns.push_back(columnOf(measures[m], matrix, graphEffort(0, ofMeasure)));
+        tellProgress(ofMeasure, 1, 1);
+    }
+    return columns;
+}
+
+QByteArray featureTable(const ComputeRequest &request, const ComputeResult &result,
+                        const ProgressWatch &watch)
 {
     const std::vector<GraphMeasure> measures = graphMeasuresOfTables();
     QByteArray table =
@@ -33,9 +48,9 @@ QByteArray featureTable(const ComputeRequest &request, const ComputeResult &resu
 
     for (std::size_t s = 0; s < result.slices.size(); ++s) {
         const ComputedSlice &slice = result.slices[s];
-        std::vector<Eigen::ArrayXf> columns;
-        for (const GraphMeasure &measure : measures)
-            columns.push_back(columnOf(measure, slice.connectivity));
+        const std::vector<Eigen::ArrayXf> columns =
+            columnsOf(measures, slice.connectivity,
+                      watchOfPart(watch, qint64(s), qint64(result.slices.size())));
         for (std::size_t n = 0; n < result.nodes.size(); ++n) {
             table += QByteArray::number(static_cast<qulonglong>(s)) + ',';
             if (request.useProtocol)
@@ -218,6 +233,26 @@ Eigen::MatrixXf rowsOf(const Eigen::MatrixXf &matrix, const std::vector<int> &ro
     return matrix(rows, Eigen::all);
 }
 
+/// The tables of one slice.
+void writeSlice(const OutputFolder &folder, const ComputeRequest &request,
+                const ComputeResult &result, std::size_t number, const ProgressWatch &watch)
+{
+    const ComputedSlice &slice = result.slices[number];
+    const QStringList allNames = namesOf(result);
+    const QStringList names = request.names ? allNames : QStringList();
+    const auto path = [&](const char *kind) {
+        return folder.path(tableName(QLatin1String(kind), request, result, number));
+    };
+    const int tables = request.computeMst ? 2 : 1;
+    writeMatrixTable(path("connectivity"), slice.connectivity, names, names,
+                     watchOfPart(watch, 0, tables));
+    if (request.computeMst)
+        writeMatrixTable(path("mst"), slice.mst, names, names, watchOfPart(watch, 1, tables));
+    if (!result.seedRows.empty())
+        writeMatrixTable(path("seeds"), rowsOf(slice.connectivity, result.seedRows), allNames,
+                         namesOf(result, result.seedRows));
+}
+
 /// The beginning of a text, of whole characters, that fits into that many bytes of UTF-8.
 QString cutToBytes(const QString &text, int bytes)
 {
@@ -250,28 +285,20 @@ QString sliceFileName(const QString &kind, const QString &ending, const ComputeR
 }
 
 void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
-                        const ComputeResult &result, const QStringList &pictures)
+                        const ComputeResult &result, const QStringList &pictures,
+                        const StepWatch &steps)
 {
-    const QStringList allNames = namesOf(result);
-    const QStringList names = request.names ? allNames : QStringList();
+    const ProgressWatch watch = beginStep(steps, QStringLiteral("writing"));
     const QString courses = folder.path(QStringLiteral("timeseries.csv"));
     if (request.names)
-        writeMatrixTable(courses, result.timeseries.transpose(), names);
+        writeMatrixTable(courses, result.timeseries.transpose(), namesOf(result));
     else
         writeMatrixTable(courses, result.timeseries);
-    for (std::size_t s = 0; s < result.slices.size(); ++s) {
-        const ComputedSlice &slice = result.slices[s];
-        const auto path = [&](const char *kind) {
-            return folder.path(tableName(QLatin1String(kind), request, result, s));
-        };
-        writeMatrixTable(path("connectivity"), slice.connectivity, names, names);
-        if (request.computeMst)
-            writeMatrixTable(path("mst"), slice.mst, names, names);
-        if (!result.seedRows.empty())
-            writeMatrixTable(path("seeds"), rowsOf(slice.connectivity, result.seedRows), allNames,
-                             namesOf(result, result.seedRows));
-    }
-    writeFile(folder.path(QStringLiteral("features.csv")), featureTable(request, result));
+    for (std::size_t s = 0; s < result.slices.size(); ++s)
+        writeSlice(folder, request, result, s,
+                   watchOfPart(watch, qint64(s), qint64(result.slices.size())));
+    writeFile(folder.path(QStringLiteral("features.csv")),
+              featureTable(request, result, beginStep(steps, QStringLiteral("graph measures"))));
     writeFile(folder.path(QStringLiteral("summary.json")), summary(request, result, pictures));
 }
 

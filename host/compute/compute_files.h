@@ -12,8 +12,10 @@ namespace corvane
 QString sliceFileName(const QString &kind, const QString &ending, const ComputeRequest &request,
                       const ComputeResult &result, std::size_t slice);
 
-/// Writes the tables of a compute, and a summary that names `pictures` too. Throws InputError.
+/// Writes the tables of a compute, and a summary that names `pictures` too. Throws InputError and
+/// WorkStopped.
 void writeComputeTables(const OutputFolder &folder, const ComputeRequest &request,
-                        const ComputeResult &result, const QStringList &pictures);
+                        const ComputeResult &result, const QStringList &pictures,
+                        const StepWatch &steps = {});
 
 } // namespace corvane

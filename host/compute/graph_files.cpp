@@ -22,15 +22,6 @@ namespace corvane
 namespace
 {
 
-nodalis::Effort effortOf(int threads, const ProgressWatch &watch)
-{
-    nodalis::Effort effort;
-    effort.threads = threads;
-    if (watch)
-        effort.progress = [watch](double share) { return watch(qint64(share * 1000), 1000); };
-    return effort;
-}
-
 QByteArray featureTable(const GraphTable &graph, const GraphRequest &request,
                         const MeasureWatch &watch)
 {
@@ -39,7 +30,8 @@ QByteArray featureTable(const GraphTable &graph, const GraphRequest &request,
     for (const GraphMeasure &measure : request.measures) {
         table += QByteArray(",") + measure.column;
         const ProgressWatch ofMeasure = watch ? watch(measure) : ProgressWatch();
-        columns.push_back(columnOf(measure, graph.weights, effortOf(request.threads, ofMeasure)));
+        columns.push_back(
+            columnOf(measure, graph.weights, graphEffort(request.threads, ofMeasure)));
     }
     table += '\n';
     for (int node = 0; node < graph.weights.rows(); ++node) {
@@ -54,15 +46,27 @@ QByteArray featureTable(const GraphTable &graph, const GraphRequest &request,
 
 } // namespace
 
+nodalis::Effort graphEffort(int threads, const ProgressWatch &watch)
+{
+    nodalis::Effort effort;
+    effort.threads = threads;
+    if (watch)
+        effort.progress = [watch](double share) { return watch(qint64(share * 1000), 1000); };
+    return effort;
+}
+
 QStringList writeGraphFiles(const QString &path, const GraphTable &graph,
-                            const GraphRequest &request, const MeasureWatch &watch)
+                            const GraphRequest &request, const MeasureWatch &watch,
+                            const StepWatch &steps)
 {
     OutputFolder folder(path, QStringLiteral("graph"));
     writeFile(folder.path(QStringLiteral("features.csv")), featureTable(graph, request, watch));
     if (request.withTree) {
+        const ProgressWatch ofTree = beginStep(steps, QStringLiteral("spanning tree"));
         const Eigen::MatrixXf tree =
             std::get<0>(nodalis::mst::minimum_spanning_tree(graph.weights, false, true));
-        writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names, graph.names);
+        writeMatrixTable(folder.path(QStringLiteral("mst.csv")), tree, graph.names, graph.names,
+                         ofTree);
     }
     return folder.commit();
 }

@@ -56,11 +56,14 @@ int paddedSize(const std::vector<ComparedSubject> &subjects)
     return static_cast<int>(size);
 }
 
-Eigen::MatrixXf groupDistances(const std::vector<ComparedSubject> &subjects)
+Eigen::MatrixXf groupDistances(const std::vector<ComparedSubject> &subjects,
+                               const ProgressWatch &watch)
 {
     std::vector<Eigen::VectorXd> spectra;
-    for (const ComparedSubject &subject : subjects)
+    for (const ComparedSubject &subject : subjects) {
         spectra.push_back(nodalis::distances::spectrum(subject.matrix));
+        tellProgress(watch, qint64(spectra.size()), qint64(subjects.size()));
+    }
     const int size = paddedSize(subjects);
     const auto count = static_cast<Eigen::Index>(subjects.size());
     Eigen::MatrixXf distances(count, count);

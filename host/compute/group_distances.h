@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/progress.h"
+
 #include <Eigen/Core>
 #include <QString>
 #include <QStringList>
@@ -31,7 +33,8 @@ int paddedSize(const std::vector<ComparedSubject> &subjects);
 
 /// The spectral distance of each pair, both halves filled, exactly as the plugin has it in the
 /// upper one.
-Eigen::MatrixXf groupDistances(const std::vector<ComparedSubject> &subjects);
+Eigen::MatrixXf groupDistances(const std::vector<ComparedSubject> &subjects,
+                               const ProgressWatch &watch = {});
 
 /// Puts the spanning tree of each matrix in its place.
 void keepSpanningTrees(std::vector<ComparedSubject> &subjects);

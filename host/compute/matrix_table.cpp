@@ -24,7 +24,8 @@ QByteArray nameField(const QString &name)
 } // namespace
 
 void writeMatrixTable(const QString &path, const Eigen::MatrixXf &matrix,
-                      const QStringList &columns, const QStringList &rows)
+                      const QStringList &columns, const QStringList &rows,
+                      const ProgressWatch &watch)
 {
     OutputFile file(path);
     QByteArrayList header;
@@ -40,6 +41,7 @@ void writeMatrixTable(const QString &path, const Eigen::MatrixXf &matrix,
         for (Eigen::Index column = 0; column < matrix.cols(); ++column)
             line += (column > 0 ? "," : "") + csvField(matrix(row, column));
         file.write(line + '\n');
+        tellProgress(watch, row + 1, matrix.rows());
     }
     file.commit();
 }

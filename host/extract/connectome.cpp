@@ -138,7 +138,7 @@ bool Connectome::isCovered(std::size_t node) const
     return !std::isnan(cleaned.values(0, Index(node)));
 }
 
-Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch &watch)
+Connectome makeConnectome(const ConnectomeRequest &request, const StepWatch &steps)
 {
     Connectome result;
     Preparations made = prepare(request, result.notes);
@@ -147,7 +147,9 @@ Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch 
     const std::vector<Part> parts = partsOf(made.parts, design.rows, volumes.count(),
                                             firstSteady(volumes), made.repetitionTime);
 
-    NodeSeries series = readNodeSeries(request.run, made.header, made.map, watch, result.notes);
+    NodeSeries series =
+        readNodeSeries(request.run, made.header, made.map,
+                       beginStep(steps, QStringLiteral("reading the run")), result.notes);
     result.repetitionTime = made.repetitionTime;
     result.grid = made.grid;
     result.nodes = made.map.nodes;
@@ -163,16 +165,21 @@ Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch 
                          QStringLiteral("no node with enough voxels"),
                          QStringLiteral("a run that covers regions of the atlas"));
 
+    beginStep(steps, QStringLiteral("cleaning"));
     result.cleaned = cleanedBy(design, series.values, covered, result.nodes, result.notes);
     QStringList saidBefore;
     result.uncleaned = cleanedBy(uncleanedDesign(made.cleaning, made.repetitionTime), series.values,
                                  covered, result.nodes, saidBefore);
     result.series = std::move(series.values);
     noteParts(made.parts, design.band, parts, request.relationships.size(), result.notes);
+    const ProgressWatch watch = beginStep(steps, QStringLiteral("matrices"));
+    const auto count = qint64(parts.size() * request.relationships.size());
     for (const Part &part : parts)
-        for (const Relationship relationship : request.relationships)
+        for (const Relationship relationship : request.relationships) {
             result.matrices.push_back(
                 {part, relationship, matrixOf(result.cleaned, part, relationship, request.shrink)});
+            tellProgress(watch, qint64(result.matrices.size()), count);
+        }
     return result;
 }
 

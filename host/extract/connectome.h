@@ -4,6 +4,7 @@
 #include "host/extract/matrices.h"
 #include "host/extract/node_series.h"
 #include "host/extract/run_cleaning.h"
+#include "host/files/progress.h"
 
 /// @file
 /// A run and an atlas become matrices, with no file written between.
@@ -53,6 +54,6 @@ struct Connectome {
 
 /// Reads the files and the run, once, and computes all. Throws InputError, signals::Error,
 /// signals::UsageError and WorkStopped.
-Connectome makeConnectome(const ConnectomeRequest &request, const ProgressWatch &watch = {});
+Connectome makeConnectome(const ConnectomeRequest &request, const StepWatch &steps = {});
 
 } // namespace corvane

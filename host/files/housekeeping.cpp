@@ -3,7 +3,9 @@
 
 #include "host/files/end_signals.h"
 #include "host/files/hidden_path.h"
+#include "host/files/terminal.h"
 
+#include <cstdio>
 #include <thread>
 
 namespace corvane
@@ -14,12 +16,20 @@ namespace
 
 constexpr std::chrono::seconds betweenTouches(30);
 
+/// In the line of a progress that is now over. Elsewhere the exit status tells it.
+void sayInterrupted()
+{
+    if (standardErrorIsTerminal())
+        std::fprintf(stderr, "%sCorvane: interrupted\n", terminalLineStart);
+}
+
 void keepHouse()
 {
     int signal = 0;
     while ((signal = waitForEndSignal(betweenTouches)) == 0)
         touchHiddenPaths();
     removeHiddenPaths();
+    sayInterrupted();
     endBySignal(signal);
 }
 

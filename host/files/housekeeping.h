@@ -4,7 +4,8 @@
 /// @file
 /// What a program does beside its work, in a thread of its own, for what stands at hidden paths: it
 /// touches it every half a minute, so that other machines know that somebody works there, and
-/// removes it when a signal asks the process to end, which then ends by that signal.
+/// removes it when a signal asks the process to end, which then says so on a terminal and ends by
+/// that signal.
 
 namespace corvane
 {

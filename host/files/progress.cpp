@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/files/progress.h"
 
+#include "host/files/end_signals.h"
 #include "host/files/terminal.h"
 
 #include <cstdio>
@@ -21,26 +22,49 @@ void tellProgress(const ProgressWatch &watch, qint64 done, qint64 total)
         throw WorkStopped();
 }
 
+ProgressWatch beginStep(const StepWatch &steps, const QString &step)
+{
+    return steps ? steps(step) : ProgressWatch();
+}
+
+ProgressWatch watchOfPart(const ProgressWatch &whole, qint64 done, qint64 parts)
+{
+    if (!whole)
+        return {};
+    constexpr qint64 grain = 1000;
+    return [whole, done, parts](qint64 ofPart, qint64 total) {
+        const qint64 share = total > 0 ? grain * ofPart / total : grain;
+        return whole(done * grain + share, parts * grain);
+    };
+}
+
 TerminalProgress::TerminalProgress(const QString &what)
     : m_what(what), m_onTerminal(standardErrorIsTerminal())
 {
+    put(what);
 }
 
 TerminalProgress::~TerminalProgress()
 {
-    if (m_shown)
-        std::fputs("\r\x1b[K", stderr);
+    put({});
+}
+
+void TerminalProgress::put(const QString &text)
+{
+    // Whoever ends the process has the last word.
+    if (!m_onTerminal || endSignalHasCome())
+        return;
+    std::fprintf(stderr, "%s%s", terminalLineStart, text.toUtf8().constData());
+    std::fflush(stderr);
 }
 
 void TerminalProgress::show(qint64 done, qint64 total)
 {
-    if (!m_onTerminal || (m_shown && m_sinceShown.elapsed() < millisecondsBetween))
+    if (!m_onTerminal || (m_isShared && m_sinceShown.elapsed() < millisecondsBetween))
         return;
     const qint64 percent = total > 0 ? 100 * done / total : 100;
-    std::fprintf(stderr, "\r\x1b[K%s %d %%", m_what.toUtf8().constData(),
-                 static_cast<int>(percent));
-    std::fflush(stderr);
-    m_shown = true;
+    put(QStringLiteral("%1 %2 %").arg(m_what, QString::number(percent)));
+    m_isShared = true;
     m_sinceShown.start();
 }
 
@@ -50,6 +74,17 @@ ProgressWatch TerminalProgress::watch()
         show(done, total);
         return true;
     };
+}
+
+ProgressWatch TerminalSteps::begin(const QString &step)
+{
+    m_step.emplace(step);
+    return m_step->watch();
+}
+
+StepWatch TerminalSteps::watch()
+{
+    return [this](const QString &step) { return begin(step); };
 }
 
 } // namespace corvane

@@ -8,6 +8,9 @@
 namespace corvane
 {
 
+/// Goes back to the beginning of the line and empties it.
+constexpr const char *terminalLineStart = "\r\x1b[K";
+
 /// Whether somebody reads standard error as it is written.
 bool standardErrorIsTerminal();
 

@@ -158,7 +158,7 @@ void takeEdges(const std::vector<GroupMatrix> &matrices, const std::vector<Index
 /// Uncleaned matrices count as the cleaned ones do, but stay out of tangent space.
 void takeUncleaned(const GroupTable &table, const std::vector<Index> &rows,
                    const std::vector<Index> &nodes, const MatrixTable &like, GroupData &data,
-                   const GroupRequest &request)
+                   const GroupRequest &request, const StepWatch &steps)
 {
     const QStringList paths = uncleanedPaths(table, rows);
     if (request.asks(GroupTest::Tangent)) {
@@ -171,7 +171,8 @@ void takeUncleaned(const GroupTable &table, const std::vector<Index> &rows,
                                      "uncleaned matrix");
         return;
     }
-    const std::vector<GroupMatrix> matrices = readGroupMatrices(paths);
+    const std::vector<GroupMatrix> matrices =
+        readGroupMatrices(paths, beginStep(steps, QStringLiteral("reading uncleaned matrices")));
     const std::vector<std::string> names = nodeNames(matrices.front().table);
     if (matrices.front().table.names != like.names ||
         matrices.front().table.values.rows() != like.values.rows())
@@ -210,7 +211,7 @@ void takeMotion(const GroupTable &table, const std::vector<Index> &rows,
 
 } // namespace
 
-GroupData readGroupData(const GroupRequest &request)
+GroupData readGroupData(const GroupRequest &request, const StepWatch &steps)
 {
     std::optional<StudyTable> study;
     if (request.study)
@@ -223,7 +224,9 @@ GroupData readGroupData(const GroupRequest &request)
     if (needsOneRowEach(request))
         table.requireOneRowEach(all.rows);
 
-    std::vector<GroupMatrix> matrices = readGroupMatrices(matrixPaths(table, all.rows));
+    std::vector<GroupMatrix> matrices = readGroupMatrices(
+        matrixPaths(table, all.rows), beginStep(steps, QStringLiteral("reading matrices")));
+    beginStep(steps, QStringLiteral("preparing edges"));
     std::vector<std::vector<char>> present;
     for (const GroupMatrix &matrix : matrices)
         present.push_back(statistics::nodes_present(matrix.table.values));
@@ -247,7 +250,7 @@ GroupData readGroupData(const GroupRequest &request)
     takeEdges(matrices, part.nodes, names, request, data);
     if (request.asks(GroupTest::QcFc)) {
         takeMotion(table, rows, request, data);
-        takeUncleaned(table, rows, part.nodes, matrices.front().table, data, request);
+        takeUncleaned(table, rows, part.nodes, matrices.front().table, data, request, steps);
     }
     return data;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/files/progress.h"
 #include "host/group/group_request.h"
 #include "statistics/design.h"
 #include "statistics/edges.h"
@@ -42,6 +43,6 @@ struct GroupData {
 /// Reads the table, the matrices of the rows that the design includes, and what all of them have.
 /// Throws InputError and statistics::Error with one line that names the file, the participant or
 /// the column.
-GroupData readGroupData(const GroupRequest &request);
+GroupData readGroupData(const GroupRequest &request, const StepWatch &steps = {});
 
 } // namespace corvane

@@ -82,7 +82,7 @@ Eigen::MatrixXd among(const std::vector<Index> &nodes, const Eigen::MatrixXd &ma
 
 } // namespace
 
-std::vector<GroupMatrix> readGroupMatrices(const QStringList &paths)
+std::vector<GroupMatrix> readGroupMatrices(const QStringList &paths, const ProgressWatch &watch)
 {
     std::vector<GroupMatrix> matrices;
     for (const QString &path : paths) {
@@ -97,6 +97,7 @@ std::vector<GroupMatrix> readGroupMatrices(const QStringList &paths)
             throw InputError(
                 path, QStringLiteral("names"), QStringLiteral("other nodes"),
                 QStringLiteral("those of %1 in the same order").arg(matrices.front().path));
+        tellProgress(watch, qint64(matrices.size()), paths.size());
     }
     return matrices;
 }

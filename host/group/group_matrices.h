@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/files/graph_table.h"
+#include "host/files/progress.h"
 #include "host/group/group_request.h"
 #include "statistics/edges.h"
 
@@ -13,8 +14,10 @@ struct GroupMatrix {
     MatrixTable table;
 };
 
-/// Reads matrices of the same nodes in the same order. Throws InputError for others.
-std::vector<GroupMatrix> readGroupMatrices(const QStringList &paths);
+/// Reads matrices of the same nodes in the same order. Throws InputError for others, and
+/// WorkStopped.
+std::vector<GroupMatrix> readGroupMatrices(const QStringList &paths,
+                                           const ProgressWatch &watch = {});
 
 /// The names of its nodes, or their numbers from 0.
 std::vector<std::string> nodeNames(const MatrixTable &table);

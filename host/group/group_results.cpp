@@ -32,23 +32,28 @@ QStringList sessionNotes(const GroupResults &results)
 
 } // namespace
 
-GroupResults testGroup(const GroupData &data, const GroupRequest &request,
-                       const ProgressWatch &watch)
+GroupResults testGroup(const GroupData &data, const GroupRequest &request, const StepWatch &steps)
 {
     GroupResults results;
     results.notes = data.notes;
     if (request.asksForModel())
         for (const QString &contrast : request.contrasts)
-            results.contrasts.push_back(testContrast(data, request, contrast, watch));
+            results.contrasts.push_back(testContrast(data, request, contrast, steps));
     for (const ContrastResult &contrast : results.contrasts)
         results.notes += contrast.notes;
     if (request.asks(GroupTest::Distance))
-        results.distance = testDistances(data, request, watch);
-    if (request.asks(GroupTest::Icc))
+        results.distance =
+            testDistances(data, request, beginStep(steps, QStringLiteral("distances")));
+    if (request.asks(GroupTest::Icc)) {
+        beginStep(steps, QStringLiteral("intraclass correlations"));
         results.icc = testReliability(data);
-    if (request.asks(GroupTest::Fingerprint))
+    }
+    if (request.asks(GroupTest::Fingerprint)) {
+        beginStep(steps, QStringLiteral("fingerprint"));
         results.fingerprints = testFingerprints(data, request);
+    }
     if (request.asks(GroupTest::QcFc)) {
+        beginStep(steps, QStringLiteral("QC-FC"));
         results.qcfc = testMotion(data);
         results.notes += motionNotes(data);
     }

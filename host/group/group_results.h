@@ -20,7 +20,6 @@ struct GroupResults {
 };
 
 /// Does all tests that are asked for. Throws InputError, statistics::Error and WorkStopped.
-GroupResults testGroup(const GroupData &data, const GroupRequest &request,
-                       const ProgressWatch &watch);
+GroupResults testGroup(const GroupData &data, const GroupRequest &request, const StepWatch &steps);
 
 } // namespace corvane

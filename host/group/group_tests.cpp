@@ -79,7 +79,7 @@ QStringList notesOf(const statistics::Hypothesis &hypothesis, const GroupData &d
 } // namespace
 
 ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
-                            const QString &contrast, const ProgressWatch &watch)
+                            const QString &contrast, const StepWatch &steps)
 {
     Model model = modelOf(data, request.paired, contrast);
     const statistics::Rearrangements rearrangements(model.hypothesis,
@@ -88,6 +88,7 @@ ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
     options.sides = request.sides;
     options.thresholds = request.thresholds;
     options.threads = request.threads;
+    const ProgressWatch watch = beginStep(steps, QStringLiteral("testing"));
     options.progress = [&](Index done, Index count) { tellProgress(watch, done, count); };
 
     ContrastResult result;
@@ -96,6 +97,7 @@ ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
     result.test =
         statistics::permutation_test(model.edges, model.hypothesis, rearrangements, options);
     if (!model.hypothesis.is_f() && model.hypothesis.df > 1.0) {
+        beginStep(steps, QStringLiteral("leaving each participant out"));
         const auto threshold =
             request.thresholds.empty() ? std::nullopt : std::optional(request.thresholds.front());
         result.influences = statistics::LeaveOneOut(model.edges, model.hypothesis)

@@ -23,6 +23,6 @@ struct ContrastResult {
 /// Tests one contrast at all edges, and networks above the thresholds. Throws InputError for a file
 /// of permutations that is none, statistics::Error, and WorkStopped.
 ContrastResult testContrast(const GroupData &data, const GroupRequest &request,
-                            const QString &contrast, const ProgressWatch &watch);
+                            const QString &contrast, const StepWatch &steps);
 
 } // namespace corvane

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <nodalis/treatment.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -72,12 +73,27 @@ TEST(ComputeSteps, MeasureEachSliceByTheMeasureOfTheSubject)
                                                      partialCorrelationMatrix(run.rightCols(6))}));
 }
 
+TEST(ComputeSteps, TellTheShareOfAllSlicesThatIsMeasured)
+{
+    for (const auto measure :
+         {ConnectivityMeasure::Correlation, ConnectivityMeasure::PartialCorrelation}) {
+        const Subject subject = subjectOf(measure, MatrixValues::Absolute);
+        std::vector<double> shares;
+        EXPECT_EQ(measureSlices(subject, courses(), [&](double share) { shares.push_back(share); }),
+                  measureSlices(subject, courses()));
+        EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+        EXPECT_EQ(std::count(shares.begin(), shares.end(), 0.5), 1) << "the end of the first slice";
+        EXPECT_EQ(shares.back(), 1.0);
+    }
+}
+
 TEST(ComputeSteps, OfAMeasureThatThereIsNotFail)
 {
     Subject subject;
     for (const int measure : {0, 3, 7, -1}) {
         subject.setMeasure(measure);
         EXPECT_THROW(measureSlices(subject, courses()), std::bad_function_call) << measure;
+        EXPECT_THROW(measureSlices(subject, courses(), [](double) {}), std::bad_function_call);
     }
 }
 

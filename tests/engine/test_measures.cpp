@@ -5,8 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
+#include <stdexcept>
+#include <vector>
 
 namespace
 {
@@ -284,6 +287,39 @@ TEST(MeasureFunction, HoldsEither)
     const MeasureFunction partial = partialCorrelationMatrix;
     EXPECT_EQ(correlation(series), correlationMatrix(series));
     EXPECT_EQ(partial(series), partialCorrelationMatrix(series));
+}
+
+using WatchedMeasure = Eigen::MatrixXf (*)(const Eigen::MatrixXf &, const MeasureProgress &);
+
+TEST(WatchedMeasures, AreTheSameBitForBitAndTellAscendingSharesUpToOne)
+{
+    for (const auto &[watched, plain] :
+         {std::pair<WatchedMeasure, MeasureFunction>{watchedCorrelationMatrix, correlationMatrix},
+          {watchedPartialCorrelationMatrix, partialCorrelationMatrix}}) {
+        const Eigen::MatrixXf series = randomSeries(9, 31, 500.0f, 13);
+        std::vector<double> shares;
+        const Eigen::MatrixXf matrix =
+            watched(series, [&](double share) { shares.push_back(share); });
+        EXPECT_EQ(matrix, plain(series));
+        ASSERT_GE(shares.size(), 9U);
+        EXPECT_GT(shares.front(), 0.0);
+        EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+        EXPECT_EQ(shares.back(), 1.0);
+    }
+}
+
+TEST(WatchedMeasures, EndWithWhatTheirProgressThrows)
+{
+    for (const WatchedMeasure watched :
+         {watchedCorrelationMatrix, watchedPartialCorrelationMatrix}) {
+        int told = 0;
+        const auto stop = [&](double) {
+            if (++told == 3)
+                throw std::runtime_error("enough");
+        };
+        EXPECT_THROW(watched(randomSeries(9, 31, 0.0f, 14), stop), std::runtime_error);
+        EXPECT_EQ(told, 3);
+    }
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What repeats: intraclass correlations, sessions, fingerprints.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -285,6 +287,27 @@ TEST(Correlation, MapsAreShuffled)
               "2 nodes with a value in both maps; a correlation needs at least 3");
     EXPECT_EQ(error_text([&] { compare_maps(x, Eigen::ArrayXd::Ones(7), 10, 1); }),
               "a map has the same value at all nodes, so there is no correlation");
+}
+
+TEST(CompareMaps, TellsHowFarItIsAndEndsWithWhatThatThrows)
+{
+    RandomNumbers random(4);
+    const Eigen::ArrayXd x = random.normal(40, 1).array();
+    const Eigen::ArrayXd y = random.normal(40, 1).array();
+    std::vector<Index> told;
+    compare_maps(x, y, 1000, 1, [&](Index done, Index count) {
+        EXPECT_EQ(count, 2000);
+        told.push_back(done);
+    });
+    EXPECT_GE(told.size(), 5U);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_EQ(told.back(), 2000);
+    const auto stop = [](Index done, Index) {
+        if (done > 0) {
+            throw std::runtime_error("enough");
+        }
+    };
+    EXPECT_THROW(compare_maps(x, y, 1000, 1, stop), std::runtime_error);
 }
 
 } // namespace
