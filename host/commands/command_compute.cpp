@@ -12,6 +12,7 @@
 #include "host/files/output_folder.h"
 #include "host/pictures/compute_pictures.h"
 #include "host/session/session.h"
+#include "host/workbench/application.h"
 
 #include <QCommandLineParser>
 #include <QLoggingCategory>
@@ -178,6 +179,7 @@ int run(const QStringList &arguments)
         result.warnings += picturesLeftOut(request, result);
         TerminalProgress progress(QStringLiteral("drawing"));
         pictures = writeComputePictures(files, request, result, progress.watch());
+        static_cast<Application *>(QCoreApplication::instance())->throwCaught();
     }
     writeComputeTables(files, request, result, pictures);
     const QStringList kept = files.commit();
