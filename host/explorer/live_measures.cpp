@@ -70,8 +70,9 @@ NetworkMeasures measuresOf(const std::vector<NetworkEdge> &edges, const std::vec
     std::vector<Eigen::ArrayXf> values(measures.size());
     std::atomic<std::size_t> next{0};
     std::atomic<bool> isEnded{false};
-    std::future<void> other = std::async(
-        std::launch::async, [&] { computeSome(measures, weights, values, next, isEnded, goOn); });
+    // Where no thread is to be had it runs later in this one, and finds nothing left.
+    std::future<void> other =
+        std::async([&] { computeSome(measures, weights, values, next, isEnded, goOn); });
     computeSome(measures, weights, values, next, isEnded, goOn);
     other.get();
     if (isEnded)

@@ -41,7 +41,8 @@ void paintInLayers(QPainter &painter, const QRectF &area, std::size_t count,
     const QBrush paper = painter.background();
     std::array<std::future<QImage>, layers> works;
     for (std::size_t layer = 0; layer < layers; ++layer)
-        works[layer] = std::async(std::launch::async, [&, layer] {
+        // Where no thread is to be had it is painted in this one.
+        works[layer] = std::async([&, layer] {
             QImage image(pixels.size(), QImage::Format_ARGB32_Premultiplied);
             image.fill(Qt::transparent);
             QPainter part(&image);

@@ -52,6 +52,15 @@ TEST_F(ApplicationTest, GoesOnAfterAnExceptionFromASlot)
                                  HasSubstr("an error that does not say what it is")));
 }
 
+TEST_F(ApplicationTest, TellsACommandOnceOfWhatItHasCaught)
+{
+    auto &application = *static_cast<Application *>(QCoreApplication::instance());
+    QEvent event(QEvent::User);
+    EXPECT_FALSE(QCoreApplication::sendEvent(new Doomed, &event));
+    EXPECT_THROW(application.throwCaught(), std::runtime_error);
+    EXPECT_NO_THROW(application.throwCaught());
+}
+
 TEST_F(ApplicationTest, NamesTheReceiverAlsoWhenItIsGone)
 {
     QEvent event(QEvent::User);
