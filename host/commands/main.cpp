@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -130,6 +131,8 @@ int runApplication(QStringList arguments, int &argc, char **argv)
                                                          : commandOf(arguments.front());
     const auto application = command != nullptr ? command->makeApplication(arguments, argc, argv)
                                                 : makePlainApplication(arguments, argc, argv);
+    // Applications take the user's locale over; numbers keep their point in all of them.
+    std::setlocale(LC_NUMERIC, "C");
     // Without those that Qt took for itself; an application that was shown none has taken none.
     if (argc > 1)
         arguments = QCoreApplication::arguments().mid(1);

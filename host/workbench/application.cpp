@@ -4,6 +4,7 @@
 #include "host/session/log.h"
 
 #include <QFont>
+#include <QFontMetrics>
 #include <QSettings>
 #include <QStyle>
 
@@ -75,6 +76,8 @@ std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv,
     // Where nothing else says what stands for a font that is not there.
     QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
     QApplication::setFont(QFont(QStringLiteral("Liberation Sans"), 10));
+    if (!QFontMetrics(QApplication::font()).inFont(QLatin1Char('a')))
+        std::fputs("no font is installed: pictures have no letters\n", stderr);
     return application;
 }
 
