@@ -23,9 +23,9 @@ target_compile_definitions(tessera_flags INTERFACE
     QT_NO_MESSAGELOGCONTEXT QT_NO_CAST_TO_ASCII QT_NO_FOREACH)
 
 if(TESSERA_SANITIZE)
-    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+    add_compile_options(-fsanitize=${TESSERA_SANITIZERS} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
-    add_link_options(-fsanitize=address,undefined)
+    add_link_options(-fsanitize=${TESSERA_SANITIZERS})
 endif()
 if(TESSERA_COVERAGE)
     add_compile_options(--coverage)

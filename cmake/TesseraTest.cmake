@@ -86,7 +86,8 @@ function(tessera_test name)
         XDG_CONFIG_HOME=${home}/.config
         ASAN_OPTIONS=detect_leaks=1:handle_sigbus=0
         LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
-        UBSAN_OPTIONS=print_stacktrace=1)
+        UBSAN_OPTIONS=print_stacktrace=1
+        TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 300)
     endif()

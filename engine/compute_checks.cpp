@@ -142,7 +142,7 @@ private:
                     .arg(slice.name, QString::number(slice.from), QString::number(slice.to));
             if (slice.used == 0)
                 gone += range;
-            else if (slice.used < slice.to - slice.from + 1)
+            else if (slice.used < qint64(slice.to) - slice.from + 1)
                 cut += range;
             if (slice.isEvent || slice.used == 0)
                 continue;

@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -27,6 +28,25 @@ constexpr const char *prtTrouble = "Plugin> Trouble with PRT file. Please retry.
 constexpr const char *vmrRequired =
     "This plugin requires a VMR to operate. Make sure that a VMR is open and that its window is "
     "selected.";
+
+/// The most that a host can tell of and be believed: far more than any file holds, and few enough
+/// to count and to address.
+constexpr int mostDocuments = 1 << 16;
+constexpr int mostVolumes = 1 << 24;
+constexpr int longestAxis = 1 << 12; ///< VTC voxels; those of an anatomy have 256
+constexpr int mostVois = 1 << 20;
+constexpr int mostVoxels = 1 << 24; ///< of one VOI: all of an anatomy
+constexpr int mostConditions = 1 << 16;
+constexpr int mostIntervals = 1 << 20;
+
+/// Whether a host can tell of so many; says so in its log when it cannot. Below zero is none.
+bool isBelieved(int count, int most, const char *what)
+{
+    if (count <= most)
+        return true;
+    logToHost("Plugin> The host tells of %d %s, which cannot be.", count, what);
+    return false;
+}
 
 /// A text field of a record up to its terminator, which a faulty host may have left out.
 template <std::size_t Size>
@@ -55,14 +75,14 @@ bool loadVOIs(const char *path, VOIsHeader &header)
         hostFunctions().zqLogText(voiNotLoaded);
         return false;
     }
-    if (hostFunctions().zqGetVOIs(&header) == 0) {
+    if (hostFunctions().zqGetVOIs(&header) == 0 || !isBelieved(header.voiCount, mostVois, "VOIs")) {
         hostFunctions().zqLogText(voiTrouble);
         return false;
     }
     return true;
 }
 
-/// The box of a VTC in its own voxels. All extents are at least 1.
+/// The box of a VTC in its own voxels. All extents are at least 1 and can be multiplied.
 struct VTCGrid {
     std::int64_t dimX;
     std::int64_t dimXY;
@@ -76,18 +96,20 @@ std::int64_t extent(int start, int end, int resolution)
     return (std::int64_t{end} - start) / resolution;
 }
 
-/// The box, when the header describes one that has voxels and volumes.
+/// The box, when the header describes one that has voxels and volumes, and not more than can be.
 std::optional<VTCGrid> vtcGrid(const VTCHeader &header)
 {
-    if (header.resolution < 1 || header.nrOfVolumes < 1)
+    if (!isBelieved(header.nrOfVolumes, mostVolumes, "volumes") || header.nrOfVolumes < 1 ||
+        header.resolution < 1)
         return {};
     VTCGrid grid{};
     grid.dimX = extent(header.xStart, header.xEnd, header.resolution);
     grid.dimY = extent(header.yStart, header.yEnd, header.resolution);
     grid.dimZ = extent(header.zStart, header.zEnd, header.resolution);
+    for (const std::int64_t dim : {grid.dimX, grid.dimY, grid.dimZ})
+        if (dim < 1 || dim > longestAxis)
+            return {};
     grid.dimXY = grid.dimY * grid.dimX;
-    if (grid.dimX < 1 || grid.dimY < 1 || grid.dimZ < 1)
-        return {};
     return grid;
 }
 
@@ -152,13 +174,16 @@ VTCSamples vtcSamples(const VTCHeader &header)
     return samples;
 }
 
-/// Reads the series of VOI `index` and appends it to the subject.
-void loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples &samples)
+/// Reads the series of VOI `index` and appends it to the subject. False and a log line when the
+/// host tells of voxels that cannot be.
+bool loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples &samples)
 {
     const VTCHeader &header = subject.vtcHeader;
     VOIRecord &record = subject.voiRecord;
     if (hostFunctions().zqGetVOI(index, &record) == nullptr)
-        return;
+        return true;
+    if (!isBelieved(record.voxelCount, mostVoxels, "voxels in one VOI"))
+        return false;
     const bool empty = record.voxelCount < 1;
     if (empty)
         subject.emptyVois.append(index);
@@ -167,7 +192,7 @@ void loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples 
     const int *triples = hostFunctions().zqGetVOI(index, &record);
     // A host that takes its first answer back has not given the VOI.
     if (!empty && (triples == nullptr || record.voxelCount != static_cast<int>(voxelCount)))
-        return;
+        return true;
 
     const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);
     std::vector<float> storage(voxelCount * volumes, 0.0f);
@@ -194,10 +219,21 @@ void loadVOI(Subject &subject, int index, const VTCGrid &grid, const VTCSamples 
     }
     subject.appendTimeseries(matrixFromRows(rows.data(), static_cast<unsigned>(voxelCount),
                                             static_cast<unsigned>(volumes)));
+    return true;
 }
 
-/// Reads condition `index` of the protocol in the host.
-ProtocolCondition readCondition(int index, SubjectProtocol &protocol)
+/// Reads all VOIs.
+bool loadAllVOIs(Subject &subject, const VTCGrid &grid, const VTCSamples &samples)
+{
+    for (int voi = 0; voi < subject.voisHeader.voiCount; ++voi)
+        if (!loadVOI(subject, voi, grid, samples))
+            return false;
+    return true;
+}
+
+/// Reads condition `index` of the protocol in the host; nothing when it tells of intervals that
+/// cannot be, with a line in its log.
+std::optional<ProtocolCondition> readCondition(int index, SubjectProtocol &protocol)
 {
     ConditionRecord record{};
     hostFunctions().zqGetProtocolCondition(index, &record);
@@ -206,6 +242,8 @@ ProtocolCondition readCondition(int index, SubjectProtocol &protocol)
     condition.name = QString::fromLatin1(fieldText(record.name));
     condition.intervalCount = record.intervalCount;
     condition.index = index;
+    if (!isBelieved(record.intervalCount, mostIntervals, "intervals in one condition"))
+        return {};
     if (record.from == nullptr || record.to == nullptr)
         return condition;
     for (int n = 0; n < record.intervalCount; ++n) {
@@ -229,18 +267,32 @@ void addCondition(SubjectProtocol &protocol, const ProtocolCondition &condition)
     }
 }
 
+/// The protocol that is in the host, or nothing when it cannot be.
+std::optional<SubjectProtocol> readProtocol(ProtocolHeader &header)
+{
+    if (hostFunctions().zqGetProtocol(&header) == 0 ||
+        !isBelieved(header.conditionCount, mostConditions, "conditions"))
+        return {};
+    SubjectProtocol protocol(QString::fromLatin1(fieldText(header.name)), header.timeUnit,
+                             header.conditionCount);
+    for (int c = 0; c < header.conditionCount; ++c) {
+        const std::optional<ProtocolCondition> condition = readCondition(c, protocol);
+        if (!condition)
+            return {};
+        addCondition(protocol, *condition);
+    }
+    return protocol;
+}
+
 /// Takes the protocol that is in the host; false and a log line when there is trouble with it.
 bool takeProtocol(Subject &subject)
 {
-    ProtocolHeader &header = subject.protocolHeader;
-    if (hostFunctions().zqGetProtocol(&header) == 0) {
+    const std::optional<SubjectProtocol> read = readProtocol(subject.protocolHeader);
+    if (!read) {
         hostFunctions().zqLogText(prtTrouble);
         return false;
     }
-    SubjectProtocol protocol(QString::fromLatin1(fieldText(header.name)), header.timeUnit,
-                             header.conditionCount);
-    for (int c = 0; c < header.conditionCount; ++c)
-        addCondition(protocol, readCondition(c, protocol));
+    const SubjectProtocol &protocol = *read;
     subject.setProtocol(protocol);
 
     if (PluginSettings::instance()->verboseLogging) {
@@ -260,6 +312,8 @@ QHash<int, QString> vmrDocuments()
     constexpr int vmrType = 3;
     QHash<int, QString> documents;
     const int count = hostFunctions().zqGetNumberOfDocsInWorkspace();
+    if (!isBelieved(count, mostDocuments, "documents"))
+        return documents;
     for (int position = 0; position < count; ++position) {
         const int type = hostFunctions().zqGetDocumentType(position);
         hostFunctions().zqGetDocumentTypeName(position);
@@ -300,9 +354,15 @@ bool loadSubject(Subject &subject)
         hostFunctions().zqLogText(vtcTrouble);
         return false;
     }
-    for (int voi = 0; voi < subject.voisHeader.voiCount; ++voi)
-        loadVOI(subject, voi, *grid, samples);
-    return true;
+    try {
+        if (loadAllVOIs(subject, *grid, samples))
+            return true;
+        hostFunctions().zqLogText(voiTrouble);
+    } catch (const std::bad_alloc &) {
+        logToHost("Plugin> There is not enough memory for the samples of VOI %s.",
+                  fieldText(subject.voiRecord.name).constData());
+    }
+    return false;
 }
 
 int readVOINames(Subject &subject)

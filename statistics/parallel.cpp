@@ -5,6 +5,7 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -48,6 +49,8 @@ void for_each_chunk(std::ptrdiff_t chunks, int threads,
         }
     } catch (const std::system_error &) {
         // No further thread to be had: those that are there do the work.
+    } catch (const std::bad_alloc &) {
+        // Nor the memory for one.
     }
     run(0);
     for (std::thread &other : others) {

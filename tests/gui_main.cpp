@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/gui_test.h"
 
+#include "tests/allowed_warnings.h"
+
 #include <QApplication>
 #include <QFont>
 #include <QMutex>
 #include <QPalette>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QStyle>
 #include <QTemporaryDir>
@@ -13,26 +14,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace
 {
-
-/// Warnings that are right, each with its reason.
-const char *const allowedWarnings[] = {
-    // The offscreen platform has no window manager to tell.
-    "This plugin does not support propagateSizeHints\\(\\)",
-    "This plugin does not support raise\\(\\)",
-    "This plugin does not support grabbing the keyboard",
-    // A window that has gone before the display's server answers.
-    "QXcbConnection: XCB error: 3 \\(BadWindow\\).*",
-    // This window has no context menu; its view is connected all the same.
-    "QObject::connect: No such slot TimeseriesLinePlot::showContextMenu\\(const QPoint &\\).*",
-    "QObject::connect:  \\(receiver name: +'TimeseriesLineplot'\\)",
-    // The style sheet of the matrix browser's hidden group.
-    "Unknown property visible",
-};
 
 QMutex messagesMutex;
 QVector<LoggedMessage> messages;
@@ -44,16 +29,6 @@ void collectMessage(QtMsgType type, const QMessageLogContext &, const QString &t
     std::fprintf(stderr, "%s\n", qPrintable(text));
 }
 
-bool isAllowed(const QString &warning)
-{
-    return std::any_of(std::begin(allowedWarnings), std::end(allowedWarnings),
-                       [&warning](const char *pattern) {
-                           const QRegularExpression exact(
-                               QRegularExpression::anchoredPattern(QLatin1String(pattern)));
-                           return exact.match(warning).hasMatch();
-                       });
-}
-
 class UnexpectedWarnings : public testing::EmptyTestEventListener
 {
     void OnTestStart(const testing::TestInfo &) override { takeMessages(); }
@@ -61,7 +36,7 @@ class UnexpectedWarnings : public testing::EmptyTestEventListener
     void OnTestEnd(const testing::TestInfo &) override
     {
         for (const QString &warning : takeWarnings()) {
-            if (!isAllowed(warning))
+            if (!isAllowedWarning(warning))
                 ADD_FAILURE() << "unexpected warning: " << qPrintable(warning);
         }
     }

@@ -13,6 +13,7 @@
 #include "host/files/output_folder.h"
 #include "host/pictures/compute_pictures.h"
 #include "host/session/session.h"
+#include "host/workbench/application.h"
 
 #include <QCommandLineParser>
 #include <QLoggingCategory>
@@ -183,6 +184,7 @@ int run(const QStringList &arguments)
         result.warnings += picturesLeftOut(request, result);
         pictures =
             writeComputePictures(files, request, result, steps.begin(QStringLiteral("drawing")));
+        static_cast<Application *>(QCoreApplication::instance())->throwCaught();
     }
     writeComputeTables(files, request, result, pictures, steps.watch());
     steps.end();

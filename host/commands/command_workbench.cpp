@@ -9,6 +9,7 @@
 #include "host/workbench/application.h"
 #include "host/workbench/main_window.h"
 #include "host/workbench/screen_fit.h"
+#include "host/workbench/stall_watch.h"
 #ifdef CORVANE_IMPORT
 #include "host/tour/guided_tour.h"
 #endif
@@ -50,6 +51,7 @@ int run(const QStringList &arguments)
 #endif
     new ScreenFit(window);
     window.show();
+    const StallWatch stalls;
     // With the event loop running: what goes wrong is told in windows.
     QTimer::singleShot(0, &window, [&] {
         window.loadPluginFolder(parser.isSet(plugins) ? parser.value(plugins)

@@ -11,7 +11,10 @@
 #include <QFileInfo>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <new>
+#include <system_error>
 #include <vector>
 
 namespace corvane
@@ -136,6 +139,27 @@ int runApplication(QStringList arguments, int &argc, char **argv)
     return hasNoCommand ? command->run(arguments) : run(arguments);
 }
 
+/// Without the help of anything that might ask for memory again.
+void tellOfMissingMemory()
+{
+    std::fputs("Corvane: there is not enough memory for this\n", stderr);
+}
+
+/// Memory may run out where no exception is let through, as in much of Qt.
+[[noreturn]] void endWithMessage()
+{
+    try {
+        if (const std::exception_ptr error = std::current_exception())
+            std::rethrow_exception(error);
+    } catch (const std::bad_alloc &) {
+        tellOfMissingMemory();
+        std::_Exit(BadInput);
+    } catch (...) {
+        // As it was.
+    }
+    std::abort();
+}
+
 /// Whatever goes wrong ends as one line and an exit status.
 int guardedRun(const Console &console, int &argc, char **argv)
 {
@@ -147,8 +171,10 @@ int guardedRun(const Console &console, int &argc, char **argv)
         return WrongUsage;
     } catch (const std::bad_alloc &) {
         waitIfEnding();
-        // Without the help of anything that might ask for memory again.
-        std::fputs("Corvane: there is not enough memory for this\n", stderr);
+        tellOfMissingMemory();
+    } catch (const std::system_error &error) {
+        const bool isThread = error.code() == std::errc::resource_unavailable_try_again;
+        printError({}, isThread ? "the system gives no further thread for this" : error.what());
     } catch (const std::exception &error) {
         printError({}, error.what());
     } catch (...) {
@@ -174,6 +200,7 @@ QString synopsisOf(const QString &command)
 
 int main(int argc, char **argv)
 {
+    std::set_terminate(corvane::endWithMessage);
     const corvane::Console console;
     corvane::surviveFullFiles();
     const int status = corvane::guardedRun(console, argc, argv);

@@ -265,7 +265,11 @@ ComputeResult loadRun(Session &session, const ComputeRequest &request, const Log
         throw HostFailure(log);
     workspace.linkedVtc()->file.requireIntact();
     const QStringList mismatched = checkedMismatches(request, workspace);
-    chooseNodes(subject, request, subject.voiCount(true), "VOI");
+    // They are read once more, and none are there when that fails.
+    const int vois = subject.voiCount(true);
+    if (workspace.vois() == nullptr)
+        throw HostFailure(log);
+    chooseNodes(subject, request, vois, "VOI");
 
     result.nodes = describeNodes(subject, *workspace.vois());
     result.repetitionTime = workspace.linkedVtc()->file.info().repetitionTime;

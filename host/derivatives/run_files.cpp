@@ -4,6 +4,7 @@
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
 #include "host/files/limits.h"
+#include "host/files/listing.h"
 
 #include <QDir>
 #include <QJsonDocument>
@@ -53,13 +54,6 @@ QString below(const QString &dataset, const QString &folder)
     return folder.isEmpty() ? dataset : QDir(dataset).filePath(folder);
 }
 
-/// The names of a folder, without a look at what they are.
-QStringList namesIn(const QString &folder, const QStringList &patterns)
-{
-    return QDir(folder).entryList(patterns, QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
-}
-
 std::vector<BidsName> parsed(const QStringList &names)
 {
     std::vector<BidsName> all;
@@ -71,7 +65,7 @@ std::vector<BidsName> parsed(const QStringList &names)
 
 ListedFolder listed(const QString &path)
 {
-    return {path, parsed(namesIn(path, {}))};
+    return {path, parsed(namesInFolder(path, {QStringLiteral("*")}, Listed::Everything))};
 }
 
 std::vector<BidsName> filesOf(const ListedFolder &folder, const QString &desc,
@@ -137,7 +131,8 @@ const std::vector<BidsName> &Sidecars::boldSidecars(const QString &folder)
     auto known = m_folders.find(folder);
     if (known == m_folders.end())
         known = m_folders.insert(
-            folder, parsed(namesIn(below(m_dataset, folder), {QStringLiteral("*bold.json")})));
+            folder, parsed(namesInFolder(below(m_dataset, folder), {QStringLiteral("*bold.json")},
+                                         Listed::Everything)));
     return *known;
 }
 

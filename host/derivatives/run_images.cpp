@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/derivatives/run_images.h"
 
+#include "host/files/listing.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -21,8 +23,7 @@ QStringList functionalFolders(const QString &dataset, const QString &participant
     const QString own = participantFolder(participant);
     QStringList parents{own};
     for (const QString &session :
-         QDir(QDir(dataset).filePath(own))
-             .entryList({QStringLiteral("ses-*")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+         namesInFolder(QDir(dataset).filePath(own), {QStringLiteral("ses-*")}, Listed::Folders))
         parents += own + QLatin1Char('/') + session;
     QStringList folders;
     for (const QString &parent : parents) {

@@ -3,6 +3,7 @@
 
 #include "host/derivatives/absent_runs.h"
 #include "host/files/input_error.h"
+#include "host/files/listing.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,6 +23,12 @@ void requireFolder(const QString &dataset)
                          info.exists() ? QStringLiteral("no folder")
                                        : QStringLiteral("nothing of this name"),
                          QStringLiteral("the folder of a dataset"));
+}
+
+/// What an error says, with places in the dataset named from there.
+QString withoutFolder(const InputError &error, const QString &dataset)
+{
+    return QString::fromUtf8(error.what()).replace(dataset + QLatin1Char('/'), QString());
 }
 
 void giveReason(StudyRun &run, const QString &reason)
@@ -90,8 +97,7 @@ void addRepetitionTime(const QString &dataset, const RunImage &image, Sidecars &
     try {
         run.repetitionTime = sidecars.repetitionTime(image.folder, image.name);
     } catch (const InputError &error) {
-        giveReason(run,
-                   QString::fromUtf8(error.what()).replace(dataset + QLatin1Char('/'), QString()));
+        giveReason(run, withoutFolder(error, dataset));
     }
 }
 
@@ -144,7 +150,12 @@ std::vector<StudyRun> rowsOf(const QString &dataset, const QString &participant,
     if (!hasParticipant(dataset, participant))
         return {
             absentRow(participant, QStringLiteral("no folder ") + participantFolder(participant))};
-    const std::vector<RunImage> images = runImages(dataset, participant);
+    std::vector<RunImage> images;
+    try {
+        images = runImages(dataset, participant);
+    } catch (const InputError &error) {
+        return {absentRow(participant, withoutFolder(error, dataset))};
+    }
     std::vector<RunImage> matching;
     std::copy_if(images.begin(), images.end(), std::back_inserter(matching),
                  [&](const RunImage &image) { return isAskedFor(image.name, filter, file); });
@@ -166,7 +177,7 @@ QStringList participantsOf(const QString &dataset)
     requireFolder(dataset);
     QStringList participants;
     for (const QString &folder :
-         QDir(dataset).entryList({QStringLiteral("sub-?*")}, QDir::Dirs, QDir::Name))
+         namesInFolder(dataset, {QStringLiteral("sub-?*")}, Listed::Folders))
         participants += folder.mid(4);
     return participants;
 }

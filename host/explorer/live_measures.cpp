@@ -33,12 +33,16 @@ try {
             values[m] = measures[m].withEffort(weights, effort);
         else if (measures[m].perNode != nullptr)
             values[m] = measures[m].perNode(weights);
-        else if (measures[m].perMatrix != nullptr && weights.rows() > 0)
+        else if (weights.rows() > 0)
             values[m] = Eigen::ArrayXf::Constant(1, measures[m].perMatrix(weights));
     }
 } catch (const nodalis::Ended &) {
     isEnded = true;
 }
+
+/// The mean of another measure, whose paths are not searched twice.
+const char *const globalEfficiency = "global_efficiency";
+const char *const nodalEfficiency = "nodal_global_efficiency";
 
 /// The measures that take longest first, so that the threads end together.
 std::vector<std::size_t> longestFirst(const std::vector<GraphMeasure> &measures)
@@ -46,7 +50,7 @@ std::vector<std::size_t> longestFirst(const std::vector<GraphMeasure> &measures)
     std::vector<std::size_t> order;
     for (const bool isLong : {true, false})
         for (std::size_t m = 0; m < measures.size(); ++m)
-            if (measures[m].isLong == isLong)
+            if (measures[m].isLong == isLong && qstrcmp(measures[m].column, globalEfficiency) != 0)
                 order.push_back(m);
     return order;
 }
@@ -70,8 +74,9 @@ NetworkMeasures measuresOf(const std::vector<NetworkEdge> &edges, const std::vec
     std::vector<Eigen::ArrayXf> values(measures.size());
     std::atomic<std::size_t> next{0};
     std::atomic<bool> isEnded{false};
-    std::future<void> other = std::async(
-        std::launch::async, [&] { computeSome(measures, weights, values, next, isEnded, goOn); });
+    // Where no thread is to be had it runs later in this one, and finds nothing left.
+    std::future<void> other =
+        std::async([&] { computeSome(measures, weights, values, next, isEnded, goOn); });
     computeSome(measures, weights, values, next, isEnded, goOn);
     other.get();
     if (isEnded)
@@ -87,6 +92,9 @@ NetworkMeasures measuresOf(const std::vector<NetworkEdge> &edges, const std::vec
         result.columns += QLatin1String(all[m].column);
         result.names += QString::fromUtf8(all[m].name);
     }
+    const auto column = [&](const char *name) {
+        return Index(result.columns.indexOf(QLatin1String(name)));
+    };
     for (std::size_t k = 0; k < order.size(); ++k) {
         const std::size_t m = order[k];
         if (values[k].size() == 0)
@@ -96,6 +104,7 @@ NetworkMeasures measuresOf(const std::vector<NetworkEdge> &edges, const std::vec
             for (std::size_t n = 0; n < nodes.size(); ++n)
                 result.nodes(nodes[n], Index(m)) = double(values[k][Index(n)]);
     }
+    result.whole[column(globalEfficiency)] = result.whole[column(nodalEfficiency)];
     return result;
 }
 

@@ -17,7 +17,9 @@ struct NetworkMeasures {
     QStringList columns;   ///< as tables name them
     QStringList names;     ///< for people
     Eigen::MatrixXd nodes; ///< nodes x those with a value per node
-    Eigen::ArrayXd whole;  ///< a value for each: of the network, else the mean over its nodes
+    /// A value for each: of the network, else the mean over its nodes. Global efficiency is the mean
+    /// of the nodal one.
+    Eigen::ArrayXd whole;
 };
 
 /// Asked between steps of the work; false ends it.

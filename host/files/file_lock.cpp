@@ -29,7 +29,7 @@ quint64 nextNumber()
     return ++number;
 }
 
-/// Unset when there is no such file.
+/// Unset when there is no such file, or it cannot be read.
 std::optional<QByteArray> textAt(const QString &path)
 {
     QFile file(path);
@@ -124,8 +124,12 @@ FileLock::FileLock(const QString &path, const QString &job, int restart)
 
 FileLock::~FileLock()
 {
-    // A machine that slept for long comes back to locks that are others' now.
-    if (m_file != nullptr && textAt(m_path) != m_own.text())
+    if (m_file == nullptr)
+        return;
+    // A machine that slept for long comes back to locks that are others' now. One that cannot be
+    // read for want of something is our own: it must not stay as long as this process.
+    const std::optional<QByteArray> text = textAt(m_path);
+    if (text && text != m_own.text())
         m_file->forget();
 }
 

@@ -30,6 +30,19 @@ void openInput(QFile &file)
         throw InputError(path, place, file.errorString(), expected);
 }
 
+std::optional<QByteArray> bytesIfThere(const QString &path)
+{
+    QFile file(path);
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    if (!isOpen && !QFileInfo::exists(path))
+        return std::nullopt;
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw InputError(path, QStringLiteral("reading"), file.errorString(),
+                         QStringLiteral("a readable file"));
+    return bytes;
+}
+
 InputFile::InputFile(const QString &path) : m_file(path)
 {
     openInput(m_file);

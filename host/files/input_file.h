@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QString>
 
+#include <optional>
+
 namespace corvane
 {
 
@@ -12,6 +14,10 @@ namespace corvane
 /// file, when it is a folder or a device, when it may not be read, and when it belongs to a set of
 /// files of which a command that was ended has put only some in their place.
 void openInput(QFile &file);
+
+/// All bytes of a small file of our own; unset when it is not there. Throws InputError when it is
+/// there and cannot be read, which is another thing.
+std::optional<QByteArray> bytesIfThere(const QString &path);
 
 /// A regular file, open for reading into memory.
 class InputFile

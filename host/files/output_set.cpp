@@ -5,6 +5,8 @@
 #include "host/files/file_system.h"
 #include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
+#include "host/files/input_file.h"
+#include "host/files/listing.h"
 #include "host/files/output_file.h"
 #include "host/files/output_record.h"
 
@@ -53,13 +55,13 @@ void writeList(const HiddenPath &hidden, const QString &writer, const QStringLis
 
 std::optional<SetList> readList(const QString &path)
 {
-    QFile file(path);
     QString base = QFileInfo(path).fileName();
     base.chop(ending.size());
     const std::optional<HiddenName> name = HiddenName::of(base);
-    if (!name || !path.endsWith(ending) || !file.open(QIODevice::ReadOnly))
+    const auto bytes = name ? bytesIfThere(path) : std::nullopt;
+    if (!bytes)
         return std::nullopt;
-    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject object = QJsonDocument::fromJson(*bytes).object();
     SetList list{path, *name, object[QStringLiteral("writer")].toString(), {}};
     for (const QJsonValue value : object[QStringLiteral("files")].toArray())
         list.files += QFileInfo(value.toString()).fileName();
@@ -69,10 +71,11 @@ std::optional<SetList> readList(const QString &path)
 /// The sets that are on their way into a folder: one, or none.
 std::vector<SetList> listsIn(const QString &folder)
 {
-    const QDir unfinished(unfinishedIn(folder));
+    const QString unfinished = unfinishedIn(folder);
     std::vector<SetList> lists;
-    for (const QString &file : unfinished.entryList(QDir::Files | QDir::Hidden))
-        if (const std::optional<SetList> list = readList(unfinished.filePath(file)))
+    for (const QString &file :
+         namesInFolder(unfinished, {QStringLiteral(".*") + ending}, Listed::Files))
+        if (const std::optional<SetList> list = readList(unfinished + QLatin1Char('/') + file))
             lists.push_back(*list);
     return lists;
 }
@@ -124,9 +127,10 @@ QStringList moveUp(HiddenPath &hidden, const QString &folder, const QString &wri
 {
     constexpr int longestWait = 60000;           // ms; others need a few
     constexpr int longestWaitWithoutList = 2000; // the list is the last to go
-    QDir inWork(hidden.path());
-    inWork.remove(QLatin1String(outputRecordName)); // of a command that this one made use of
-    const QStringList files = inWork.entryList(QDir::Files | QDir::Hidden);
+    QDir(hidden.path())
+        .remove(QLatin1String(outputRecordName)); // of a command that this one made use of
+    const QStringList files =
+        namesInFolder(hidden.path(), {QStringLiteral("*"), QStringLiteral(".*")}, Listed::Files);
     for (const QString &file : files)
         requireReplaceable(folder + QLatin1Char('/') + file);
     writeList(hidden, writer, files);

@@ -2,7 +2,6 @@
 #include "host/painting/brain_painting.h"
 
 #include "host/painting/category_colours.h"
-#include "host/painting/edge_layers.h"
 #include "host/painting/labels.h"
 #include "host/painting/picture_colours.h"
 
@@ -95,15 +94,17 @@ void paintPanel(QPainter &painter, const BrainLayout &layout, int panel,
     painter.drawPath(toPanel.map(picture.outlines[std::size_t(panel)]));
 
     if (picture.network.edges) {
-        const std::vector<RingEdge> &edges = *picture.network.edges;
-        paintInLayers(painter, area, edges.size(), [&](QPainter &layer, std::size_t n) {
-            const auto &from = picture.places[std::size_t(edges[n].from)];
-            const auto &to = picture.places[std::size_t(edges[n].to)];
+        std::vector<EdgeStroke> strokes;
+        for (const RingEdge &edge : *picture.network.edges) {
+            const auto &from = picture.places[std::size_t(edge.from)];
+            const auto &to = picture.places[std::size_t(edge.to)];
             if (!from || !to)
-                return;
-            layer.setPen(edgePen(edges[n].value, picture.network.limit, onDark));
-            layer.drawLine(layout.place(panel, *from), layout.place(panel, *to));
-        });
+                continue;
+            const QPointF start = layout.place(panel, *from);
+            const QPointF end = layout.place(panel, *to);
+            strokes.push_back({start, (start + end) / 2, end, edge.value});
+        }
+        paintStrokes(painter, area, strokes, picture.network.limit);
     }
     const std::vector<int> counts = edgesOfNodes(picture);
     const std::vector<int> networks = networksOf(picture.network);

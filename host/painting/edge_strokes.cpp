@@ -2,6 +2,8 @@
 #include "host/painting/edge_strokes.h"
 
 #include "host/painting/colour_map.h"
+#include "host/painting/line_pixels.h"
+#include "host/painting/picture_colours.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,12 +11,78 @@
 namespace corvane
 {
 
+namespace
+{
+
+bool hasPixels(const QPaintDevice &device)
+{
+    return device.devType() == QInternal::Image || device.devType() == QInternal::Pixmap;
+}
+
+void paintOnPixels(QPainter &painter, const QRectF &area, const std::vector<EdgeStroke> &strokes,
+                   double limit)
+{
+    const double ratio = painter.device()->devicePixelRatioF();
+    const QSize size(int(painter.device()->width() * ratio),
+                     int(painter.device()->height() * ratio));
+    const QRect pixels =
+        painter.deviceTransform().mapRect(area).toAlignedRect().adjusted(-2, -2, 2, 2) &
+        QRect(QPoint(0, 0), size);
+    if (pixels.isEmpty() || strokes.empty())
+        return;
+    const QTransform toPixels =
+        painter.deviceTransform() * QTransform::fromTranslate(-pixels.x(), -pixels.y());
+    const double scale = std::sqrt(std::abs(toPixels.determinant()));
+    const bool onDark = isDark(paperOf(painter));
+    std::vector<PixelLine> lines;
+    for (const EdgeStroke &stroke : strokes) {
+        const QPen pen = edgePen(stroke.value, limit, onDark);
+        lines.push_back({toPixels.map(stroke.from), toPixels.map(stroke.control),
+                         toPixels.map(stroke.to), scale * pen.widthF(), pen.color()});
+    }
+    QImage image(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    paintLines(image, lines);
+    image.setDevicePixelRatio(ratio);
+    painter.save();
+    painter.setWorldTransform({});
+    painter.drawImage(QPointF(pixels.topLeft()) / ratio, image);
+    painter.restore();
+}
+
+} // namespace
+
+QPainterPath strokePath(const EdgeStroke &stroke)
+{
+    QPainterPath path(stroke.from);
+    if (stroke.control == (stroke.from + stroke.to) / 2)
+        path.lineTo(stroke.to);
+    else
+        path.quadTo(stroke.control, stroke.to);
+    return path;
+}
+
 QPen edgePen(double value, double limit, bool onDark)
 {
     const double strength = limit > 0 ? std::min(std::abs(value) / limit, 1.0) : 0;
     QColor colour = divergingColour(std::copysign(0.4 + 0.6 * strength, value), 1, onDark);
     colour.setAlphaF(0.15 + 0.85 * strength);
     return {colour, 0.5 + 3 * strength};
+}
+
+void paintStrokes(QPainter &painter, const QRectF &area, const std::vector<EdgeStroke> &strokes,
+                  double limit)
+{
+    if (hasPixels(*painter.device())) {
+        paintOnPixels(painter, area, strokes, limit);
+        return;
+    }
+    const bool onDark = isDark(paperOf(painter));
+    painter.setBrush(Qt::NoBrush);
+    for (const EdgeStroke &stroke : strokes) {
+        painter.setPen(edgePen(stroke.value, limit, onDark));
+        painter.drawPath(strokePath(stroke));
+    }
 }
 
 } // namespace corvane

@@ -3,7 +3,6 @@
 
 #include "host/painting/category_colours.h"
 #include "host/painting/colour_map.h"
-#include "host/painting/edge_layers.h"
 #include "host/painting/group_bar.h"
 #include "host/painting/picture_colours.h"
 
@@ -78,17 +77,25 @@ private:
     std::vector<Entry> m_entries;
 };
 
+EdgeStroke strokeOf(const RingLayout &ring, const RingEdge &edge)
+{
+    const QPointF start = ring.place(edge.from, ring.radius);
+    const QPointF end = ring.place(edge.to, ring.radius);
+    // Neighbours are joined near the rim, opposite nodes through the middle.
+    const double apart = std::abs(edge.from - edge.to) / double(ring.nodes);
+    const double inward = 1 - 2 * std::min(apart, 1 - apart);
+    return {start, ring.centre + inward * ((start + end) / 2 - ring.centre), end, edge.value};
+}
+
 void paintEdges(QPainter &painter, const RingLayout &ring, const std::vector<RingEdge> &edges,
                 double limit)
 {
-    const bool onDark = isDark(paperOf(painter));
     const double reach = ring.radius + 4;
-    const QRectF round(ring.centre - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach));
-    paintInLayers(painter, round, edges.size(), [&](QPainter &layer, std::size_t n) {
-        layer.setBrush(Qt::NoBrush);
-        layer.setPen(edgePen(edges[n].value, limit, onDark));
-        layer.drawPath(ringEdgePath(ring, edges[n].from, edges[n].to));
-    });
+    std::vector<EdgeStroke> strokes;
+    for (const RingEdge &edge : edges)
+        strokes.push_back(strokeOf(ring, edge));
+    paintStrokes(painter, QRectF(ring.centre - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach)),
+                 strokes, limit);
 }
 
 void paintNodes(QPainter &painter, const RingLayout &ring)
@@ -218,14 +225,7 @@ int RingLayout::nodeAt(const QPointF &place) const
 
 QPainterPath ringEdgePath(const RingLayout &ring, int from, int to)
 {
-    const QPointF start = ring.place(from, ring.radius);
-    const QPointF end = ring.place(to, ring.radius);
-    QPainterPath path(start);
-    // Neighbours are joined near the rim, opposite nodes through the middle.
-    const double apart = std::abs(from - to) / double(ring.nodes);
-    const double inward = 1 - 2 * std::min(apart, 1 - apart);
-    path.quadTo(ring.centre + inward * ((start + end) / 2 - ring.centre), end);
-    return path;
+    return strokePath(strokeOf(ring, {from, to, 0}));
 }
 
 RingLayout ringLayout(const QPainter &painter, const QRectF &area, const NetworkPicture &picture)

@@ -3,6 +3,7 @@
 
 #include "host/files/input_error.h"
 #include "host/session/host_version.h"
+#include "host/session/library_file.h"
 #include "host/session/log.h"
 #include "host/session/session.h"
 #include "plugin/plugin_interface.h"
@@ -99,6 +100,9 @@ private:
 
 Plugin::Plugin(const QString &path) : m_path(path)
 {
+    const QString fault = libraryFault(path);
+    if (!fault.isEmpty())
+        throw PluginError(fault);
     QLibrary library(path);
     library.setLoadHints(QLibrary::PreventUnloadHint | QLibrary::ResolveAllSymbolsHint);
     if (!library.load())

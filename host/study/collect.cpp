@@ -2,6 +2,7 @@
 #include "host/study/collect.h"
 
 #include "host/files/input_error.h"
+#include "host/files/input_file.h"
 #include "host/files/output_file.h"
 #include "host/files/tsv_text.h"
 #include "host/study/study_folder.h"
@@ -23,9 +24,7 @@ namespace
 
 QJsonObject jsonAt(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object()
-                                          : QJsonObject();
+    return QJsonDocument::fromJson(bytesIfThere(path).value_or(QByteArray())).object();
 }
 
 /// Of the dataset's own description what is true of its derivative as well.
@@ -127,8 +126,7 @@ void writeDescription(const QString &out, const QString &dataset, const Tell &te
     const QByteArray text = descriptionText(out, dataset);
     const auto lock = lockStudy(out, tell);
     requireOwnDescription(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.readAll() != text)
+    if (bytesIfThere(path) != text)
         writeFile(path, text);
 }
 

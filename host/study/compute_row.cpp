@@ -2,6 +2,7 @@
 #include "host/study/compute_row.h"
 
 #include "host/files/input_error.h"
+#include "host/files/listing.h"
 #include "host/files/output_file.h"
 #include "host/files/process_identity.h"
 #include "host/report/run_page.h"
@@ -55,7 +56,7 @@ void makeRow(const StudyRow &row, const StudySettings &settings, RowRecord &reco
     completeStamps(row, settings.dataset, record.inputs);
     record.ledger = ledgerJson(connectome.cleaning.design.ledger);
     record.notes = connectome.notes;
-    record.outputs = QDir(folder.path()).entryList(QDir::Files, QDir::Name);
+    record.outputs = namesInFolder(folder.path(), {QStringLiteral("*")}, Listed::Files);
     // Of two sets of files the record of neither may stand while they change.
     QFile::remove(recordPath(settings.out, row.name));
     record.notes += folder.commit();

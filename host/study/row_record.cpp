@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/study/row_record.h"
 
+#include "host/files/input_file.h"
+#include "host/files/listing.h"
 #include "host/files/output_file.h"
 
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -102,10 +103,10 @@ void writeRecord(const QString &out, const RowRecord &record)
 
 std::optional<RowRecord> readRecord(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    const auto bytes = bytesIfThere(path);
+    if (!bytes)
         return std::nullopt;
-    const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject json = QJsonDocument::fromJson(*bytes).object();
     if (json[QStringLiteral("format")].toString() != formatName ||
         json[QStringLiteral("version")].toInt() != 1)
         return std::nullopt;
@@ -117,13 +118,13 @@ std::vector<RowRecord> recordsOf(const QString &out, const QString &participantF
     const QDir participant(out + QLatin1Char('/') + participantFolder);
     QStringList folders{QString(), QStringLiteral("func")};
     for (const QString &session :
-         participant.entryList({QStringLiteral("ses-*")}, QDir::Dirs, QDir::Name))
+         namesInFolder(participant.path(), {QStringLiteral("ses-*")}, Listed::Folders))
         folders += session + QStringLiteral("/func");
     std::vector<RowRecord> records;
     for (const QString &folder : qAsConst(folders)) {
         const QDir place(participant.filePath(folder));
         for (const QString &name :
-             place.entryList({QStringLiteral(".corvane-row-*.json")}, QDir::Files | QDir::Hidden))
+             namesInFolder(place.path(), {QStringLiteral(".corvane-row-*.json")}, Listed::Files))
             if (const auto record = readRecord(place.filePath(name)))
                 records.push_back(*record);
     }

@@ -3,6 +3,7 @@
 
 #include "host/files/file_system.h"
 #include "host/files/input_error.h"
+#include "host/files/listing.h"
 #include "host/study/slurm_job.h"
 
 #include <QDir>
@@ -34,7 +35,7 @@ void tidyStudyFolder(const QString &path)
 
 QStringList participantFolders(const QString &out)
 {
-    return QDir(out).entryList({QStringLiteral("sub-*")}, QDir::Dirs, QDir::Name);
+    return namesInFolder(out, {QStringLiteral("sub-*")}, Listed::Folders);
 }
 
 std::unique_ptr<FileLock> lockStudy(const QString &out,

@@ -2,11 +2,11 @@
 #include "host/study/study_pages.h"
 
 #include "host/derivatives/run_images.h"
+#include "host/files/input_file.h"
 #include "host/files/output_file.h"
 #include "host/report/study_page.h"
 #include "host/study/compute_row.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -44,8 +44,7 @@ ReportedRun reportedRun(const KnownRow &row)
 
 void writeChanged(const QString &path, const QByteArray &bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.readAll() != bytes)
+    if (bytesIfThere(path) != bytes)
         writeFile(path, bytes);
 }
 
@@ -56,10 +55,10 @@ QString subjectPageName(const QString &participantFolder)
 
 QString titleOf(const QString &out)
 {
-    QFile file(out + QStringLiteral("/dataset_description.json"));
-    return file.open(QIODevice::ReadOnly)
-               ? QJsonDocument::fromJson(file.readAll()).object()[QStringLiteral("Name")].toString()
-               : QString();
+    const auto bytes = bytesIfThere(out + QStringLiteral("/dataset_description.json"));
+    return QJsonDocument::fromJson(bytes.value_or(QByteArray()))
+        .object()[QStringLiteral("Name")]
+        .toString();
 }
 
 std::vector<std::pair<QString, QString>> settingsOf(const QJsonObject &options)

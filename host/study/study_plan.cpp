@@ -2,6 +2,7 @@
 #include "host/study/study_plan.h"
 
 #include "host/derivatives/run_images.h"
+#include "host/files/input_file.h"
 #include "host/files/output_file.h"
 #include "host/study/study_folder.h"
 
@@ -27,8 +28,7 @@ QString planPath(const QString &out, const QString &folder)
 
 QByteArray bytesAt(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return bytesIfThere(path).value_or(QByteArray());
 }
 
 QByteArray planText(const std::vector<StudyRow> &rows, const StudySettings &settings)

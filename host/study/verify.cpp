@@ -2,13 +2,14 @@
 #include "host/study/verify.h"
 
 #include "host/files/input_error.h"
+#include "host/files/input_file.h"
+#include "host/files/listing.h"
 #include "host/files/scratch_folder.h"
 #include "host/study/compute_row.h"
 #include "host/study/row_state.h"
 #include "host/study/study_folder.h"
 
 #include <QDir>
-#include <QFile>
 #include <QHash>
 
 namespace corvane
@@ -51,27 +52,19 @@ StudyRow rowOf(const RowRecord &record, const RequestMaker &requestOf)
     return row;
 }
 
-std::optional<QByteArray> bytesAt(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.readAll();
-}
-
 /// What is not the same, one line each.
 QStringList differences(const QDir &made, const RowRecord &record, const QString &place)
 {
     QStringList lines;
-    QStringList names = made.entryList(QDir::Files, QDir::Name);
+    QStringList names = namesInFolder(made.path(), {QStringLiteral("*")}, Listed::Files);
     for (const QString &name : record.outputs)
         if (!names.contains(name))
             lines += name + QStringLiteral(": is not made any more");
     for (const QString &name : names) {
-        const auto there = bytesAt(place + QLatin1Char('/') + name);
+        const auto there = bytesIfThere(place + QLatin1Char('/') + name);
         if (!there)
             lines += name + QStringLiteral(": is not there");
-        else if (there != bytesAt(made.filePath(name)))
+        else if (there != bytesIfThere(made.filePath(name)))
             lines += name + QStringLiteral(": differs");
     }
     return lines;

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 namespace corvane
 {
@@ -47,11 +48,19 @@ bool Application::notify(QObject *receiver, QEvent *event)
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::exception &error) {
+        m_caught = std::current_exception();
         report(name, QString::fromUtf8(error.what()));
     } catch (...) {
+        m_caught = std::current_exception();
         report(name, QStringLiteral("an error that does not say what it is"));
     }
     return false;
+}
+
+void Application::throwCaught()
+{
+    if (m_caught)
+        std::rethrow_exception(std::exchange(m_caught, nullptr));
 }
 
 std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv, bool canBeWatched)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QApplication>
+#include <exception>
 #include <memory>
 
 namespace corvane
@@ -16,6 +17,13 @@ public:
     Application(int &argc, char **argv);
 
     bool notify(QObject *receiver, QEvent *event) override;
+
+    /// Throws what has been caught last, if anything has: for a command, whose pictures of windows
+    /// must be whole.
+    void throwCaught();
+
+private:
+    std::exception_ptr m_caught;
 };
 
 /// Whether windows can be opened: the environment names a display, where that is needed

@@ -2,34 +2,27 @@
 #include "host/workbench/main_window.h"
 
 #include "dataset/scoped_dialog.h"
-#include "host/files/file_kind.h"
-#include "host/files/input_error.h"
-#include "host/session/host_version.h"
 #include "host/session/log.h"
 #include "host/session/session.h"
-#include "host/workbench/before_cleaning.h"
+#include "host/workbench/about_box.h"
+#include "host/workbench/course_pane.h"
 #include "host/workbench/document_tabs.h"
 #include "host/workbench/dropped_files.h"
 #include "host/workbench/file_names.h"
+#include "host/workbench/file_opener.h"
 #include "host/workbench/guide.h"
 #include "host/workbench/key_list.h"
 #include "host/workbench/log_pane.h"
+#include "host/workbench/message_boxes.h"
 #include "host/workbench/recent_files.h"
 #include "host/workbench/run_pane.h"
-#include "host/workbench/time_course_reader.h"
-#include "host/workbench/time_course_view.h"
-#include "host/workbench/user_folder.h"
 #include "host/workbench/voi_list.h"
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
 #include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
-#include "host/import/given_files.h"
-#include "host/workbench/example_files.h"
-#include "host/workbench/import_dialog.h"
 #include "host/workbench/result_opener.h"
-#include "host/workbench/runs_dialog.h"
 #include "host/workbench/study_window.h"
 #endif
 
@@ -67,39 +60,9 @@ const QString neurologicalKey = QStringLiteral("view/neurological");
 /// An object of a plugin that holds results which exist nowhere else has this property: their name.
 constexpr auto unsavedResults = "unsavedResults";
 
-/// The cursor of a program at work, while it lives.
-class BusyCursor
-{
-public:
-    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
-    BusyCursor(const BusyCursor &) = delete;
-    BusyCursor &operator=(const BusyCursor &) = delete;
-};
-
-/// Files that are opened together: a run is linked to the anatomy that comes with it, and takes the
-/// place of the protocol from before.
-int turnOf(const QString &path)
-{
-    const FileKind kind = fileKind(path);
-    if (kind == FileKind::Vtc)
-        return 1;
-    return kind == FileKind::Voi || kind == FileKind::Prt ? 2 : 0;
-}
-
 QString menuText(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
-/// A window of this program that keeps above all others, null without one.
-QWidget *windowOnTop()
-{
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto found = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
-        return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
-    });
-    return found != windows.end() ? *found : nullptr;
 }
 
 } // namespace
@@ -107,8 +70,8 @@ QWidget *windowOnTop()
 MainWindow::MainWindow(Session &session, QWidget *parent)
     : QMainWindow(parent), m_workspace(session.workspace()),
       m_buttons(std::make_unique<WindowButtonStyle>()), m_log(new LogPane(session, this)),
-      m_vois(new VoiList(this)), m_run(new RunPane(this)), m_reader(new TimeCourseReader(this)),
-      m_voiReader(new TimeCourseReader(this))
+      m_vois(new VoiList(this)), m_run(new RunPane(this)), m_recent(new RecentFilesMenu(this)),
+      m_files(new FileOpener(m_workspace, *m_recent, this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
@@ -131,7 +94,10 @@ MainWindow::MainWindow(Session &session, QWidget *parent)
     m_refreshSoon.setSingleShot(true);
     connect(&m_refreshSoon, &QTimer::timeout, this, &MainWindow::refresh);
     connect(&m_workspace, &Workspace::changed, &m_refreshSoon, [this] { m_refreshSoon.start(0); });
-    connect(&session, &Session::messageShown, this, &MainWindow::showBox);
+    connect(&session, &Session::messageShown, this,
+            [this](const QString &text) { showInBox(this, text); });
+    connect(m_files, &FileOpener::opened, this, &MainWindow::refresh);
+    connect(m_files, &FileOpener::failed, this, &MainWindow::showMessageBox);
     connect(&m_fileWatch, &QTimer::timeout, this, &MainWindow::closeShortened);
     m_fileWatch.start(1000);
     refresh();
@@ -168,18 +134,18 @@ QWidget *MainWindow::makeWelcome()
     auto *const buttons = new QWidget;
     buttons->setMinimumWidth(280);
     auto *const column = new QVBoxLayout(buttons);
-    const auto addButton = [&](const QString &label, const char *name, void (MainWindow::*act)()) {
+    const auto addButton = [&](const QString &label, const char *name, void (FileOpener::*act)()) {
         auto *const button = new QPushButton(label);
         button->setObjectName(QString::fromLatin1(name));
-        connect(button, &QPushButton::clicked, this, act);
+        connect(button, &QPushButton::clicked, m_files, act);
         column->addWidget(button);
         return button;
     };
-    m_welcomeOpen = addButton(tr("&Open..."), "welcomeOpen", &MainWindow::chooseFiles);
+    m_welcomeOpen = addButton(tr("&Open..."), "welcomeOpen", &FileOpener::choose);
 #ifdef CORVANE_IMPORT
-    addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &MainWindow::importFiles);
-    addButton(tr("Import a Pipe&line's Folder..."), "welcomeFolder", &MainWindow::chooseDataset);
-    addButton(tr("Open the &Example Dataset"), "welcomeExample", &MainWindow::openExample);
+    addButton(tr("&Import Scans, Atlas and Events..."), "welcomeImport", &FileOpener::importFiles);
+    addButton(tr("Import a Pipe&line's Folder..."), "welcomeFolder", &FileOpener::chooseDataset);
+    addButton(tr("Open the &Example Dataset"), "welcomeExample", &FileOpener::openExample);
 #endif
     layout->addStretch();
     layout->addWidget(text);
@@ -193,29 +159,16 @@ QWidget *MainWindow::makeVolumePage()
     m_parts = new QSplitter(Qt::Vertical);
     m_parts->setObjectName(QStringLiteral("volumeSplitter"));
     m_volume = new VolumeView;
-    m_timeCourse = new TimeCourseView;
+    m_course = new CoursePane(m_workspace);
     m_parts->addWidget(m_volume);
-    m_before = new BeforeCleaning;
-    auto *const course = new QWidget;
-    auto *const rows = new QVBoxLayout(course);
-    rows->setContentsMargins(0, 0, 0, 0);
-    m_courseName = new QLabel;
-    m_courseName->setObjectName(QStringLiteral("courseName"));
-    m_courseName->setTextFormat(Qt::PlainText);
-    m_courseName->setIndent(4);
-    m_courseName->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    rows->addWidget(m_courseName);
-    rows->addWidget(m_timeCourse, 1);
-    rows->addWidget(m_before);
-    m_parts->addWidget(course);
-    connect(m_before, &QCheckBox::toggled, this, &MainWindow::showTimeCourse);
+    m_parts->addWidget(m_course);
     m_parts->setStretchFactor(0, 1);
     m_parts->setChildrenCollapsible(false);
-    connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showTimeCourse);
+    connect(m_volume, &VolumeView::crossMoved, this, &MainWindow::showCourse);
     connect(m_vois, &VoiList::jumped, m_volume, &VolumeView::setCross);
     connect(m_vois, &VoiList::overlayChanged, this,
             [this] { m_volume->setVois(m_vois->overlay(), m_vois->names(), m_vois->opacity()); });
-    connect(m_vois, &VoiList::chosenChanged, this, &MainWindow::readVoiCourse);
+    connect(m_vois, &VoiList::chosenChanged, this, &MainWindow::showVoiCourse);
     connect(m_run, &RunPane::overlayChanged, this,
             [this] { m_volume->setRun(m_run->overlay(), m_run->opacity()); });
     return m_parts;
@@ -224,20 +177,17 @@ QWidget *MainWindow::makeVolumePage()
 void MainWindow::makeFileMenu()
 {
     QMenu *const menu = menuBar()->addMenu(tr("&File"));
-    QAction *const open = menu->addAction(tr("&Open..."), this, &MainWindow::chooseFiles);
+    QAction *const open = menu->addAction(tr("&Open..."), m_files, &FileOpener::choose);
     open->setShortcut(QKeySequence::Open);
-    m_recent = new RecentFilesMenu(this);
-    connect(m_recent, &RecentFilesMenu::chosen, this,
-            [this](const QStringList &files) { openFiles(files); });
     menu->addMenu(m_recent);
     menu->addSeparator();
 #ifdef CORVANE_IMPORT
-    QAction *const import = menu->addAction(tr("&Import..."), this, &MainWindow::importFiles);
+    QAction *const import = menu->addAction(tr("&Import..."), m_files, &FileOpener::importFiles);
     import->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
     QAction *const folder =
-        menu->addAction(tr("Import &Folder..."), this, &MainWindow::chooseDataset);
+        menu->addAction(tr("Import &Folder..."), m_files, &FileOpener::chooseDataset);
     folder->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
-    menu->addAction(tr("Open &Example Dataset"), this, &MainWindow::openExample);
+    menu->addAction(tr("Open &Example Dataset"), m_files, &FileOpener::openExample);
     menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
     makeResults();
     menu->addAction(tr("Open &Result..."), m_results, &ResultOpener::choose);
@@ -371,7 +321,8 @@ void MainWindow::makeHelpMenu()
     qApp->installEventFilter(helpKey);
     m_helpMenu->addAction(tr("&Keys"), this, &MainWindow::showKeys);
     m_helpMenu->addSeparator();
-    QAction *const action = m_helpMenu->addAction(tr("&About Corvane"), this, &MainWindow::about);
+    QAction *const action =
+        m_helpMenu->addAction(tr("&About Corvane"), this, [this] { showAbout(this); });
     action->setMenuRole(QAction::AboutRole);
 }
 
@@ -404,11 +355,11 @@ void MainWindow::refresh()
     if (const Vmr *const vmr = m_workspace.currentVmr())
         m_volume->showVolume(current, *vmr);
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
-    m_before->setRun(vtc != nullptr ? &vtc->file : nullptr);
+    m_course->refresh();
     m_run->setRun(vtc != nullptr ? &vtc->file : nullptr);
-    readVoiCourse();
+    showVoiCourse();
     showPage(isOpen ? VolumePage : WelcomePage);
-    showTimeCourse();
+    showCourse();
     setWindowFilePath(isOpen ? m_workspace.documentPath(current) : QString());
     showNames();
     askAboutMismatches();
@@ -430,12 +381,6 @@ void MainWindow::showNames()
                                ? tr("Volumes of Interest")
                                : tr("VOIs: %1").arg(namesTogether({m_workspace.voiPath()})));
     m_vois->toggleViewAction()->setText(tr("&Volumes of Interest")); // else it has the title
-    m_courseName->setText(
-        protocol.isEmpty()
-            ? namesTogether({run})
-            : tr("%1, protocol %2").arg(namesTogether({run}), namesTogether({protocol})));
-    m_courseName->setToolTip(vtc != nullptr ? asToolTip(vtc->file.path()) : QString());
-    m_courseName->setVisible(vtc != nullptr);
 }
 
 /// Files of different subjects or spaces are kept only when the user says so. Plugins load files
@@ -454,8 +399,8 @@ void MainWindow::askAboutMismatches()
         logText(mismatch.text());
         const bool isVois = mismatch.file == m_workspace.voiPath();
         m_isAsking = true;
-        const bool keeps =
-            askUser(tr("%1.\n\nUse it all the same? \"No\" closes it.").arg(mismatch.text()));
+        const bool keeps = askInBox(
+            this, tr("%1.\n\nUse it all the same? \"No\" closes it.").arg(mismatch.text()));
         m_isAsking = false;
         if (keeps) {
             m_mismatches += mismatch.text();
@@ -489,243 +434,23 @@ void MainWindow::showPage(Page page)
         m_welcomeOpen->setFocus();
 }
 
-void MainWindow::showTimeCourse()
+void MainWindow::showCourse()
 {
-    TimeCourseScene scene;
-    // Intervals in another unit than volumes have no place on this axis.
-    const LoadedProtocol *const protocol = m_workspace.protocol();
-    if (protocol != nullptr && protocol->prt.timeUnit == 1)
-        scene.conditions = protocol->prt.conditions;
-    const LinkedVtc *const vtc = m_workspace.linkedVtc();
-    if (vtc == nullptr) {
-        m_reader->forget();
-        m_before->forget();
-        scene.hint = tr("No functional run is linked to this anatomy. Open a .vtc file to see the "
-                        "time course at the cross-hair.");
-        m_timeCourse->show(std::move(scene));
-        return;
-    }
-    scene.repetitionTime = vtc->file.info().repetitionTime;
-    scene.voi = m_voiCourse;
-    scene.hint = tr("The cross-hair lies outside the functional run.");
-    if (vtc->file.info().cleaning)
-        scene.cleaning = ledgerText(*vtc->file.info().cleaning);
-    // What is shown stays until the samples are there; the course before the cleaning follows.
-    const CubeVoxel cross = m_volume->scene().cross;
-    m_before->forget();
-    m_reader->ask(
-        vtc->file, cross,
-        [this, cross, scene = std::move(scene)](const TimeCourseReader::Samples &samples) {
-            TimeCourseScene complete = scene;
-            complete.samples = samples;
-            complete.voi = m_voiCourse; // it may have come in the meantime
-            m_timeCourse->show(complete);
-            m_before->ask(cross, [this, complete](const TimeCourseReader::Samples &before) {
-                TimeCourseScene both = complete;
-                both.before = before;
-                both.voi = m_voiCourse;
-                m_timeCourse->show(std::move(both));
-            });
-        });
+    m_course->showAt(m_volume->scene().cross);
 }
 
-/// The mean course of the chosen VOI; what is shown stays until it is there.
-void MainWindow::readVoiCourse()
+void MainWindow::showVoiCourse()
 {
-    const LinkedVtc *const vtc = m_workspace.linkedVtc();
     const std::optional<std::size_t> chosen = m_vois->chosen();
-    const auto take = [this](const VoiCourse &course) {
-        m_voiCourse = course;
-        TimeCourseScene scene = m_timeCourse->scene();
-        scene.voi = course;
-        m_timeCourse->show(std::move(scene));
-    };
-    if (vtc == nullptr || !chosen) {
-        m_voiReader->forget();
-        take({});
-        return;
-    }
-    const VoiSet &set = m_vois->vois();
-    const Voi &voi = set.vois[*chosen];
-    std::vector<CubeVoxel> voxels;
-    voxels.reserve(voi.voxels.size());
-    for (const auto &voxel : voi.voxels)
-        voxels.push_back(cubeVoxel(set, voxel));
-    const VoiCourse course{voi.name, QColor(voi.r, voi.g, voi.b), {}};
-    m_voiReader->ask(
-        [vtc = vtc->file, voxels = std::move(voxels)](const std::atomic<bool> &isOutdated) {
-            return meanCourseOf(vtc, voxels, isOutdated);
-        },
-        [take, course](const TimeCourseReader::Samples &samples) {
-            take({course.name, course.colour, samples});
-        });
-}
-
-void MainWindow::open(const QString &path)
-{
-    switch (fileKind(path)) {
-    case FileKind::Vtc:
-        m_workspace.linkVtc(path);
-        break;
-    case FileKind::Voi:
-        m_workspace.loadVois(path);
-        break;
-    case FileKind::Prt:
-        m_workspace.loadProtocol(path);
-        break;
-    default:
-        m_workspace.openVmr(path);
-    }
+    m_course->showVoi(chosen ? &m_vois->vois() : nullptr, chosen.value_or(0));
 }
 
 void MainWindow::openFiles(const QStringList &paths)
 {
-    QStringList faults;
-#ifdef CORVANE_IMPORT
-    const GivenFiles given = sortGivenFiles(paths);
-    faults = given.faults + openNow(given.toOpen);
-    std::vector<ImportRequest> requests;
-    if (!given.toImport.isEmpty()) {
-        rememberUserFolder(given.toImport.front());
-        requests = requestsOf(given.toImport, faults);
-    }
-#else
-    faults = openNow(paths);
-#endif
-    if (!faults.isEmpty())
-        showMessageBox(faults.join(QLatin1Char('\n')));
-#ifdef CORVANE_IMPORT
-    if (!given.dataset.isEmpty())
-        importDataset(given.dataset, given.participants);
-    if (requests.size() == 1)
-        importRequest(requests.front());
-    else if (!requests.empty())
-        importRuns(tr("Files that were opened together"), runsOfRequests(requests));
-#endif
-}
-
-QStringList MainWindow::openNow(const QStringList &paths)
-{
-    QStringList sorted = paths;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const QString &left, const QString &right) {
-        return turnOf(left) < turnOf(right);
-    });
-    QStringList faults;
-    {
-        const BusyCursor busy;
-        for (const QString &path : qAsConst(sorted)) {
-            try {
-                open(path);
-                rememberOpened(path);
-                logText(tr("Opened %1.").arg(QFileInfo(path).fileName()));
-            } catch (const InputError &error) {
-                faults += QString::fromUtf8(error.what());
-            } catch (const std::bad_alloc &) {
-                faults += tr("%1: there is not enough memory to open it").arg(path);
-            }
-        }
-    }
-    // Where the dialogs of plugins begin, which ask for the same files once more.
-    if (!sorted.isEmpty()) {
-        QFileDialog().setDirectory(QFileInfo(sorted.front()).absolutePath());
-        rememberUserFolder(sorted.front());
-    }
-    refresh();
-    return faults;
-}
-
-/// Recent are whole subjects: an anatomy with what was opened on it.
-void MainWindow::rememberOpened(const QString &path)
-{
-    QStringList &files = m_subjects[m_workspace.currentDocument()];
-    const FileKind kind = fileKind(path);
-    const bool isAnatomy = turnOf(path) == 0;
-    if (isAnatomy)
-        files.clear();
-    files.erase(std::remove_if(files.begin(), files.end(),
-                               [&](const QString &file) { return fileKind(file) == kind; }),
-                files.end());
-    files += path;
-    m_recent->add(files);
-}
-
-void MainWindow::chooseFiles()
-{
-    const QStringList paths = QFileDialog::getOpenFileNames(
-        this, tr("Open"), userFolder(),
-        QStringList{fileFilter(tr("All files of this program"),
-                               {FileKind::Vmr, FileKind::Vtc, FileKind::Voi, FileKind::Prt,
-                                FileKind::Nifti, FileKind::Nrrd, FileKind::Table}),
-                    fileFilter(tr("Anatomies"), {FileKind::Vmr, FileKind::Nifti, FileKind::Nrrd}),
-                    fileFilter(tr("Time courses"), {FileKind::Vtc}),
-                    fileFilter(tr("Volumes of interest"), {FileKind::Voi}),
-                    fileFilter(tr("Protocols"), {FileKind::Prt}), tr("All files (*)")}
-            .join(QStringLiteral(";;")));
-    if (paths.isEmpty())
-        return;
-    rememberUserFolder(paths.front());
-    openFiles(paths);
+    m_files->open(paths);
 }
 
 #ifdef CORVANE_IMPORT
-void MainWindow::importFiles()
-{
-    importRequest({});
-}
-
-/// The import, with its fields filled as far as the request goes.
-void MainWindow::importRequest(const ImportRequest &request)
-{
-    const ScopedDialog dialog(new ImportDialog(this));
-    dialog->setAttribute(Qt::WA_DeleteOnClose, false);
-    dialog->setFiles(request);
-    if (dialog->exec() == QDialog::Accepted && dialog)
-        openImported(dialog->importedFiles());
-}
-
-/// Dialogs go on where the scans are, not where their import has put its files.
-void MainWindow::openImported(const QStringList &files)
-{
-    const QString folder = userFolder();
-    openFiles(files);
-    rememberUserFolder(folder);
-}
-
-/// The first of the runs that were imported is shown, all are among the recent ones.
-void MainWindow::importRuns(const QString &what, std::vector<BidsImport> runs)
-{
-    const ScopedDialog dialog(new RunsDialog(what, std::move(runs), this));
-    if (dialog->exec() != QDialog::Accepted || !dialog)
-        return;
-    const std::vector<QStringList> imported = dialog->imported();
-    for (auto files = imported.rbegin(); files != imported.rend(); ++files)
-        m_recent->add(*files);
-    openImported(imported.front());
-}
-
-void MainWindow::importDataset(const QString &dataset, const QStringList &participants)
-{
-    std::vector<BidsImport> runs;
-    try {
-        const BusyCursor busy;
-        runs = runsOfDataset(dataset, participants);
-    } catch (const InputError &error) {
-        showMessageBox(QString::fromUtf8(error.what()));
-        return;
-    }
-    importRuns(dataset, std::move(runs));
-}
-
-void MainWindow::chooseDataset()
-{
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Import Folder"), userFolder());
-    if (folder.isEmpty())
-        return;
-    rememberUserFolder(folder);
-    openFiles({folder});
-}
-
 /// The node that is selected in a connectome window is where the cross-hair goes.
 void MainWindow::makeResults()
 {
@@ -754,12 +479,6 @@ void MainWindow::openStudy()
     m_study->activateWindow();
 }
 
-void MainWindow::openExample()
-{
-    const QString folder = exampleFolder(this);
-    if (!folder.isEmpty())
-        openFiles(exampleFiles(folder));
-}
 #endif
 
 void MainWindow::closeDocument()
@@ -836,46 +555,13 @@ void MainWindow::start(Plugin &plugin)
 void MainWindow::showMessageBox(const QString &text)
 {
     logText(text);
-    showBox(text);
-}
-
-void MainWindow::showBox(const QString &text)
-{
-    QWidget *const onTop = windowOnTop();
-    // Right after a dialog has closed no window is active.
-    QWidget *parent = QApplication::activeWindow();
-    if (parent == nullptr)
-        parent = onTop != nullptr ? onTop : this;
-    // The window of a plugin may end while the box stands over it, and take it along.
-    const ScopedDialog box(new QMessageBox(QMessageBox::Information, QStringLiteral("Corvane"),
-                                           text, QMessageBox::Ok, parent));
-    box->setTextFormat(Qt::PlainText);
-    // Behind such a window nobody would see that the program waits.
-    if (onTop != nullptr)
-        box->setWindowFlag(Qt::WindowStaysOnTopHint);
-    box->exec();
+    showInBox(this, text);
 }
 
 void MainWindow::showKeys()
 {
     const ScopedDialog keys(new KeyList(*menuBar(), this));
     keys->exec();
-}
-
-/// A question over the active window; "No" unless the user says yes.
-bool MainWindow::askUser(const QString &text)
-{
-    QWidget *const onTop = windowOnTop();
-    QWidget *parent = QApplication::activeWindow();
-    if (parent == nullptr)
-        parent = onTop != nullptr ? onTop : this;
-    const ScopedDialog box(new QMessageBox(QMessageBox::Warning, QStringLiteral("Corvane"), text,
-                                           QMessageBox::Yes | QMessageBox::No, parent));
-    box->setDefaultButton(QMessageBox::No);
-    box->setTextFormat(Qt::PlainText);
-    if (onTop != nullptr)
-        box->setWindowFlag(Qt::WindowStaysOnTopHint);
-    return box->exec() == QMessageBox::Yes;
 }
 
 /// One question for all results that exist nowhere else.
@@ -890,35 +576,8 @@ bool MainWindow::mayLoseResults()
         }
     names.removeDuplicates(); // a window may be a part of another one
     return names.isEmpty() ||
-           askUser(tr("Results that exist nowhere else are open: %1.\n\nQuit all the same?")
-                       .arg(names.join(QStringLiteral(", "))));
-}
-
-void MainWindow::about()
-{
-    const auto page = [](const char *name, const QString &text) {
-        const QString file =
-            QDir(guideFolder()).filePath(QString::fromLatin1(name) + QStringLiteral(".html"));
-        return QStringLiteral("<a href=\"%1\">%2</a>")
-            .arg(QString::fromLatin1(QUrl::fromLocalFile(file).toEncoded()), text);
-    };
-    QMessageBox::about(
-        this, tr("About Corvane"),
-        tr("<h3>Corvane %1</h3><p>An open host for plugins that analyse functional MRI data, "
-           "of Tessera %2.</p><p>%3</p><p>Free software under the <a "
-           "href=\"https://www.gnu.org/licenses/gpl-3.0.html\">GNU General Public License</a>, "
-           "version 3 or later. A tool for research, not meant for diagnosis.</p>")
-            .arg(QStringLiteral("%1.%2.%3")
-                     .arg(hostVersion[0])
-                     .arg(hostVersion[1])
-                     .arg(hostVersion[2]),
-                 QStringLiteral(TESSERA_VERSION),
-                 QStringList{page("users-guide", tr("User's guide")),
-                             page("graph-measures", tr("Measures")),
-                             page("cleaning", tr("Cleaning")),
-                             page("statistics", tr("Group statistics")),
-                             page("file-formats", tr("File formats"))}
-                     .join(QStringLiteral(" \u00b7 "))));
+           askInBox(this, tr("Results that exist nowhere else are open: %1.\n\nQuit all the same?")
+                              .arg(names.join(QStringLiteral(", "))));
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -2,14 +2,11 @@
 #pragma once
 
 #include "host/session/plugin_loader.h"
-#include "host/workbench/time_course_view.h"
 
-#include <QHash>
 #include <QMainWindow>
 #include <QTimer>
 #include <vector>
 
-class QLabel;
 class QPushButton;
 class QSplitter;
 class QStackedWidget;
@@ -17,17 +14,15 @@ class QStackedWidget;
 namespace corvane
 {
 
+class CoursePane;
 class DocumentTabs;
+class FileOpener;
 class LogPane;
 class RecentFilesMenu;
 class ResultOpener;
 class RunPane;
 class StudyWindow;
 class Session;
-class BeforeCleaning;
-struct BidsImport;
-struct ImportRequest;
-class TimeCourseReader;
 class VoiList;
 class VolumeView;
 class WindowButtonStyle;
@@ -43,9 +38,7 @@ public:
     explicit MainWindow(Session &session, QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    /// Opens files of every kind: an anatomy becomes a document, a .vtc is linked to the current
-    /// one, a .voi or .prt is loaded. What has to be imported first goes to the import, a
-    /// pipeline's folder to the list of its runs. What cannot be opened is told in one message.
+    /// Files of every kind, see FileOpener::open().
     void openFiles(const QStringList &paths);
 
     /// Loads the plugins of a folder and lists them in the Plugins menu.
@@ -91,32 +84,18 @@ private:
     void closeShortened();
     enum Page { WelcomePage, VolumePage };
     void showPage(Page page);
-    void showTimeCourse();
-    void readVoiCourse();
+    void showCourse();
+    void showVoiCourse();
     void addSliceChoice(QMenu &menu);
     void addConventions(QMenu &menu);
     void showNames();
     void askAboutMismatches();
     bool mayLoseResults();
-    bool askUser(const QString &text);
-    void rememberOpened(const QString &path);
-    void open(const QString &path);
-    QStringList openNow(const QStringList &paths);
-    void chooseFiles();
-    void importFiles();
-    void importRequest(const ImportRequest &request);
-    void openImported(const QStringList &files);
-    void importRuns(const QString &what, std::vector<BidsImport> runs);
-    void importDataset(const QString &dataset, const QStringList &participants);
-    void chooseDataset();
-    void openExample();
     void openStudy();
     void closeDocument();
     void showDocument(int step);
     void start(Plugin &plugin);
-    void about();
     void showKeys();
-    void showBox(const QString &text);
 
     Workspace &m_workspace;
     std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
@@ -127,23 +106,18 @@ private:
     LogPane *m_log;
     VoiList *m_vois;
     RunPane *m_run;
+    RecentFilesMenu *m_recent;
+    FileOpener *m_files;
     DocumentTabs *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr; ///< one of each Page
     QPushButton *m_welcomeOpen = nullptr;
     QSplitter *m_parts = nullptr; ///< of the volume's page
     VolumeView *m_volume = nullptr;
-    TimeCourseView *m_timeCourse = nullptr;
-    BeforeCleaning *m_before = nullptr;
-    TimeCourseReader *m_reader;
-    TimeCourseReader *m_voiReader;
-    VoiCourse m_voiCourse; ///< of the chosen VOI, once it is read
+    CoursePane *m_course = nullptr;
     int m_shownVoiLoads = -1;
-    QLabel *m_courseName = nullptr;
     QString m_checkedLoads;   ///< what was loaded when subjects and spaces were compared last
     QStringList m_mismatches; ///< those that the user knows of and keeps
     bool m_isAsking = false;
-    QHash<int, QStringList> m_subjects; ///< files that were opened, by the position of the document
-    RecentFilesMenu *m_recent = nullptr;
     ResultOpener *m_results = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;

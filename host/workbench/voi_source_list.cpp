@@ -216,7 +216,11 @@ void VoiSourceList::chooseLabels()
 
 void VoiSourceList::removeChosen()
 {
-    m_table->removeRow(m_table->currentRow());
+    {
+        // The table tells of another selection while the row is half gone.
+        const QSignalBlocker blocker(m_table);
+        m_table->removeRow(m_table->currentRow());
+    }
     enableButtons();
     Q_EMIT changed();
 }

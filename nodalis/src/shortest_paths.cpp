@@ -9,12 +9,15 @@ namespace nodalis::detail
 namespace
 {
 
-/// Shortest paths among few nodes, in place. The matrix is symmetric.
-void floyd_warshall(Eigen::MatrixXd &d)
+/// Shortest paths among the first \p count nodes, in place. The matrix is symmetric; where no path
+/// leads to a node none leads on from there.
+void floyd_warshall(Eigen::MatrixXd &d, Eigen::Index count)
 {
-    for (Eigen::Index k = 0; k < d.cols(); ++k) {
-        for (Eigen::Index j = 0; j < d.cols(); ++j) {
-            d.col(j) = d.col(j).cwiseMin((d.col(k).array() + d(k, j)).matrix());
+    for (Eigen::Index k = 0; k < count; ++k) {
+        for (Eigen::Index j = 0; j < count; ++j) {
+            if (j != k && d(k, j) < no_path) {
+                d.col(j) = d.col(j).cwiseMin((d.col(k).array() + d(k, j)).matrix());
+            }
         }
     }
 }
@@ -133,7 +136,7 @@ void PathLengths::Panel::close(const int *through)
             among(r, s) = rows[r].value[through[s] % tile_size];
         }
     }
-    floyd_warshall(among);
+    floyd_warshall(among, m_depth);
 
     std::vector<Row> among_strips(offset(tiles_for(m_depth)));
     for (int s = 0; s < m_height; ++s) {

@@ -105,6 +105,15 @@ struct Calls {
         return fate != Fate::Works;
     }
 
+    /// What is told, with a lie written over it.
+    template <typename Told>
+    static Told lied(Told told, const std::function<void(Told &)> &lie)
+    {
+        if (lie)
+            lie(told);
+        return told;
+    }
+
     static int result(Fate fate) { return fate == Fate::ZeroedRecord ? 1 : 0; }
 
     static bool currentIsVmr()
@@ -163,9 +172,9 @@ struct Calls {
 
     static int zqGetNumberOfDocsInWorkspace()
     {
-        return noted("zqGetNumberOfDocsInWorkspace") == Fate::Works
-                   ? static_cast<int>(host().documents.size())
-                   : 0;
+        if (noted("zqGetNumberOfDocsInWorkspace") != Fate::Works)
+            return 0;
+        return lied(static_cast<int>(host().documents.size()), host().lies.documentCount);
     }
 
     static int zqGetDocumentType(int position)
@@ -216,6 +225,7 @@ struct Calls {
         const Document *document = current();
         if (document != nullptr)
             copyText(header->path, document->path);
+        *header = lied(*header, host().lies.vmrHeader);
     }
 
     static int zqLinkVTCToCurrentVMR(const char *path, int load)
@@ -248,7 +258,7 @@ struct Calls {
         const Vtc *vtc = host().linkedVtc();
         if (vtc == nullptr)
             return 0;
-        *header = vtc->header;
+        *header = lied(vtc->header, host().lies.vtcHeader);
         return 1;
     }
 
@@ -295,6 +305,7 @@ struct Calls {
         header->conditionCount = static_cast<int>(fake.m_loadedProtocol.conditions.size());
         header->timeUnit = fake.m_loadedProtocol.timeUnit;
         copyText(header->name, fake.m_loadedProtocol.name);
+        *header = lied(*header, fake.lies.protocolHeader);
         return 1;
     }
 
@@ -308,8 +319,11 @@ struct Calls {
         if (!fake.m_hasProtocol || index < 0 || position >= conditions.size())
             return;
         const Condition &condition = conditions[position];
-        fake.m_from.clear();
-        fake.m_to.clear();
+        // No more memory than there are intervals, so that a sanitizer sees who reads beyond.
+        fake.m_from = std::vector<int>();
+        fake.m_to = std::vector<int>();
+        fake.m_from.reserve(condition.intervals.size());
+        fake.m_to.reserve(condition.intervals.size());
         for (const auto &[from, to] : condition.intervals) {
             fake.m_from.push_back(from);
             fake.m_to.push_back(to);
@@ -318,6 +332,7 @@ struct Calls {
         record->intervalCount = static_cast<int>(condition.intervals.size());
         record->from = fake.m_from.data();
         record->to = fake.m_to.data();
+        *record = lied(*record, fake.lies.conditionRecord);
     }
 
     static int zqLoadVOIs(const char *path)
@@ -334,9 +349,10 @@ struct Calls {
         fake.m_voxels.clear();
         for (const Voi &voi : fake.m_voiSet.vois) {
             std::vector<int> voxels;
+            // No more memory than that, as above, but for an empty VOI, which has an address too.
+            voxels.reserve(std::max<std::size_t>(1, 3 * voi.voxels.size()));
             for (const std::array<int, 3> &triple : voi.voxels)
                 voxels.insert(voxels.end(), triple.begin(), triple.end());
-            voxels.push_back(0); // so that an empty VOI has an address too
             fake.m_voxels.push_back(std::move(voxels));
         }
         return 1;
@@ -355,6 +371,7 @@ struct Calls {
         header->resolutionX = fake.m_voiSet.resolution[0];
         header->resolutionY = fake.m_voiSet.resolution[1];
         header->resolutionZ = fake.m_voiSet.resolution[2];
+        *header = lied(*header, fake.lies.voisHeader);
         return 1;
     }
 
@@ -374,6 +391,7 @@ struct Calls {
         const Voi &voi = fake.m_voiSet.vois[position];
         record->voxelCount = static_cast<int>(voi.voxels.size());
         copyText(record->name, voi.name);
+        *record = lied(*record, fake.lies.voiRecord);
         return fake.m_voxels[position].data();
     }
 };

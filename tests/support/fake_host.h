@@ -82,6 +82,18 @@ enum class Failure {
     ZeroedRecord ///< fills records and out-parameters with zeros and returns success
 };
 
+/// What the host writes over what it has told, whatever that was: for tests of a host that tells
+/// nonsense. Each may be empty.
+struct Lies {
+    std::function<void(VTCHeader &)> vtcHeader;
+    std::function<void(VOIsHeader &)> voisHeader;
+    std::function<void(VOIRecord &)> voiRecord;
+    std::function<void(ProtocolHeader &)> protocolHeader;
+    std::function<void(ConditionRecord &)> conditionRecord;
+    std::function<void(VMRHeader &)> vmrHeader;
+    std::function<void(int &)> documentCount;
+};
+
 class FakeHost
 {
 public:
@@ -99,6 +111,8 @@ public:
     std::map<std::string, Protocol> protocols;
 
     int addVmr(const std::string &path); ///< returns its id
+
+    Lies lies;
 
     /// What happens while a message box is shown.
     std::function<void()> meanwhile;

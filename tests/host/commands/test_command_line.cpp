@@ -262,6 +262,8 @@ TEST(CommandLine, EndsWithOneLineWhateverIsThrown)
     } rows[] = {
         {"input error", "Corvane: a%1\\nb.vtc: line 3: found \"x\", expected \"y\"\n"},
         {"bad_alloc", "Corvane: there is not enough memory for this\n"},
+        {"bad_alloc where nothing may be thrown", "Corvane: there is not enough memory for this\n"},
+        {"no thread", "Corvane: the system gives no further thread for this\n"},
         {"lines", "Corvane: first\\nsecond\n"},
         {"number", "Corvane: an error that does not say what it is\n"},
         {"long", "Corvane: " + std::string(8192, 'x') + "...\n"},

@@ -11,13 +11,22 @@
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 namespace corvane
 {
 
 namespace
 {
+
+/// Where nothing may be thrown.
+void runOutOfMemory() noexcept
+{
+    const std::vector<char> tooMuch(std::vector<char>().max_size());
+    std::puts(tooMuch.data());
+}
 
 /// Throws what its argument says.
 int runExample(const QStringList &arguments)
@@ -28,6 +37,10 @@ int runExample(const QStringList &arguments)
                          QStringLiteral("\"x\""), QStringLiteral("\"y\""));
     if (way == QLatin1String("bad_alloc"))
         throw std::bad_alloc();
+    if (way == QLatin1String("bad_alloc where nothing may be thrown"))
+        runOutOfMemory();
+    if (way == QLatin1String("no thread"))
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
     if (way == QLatin1String("lines"))
         throw std::runtime_error("first\nsecond");
     if (way == QLatin1String("long"))

@@ -4,6 +4,7 @@
 #include "tests/host/support/host_files.h"
 #include "tests/host/support/notes.h"
 #include "tests/host/support/small_study.h"
+#include "tests/support/other_user.h"
 
 namespace corvane
 {
@@ -35,6 +36,30 @@ TEST(OddFolders, GiveARowForEachRunAndEachOneThatIsNotThere)
                              "sub-08_task-rest_space-T1w\n"
                              "sub-09_ses-a_task-rest_space-T1w\n"
                              "sub-09_ses-b_task-rest_space-T1w");
+}
+
+TEST(OddFolders, ThatMayNotBeListedAreNoEmptyOnes)
+{
+    const TemporaryFolder folder;
+    const SmallStudy study(folder.path());
+    addOddParticipants(study);
+    RunFilter filter;
+    filter.participants = QStringList{QStringLiteral("01"), QStringLiteral("02")};
+    const QFileDevice::Permissions whole = QFileInfo(study.path()).permissions();
+    const QString closed = study.path(QStringLiteral("sub-01/func"));
+    QFile::setPermissions(folder.path(), whole | QFile::ReadGroup | QFile::ExeGroup);
+    ASSERT_TRUE(QFile::setPermissions(closed, QFile::ExeOwner | QFile::ExeGroup));
+    std::vector<StudyRun> runs;
+    {
+        const OtherUser user;
+        runs = indexRuns(study.path(), filter);
+    }
+    QFile::setPermissions(closed, whole);
+    ASSERT_EQ(runs.size(), 3U);
+    EXPECT_EQ(runs[0].participant, QStringLiteral("01"));
+    EXPECT_EQ(runs[0].reason.toStdString(),
+              "sub-01/func: listing: found Permission denied, expected a folder that can be read");
+    EXPECT_EQ(runs[1].reason, QString());
 }
 
 TEST(OddFolders, OfTheOlderNameGiveTheirConfounds)

@@ -10,7 +10,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QLibrary>
+#include <QTemporaryDir>
+#include <cstdio>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 namespace corvane
 {
@@ -55,7 +58,8 @@ TEST_F(PluginLoader, ListsThePluginsOfAFolderAndSaysWhyTheOthersAreNone)
               "Plugin & execute throws, Plugin & none, Plugin & init throws, "
               "Plugin & init throws a number, Plugin & refuses, Plugin & refuses silently");
     EXPECT_THAT(
-        log, ElementsAre(HasSubstr("empty_name.so is no plugin: its name is empty."),
+        log, ElementsAre(HasSubstr("author_is_none.so is no plugin: getAuthor gives no text."),
+                         HasSubstr("empty_name.so is no plugin: its name is empty."),
                          HasSubstr("name_throws.so getPluginName failed: what name."),
                          HasSubstr("no_author.so is no plugin: it does not export getAuthor."),
                          HasSubstr("no_exports.so is no plugin: it does not export createPlugin."),
@@ -140,6 +144,91 @@ TEST_F(PluginLoader, SaysWhatWentWrongInAPlugin)
     EXPECT_EQ(faultOf(QStringLiteral("execute_throws.so")), "execute failed: beyond");
     EXPECT_EQ(faultOf(QStringLiteral("execute_fails.so")), "execute reports a failure");
     EXPECT_EQ(faultOf(QStringLiteral("good.so")), "none");
+}
+
+/// A folder for files that are made from a library of the test's.
+class DamagedLibrary : public PluginLoader
+{
+protected:
+    QByteArray good() const
+    {
+        QFile file(QStringLiteral(PLUGIN_FOLDER "/good.so"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    void put(const QByteArray &bytes)
+    {
+        QFile file(m_folder.filePath(QStringLiteral("damaged.so")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(bytes), bytes.size());
+    }
+
+    /// What the log says of it, without its path.
+    std::string told()
+    {
+        log.clear();
+        EXPECT_THAT(loadPlugins(m_folder.path()), IsEmpty());
+        EXPECT_EQ(log.size(), 1u);
+        return log.empty() ? "" : log.front().substr(log.front().find(".so ") + 4);
+    }
+
+    const QTemporaryDir m_folder;
+};
+
+TEST_F(DamagedLibrary, OfAnotherKindOfComputerIsToldAsThat)
+{
+    for (const auto &[place, value] : {std::pair{18, 183}, {18, 8}, {4, 1}, {5, 2}}) {
+        QByteArray other = good();
+        other[place] = static_cast<char>(value);
+        put(other);
+        EXPECT_EQ(told(), "was built for another kind of computer.") << place;
+    }
+}
+
+TEST_F(DamagedLibrary, ThatIsCutOffIsToldAndNotLoaded)
+{
+    const QByteArray whole = good();
+    for (const int parts : {2, 3, 10}) {
+        put(whole.left(whole.size() / parts));
+        EXPECT_THAT(told(), AllOf(HasSubstr("is cut off: it has "), HasSubstr(" of at least ")));
+    }
+    for (const int bytes : {0, 1, 63}) {
+        put(whole.left(bytes));
+        EXPECT_THAT(told(), HasSubstr("cannot be loaded: ")) << bytes;
+    }
+}
+
+TEST_F(DamagedLibrary, FoldersAndPipesOfItsNameAreNone)
+{
+    EXPECT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.so")));
+    EXPECT_EQ(mkfifo(m_folder.filePath(QStringLiteral("pipe.so")).toLocal8Bit(), 0600), 0);
+    EXPECT_TRUE(
+        QFile::link(QStringLiteral("loop.so"), m_folder.filePath(QStringLiteral("loop.so"))));
+    EXPECT_THAT(loadPlugins(m_folder.path()), IsEmpty());
+    EXPECT_THAT(log, IsEmpty());
+}
+
+/// As a package does it that is installed while the program runs: under another name, and renamed.
+TEST_F(DamagedLibrary, ThatIsReplacedWhileItIsLoadedGoesOnAsItWas)
+{
+    put(good());
+    const auto plugins = loadPlugins(m_folder.path());
+    ASSERT_EQ(plugins.size(), 1u);
+    plugins.front()->start();
+    const QString path = m_folder.filePath(QStringLiteral("damaged.so"));
+    for (const char *other : {PLUGIN_FOLDER "/refuses.so", PLUGIN_FOLDER "/no_library.so"}) {
+        const QString fresh = m_folder.filePath(QStringLiteral("fresh"));
+        ASSERT_TRUE(QFile::copy(QString::fromUtf8(other), fresh));
+        ASSERT_EQ(std::rename(fresh.toLocal8Bit(), path.toLocal8Bit()), 0);
+        log.clear();
+        plugins.front()->start();
+        EXPECT_THAT(log, ElementsAre("execute"));
+    }
+    ASSERT_TRUE(QFile::remove(path));
+    log.clear();
+    plugins.front()->start();
+    EXPECT_THAT(log, ElementsAre("execute"));
 }
 
 TEST_F(PluginLoader, TakesTheFolderOfTheEnvironmentOrTheOneBesideTheProgram)

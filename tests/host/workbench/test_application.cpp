@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Exceptions from slots, in the application that the workbench runs in.
+#include "host/session/plugin_loader.h"
 #include "host/workbench/application.h"
 #include "tests/host/support/listened_session.h"
 
@@ -51,11 +52,33 @@ TEST_F(ApplicationTest, GoesOnAfterAnExceptionFromASlot)
                                  HasSubstr("an error that does not say what it is")));
 }
 
+TEST_F(ApplicationTest, TellsACommandOnceOfWhatItHasCaught)
+{
+    auto &application = *static_cast<Application *>(QCoreApplication::instance());
+    QEvent event(QEvent::User);
+    EXPECT_FALSE(QCoreApplication::sendEvent(new Doomed, &event));
+    EXPECT_THROW(application.throwCaught(), std::runtime_error);
+    EXPECT_NO_THROW(application.throwCaught());
+}
+
 TEST_F(ApplicationTest, NamesTheReceiverAlsoWhenItIsGone)
 {
     QEvent event(QEvent::User);
     EXPECT_FALSE(QCoreApplication::sendEvent(new Doomed, &event));
     EXPECT_THAT(log, ElementsAre(HasSubstr("in QObject: deleted")));
+}
+
+TEST_F(ApplicationTest, GoesOnAfterAnExceptionFromASlotOfAPlugin)
+{
+    const auto plugins = loadPlugins(QStringLiteral(THROWING_FOLDER));
+    ASSERT_EQ(plugins.size(), 1u);
+    for (int start = 0; start < 2; ++start) {
+        log.clear();
+        plugins.front()->start();
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        EXPECT_EQ(QCoreApplication::exec(), 0);
+        EXPECT_THAT(log, ElementsAre(AllOf(HasSubstr("a slot gave up"), HasSubstr("goes on"))));
+    }
 }
 
 } // namespace corvane

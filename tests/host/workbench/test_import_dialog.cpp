@@ -398,6 +398,22 @@ TEST_F(ImportDialogTest, TakesVoisOfManyFiles)
     EXPECT_EQ(dialog.request().voiSources[2].labels, source->path("sub-01_dseg.tsv"));
 }
 
+TEST_F(ImportDialogTest, LetsGoOfVoisFromTheFirstToTheLast)
+{
+    const QString second = folder.path("second.nii.gz");
+    ASSERT_TRUE(QFile::copy(source->path("sub-01_dseg.nii.gz"), second));
+    showWith(exampleRequest());
+    EXPECT_TRUE(dropOn(sources()->parentWidget(), {second}));
+    auto *const remove = dialog.findChild<QPushButton *>(QStringLiteral("removeSource"));
+    for (int left = 2; left > 0; --left) {
+        ASSERT_EQ(sources()->rowCount(), left);
+        sources()->selectRow(0);
+        QTest::mouseClick(remove, Qt::LeftButton);
+        EXPECT_EQ(dialog.request().voiSources.size(), std::size_t(left - 1));
+    }
+    EXPECT_FALSE(remove->isEnabled());
+}
+
 TEST_F(ImportDialogTest, ShowsTheRunsMeanWithoutAnAnatomy)
 {
     ImportRequest request = exampleRequest();

@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// A user without a plan: random events for the workbench, the plugin and all their windows.
+//
+//   Corvane --data DIR [--seed N] [--events M] [--replay FILE]
+//
+// tests/soak/monkey makes the data and the sandbox, in which alone this program can write, and
+// starts it. Each event is written to monkey-N.events in the working folder before it happens;
+// --replay plays such a file again. Ends with 1 if something was found, with 3 and a stack if the
+// event loop stood still; a crash is the sanitizers' to tell. The program is named as the host,
+// which the plugin asks for, and what the host starts under its own name it hands to the real one.
+#include "host/workbench/application.h"
+#include "tests/soak/monkey/monkey_events.h"
+#include "tests/soak/monkey/monkey_stage.h"
+#include "tests/soak/monkey/monkey_watch.h"
+
+#include <QCommandLineParser>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QFile>
+#include <QFileDialog>
+#include <QProgressDialog>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+#include <QWindow>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace monkey
+{
+
+namespace
+{
+
+constexpr int eventsOfAStage = 1500;
+
+/// Does one event after the other, in whatever event loop runs, until the stage is over; then
+/// leaves all loops that the events have led into.
+class Monkey : public QObject
+{
+public:
+    Monkey(quint64 seed, const QStringList &files, long events, const QString &replayed)
+        : m_source(seed, files), m_events(events),
+          m_kept(QStringLiteral("monkey-%1.events").arg(seed)), m_replayed(replayed)
+    {
+        if (replayed.isEmpty())
+            m_kept.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        else
+            m_replayed.open(QIODevice::ReadOnly);
+        connect(&m_pulse, &QTimer::timeout, this, &Monkey::pulse);
+    }
+
+    bool isDone() const
+    {
+        return m_replayed.isOpen() ? m_replayed.atEnd() && m_next.isEmpty()
+                                   : eventCount >= m_events;
+    }
+
+    /// Of the next stage: drawn, or as it was.
+    int stageKind()
+    {
+        if (!m_replayed.isOpen()) {
+            const int kind = m_source.pick(stageKinds);
+            keep(QStringLiteral("stage\t%1").arg(kind));
+            return kind;
+        }
+        while (!m_next.startsWith("stage\t") && !m_replayed.atEnd())
+            readNext();
+        const int kind = m_next.section('\t', 1).toInt();
+        readNext();
+        return kind;
+    }
+
+    void play(Stage &stage)
+    {
+        m_stage = &stage;
+        m_stageEvents = 0;
+        m_leaving = 0;
+        m_level = 0;
+        m_pulse.start(0);
+        QCoreApplication::exec();
+        m_pulse.stop();
+        m_stage = nullptr;
+    }
+
+    StallWatch stalls;
+    long missed = 0; ///< events of a replay that found nothing to go to
+
+private:
+    /// A timer does not come again while its own slot is in another event loop: the event is
+    /// posted. None is done within another, unless that has led into an event loop of its own.
+    void pulse()
+    {
+        stalls.beat();
+        if (m_isPosted || QThread::currentThread()->loopLevel() <= m_level)
+            return;
+        m_isPosted = true;
+        QTimer::singleShot(0, this, &Monkey::act);
+    }
+
+    void act()
+    {
+        m_isPosted = false;
+        const int before = std::exchange(m_level, QThread::currentThread()->loopLevel());
+        if (m_level > before)
+            actNow();
+        m_level = before;
+    }
+
+    void actNow()
+    {
+        if (isDone() || m_stage->isOver() || isStageDone()) {
+            leave();
+            return;
+        }
+        ++m_stageEvents;
+        const std::optional<Event> event = m_replayed.isOpen() ? read() : m_source.next();
+        if (!event)
+            return;
+        ++eventCount;
+        keep(event->line());
+        missed += perform(*event) ? 0 : 1;
+    }
+
+    bool isStageDone() const
+    {
+        return m_replayed.isOpen() ? m_next.startsWith("stage\t") : m_stageEvents >= eventsOfAStage;
+    }
+
+    void keep(const QString &line)
+    {
+        m_kept.write(line.toUtf8() + '\n');
+        m_kept.flush();
+    }
+
+    void readNext() { m_next = QString::fromUtf8(m_replayed.readLine()).remove('\n'); }
+
+    std::optional<Event> read()
+    {
+        const std::optional<Event> event = Event::ofLine(m_next);
+        readNext();
+        return event;
+    }
+
+    /// Closes what is in the way, one at a time, until only the event loop of `play` runs.
+    void leave()
+    {
+        if (m_level <= 1 && !QApplication::activePopupWidget() &&
+            !QApplication::activeModalWidget()) {
+            QCoreApplication::exit();
+            return;
+        }
+        if (++m_leaving > 20)
+            QThread::msleep(5); // what is in work has to end
+        if (m_leaving == 10000)
+            noteFinding(QStringLiteral("windows that cannot be closed"));
+        if (QWidget *const popup = QApplication::activePopupWidget()) {
+            popup->close();
+        } else if (QWidget *const modal = QApplication::activeModalWidget()) {
+            if (auto *const progress = qobject_cast<QProgressDialog *>(modal))
+                progress->cancel();
+            else if (auto *const dialog = qobject_cast<QDialog *>(modal))
+                dialog->reject();
+            else
+                modal->close();
+        } else if (QWidget *const window = reachableWindows().value(0)) {
+            QTest::keyClick(window->windowHandle(), Qt::Key_Escape); // ends what is dragged
+            QTest::mouseRelease(window->windowHandle(), Qt::LeftButton);
+        }
+    }
+
+    EventSource m_source;
+    const long m_events;
+    QFile m_kept;
+    QFile m_replayed;
+    QString m_next;
+    Stage *m_stage = nullptr;
+    int m_stageEvents = 0;
+    int m_leaving = 0;
+    QTimer m_pulse;
+    bool m_isPosted = false;
+    int m_level = 0; ///< of the event loop in which an event is being done
+};
+
+/// Nothing of the system is opened, and files are neither deleted nor renamed.
+class Sandbox : public QObject
+{
+    Q_OBJECT
+
+public:
+    Sandbox()
+    {
+        for (const char *scheme : {"file", "http", "https", "mailto"})
+            QDesktopServices::setUrlHandler(scheme, this, "open");
+        qApp->installEventFilter(this);
+    }
+
+public Q_SLOTS:
+    void open(const QUrl &) { ++opened; }
+
+public:
+    int opened = 0;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *const dialog =
+            event->type() == QEvent::Polish ? qobject_cast<QFileDialog *>(watched) : nullptr;
+        if (dialog != nullptr)
+            dialog->setOption(QFileDialog::ReadOnly);
+        return false;
+    }
+};
+
+int run(const QCommandLineParser &options)
+{
+    const WindowWatch windows;
+    const Sandbox sandbox;
+    watchWarnings();
+    const Files files(options.value("data"));
+    const quint64 seed = options.value("seed").toULongLong();
+    long stages = 0;
+    QString reached;
+    {
+        Monkey monkey(seed, files.all(), options.value("events").toLong(), options.value("replay"));
+        while (!monkey.isDone()) {
+            Stage stage(files, monkey.stageKind());
+            QObject::connect(&stage.listenedSession(), &corvane::Session::logged,
+                             [](const QString &text) {
+                                 if (text.startsWith("An error was caught in"))
+                                     noteFinding(text);
+                             });
+            monkey.play(stage);
+            ++stages;
+        }
+        std::printf("seed %llu: %ld events in %ld windows' stages, %ld that found nothing, longest "
+                    "%.2f s without an answer, %d pages opened\n",
+                    seed, eventCount.load(), stages, monkey.missed, monkey.stalls.longest(),
+                    sandbox.opened);
+    }
+    if (testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed())
+        noteFinding(QStringLiteral("a stage could not be set up or left"));
+    QStringList classes = windows.classes().values();
+    classes.sort();
+    std::printf("windows: %s\n", qPrintable(classes.join(' ')));
+    std::printf("findings: %d\n", findings().size());
+    return findings().isEmpty() ? 0 : 1;
+}
+
+} // namespace
+
+} // namespace monkey
+
+int main(int argc, char **argv)
+{
+    const QString first = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("--help");
+    if (!QStringList{"--data", "--seed", "--events", "--replay", "--help"}.contains(first)) {
+        execv(CORVANE_PROGRAM, argv);
+        return 127;
+    }
+    testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    corvane::Application application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCommandLineParser options;
+    options.addHelpOption();
+    options.addOptions({{"data", "The folder of the data.", "folder"},
+                        {"seed", "Of the random numbers.", "number", "1"},
+                        {"events", "How many.", "number", "10000"},
+                        {"replay", "The events of that file.", "file"}});
+    options.process(application);
+    return monkey::run(options);
+}
+
+#include "monkey.moc"
