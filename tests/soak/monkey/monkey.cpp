@@ -50,6 +50,8 @@ public:
         else
             m_replayed.open(QIODevice::ReadOnly);
         connect(&m_pulse, &QTimer::timeout, this, &Monkey::pulse);
+        connect(&m_heart, &QTimer::timeout, this, [this] { stalls.beat(); });
+        m_heart.start(50);
     }
 
     bool isDone() const
@@ -93,7 +95,6 @@ private:
     /// posted. None is done within another, unless that has led into an event loop of its own.
     void pulse()
     {
-        stalls.beat();
         if (m_isPosted || QThread::currentThread()->loopLevel() <= m_level)
             return;
         m_isPosted = true;
@@ -115,13 +116,31 @@ private:
             leave();
             return;
         }
+        if (m_replayed.isOpen()) {
+            playAgain();
+            return;
+        }
         ++m_stageEvents;
-        const std::optional<Event> event = m_replayed.isOpen() ? read() : m_source.next();
+        const std::optional<Event> event = m_source.next();
         if (!event)
             return;
         ++eventCount;
         keep(event->line());
         missed += perform(*event) ? 0 : 1;
+    }
+
+    /// What was done in the time of a window that is not there yet has to wait for it.
+    void playAgain()
+    {
+        const std::optional<Event> event = Event::ofLine(m_next);
+        if (event && !isThere(*event) && ++m_tries < 400) {
+            QThread::msleep(5);
+            return;
+        }
+        m_tries = 0;
+        readNext();
+        ++eventCount;
+        missed += event && perform(*event) ? 0 : 1;
     }
 
     bool isStageDone() const
@@ -136,13 +155,6 @@ private:
     }
 
     void readNext() { m_next = QString::fromUtf8(m_replayed.readLine()).remove('\n'); }
-
-    std::optional<Event> read()
-    {
-        const std::optional<Event> event = Event::ofLine(m_next);
-        readNext();
-        return event;
-    }
 
     /// Closes what is in the way, one at a time, until only the event loop of `play` runs.
     void leave()
@@ -180,6 +192,8 @@ private:
     int m_stageEvents = 0;
     int m_leaving = 0;
     QTimer m_pulse;
+    QTimer m_heart;
+    int m_tries = 0; ///< to play an event again whose window is not there yet
     bool m_isPosted = false;
     int m_level = 0; ///< of the event loop in which an event is being done
 };

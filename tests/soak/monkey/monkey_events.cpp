@@ -374,6 +374,12 @@ std::optional<Event> EventSource::next()
     return kind < 65 ? mouse(target) : kind < 90 ? key(target) : other(target);
 }
 
+bool isThere(const Event &event)
+{
+    QWidget *const window = windowOf(event.window);
+    return window != nullptr && atPath(window, event.path) != nullptr;
+}
+
 bool perform(const Event &event)
 {
     const QPointer<QWidget> window = windowOf(event.window);

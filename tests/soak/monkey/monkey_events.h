@@ -76,6 +76,9 @@ private:
     QStringList m_files;
 };
 
+/// Whether what it goes to is there.
+bool isThere(const Event &event);
+
 /// Does it. False when there is nothing that it could go to.
 bool perform(const Event &event);
 
