@@ -22,6 +22,7 @@ NetworkCanvas::NetworkCanvas(ExplorerModel &model, NetworkView kind, QWidget *pa
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&model, &ExplorerModel::drawnChanged, this, &NetworkCanvas::renew);
+    connect(&model, &ExplorerModel::drawnChanged, this, &NetworkCanvas::tellSelection);
     connect(&model, &ExplorerModel::selectionChanged, this, &NetworkCanvas::tellSelection);
     tellSelection();
 }
@@ -37,13 +38,13 @@ void NetworkCanvas::renew()
     update();
 }
 
-/// A screen reader reads the selection as the view's description.
+/// A screen reader reads what is drawn and selected as the view's description.
 void NetworkCanvas::tellSelection()
 {
     const QString text = m_model.selectionText();
-    setAccessibleDescription(m_model.drawn().text + (text.isEmpty()
-                                                         ? tr("; nothing is selected")
-                                                         : tr("; selected: %1").arg(text)));
+    setAccessibleDescription(m_model.drawnText() + (text.isEmpty()
+                                                        ? tr("; nothing is selected")
+                                                        : tr("; selected: %1").arg(text)));
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
     update();

@@ -168,6 +168,46 @@ TEST_F(ExplorerWindowTest, SliderGoesThroughMatricesAndDifferences)
     EXPECT_EQ(model().shown().limit, limit);
 }
 
+TEST_F(ExplorerWindowTest, TheSelectedValueIsThatOfTheMatrixThatIsShown)
+{
+    open(m_files.path());
+    model().select(0, 1);
+    child<QSlider>("matrixSlider")->setValue(1);
+    waitUntilDone();
+    const QString value =
+        QStringLiteral("Region 0 - Region 1: %1").arg(-exampleValue(0, 1) / 2, 0, 'f', 3);
+    EXPECT_EQ(selected(), value);
+    const auto *const matrix = child<MatrixCanvas>("matrixCanvas");
+    EXPECT_EQ(matrix->accessibleDescription(),
+              QStringLiteral("strongest 5 % of 66 edges, 3; selected: ") + value);
+    child<QDoubleSpinBox>("thresholdBox")->setValue(20);
+    waitUntilDone();
+    EXPECT_EQ(matrix->accessibleDescription(),
+              QStringLiteral("strongest 20 % of 66 edges, 13; selected: ") + value);
+}
+
+TEST_F(ExplorerWindowTest, TheSearchIsWalkedThroughByKeys)
+{
+    open(m_files.path());
+    m_window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    QTest::keyClick(m_window.get(), Qt::Key_F, Qt::ControlModifier);
+    auto *const search = child<QLineEdit>("searchEdit");
+    QTest::keyClicks(search, QStringLiteral("region 1")); // 1, 10 and 11
+    EXPECT_EQ(model().node(), 1);
+    for (const int node : {10, 11, 1}) {
+        QTest::keyClick(search, Qt::Key_Return);
+        EXPECT_EQ(model().node(), node);
+    }
+    QTest::keyClick(search, Qt::Key_Down);
+    EXPECT_TRUE(child<CopiedTable>("nodeTable")->hasFocus());
+    search->setFocus();
+    QTest::keyClick(search, Qt::Key_Escape);
+    EXPECT_EQ(search->text(), QString());
+    EXPECT_EQ(model().node(), -1);
+    EXPECT_EQ(child<CopiedTable>("nodeTable")->model()->rowCount(), 12);
+}
+
 TEST_F(ExplorerWindowTest, ControlAndFFindsANode)
 {
     open(m_files.path());
@@ -320,13 +360,20 @@ TEST_F(ExplorerWindowTest, AloneShowsTheEdgesOfTheSelectedNode)
         model().result(), model().shown(), model().drawn(), model().settings(), NetworkView::Ring);
     EXPECT_EQ(picture.edges->size(), 11U);
     EXPECT_THAT(picture.foot.toStdString(), HasSubstr("of these the 11 of Region 3 alone"));
+    EXPECT_EQ(drawn(),
+              QStringLiteral("strongest 100 % of 66 edges, 66; of these the 11 of Region 3 alone"));
+    model().select(-1);
+    EXPECT_EQ(drawn(), QStringLiteral("strongest 100 % of 66 edges, 66"));
 }
 
 TEST_F(ExplorerWindowTest, SelectionHasAPlaceForTheSlices)
 {
     open(m_files.path());
+    model().select(2);
+    EXPECT_FALSE(child<QPushButton>("slicesButton")->isEnabled()) << "there are no slices";
     QSignalSpy places(m_window.get(), &ExplorerWindow::placeSelected);
     model().select(3);
+    EXPECT_TRUE(child<QPushButton>("slicesButton")->isEnabled());
     ASSERT_EQ(places.size(), 1);
     EXPECT_NEAR(places[0][0].toDouble(), 0, 0.1); // 60 cos 90
     EXPECT_NEAR(places[0][1].toDouble(), 80, 0.1);

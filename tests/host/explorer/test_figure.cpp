@@ -162,6 +162,72 @@ TEST(Figure, DifferencesShareOneScale)
     EXPECT_NEAR(shownMatrix(model->result(), settings)->limit, largest, 1e-12);
 }
 
+TEST(Figure, ADifferencesScaleIsThatOfItsLargestValueOfAnySign)
+{
+    NetworkResult result;
+    result.nodes = {{QStringLiteral("a")}, {QStringLiteral("b")}, {QStringLiteral("c")}};
+    for (const double value : {0.1, 0.8}) {
+        ResultMatrix matrix;
+        matrix.name = QString::number(value);
+        matrix.values = Eigen::MatrixXd::Constant(3, 3, value);
+        result.matrices.push_back(matrix);
+    }
+    ViewSettings settings;
+    settings.minus = QStringLiteral("0.8"); // all differences are negative
+    EXPECT_NEAR(shownMatrix(result, settings)->limit, 0.7, 1e-12);
+}
+
+TEST(Figure, AMatrixWithoutValuesSaysSo)
+{
+    NetworkResult result;
+    result.nodes = {{QStringLiteral("a")}, {QStringLiteral("b")}};
+    result.matrices.resize(1);
+    result.matrices[0].values =
+        Eigen::MatrixXd::Constant(2, 2, std::numeric_limits<double>::quiet_NaN());
+    const ViewSettings settings;
+    EXPECT_EQ(drawnEdges(result, *shownMatrix(result, settings), settings).text,
+              QStringLiteral("no edges, since this matrix has no values"));
+}
+
+TEST(Figure, TheStrongestEdgesArePaintedLast)
+{
+    const ExampleResult files;
+    const auto model = modelOf(files.path());
+    ViewSettings settings;
+    settings.threshold.value = 0.5;
+    const auto shown = shownMatrix(model->result(), settings);
+    const DrawnEdges drawn = drawnEdges(model->result(), *shown, settings);
+    const NetworkPicture picture =
+        networkPicture(model->result(), *shown, drawn, settings, NetworkView::Ring);
+    ASSERT_EQ(picture.edges->size(), 33U);
+    for (std::size_t n = 1; n < picture.edges->size(); ++n)
+        EXPECT_LE(std::abs((*picture.edges)[n - 1].value), std::abs((*picture.edges)[n].value));
+}
+
+TEST(Figure, CoursesHaveTheVolumesLeftOutAndTheBandsOfConditions)
+{
+    const ExampleResult files;
+    const auto model = modelOf(files.path());
+    ViewSettings settings;
+    settings.node = QStringLiteral("Region 2");
+    settings.other = QStringLiteral("Region 5");
+    const CoursePicture picture =
+        coursePicture(model->result(), *shownMatrix(model->result(), settings), settings);
+    ASSERT_EQ(picture.leftOut.size(), 40U);
+    for (std::size_t volume = 0; volume < 40; ++volume) {
+        EXPECT_EQ(picture.leftOut[volume], volume == 20) << volume;
+        if (volume == 20)
+            continue;
+        const double expected = std::sin(0.37 * double(volume) * 6 + 5); // of Region 5
+        EXPECT_NEAR(picture.second[Eigen::Index(volume)], expected, 1e-12) << volume;
+    }
+    EXPECT_TRUE(std::isnan(picture.first[20]));
+    ASSERT_EQ(picture.bands.size(), 1U);
+    EXPECT_EQ(picture.bands[0].name, QStringLiteral("faces"));
+    EXPECT_EQ(picture.bands[0].first, 5);
+    EXPECT_EQ(picture.bands[0].last, 9);
+}
+
 TEST(Figure, RefusesOtherEndingsAndNames)
 {
     const ExampleResult files;
