@@ -409,6 +409,26 @@ TEST_F(ExplorerWindowTest, CurvesAreThereWhileTheyAreSeen)
     model().setThreshold({ThresholdKind::Density, 0.3});
     waitUntilDone();
     EXPECT_EQ(model().curves().steps.data(), steps) << "the same curves, not made again";
+    const auto ofModel = [&] {
+        const ViewSettings &settings = model().settings();
+        const auto shown = shownMatrix(model().result(), settings);
+        const MeasureCurves curves =
+            measureCurves(shown->ranked, shown->isKnown, settings.threshold, usualDensities());
+        const int strength = curves.steps[0].columns.indexOf(QStringLiteral("strength"));
+        EXPECT_TRUE((curveOf(model().curves(), strength, 3) == curveOf(curves, strength, 3)).all());
+        return curveOf(curves, strength, 3).sum();
+    };
+    const double whole = ofModel();
+    model().setMatrix(model().result().matrices[1].name);
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those of the other matrix";
+    model().setMatrix(model().result().matrices[0].name);
+    model().setThreshold({ThresholdKind::TreeAndDensity, 0.3});
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those with a tree";
+    model().setThreshold({ThresholdKind::Density, 0.3, EdgeSigns::Negative});
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those of negative edges";
 }
 
 TEST_F(ExplorerWindowTest, TablesAreProperModels)

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <gmock/gmock.h>
 
 namespace corvane
@@ -62,6 +63,57 @@ TEST(FigureArguments, LeaveOutWhatIsUsual)
                              "m.svg"));
     EXPECT_EQ(commandText({QStringLiteral("it's"), QStringLiteral("$x")}),
               QStringLiteral("'it'\\''s' '$x'"));
+}
+
+TEST(FigureArguments, NameTheFilesTheRunAndTheNode)
+{
+    FigureRequest request;
+    request.result = {QStringLiteral("out"), QStringLiteral("sub-01"), QStringLiteral("l.tsv"),
+                      QStringLiteral("c.tsv"), QStringLiteral("a.nii")};
+    request.view.matrix = QStringLiteral("m");
+    request.view.node = QStringLiteral("x");
+    request.view.other = QStringLiteral("y");
+    request.view.alone = true;
+    request.view.threshold.kind = ThresholdKind::Weight;
+    request.view.threshold.value = 0.25;
+    EXPECT_EQ(figureArguments(request, QStringLiteral("m.png")).join(QLatin1Char(' ')),
+              QStringLiteral("figure out --run sub-01 --labels l.tsv --centroids c.tsv --atlas "
+                             "a.nii --view matrix --matrix m --weight 0.25 --node x --other y "
+                             "--alone --out m.png"));
+    request.view.components = {2, 3}; // take the place of the threshold
+    EXPECT_THAT(figureArguments(request, QStringLiteral("m.png")),
+                testing::AllOf(testing::Contains(QStringLiteral("2,3")),
+                               testing::Not(testing::Contains(QStringLiteral("--weight")))));
+}
+
+TEST(Figure, TextsHaveTheirSizeInPointsAtAnyWidth)
+{
+    for (const double points : {5.0, 8.0, 11.0})
+        for (const double width : {60.0, 120.0}) {
+            FigureFormat format;
+            format.width = width;
+            format.pointSize = points;
+            // Texts are painted 12 units high.
+            const double millimetres = 12 * width / figureSize(NetworkView::Ring, format).width();
+            EXPECT_NEAR(millimetres, points * 25.4 / 72, 0.01) << points << ' ' << width;
+        }
+}
+
+TEST(Figure, PdfHasTheWidthInMillimetresAndNoDate)
+{
+    const ExampleResult files;
+    FigureRequest request = requestOf(files);
+    request.kind = NetworkView::Ring;
+    request.format.width = 90;
+    writeFigure(request, files.path("r.pdf"));
+    const QByteArray pdf = bytesOf(files.path("r.pdf"));
+    static const QRegularExpression box(
+        QStringLiteral("/MediaBox \\[[0-9.]+ [0-9.]+ ([0-9.]+) ([0-9.]+)\\]"));
+    const QRegularExpressionMatch match =
+        box.match(QString::fromLatin1(pdf.mid(pdf.indexOf("/MediaBox"), 80)));
+    ASSERT_TRUE(match.hasMatch());
+    EXPECT_NEAR(match.captured(1).toDouble(), 90 / 25.4 * 72, 1); // points
+    EXPECT_TRUE(pdf.contains("/CreationDate (D:00000101000000"));
 }
 
 TEST(Figure, PngHasTheWidthInMillimetresAndIsDarkOnDarkPaper)
