@@ -6,7 +6,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <algorithm>
@@ -55,8 +54,7 @@ void NetworkCanvas::selectAt(int position)
     if (position < 0)
         return m_model.select(-1);
     const int node = m_model.shown().order.nodes[std::size_t(position)];
-    const bool isOther =
-        QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && m_model.node() >= 0;
+    const bool isOther = m_isWithShift && m_model.node() >= 0;
     m_model.select(isOther ? m_model.node() : node, isOther ? node : -1);
 }
 
@@ -191,8 +189,10 @@ void NetworkCanvas::mouseMoveEvent(QMouseEvent *event)
 
 void NetworkCanvas::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton && !m_isDragged)
-        click(event->localPos());
+    if (event->button() != Qt::LeftButton || m_isDragged)
+        return;
+    m_isWithShift = event->modifiers().testFlag(Qt::ShiftModifier);
+    click(event->localPos());
 }
 
 void NetworkCanvas::mouseDoubleClickEvent(QMouseEvent *)
