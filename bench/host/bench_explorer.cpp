@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a user waits for in the connectome window, with 400 and 1,000 nodes: the first paint of each
-// view, the mouse over it, and a step of the threshold with all measures. The processor time is that
-// of all threads: it tells more than the real one where others share the cores.
+// view, the mouse over it, and a step of the threshold with all measures. The processor time is
+// that of all threads: it tells more than the real one where others share the cores.
 //
 //   bench_explorer --benchmark_filter='step.*/400/'
 #include "bench/first_paint.h"

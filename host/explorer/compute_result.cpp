@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dataset/counted.h"
 #include "host/explorer/result_readers.h"
 #include "host/files/file_kind.h"
 #include "host/files/graph_table.h"
@@ -114,6 +115,18 @@ QStringList ledgerLines(const QJsonObject &cleaning)
                 .arg(text("rank"), text("degrees of freedom"))};
 }
 
+/// The slices of a compute that have a matrix worth the name: an event of one volume has none. All
+/// where there are but events.
+QJsonArray slicesOf(const QJsonObject &json)
+{
+    const QJsonArray all = json.value(key("slices")).toArray();
+    QJsonArray intervals;
+    for (const QJsonValue slice : all)
+        if (!slice.toObject().value(key("event")).toBool())
+            intervals.append(slice);
+    return intervals.isEmpty() ? all : intervals;
+}
+
 /// The tables of a compute, which has put names around their numbers or not.
 Eigen::MatrixXd readMatrix(const QString &path, bool isNamed)
 {
@@ -150,7 +163,8 @@ NetworkResult readComputeResult(const QString &folder)
     const bool withoutSigns =
         signs != QLatin1String("positive") && signs != QLatin1String("signed");
     const bool isWhole = !settings.value(key("use protocol")).toBool();
-    for (const QJsonValue value : json.value(key("slices")).toArray()) {
+    const QJsonArray slices = slicesOf(json);
+    for (const QJsonValue value : slices) {
         const QJsonObject slice = value.toObject();
         const QString file = files.filePath(slice.value(key("connectivity")).toString());
         const Eigen::MatrixXd values = readMatrix(file, isNamed);
@@ -186,6 +200,10 @@ NetworkResult readComputeResult(const QString &folder)
     }
     result.ledger = ledgerLines(cleaning);
     takePlaces(json, result);
+    const int events = json.value(key("slices")).toArray().size() - slices.size();
+    if (events > 0)
+        result.notes += QStringLiteral("left out, since one volume has no correlation: %1")
+                            .arg(counted(events, "event"));
     for (const QJsonValue warning : json.value(key("warnings")).toArray())
         result.notes += warning.toString();
     return result;

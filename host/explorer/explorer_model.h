@@ -40,6 +40,8 @@ public:
     int placeOf(int node) const { return node < 0 ? -1 : m_places[std::size_t(node)]; }
     int node() const { return m_node; }
     int other() const { return m_other; }
+    /// What is drawn, in words; with "alone" also of the selected node.
+    QString drawnText() const { return corvane::drawnText(*m_result, m_drawn, m_settings); }
     /// "Calcarine L - Calcarine R: 0.479", "Calcarine L", or empty.
     QString selectionText() const;
 

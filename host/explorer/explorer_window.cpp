@@ -19,10 +19,13 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMetaMethod>
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <QSettings>
+#include <QShortcut>
 #include <QSignalBlocker>
+#include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QToolBar>
@@ -221,6 +224,16 @@ QWidget *ExplorerWindow::makeNodes()
     layout->addWidget(m_search);
     layout->addWidget(tabs, 1);
     connect(m_search, &QLineEdit::textChanged, this, &ExplorerWindow::searchFor);
+    connect(m_search, &QLineEdit::returnPressed, this, &ExplorerWindow::findNext);
+    const auto onKey = [this](Qt::Key key, auto act) {
+        connect(new QShortcut(key, m_search, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, act);
+    };
+    onKey(Qt::Key_Down, [this] { m_nodes->setFocus(); });
+    onKey(Qt::Key_Escape, [this] {
+        m_search->clear();
+        m_model->select(-1);
+    });
     // One node, or two of an edge, in the order in which they were chosen.
     connect(m_nodes->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         if (m_isFollowing)
@@ -251,12 +264,14 @@ QWidget *ExplorerWindow::makeEvidence()
     layout->setContentsMargins(0, 0, 0, 4);
     auto *const canvas = new EvidenceCanvas(*m_model);
     m_canvases += canvas;
-    auto *const slices = new QPushButton(tr("Show in the Sli&ces"));
-    slices->setObjectName(QStringLiteral("slicesButton"));
-    slices->setToolTip(tr("Moves the cross-hair of the workbench from one node to the other"));
-    connect(slices, &QPushButton::clicked, this, &ExplorerWindow::showInSlices);
+    m_slices = new QPushButton(tr("Show in the Sli&ces"));
+    m_slices->setObjectName(QStringLiteral("slicesButton"));
+    m_slices->setToolTip(
+        tr("Moves the cross-hair of the workbench from one node to the other, where "
+           "the result was opened there"));
+    connect(m_slices, &QPushButton::clicked, this, &ExplorerWindow::showInSlices);
     layout->addWidget(canvas, 1);
-    layout->addWidget(slices, 0, Qt::AlignLeft);
+    layout->addWidget(m_slices, 0, Qt::AlignLeft);
     return page;
 }
 
@@ -485,6 +500,17 @@ void ExplorerWindow::searchFor(const QString &text)
     m_model->select(m_nodes->sorted().mapToSource(m_nodes->sorted().index(0, 0)).row());
 }
 
+/// The node after the selected one among those that were found, the first after the last.
+void ExplorerWindow::findNext()
+{
+    const QSortFilterProxyModel &found = m_nodes->sorted();
+    if (found.rowCount() == 0)
+        return;
+    const int node = m_model->node();
+    const int row = node < 0 ? -1 : found.mapFromSource(m_nodeModel->index(node, 0)).row();
+    m_model->select(found.mapToSource(found.index((row + 1) % found.rowCount(), 0)).row());
+}
+
 // ---- the model has changed
 
 void ExplorerWindow::takeThreshold()
@@ -520,8 +546,9 @@ void ExplorerWindow::showThreshold()
 
 void ExplorerWindow::showDrawn()
 {
-    m_bar->drawnLabel->setText(m_model->drawn().text);
-    m_bar->drawnLabel->setToolTip(m_model->drawn().text);
+    m_bar->drawnLabel->setText(m_model->drawnText());
+    m_bar->drawnLabel->setToolTip(m_model->drawnText());
+    m_selectedLabel->setText(m_model->selectionText()); // its value is that of the matrix
     const NetworkMeasures &measures = m_model->measures();
     const int efficiency = measures.columns.indexOf(QStringLiteral("global_efficiency"));
     const int clustering = measures.columns.indexOf(QStringLiteral("clustering_coeff"));
@@ -548,9 +575,11 @@ void ExplorerWindow::showSelection()
                                                 QItemSelectionModel::Rows);
     m_isFollowing = false;
     const int node = m_model->node();
-    if (node < 0)
-        return;
-    const std::optional<Eigen::Vector3d> &place = m_model->result().nodes[std::size_t(node)].place;
+    const std::optional<Eigen::Vector3d> place =
+        node < 0 ? std::nullopt : m_model->result().nodes[std::size_t(node)].place;
+    // On its own the window has no slices.
+    m_slices->setEnabled(
+        place && isSignalConnected(QMetaMethod::fromSignal(&ExplorerWindow::placeSelected)));
     if (place)
         Q_EMIT placeSelected(place->x(), place->y(), place->z());
 }

@@ -8,6 +8,7 @@
 class QDockWidget;
 class QLabel;
 class QLineEdit;
+class QPushButton;
 
 namespace Ui
 {
@@ -63,6 +64,7 @@ private:
     void chooseResult();
     void findNode();
     void searchFor(const QString &text);
+    void findNext();
 
     void takeThreshold();
     void showThreshold();
@@ -81,6 +83,7 @@ private:
     CopiedTable *m_nodes = nullptr;
     CopiedTable *m_edges = nullptr;
     QLineEdit *m_search = nullptr;
+    QPushButton *m_slices = nullptr;
     QLabel *m_measureLabel = nullptr;
     QLabel *m_pointedLabel = nullptr;
     QLabel *m_selectedLabel = nullptr;

@@ -17,8 +17,8 @@ struct NetworkMeasures {
     QStringList columns;   ///< as tables name them
     QStringList names;     ///< for people
     Eigen::MatrixXd nodes; ///< nodes x those with a value per node
-    /// A value for each: of the network, else the mean over its nodes. Global efficiency is the mean
-    /// of the nodal one.
+    /// A value for each: of the network, else the mean over its nodes. Global efficiency is the
+    /// mean of the nodal one.
     Eigen::ArrayXd whole;
 };
 

@@ -6,7 +6,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <algorithm>
@@ -22,6 +21,7 @@ NetworkCanvas::NetworkCanvas(ExplorerModel &model, NetworkView kind, QWidget *pa
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&model, &ExplorerModel::drawnChanged, this, &NetworkCanvas::renew);
+    connect(&model, &ExplorerModel::drawnChanged, this, &NetworkCanvas::tellSelection);
     connect(&model, &ExplorerModel::selectionChanged, this, &NetworkCanvas::tellSelection);
     tellSelection();
 }
@@ -37,13 +37,13 @@ void NetworkCanvas::renew()
     update();
 }
 
-/// A screen reader reads the selection as the view's description.
+/// A screen reader reads what is drawn and selected as the view's description.
 void NetworkCanvas::tellSelection()
 {
     const QString text = m_model.selectionText();
-    setAccessibleDescription(m_model.drawn().text + (text.isEmpty()
-                                                         ? tr("; nothing is selected")
-                                                         : tr("; selected: %1").arg(text)));
+    setAccessibleDescription(m_model.drawnText() + (text.isEmpty()
+                                                        ? tr("; nothing is selected")
+                                                        : tr("; selected: %1").arg(text)));
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
     update();
@@ -54,8 +54,7 @@ void NetworkCanvas::selectAt(int position)
     if (position < 0)
         return m_model.select(-1);
     const int node = m_model.shown().order.nodes[std::size_t(position)];
-    const bool isOther =
-        QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && m_model.node() >= 0;
+    const bool isOther = m_isWithShift && m_model.node() >= 0;
     m_model.select(isOther ? m_model.node() : node, isOther ? node : -1);
 }
 
@@ -190,8 +189,10 @@ void NetworkCanvas::mouseMoveEvent(QMouseEvent *event)
 
 void NetworkCanvas::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton && !m_isDragged)
-        click(event->localPos());
+    if (event->button() != Qt::LeftButton || m_isDragged)
+        return;
+    m_isWithShift = event->modifiers().testFlag(Qt::ShiftModifier);
+    click(event->localPos());
 }
 
 void NetworkCanvas::mouseDoubleClickEvent(QMouseEvent *)

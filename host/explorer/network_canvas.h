@@ -80,6 +80,7 @@ private:
     QPointF m_pressed;
     QPointF m_last;
     bool m_isDragged = false;
+    bool m_isWithShift = false; ///< the last click
 };
 
 } // namespace corvane

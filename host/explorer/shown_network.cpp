@@ -90,6 +90,17 @@ DrawnEdges componentEdges(const NetworkResult &result, const ShownMatrix &shown,
     return drawn;
 }
 
+/// The node whose edges are shown alone; -1 for all.
+int onlyNode(const NetworkResult &result, const ViewSettings &settings)
+{
+    return settings.alone ? nodeNumber(result, settings.node) : -1;
+}
+
+bool belongsTo(const NetworkEdge &edge, int only)
+{
+    return only < 0 || edge.from == only || edge.to == only;
+}
+
 /// Of one node for each volume of the file.
 Eigen::ArrayXd courseOf(const ResultSeries &series, int node)
 {
@@ -141,9 +152,24 @@ DrawnEdges drawnEdges(const NetworkResult &result, const ShownMatrix &shown,
         drawn = componentEdges(result, shown, settings.components);
     else {
         drawn.edges = shown.ranked.kept(settings.threshold);
-        drawn.text = drawnText(settings.threshold, drawn.edges.size(), shown.ranked.pairs());
+        drawn.text = shown.ranked.pairs() == 0
+                         ? QStringLiteral("no edges, since this matrix has no values")
+                         : drawnText(settings.threshold, drawn.edges.size(), shown.ranked.pairs());
     }
     return drawn;
+}
+
+QString drawnText(const NetworkResult &result, const DrawnEdges &drawn,
+                  const ViewSettings &settings)
+{
+    const int only = onlyNode(result, settings);
+    if (only < 0)
+        return drawn.text;
+    const auto count =
+        std::count_if(drawn.edges.begin(), drawn.edges.end(),
+                      [only](const NetworkEdge &edge) { return belongsTo(edge, only); });
+    return drawn.text +
+           QStringLiteral("; of these the %1 of %2 alone").arg(count).arg(settings.node);
 }
 
 NetworkPicture networkPicture(const NetworkResult &result, const ShownMatrix &shown,
@@ -158,21 +184,17 @@ NetworkPicture networkPicture(const NetworkResult &result, const ShownMatrix &sh
         picture.values = shown.values(shown.order.nodes, shown.order.nodes);
     picture.limit = shown.limit;
     picture.groups = shown.order.groups;
-    picture.foot = drawn.text;
+    const bool isMatrix = kind == NetworkView::Matrix;
+    picture.foot =
+        isMatrix ? QStringLiteral("Above the diagonal: %1. Below it all values.").arg(drawn.text)
+                 : drawnText(result, drawn, settings);
     const std::vector<int> places = placesOf(shown.order);
-    const int only = settings.alone ? nodeNumber(result, settings.node) : -1;
-    const bool isAlone = only >= 0 && kind != NetworkView::Matrix;
+    const int only = isMatrix ? -1 : onlyNode(result, settings);
     std::vector<RingEdge> edges;
     for (auto edge = drawn.edges.rbegin(); edge != drawn.edges.rend(); ++edge)
-        if (!isAlone || edge->from == only || edge->to == only)
+        if (belongsTo(*edge, only))
             edges.push_back(
                 {places[std::size_t(edge->from)], places[std::size_t(edge->to)], edge->value});
-    if (isAlone)
-        picture.foot +=
-            QStringLiteral("; of these the %1 of %2 alone").arg(edges.size()).arg(settings.node);
-    if (kind == NetworkView::Matrix)
-        picture.foot =
-            QStringLiteral("Above the diagonal: %1. Below it all values.").arg(drawn.text);
     picture.edges = std::move(edges);
     return picture;
 }
@@ -197,8 +219,10 @@ CoursePicture coursePicture(const NetworkResult &result, const ShownMatrix &show
     const int to = nodeNumber(result, settings.other);
     if (from < 0 || to < 0 || from == to) {
         picture.title = QStringLiteral("No edge is selected");
-        picture.hint = QStringLiteral("Select an edge: a cell of the matrix, a line of the ring or "
-                                      "of the brain, or two nodes of the table.");
+        picture.hint =
+            QStringLiteral("Select an edge: a cell of the matrix, a row of the edges, or "
+                           "two nodes, in ring and brain the second one with Shift, in "
+                           "the table with Ctrl.");
         return picture;
     }
     const EdgeEvidence evidence = edgeEvidence(result, *shown.matrix, from, to);

@@ -48,6 +48,11 @@ struct DrawnEdges {
 DrawnEdges drawnEdges(const NetworkResult &result, const ShownMatrix &shown,
                       const ViewSettings &settings);
 
+/// The text of what is drawn, with how many edges of the selected node are left where ring and
+/// brain show these alone.
+QString drawnText(const NetworkResult &result, const DrawnEdges &drawn,
+                  const ViewSettings &settings);
+
 /// In the order of the picture. For a matrix the foot says what is above the diagonal.
 NetworkPicture networkPicture(const NetworkResult &result, const ShownMatrix &shown,
                               const DrawnEdges &drawn, const ViewSettings &settings,

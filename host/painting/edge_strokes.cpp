@@ -14,6 +14,23 @@ namespace corvane
 namespace
 {
 
+double strengthOf(double value, double limit)
+{
+    return limit > 0 ? std::min(std::abs(value) / limit, 1.0) : 0;
+}
+
+double widthOf(double strength)
+{
+    return 0.5 + 3 * strength;
+}
+
+QColor colourOf(double value, double strength, bool onDark)
+{
+    QColor colour = divergingColour(std::copysign(0.4 + 0.6 * strength, value), 1, onDark);
+    colour.setAlphaF(0.15 + 0.85 * strength);
+    return colour;
+}
+
 bool hasPixels(const QPaintDevice &device)
 {
     return device.devType() == QInternal::Image || device.devType() == QInternal::Pixmap;
@@ -35,10 +52,12 @@ void paintOnPixels(QPainter &painter, const QRectF &area, const std::vector<Edge
     const double scale = std::sqrt(std::abs(toPixels.determinant()));
     const bool onDark = isDark(paperOf(painter));
     std::vector<PixelLine> lines;
+    lines.reserve(strokes.size());
     for (const EdgeStroke &stroke : strokes) {
-        const QPen pen = edgePen(stroke.value, limit, onDark);
+        const double strength = strengthOf(stroke.value, limit);
         lines.push_back({toPixels.map(stroke.from), toPixels.map(stroke.control),
-                         toPixels.map(stroke.to), scale * pen.widthF(), pen.color()});
+                         toPixels.map(stroke.to), scale * widthOf(strength),
+                         colourOf(stroke.value, strength, onDark)});
     }
     QImage image(pixels.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -64,10 +83,8 @@ QPainterPath strokePath(const EdgeStroke &stroke)
 
 QPen edgePen(double value, double limit, bool onDark)
 {
-    const double strength = limit > 0 ? std::min(std::abs(value) / limit, 1.0) : 0;
-    QColor colour = divergingColour(std::copysign(0.4 + 0.6 * strength, value), 1, onDark);
-    colour.setAlphaF(0.15 + 0.85 * strength);
-    return {colour, 0.5 + 3 * strength};
+    const double strength = strengthOf(value, limit);
+    return {colourOf(value, strength, onDark), widthOf(strength)};
 }
 
 void paintStrokes(QPainter &painter, const QRectF &area, const std::vector<EdgeStroke> &strokes,

@@ -57,14 +57,18 @@ Border borderOf(const PixelLine &line)
     return border;
 }
 
-/// Each of four bytes times a share of 255.
-quint32 scaled(quint32 bytes, quint32 share)
+/// Two bytes, each in 16 bits, divided by 255.
+quint32 divided(quint32 two)
 {
-    const auto half = [share](quint32 two) {
-        const quint32 product = two * share;
-        return ((product + ((product >> 8) & 0xff00ff) + 0x800080) >> 8) & 0xff00ff;
-    };
-    return half(bytes & 0xff00ff) | half((bytes >> 8) & 0xff00ff) << 8;
+    return ((two + ((two >> 8) & 0xff00ff) + 0x800080) >> 8) & 0xff00ff;
+}
+
+/// A share of 255 of a premultiplied colour above a pixel.
+quint32 mixed(quint32 above, quint32 share, quint32 below)
+{
+    const quint32 left = 255 - divided((above >> 24) * share);
+    return divided((above & 0xff00ff) * share + (below & 0xff00ff) * left) |
+           divided(((above >> 8) & 0xff00ff) * share + ((below >> 8) & 0xff00ff) * left) << 8;
 }
 
 /// Some rows of an image. What a border encloses is the running sum along a row of the signed areas
@@ -174,8 +178,7 @@ private:
             const auto share = quint32(std::min(std::abs(sum), 1.0F) * 255 + 0.5F);
             if (share == 0)
                 continue;
-            const quint32 above = scaled(bytes, share);
-            pixels[column] = above + scaled(pixels[column], 255 - (above >> 24));
+            pixels[column] = mixed(bytes, share, pixels[column]);
         }
         std::fill(areas + least, areas + most + 1, 0.0F);
         least = m_width;

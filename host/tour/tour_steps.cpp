@@ -2,6 +2,7 @@
 #include "host/tour/tour_steps.h"
 
 #include "host/files/file_kind.h"
+#include "host/tour/connectome_steps.h"
 #include "host/tour/user_input.h"
 #include "host/workbench/example_files.h"
 #include "host/workbench/main_window.h"
@@ -27,40 +28,13 @@ namespace corvane
 namespace
 {
 
-/// A visible window of a class, by the name of the class; the newest one.
-QWidget *windowOf(const char *className)
-{
-    QWidget *found = nullptr;
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->inherits(className))
-            found = window;
-    return found;
-}
-
-/// A visible widget of a window by its name.
-QWidget *part(const char *windowClass, const char *name)
-{
-    const QWidget *const window = windowOf(windowClass);
-    auto *const found =
-        window != nullptr ? window->findChild<QWidget *>(QString::fromLatin1(name)) : nullptr;
-    return found != nullptr && found->isVisible() ? found : nullptr;
-}
-
-QAction *entry(const QList<QAction *> &actions, const QString &text)
-{
-    for (QAction *action : actions)
-        if (action->text().remove(QLatin1Char('&')).startsWith(text))
-            return action;
-    return nullptr;
-}
-
 void enlarge(QWidget *window)
 {
     window->resize(window->size() * 1.2);
 }
 
-/// Collects the steps; its members are what a user can do.
-class Workflow
+/// The first part; its members are what a user can do.
+class Workflow : public StepList
 {
 public:
     Workflow(MainWindow &window, QString dataset, QString exports)
@@ -68,12 +42,9 @@ public:
     {
     }
 
-    std::vector<TourStep> steps();
+    void add();
 
 private:
-    using Find = std::function<QWidget *()>;
-    using Act = std::function<void(QWidget *)>;
-
     void openFiles();
     void startPlugin();
     void addSubject(int row, const QString &name);
@@ -81,26 +52,15 @@ private:
     void results();
     void compare();
 
-    void act(Find target, Act action) { m_steps.push_back({{}, {}, {}, target, action}); }
-    void picture(const char *file, const char *title, const char *caption, Find target,
-                 Act action = {})
+    void openMenu(const char *menu)
     {
-        m_steps.push_back({QString::fromLatin1(file), MainWindow::tr(title),
-                           MainWindow::tr(caption), target, action});
+        StepList::openMenu([bar = m_window.menuBar()] { return bar; }, menu);
     }
-    void openMenu(const char *menu);
-    void chooseEntry(const char *text);
     void chooseFile(const QString &path);
-    Find inWindow(const char *windowClass, const char *name) const
-    {
-        return [=] { return part(windowClass, name); };
-    }
-    void closeWindow(const char *windowClass);
 
     MainWindow &m_window;
     QString m_dataset;
     QString m_exports;
-    std::vector<TourStep> m_steps;
 };
 
 const auto pressed = [](QWidget *widget) { click(widget); };
@@ -115,34 +75,6 @@ void chooseNewestDocument(QComboBox *box)
             newest = item;
     for (int item = 0; item < newest; ++item)
         pressKey(box, Qt::Key_Down);
-}
-
-QMenu *openedMenu()
-{
-    return qobject_cast<QMenu *>(QApplication::activePopupWidget());
-}
-
-void Workflow::openMenu(const char *menu)
-{
-    const QString text = QString::fromLatin1(menu);
-    act([window = &m_window] { return window->menuBar(); },
-        [text](QWidget *bar) {
-            auto *const menus = qobject_cast<QMenuBar *>(bar);
-            clickMenu(menus, entry(menus->actions(), text));
-        });
-}
-
-void Workflow::chooseEntry(const char *text)
-{
-    const QString start = QString::fromUtf8(text);
-    act(
-        [start]() -> QWidget * {
-            QMenu *const menu = openedMenu();
-            return menu != nullptr && entry(menu->actions(), start) != nullptr ? menu : nullptr;
-        },
-        [start](QWidget *menu) {
-            clickMenu(qobject_cast<QMenu *>(menu), entry(menu->actions(), start));
-        });
 }
 
 /// Enters a path in the file dialog that is open and presses its Open or Save button.
@@ -168,11 +100,6 @@ void Workflow::chooseFile(const QString &path)
             return nullptr;
         },
         pressed);
-}
-
-void Workflow::closeWindow(const char *windowClass)
-{
-    act([=] { return windowOf(windowClass); }, [](QWidget *window) { window->close(); });
 }
 
 // ---- the workflow
@@ -404,7 +331,7 @@ void Workflow::compare()
     closeWindow("Tessera");
 }
 
-std::vector<TourStep> Workflow::steps()
+void Workflow::add()
 {
     const QString first = QStringLiteral("Anna");
     const QString second = QStringLiteral("Ben");
@@ -417,7 +344,6 @@ std::vector<TourStep> Workflow::steps()
     compute(second, 2, {1, 3, 5, 7, 12, 13});
     act([] { return windowOf("ConnectivityObjectUI"); }, [](QWidget *window) { window->close(); });
     compare();
-    return std::move(m_steps);
 }
 
 } // namespace
@@ -425,7 +351,10 @@ std::vector<TourStep> Workflow::steps()
 std::vector<TourStep> workflowSteps(MainWindow &window, const QString &dataset,
                                     const QString &exports)
 {
-    return Workflow(window, dataset, exports).steps();
+    Workflow steps(window, dataset, exports);
+    steps.add();
+    addConnectomeSteps(steps, window, exports);
+    return steps.take();
 }
 
 QString tourPlugin()

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QProcess>
-#include <QStringList>
-#include <QTimer>
+#include "host/workbench/command_run.h"
 
 namespace corvane
 {
@@ -16,7 +14,6 @@ class CohortRun : public QObject
 public:
     /// `program` is empty for this one.
     explicit CohortRun(QObject *parent = nullptr, const QString &program = {});
-    ~CohortRun() override;
 
     /// Asks first how many rows are to be made, then makes them. Options are those of
     /// `Corvane cohort` behind the step's name.
@@ -24,8 +21,8 @@ public:
     /// Tests the group of the rows that are done.
     void startGroup(const QString &dataset, const QString &study, const QStringList &options);
     /// Asks it to end, and ends it when it does not within ten seconds.
-    void cancel();
-    bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
+    void cancel() { m_program.cancel(); }
+    bool isRunning() const { return m_program.isRunning(); }
 
 Q_SIGNALS:
     /// Rows that are made so far and in all; 0 of 0 while that is not known.
@@ -40,20 +37,15 @@ private:
     void begin(const QString &step, const QString &dataset, const QString &study,
                const QStringList &options);
     void run(const QString &step);
-    void readLines();
     void takeLine(const QString &line);
-    void processEnded();
+    void stepEnded(const QString &fault);
 
-    QString m_program;
+    CommandRun m_program;
     QStringList m_folders;
     QStringList m_options;
-    QProcess m_process;
-    QTimer m_patience;
     bool m_isPlan = false;
-    bool m_isCancelled = false;
     int m_all = 0;
     int m_done = 0;
-    QString m_lastLine;
 };
 
 } // namespace corvane

@@ -22,6 +22,7 @@
 #include "host/workbench/window_buttons.h"
 #include "plots/plain_text.h"
 #ifdef CORVANE_IMPORT
+#include "host/workbench/explore_run_dialog.h"
 #include "host/workbench/result_opener.h"
 #include "host/workbench/study_window.h"
 #endif
@@ -191,6 +192,8 @@ void MainWindow::makeFileMenu()
     menu->addAction(tr("Open &Study..."), this, &MainWindow::openStudy);
     makeResults();
     menu->addAction(tr("Open &Result..."), m_results, &ResultOpener::choose);
+    m_explore = menu->addAction(tr("E&xplore Connections..."), this, &MainWindow::exploreRun);
+    connect(m_vois, &VoiList::exploreAsked, this, &MainWindow::exploreRun);
     menu->addSeparator();
 #endif
     QAction *const close = menu->addAction(tr("&Close"), this, &MainWindow::closeDocument);
@@ -352,6 +355,11 @@ void MainWindow::refresh()
         const LoadedVois *const vois = m_workspace.vois();
         m_vois->setVois(vois != nullptr ? &vois->set : nullptr);
     }
+#ifdef CORVANE_IMPORT
+    const bool hasRun = openRun(m_workspace).has_value();
+    m_explore->setEnabled(hasRun);
+    m_vois->setExplorable(hasRun);
+#endif
     if (const Vmr *const vmr = m_workspace.currentVmr())
         m_volume->showVolume(current, *vmr);
     const LinkedVtc *const vtc = m_workspace.linkedVtc();
@@ -471,7 +479,7 @@ void MainWindow::makeResults()
 void MainWindow::openStudy()
 {
     if (m_study == nullptr) {
-        m_study = new StudyWindow(this);
+        m_study = new StudyWindow(this, m_program);
         connect(m_study, &StudyWindow::resultChosen, m_results, &ResultOpener::open);
     }
     m_study->show();
@@ -479,6 +487,16 @@ void MainWindow::openStudy()
     m_study->activateWindow();
 }
 
+/// Of what is open, the connections between all VOIs.
+void MainWindow::exploreRun()
+{
+    const std::optional<OpenRun> run = openRun(m_workspace);
+    if (!run)
+        return;
+    const ScopedDialog dialog(new ExploreRunDialog(*run, this, m_program));
+    if (dialog->exec() == QDialog::Accepted && dialog)
+        m_results->open(dialog->folder());
+}
 #endif
 
 void MainWindow::closeDocument()

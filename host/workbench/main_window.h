@@ -56,6 +56,9 @@ public:
     /// The size of the first start, where the screen has room for it.
     static QSize usualSize() { return {1100, 850}; }
 
+    /// The program whose commands compute; this one unless another is set.
+    void setProgram(const QString &program) { m_program = program; }
+
     const LogPane &log() const { return *m_log; }
 
     /// The Help menu, for what the program adds to it behind the guide and the keys.
@@ -92,6 +95,7 @@ private:
     void askAboutMismatches();
     bool mayLoseResults();
     void openStudy();
+    void exploreRun();
     void closeDocument();
     void showDocument(int step);
     void start(Plugin &plugin);
@@ -101,6 +105,7 @@ private:
     std::unique_ptr<WindowButtonStyle> m_buttons; ///< of the panes and tabs
     std::vector<std::unique_ptr<Plugin>> m_plugins;
     QString m_pluginFolder;
+    QString m_program;
     QTimer m_refreshSoon;
     QTimer m_fileWatch;
     LogPane *m_log;
@@ -119,6 +124,7 @@ private:
     QStringList m_mismatches; ///< those that the user knows of and keeps
     bool m_isAsking = false;
     ResultOpener *m_results = nullptr;
+    QAction *m_explore = nullptr;
     StudyWindow *m_study = nullptr; ///< made when it is first asked for
     QMenu *m_pluginsMenu = nullptr;
     QMenu *m_helpMenu = nullptr;

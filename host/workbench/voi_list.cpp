@@ -83,6 +83,11 @@ VoiList::VoiList(QWidget *parent) : QDockWidget(tr("Volumes of Interest"), paren
     opacityRow->addWidget(label);
     opacityRow->addWidget(m_opacity);
     layout->addLayout(opacityRow);
+    m_explore = new QPushButton(tr("E&xplore Connections..."));
+    m_explore->setObjectName(QStringLiteral("exploreVois"));
+    m_explore->hide();
+    connect(m_explore, &QPushButton::clicked, this, &VoiList::exploreAsked);
+    layout->addWidget(m_explore);
     setWidget(content);
     setVois(nullptr);
 }
@@ -116,6 +121,15 @@ void VoiList::setAnatomyOpen(bool isOpen)
 {
     m_isAnatomyOpen = isOpen;
     showHint();
+}
+
+void VoiList::setExplorable(bool isExplorable)
+{
+    m_explore->show();
+    m_explore->setEnabled(isExplorable);
+    m_explore->setToolTip(isExplorable ? tr("Computes the connections between the VOIs in the "
+                                            "functional run and shows them")
+                                       : tr("Needs a functional run and its VOIs"));
 }
 
 void VoiList::showHint()

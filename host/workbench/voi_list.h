@@ -32,6 +32,8 @@ public:
     void setVois(const VoiSet *set);
     /// Without an anatomy that they lie in, nothing is listed.
     void setAnatomyOpen(bool isOpen);
+    /// Offers to explore the connections between the VOIs; before the first call it does not.
+    void setExplorable(bool isExplorable);
 
     /// Where the shown VOIs lie; null when none is.
     std::shared_ptr<const VoiOverlay> overlay() const { return m_overlay; }
@@ -46,6 +48,8 @@ Q_SIGNALS:
     void jumped(const CubeVoxel &voxel);
     /// Another VOI is chosen, or what is chosen is of another set.
     void chosenChanged();
+    /// The connections between the VOIs are to be explored.
+    void exploreAsked();
 
 private:
     void fill(const VoiSet &set);
@@ -61,6 +65,7 @@ private:
     QListWidget *m_list;
     QPushButton *m_showAll;
     QPushButton *m_hideAll;
+    QPushButton *m_explore;
     QSlider *m_opacity;
     QStringList m_names;
     std::vector<std::optional<CubeVoxel>> m_centres;

@@ -52,7 +52,9 @@ def main():
 
     there = set(PICTURES.glob("*.png"))
     problems += [f"{picture.relative_to(ROOT)}: is in no page" for picture in there - used]
-    steps = (ROOT / "host" / "tour" / "tour_steps.cpp").read_text(encoding="utf-8")
+    steps = "".join(
+        page.read_text(encoding="utf-8") for page in (ROOT / "host" / "tour").glob("*_steps.cpp")
+    )
     of_tour = set(re.findall(r'picture\("([a-z-]+)"', steps))
     made = (ROOT / "docs" / "make-pictures").read_text(encoding="utf-8")
     of_group = set(re.findall(r'"\$pictures/([a-z-]+)\.png"', made))

@@ -91,6 +91,17 @@ TEST(EdgeThreshold, SignsAreKeptSeparately)
         EXPECT_LE(edge.value, -0.3);
 }
 
+TEST(EdgeThreshold, AWeightKeepsEdgesOfThatWeightToo)
+{
+    Eigen::MatrixXd values = Eigen::MatrixXd::Zero(3, 3);
+    values(0, 1) = values(1, 0) = 0.25;
+    values(0, 2) = values(2, 0) = -0.5;
+    const RankedEdges ranked(values, EdgeSigns::Both);
+    EXPECT_EQ(ranked.kept({ThresholdKind::Weight, 0.25}).size(), 2U);
+    EXPECT_EQ(ranked.kept({ThresholdKind::Weight, 0.5}).size(), 1U);
+    EXPECT_EQ(ranked.kept({ThresholdKind::Weight, 0.51}).size(), 0U);
+}
+
 /// Prim's way, as far from the one under test as can be.
 std::set<std::pair<int, int>> largestTree(const Eigen::MatrixXd &values)
 {

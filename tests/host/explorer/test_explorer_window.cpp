@@ -16,6 +16,7 @@
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -168,6 +169,46 @@ TEST_F(ExplorerWindowTest, SliderGoesThroughMatricesAndDifferences)
     EXPECT_EQ(model().shown().limit, limit);
 }
 
+TEST_F(ExplorerWindowTest, TheSelectedValueIsThatOfTheMatrixThatIsShown)
+{
+    open(m_files.path());
+    model().select(0, 1);
+    child<QSlider>("matrixSlider")->setValue(1);
+    waitUntilDone();
+    const QString value =
+        QStringLiteral("Region 0 - Region 1: %1").arg(-exampleValue(0, 1) / 2, 0, 'f', 3);
+    EXPECT_EQ(selected(), value);
+    const auto *const matrix = child<MatrixCanvas>("matrixCanvas");
+    EXPECT_EQ(matrix->accessibleDescription(),
+              QStringLiteral("strongest 5 % of 66 edges, 3; selected: ") + value);
+    child<QDoubleSpinBox>("thresholdBox")->setValue(20);
+    waitUntilDone();
+    EXPECT_EQ(matrix->accessibleDescription(),
+              QStringLiteral("strongest 20 % of 66 edges, 13; selected: ") + value);
+}
+
+TEST_F(ExplorerWindowTest, TheSearchIsWalkedThroughByKeys)
+{
+    open(m_files.path());
+    m_window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    QTest::keyClick(m_window.get(), Qt::Key_F, Qt::ControlModifier);
+    auto *const search = child<QLineEdit>("searchEdit");
+    QTest::keyClicks(search, QStringLiteral("region 1")); // 1, 10 and 11
+    EXPECT_EQ(model().node(), 1);
+    for (const int node : {10, 11, 1}) {
+        QTest::keyClick(search, Qt::Key_Return);
+        EXPECT_EQ(model().node(), node);
+    }
+    QTest::keyClick(search, Qt::Key_Down);
+    EXPECT_TRUE(child<CopiedTable>("nodeTable")->hasFocus());
+    search->setFocus();
+    QTest::keyClick(search, Qt::Key_Escape);
+    EXPECT_EQ(search->text(), QString());
+    EXPECT_EQ(model().node(), -1);
+    EXPECT_EQ(child<CopiedTable>("nodeTable")->model()->rowCount(), 12);
+}
+
 TEST_F(ExplorerWindowTest, ControlAndFFindsANode)
 {
     open(m_files.path());
@@ -227,6 +268,168 @@ TEST_F(ExplorerWindowTest, DownGoesThroughTheEdgesOfANodeTheStrongestFirst)
         QTest::keyClick(ring, Qt::Key_Down);
         EXPECT_EQ(model().other(), node);
     }
+}
+
+TEST_F(ExplorerWindowTest, UpGoesThroughThemBackwards)
+{
+    open(m_files.path());
+    child<QDoubleSpinBox>("thresholdBox")->setValue(100);
+    waitUntilDone();
+    model().select(6);
+    int weakest = 0;
+    int strongest = 0;
+    for (int node = 1; node < ExampleResult::nodes; ++node) {
+        if (node == 6)
+            continue;
+        if (std::abs(exampleValue(6, node)) < std::abs(exampleValue(6, weakest)))
+            weakest = node;
+        if (std::abs(exampleValue(6, node)) > std::abs(exampleValue(6, strongest)))
+            strongest = node;
+    }
+    auto *const ring = child<RingCanvas>("ringCanvas");
+    QTest::keyClick(ring, Qt::Key_Up);
+    EXPECT_EQ(model().other(), weakest);
+    QTest::keyClick(ring, Qt::Key_Down);
+    EXPECT_EQ(model().other(), strongest);
+}
+
+TEST_F(ExplorerWindowTest, ShiftAndAClickSelectTheOtherNodeOfAnEdge)
+{
+    open(m_files.path());
+    auto *const ring = child<RingCanvas>("ringCanvas");
+    QTest::mouseClick(ring, Qt::LeftButton, Qt::ShiftModifier, ring->placeOf(5).toPoint());
+    EXPECT_EQ(model().node(), 5);
+    EXPECT_EQ(model().other(), -1);
+    QTest::mouseClick(ring, Qt::LeftButton, Qt::ShiftModifier, ring->placeOf(9).toPoint());
+    EXPECT_EQ(model().node(), 5);
+    EXPECT_EQ(model().other(), 9);
+    QTest::mouseClick(ring, Qt::LeftButton, {}, ring->placeOf(2).toPoint());
+    EXPECT_EQ(model().node(), 2);
+    EXPECT_EQ(model().other(), -1);
+}
+
+TEST_F(ExplorerWindowTest, KeysZoomAndADoubleClickShowsAll)
+{
+    open(m_files.path());
+    auto *const ring = child<RingCanvas>("ringCanvas");
+    const auto apart = [&] {
+        QCoreApplication::processEvents();
+        return QLineF(ring->placeOf(4), ring->placeOf(10)).length();
+    };
+    const double before = apart();
+    QTest::keyClick(ring, Qt::Key_Plus);
+    EXPECT_NEAR(apart(), 1.25 * before, 0.01);
+    QTest::keyClick(ring, Qt::Key_Minus);
+    EXPECT_NEAR(apart(), before, 0.01);
+    QTest::keyClick(ring, Qt::Key_Equal);
+    QTest::mouseDClick(ring, Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_NEAR(apart(), before, 0.01);
+}
+
+TEST_F(ExplorerWindowTest, ACopyIsTheWholePictureHoweverMuchIsSeen)
+{
+    open(m_files.path());
+    auto *const ring = child<RingCanvas>("ringCanvas");
+    const auto copied = [&] {
+        QTest::keyClick(ring, Qt::Key_C, Qt::ControlModifier);
+        return QApplication::clipboard()->image();
+    };
+    const QImage whole = copied();
+    EXPECT_FALSE(whole.isNull());
+    QTest::keyClick(ring, Qt::Key_Plus);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(copied(), whole);
+}
+
+TEST_F(ExplorerWindowTest, TellsWhatIsUnderTheMouse)
+{
+    open(m_files.path()); // ordered by network, not as in the file
+    QString text;
+    const auto pointAt = [&](NetworkCanvas *canvas, const QPointF &place) {
+        const auto connection = QObject::connect(canvas, &NetworkCanvas::pointedAt,
+                                                 [&](const QString &told) { text = told; });
+        QMouseEvent move(QEvent::MouseMove, place, Qt::NoButton, Qt::NoButton, {});
+        QCoreApplication::sendEvent(canvas, &move);
+        QObject::disconnect(connection);
+    };
+    auto *const matrix = child<MatrixCanvas>("matrixCanvas");
+    pointAt(matrix, matrix->cellOf(4, 9).center());
+    EXPECT_EQ(text, QStringLiteral("Region 4 - Region 9: %1").arg(exampleValue(4, 9), 0, 'f', 3));
+    auto *const ring = child<RingCanvas>("ringCanvas");
+    pointAt(ring, ring->placeOf(7));
+    EXPECT_EQ(text, QStringLiteral("Region 7, B"));
+    raise("brainDock");
+    auto *const brain = child<BrainCanvas>("brainCanvas");
+    pointAt(brain, brain->placeOf(0, 3));
+    EXPECT_EQ(text, QStringLiteral("Region 3"));
+}
+
+TEST_F(ExplorerWindowTest, ColumnsAreSortedByNumbersAndCopiedAsTheyStand)
+{
+    open(m_files.path());
+    auto *const edges = child<CopiedTable>("edgeTable");
+    child<QDoubleSpinBox>("thresholdBox")->setValue(100);
+    waitUntilDone();
+    edges->sortByColumn(2, Qt::AscendingOrder);
+    double before = -2;
+    for (int row = 0; row < edges->model()->rowCount(); ++row) {
+        const QModelIndex cell = edges->model()->index(row, 2);
+        const double value = cell.data().toDouble();
+        EXPECT_GE(value, before);
+        before = value;
+    }
+    auto *const nodes = child<CopiedTable>("nodeTable");
+    nodes->sortByColumn(0, Qt::DescendingOrder);
+    nodes->selectRow(4);
+    nodes->selectionModel()->select(nodes->model()->index(1, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    QTest::keyClick(nodes, Qt::Key_C, Qt::ControlModifier);
+    const QStringList lines = QApplication::clipboard()->text().split(QLatin1Char('\n'));
+    ASSERT_GE(lines.size(), 3);
+    EXPECT_EQ(lines[1].section(QLatin1Char('\t'), 0, 0),
+              nodes->model()->index(1, 0).data().toString());
+    EXPECT_EQ(lines[2].section(QLatin1Char('\t'), 0, 0),
+              nodes->model()->index(4, 0).data().toString());
+}
+
+TEST_F(ExplorerWindowTest, TheSliderIsFinerWhereNetworksAreSparse)
+{
+    open(m_files.path());
+    auto *const slider = child<QSlider>("thresholdSlider");
+    slider->setValue(500);
+    EXPECT_DOUBLE_EQ(model().settings().threshold.value, 0.25);
+    EXPECT_DOUBLE_EQ(child<QDoubleSpinBox>("thresholdBox")->value(), 25);
+    child<QDoubleSpinBox>("thresholdBox")->setValue(36);
+    EXPECT_EQ(slider->value(), 600);
+}
+
+TEST_F(ExplorerWindowTest, CopyAsCommandIsForTheViewWithTheKeyboard)
+{
+    open(m_files.path());
+    m_window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    for (const auto &[key, view] : {std::pair(Qt::Key_2, "ring"),
+                                    {Qt::Key_4, "nodes"},
+                                    {Qt::Key_1, "matrix"},
+                                    {Qt::Key_5, "evidence"}}) {
+        QTest::keyClick(m_window.get(), key, Qt::ControlModifier);
+        QTest::keyClick(m_window.get(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_THAT(QApplication::clipboard()->text().toStdString(),
+                    HasSubstr(std::string(" --view ") + view + ' '));
+    }
+}
+
+TEST_F(ExplorerWindowTest, AnotherRunIsChosenInTheBar)
+{
+    putBytes(m_files.path("sub-01_task-nback_atlas-Two_stat-pearsoncorrelation_relmat.tsv"),
+             "Node\tx\ty\nx\t1\t-0.1\ny\t-0.1\t1\n");
+    open(m_files.path());
+    ASSERT_EQ(model().result().nodes.size(), 2U);
+    EXPECT_TRUE(child<QComboBox>("runBox")->isVisible());
+    choose("runBox", 1);
+    waitUntilDone();
+    EXPECT_EQ(model().result().nodes.size(), std::size_t(ExampleResult::nodes));
+    EXPECT_EQ(model().request().run, model().result().runs[1]);
 }
 
 TEST_F(ExplorerWindowTest, EveryViewIsReachedByKeysAlone)
@@ -320,13 +523,20 @@ TEST_F(ExplorerWindowTest, AloneShowsTheEdgesOfTheSelectedNode)
         model().result(), model().shown(), model().drawn(), model().settings(), NetworkView::Ring);
     EXPECT_EQ(picture.edges->size(), 11U);
     EXPECT_THAT(picture.foot.toStdString(), HasSubstr("of these the 11 of Region 3 alone"));
+    EXPECT_EQ(drawn(),
+              QStringLiteral("strongest 100 % of 66 edges, 66; of these the 11 of Region 3 alone"));
+    model().select(-1);
+    EXPECT_EQ(drawn(), QStringLiteral("strongest 100 % of 66 edges, 66"));
 }
 
 TEST_F(ExplorerWindowTest, SelectionHasAPlaceForTheSlices)
 {
     open(m_files.path());
+    model().select(2);
+    EXPECT_FALSE(child<QPushButton>("slicesButton")->isEnabled()) << "there are no slices";
     QSignalSpy places(m_window.get(), &ExplorerWindow::placeSelected);
     model().select(3);
+    EXPECT_TRUE(child<QPushButton>("slicesButton")->isEnabled());
     ASSERT_EQ(places.size(), 1);
     EXPECT_NEAR(places[0][0].toDouble(), 0, 0.1); // 60 cos 90
     EXPECT_NEAR(places[0][1].toDouble(), 80, 0.1);
@@ -362,6 +572,26 @@ TEST_F(ExplorerWindowTest, CurvesAreThereWhileTheyAreSeen)
     model().setThreshold({ThresholdKind::Density, 0.3});
     waitUntilDone();
     EXPECT_EQ(model().curves().steps.data(), steps) << "the same curves, not made again";
+    const auto ofModel = [&] {
+        const ViewSettings &settings = model().settings();
+        const auto shown = shownMatrix(model().result(), settings);
+        const MeasureCurves curves =
+            measureCurves(shown->ranked, shown->isKnown, settings.threshold, usualDensities());
+        const int strength = curves.steps[0].columns.indexOf(QStringLiteral("strength"));
+        EXPECT_TRUE((curveOf(model().curves(), strength, 3) == curveOf(curves, strength, 3)).all());
+        return curveOf(curves, strength, 3).sum();
+    };
+    const double whole = ofModel();
+    model().setMatrix(model().result().matrices[1].name);
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those of the other matrix";
+    model().setMatrix(model().result().matrices[0].name);
+    model().setThreshold({ThresholdKind::TreeAndDensity, 0.3});
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those with a tree";
+    model().setThreshold({ThresholdKind::Density, 0.3, EdgeSigns::Negative});
+    waitUntilDone();
+    EXPECT_NE(ofModel(), whole) << "those of negative edges";
 }
 
 TEST_F(ExplorerWindowTest, TablesAreProperModels)
@@ -391,6 +621,20 @@ TEST_F(ExplorerWindowTest, GroupHasNetworksAsLayersAndItsExclusions)
     model().setComponents({1, 2});
     waitUntilDone();
     EXPECT_EQ(model().drawn().edges.size(), 3U);
+    {
+        ModalDriver networks;
+        networks.expect<QDialog>([&](QDialog &dialog) {
+            auto *const list = dialog.findChild<QListWidget *>();
+            ASSERT_NE(list, nullptr);
+            EXPECT_EQ(list->item(1)->checkState(), Qt::Checked);
+            list->item(1)->setCheckState(Qt::Unchecked);
+            dialog.reject();
+        });
+        child<QPushButton>("componentsButton")->click();
+    }
+    waitUntilDone();
+    EXPECT_EQ(model().drawn().edges.size(), 2U);
+    EXPECT_FALSE(child<QSlider>("thresholdSlider")->isEnabled()) << "networks take its place";
     EXPECT_EQ(child<QPushButton>("leftOutButton")->text(), QStringLiteral("&Left out (1)..."));
     EXPECT_TRUE(child<QPushButton>("componentsButton")->isVisible());
     QString leftOut;

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <gmock/gmock.h>
 
 namespace corvane
@@ -62,6 +63,57 @@ TEST(FigureArguments, LeaveOutWhatIsUsual)
                              "m.svg"));
     EXPECT_EQ(commandText({QStringLiteral("it's"), QStringLiteral("$x")}),
               QStringLiteral("'it'\\''s' '$x'"));
+}
+
+TEST(FigureArguments, NameTheFilesTheRunAndTheNode)
+{
+    FigureRequest request;
+    request.result = {QStringLiteral("out"), QStringLiteral("sub-01"), QStringLiteral("l.tsv"),
+                      QStringLiteral("c.tsv"), QStringLiteral("a.nii")};
+    request.view.matrix = QStringLiteral("m");
+    request.view.node = QStringLiteral("x");
+    request.view.other = QStringLiteral("y");
+    request.view.alone = true;
+    request.view.threshold.kind = ThresholdKind::Weight;
+    request.view.threshold.value = 0.25;
+    EXPECT_EQ(figureArguments(request, QStringLiteral("m.png")).join(QLatin1Char(' ')),
+              QStringLiteral("figure out --run sub-01 --labels l.tsv --centroids c.tsv --atlas "
+                             "a.nii --view matrix --matrix m --weight 0.25 --node x --other y "
+                             "--alone --out m.png"));
+    request.view.components = {2, 3}; // take the place of the threshold
+    EXPECT_THAT(figureArguments(request, QStringLiteral("m.png")),
+                testing::AllOf(testing::Contains(QStringLiteral("2,3")),
+                               testing::Not(testing::Contains(QStringLiteral("--weight")))));
+}
+
+TEST(Figure, TextsHaveTheirSizeInPointsAtAnyWidth)
+{
+    for (const double points : {5.0, 8.0, 11.0})
+        for (const double width : {60.0, 120.0}) {
+            FigureFormat format;
+            format.width = width;
+            format.pointSize = points;
+            // Texts are painted 12 units high.
+            const double millimetres = 12 * width / figureSize(NetworkView::Ring, format).width();
+            EXPECT_NEAR(millimetres, points * 25.4 / 72, 0.01) << points << ' ' << width;
+        }
+}
+
+TEST(Figure, PdfHasTheWidthInMillimetresAndNoDate)
+{
+    const ExampleResult files;
+    FigureRequest request = requestOf(files);
+    request.kind = NetworkView::Ring;
+    request.format.width = 90;
+    writeFigure(request, files.path("r.pdf"));
+    const QByteArray pdf = bytesOf(files.path("r.pdf"));
+    static const QRegularExpression box(
+        QStringLiteral("/MediaBox \\[[0-9.]+ [0-9.]+ ([0-9.]+) ([0-9.]+)\\]"));
+    const QRegularExpressionMatch match =
+        box.match(QString::fromLatin1(pdf.mid(pdf.indexOf("/MediaBox"), 80)));
+    ASSERT_TRUE(match.hasMatch());
+    EXPECT_NEAR(match.captured(1).toDouble(), 90 / 25.4 * 72, 1); // points
+    EXPECT_TRUE(pdf.contains("/CreationDate (D:00000101000000"));
 }
 
 TEST(Figure, PngHasTheWidthInMillimetresAndIsDarkOnDarkPaper)
@@ -160,6 +212,72 @@ TEST(Figure, DifferencesShareOneScale)
     EXPECT_NEAR(difference->limit, largest, 1e-12);
     settings.matrix = model->result().matrices[1].name; // nothing is left, on the same scale
     EXPECT_NEAR(shownMatrix(model->result(), settings)->limit, largest, 1e-12);
+}
+
+TEST(Figure, ADifferencesScaleIsThatOfItsLargestValueOfAnySign)
+{
+    NetworkResult result;
+    result.nodes = {{QStringLiteral("a")}, {QStringLiteral("b")}, {QStringLiteral("c")}};
+    for (const double value : {0.1, 0.8}) {
+        ResultMatrix matrix;
+        matrix.name = QString::number(value);
+        matrix.values = Eigen::MatrixXd::Constant(3, 3, value);
+        result.matrices.push_back(matrix);
+    }
+    ViewSettings settings;
+    settings.minus = QStringLiteral("0.8"); // all differences are negative
+    EXPECT_NEAR(shownMatrix(result, settings)->limit, 0.7, 1e-12);
+}
+
+TEST(Figure, AMatrixWithoutValuesSaysSo)
+{
+    NetworkResult result;
+    result.nodes = {{QStringLiteral("a")}, {QStringLiteral("b")}};
+    result.matrices.resize(1);
+    result.matrices[0].values =
+        Eigen::MatrixXd::Constant(2, 2, std::numeric_limits<double>::quiet_NaN());
+    const ViewSettings settings;
+    EXPECT_EQ(drawnEdges(result, *shownMatrix(result, settings), settings).text,
+              QStringLiteral("no edges, since this matrix has no values"));
+}
+
+TEST(Figure, TheStrongestEdgesArePaintedLast)
+{
+    const ExampleResult files;
+    const auto model = modelOf(files.path());
+    ViewSettings settings;
+    settings.threshold.value = 0.5;
+    const auto shown = shownMatrix(model->result(), settings);
+    const DrawnEdges drawn = drawnEdges(model->result(), *shown, settings);
+    const NetworkPicture picture =
+        networkPicture(model->result(), *shown, drawn, settings, NetworkView::Ring);
+    ASSERT_EQ(picture.edges->size(), 33U);
+    for (std::size_t n = 1; n < picture.edges->size(); ++n)
+        EXPECT_LE(std::abs((*picture.edges)[n - 1].value), std::abs((*picture.edges)[n].value));
+}
+
+TEST(Figure, CoursesHaveTheVolumesLeftOutAndTheBandsOfConditions)
+{
+    const ExampleResult files;
+    const auto model = modelOf(files.path());
+    ViewSettings settings;
+    settings.node = QStringLiteral("Region 2");
+    settings.other = QStringLiteral("Region 5");
+    const CoursePicture picture =
+        coursePicture(model->result(), *shownMatrix(model->result(), settings), settings);
+    ASSERT_EQ(picture.leftOut.size(), 40U);
+    for (std::size_t volume = 0; volume < 40; ++volume) {
+        EXPECT_EQ(picture.leftOut[volume], volume == 20) << volume;
+        if (volume == 20)
+            continue;
+        const double expected = std::sin(0.37 * double(volume) * 6 + 5); // of Region 5
+        EXPECT_NEAR(picture.second[Eigen::Index(volume)], expected, 1e-12) << volume;
+    }
+    EXPECT_TRUE(std::isnan(picture.first[20]));
+    ASSERT_EQ(picture.bands.size(), 1U);
+    EXPECT_EQ(picture.bands[0].name, QStringLiteral("faces"));
+    EXPECT_EQ(picture.bands[0].first, 5);
+    EXPECT_EQ(picture.bands[0].last, 9);
 }
 
 TEST(Figure, RefusesOtherEndingsAndNames)

@@ -180,5 +180,28 @@ TEST(NodeOrdering, EveryClusterOfAverageLinkageIsAStretchOfTheOrder)
     }
 }
 
+TEST(NodeOrdering, ClustersMeetWhereTheirNodesAreMostAlike)
+{
+    // On a line every node is most like its neighbours: joined at the right ends, the whole line is
+    // in order, forwards or backwards, whatever its nodes are called.
+    const int nodes = 16;
+    std::vector<int> line(nodes);
+    for (int n = 0; n < nodes; ++n)
+        line[std::size_t((n * 7 + 3) % nodes)] = n;
+    Eigen::MatrixXd values(nodes, nodes);
+    for (int a = 0; a < nodes; ++a)
+        for (int b = 0; b < nodes; ++b) {
+            const double apart = line[std::size_t(a)] - line[std::size_t(b)];
+            values(a, b) = std::exp(-apart * apart / 8);
+        }
+    std::vector<int> places;
+    for (const int node : similarityOrder(values))
+        places.push_back(line[std::size_t(node)]);
+    if (places.front() > places.back())
+        std::reverse(places.begin(), places.end());
+    for (int n = 0; n < nodes; ++n)
+        EXPECT_EQ(places[std::size_t(n)], n);
+}
+
 } // namespace
 } // namespace corvane

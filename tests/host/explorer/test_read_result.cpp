@@ -4,6 +4,7 @@
 #include "host/explorer/read_result.h"
 #include "tests/host/support/host_files.h"
 
+#include <QRegularExpression>
 #include <cmath>
 #include <gmock/gmock.h>
 
@@ -107,6 +108,73 @@ TEST(ReadResult, EvidenceHasTheIntervalOfTheLedgersDegreesOfFreedom)
     EXPECT_THAT(none.lines.join(QLatin1Char('\n')).toStdString(), HasSubstr("no interval: "));
 }
 
+/// Two nodes that change slowly together, over 60 volumes; the second half is a condition's.
+NetworkResult slowResult()
+{
+    NetworkResult result;
+    result.nodes = {{QStringLiteral("a")}, {QStringLiteral("b")}};
+    result.series.emplace();
+    result.series->values.resize(60, 2);
+    for (int volume = 0; volume < 60; ++volume) {
+        result.series->values.row(volume) << std::sin(0.1 * volume), std::sin(0.1 * volume + 0.4);
+        if (volume >= 30) // quick ones
+            result.series->values.row(volume) << (volume % 2 == 0 ? 1.0 : -1.0),
+                (volume % 4 < 2 ? 1.0 : -1.0);
+        result.series->volumes.push_back(volume);
+    }
+    result.series->leftOut.assign(60, false);
+    ResultMatrix whole;
+    whole.name = QStringLiteral("whole");
+    whole.kind = ValueKind::Correlation;
+    whole.values = Eigen::MatrixXd::Constant(2, 2, 0.5);
+    whole.degrees = 58;
+    ResultMatrix part = whole;
+    part.name = QStringLiteral("part");
+    part.degrees = 28;
+    for (int volume = 30; volume < 60; ++volume)
+        part.volumes.push_back(volume);
+    result.matrices = {whole, part};
+    return result;
+}
+
+TEST(EdgeEvidence, TakesSerialCorrelationOffWithTheVolumesOfThePart)
+{
+    const NetworkResult result = slowResult();
+    const auto serialDegrees = [&](int matrix) {
+        static const QRegularExpression form(
+            QStringLiteral("with serial correlation: .*\\(about ([0-9.]+) degrees"));
+        const EdgeEvidence evidence =
+            edgeEvidence(result, result.matrices[std::size_t(matrix)], 0, 1);
+        return form.match(evidence.lines.join(QLatin1Char('\n'))).captured(1).toDouble();
+    };
+    EXPECT_GT(serialDegrees(0), 3);
+    EXPECT_LT(serialDegrees(0), 52) << "of 58, since half of the volumes change slowly";
+    EXPECT_GT(serialDegrees(1), 25) << "of 28, since the part has the quick half alone";
+    EXPECT_LE(serialDegrees(1), 28);
+}
+
+TEST(EdgeEvidence, APartialCorrelationLosesADegreeForEachOtherNodeAndTwoMore)
+{
+    NetworkResult result;
+    ResultMatrix matrix;
+    matrix.kind = ValueKind::PartialCorrelation;
+    matrix.values = Eigen::MatrixXd::Constant(12, 12, 0.5);
+    matrix.values.diagonal().setOnes();
+    matrix.degrees = 112;
+    result.nodes.resize(12);
+    result.matrices = {matrix};
+    const EdgeEvidence evidence = edgeEvidence(result, matrix, 0, 1);
+    ASSERT_TRUE(evidence.hasInterval);
+    // 1/sqrt(112 - 10 - 2), the others of a pair being 10
+    EXPECT_NEAR(evidence.low, std::tanh(std::atanh(0.5) - 1.959964 / 10), 1e-9);
+    EXPECT_NEAR(evidence.high, std::tanh(std::atanh(0.5) + 1.959964 / 10), 1e-9);
+    matrix.isShrunk = true;
+    const EdgeEvidence shrunk = edgeEvidence(result, matrix, 0, 1);
+    EXPECT_FALSE(shrunk.hasInterval);
+    EXPECT_THAT(shrunk.lines.join(QLatin1Char('\n')).toStdString(),
+                HasSubstr("no interval is known for a shrunk matrix"));
+}
+
 TEST(ReadResult, SubjectsFolderHasItsRuns)
 {
     ConnectomeFolder files;
@@ -161,6 +229,31 @@ TEST(ReadResult, ComputeHasItsSlices)
     EXPECT_EQ(result.nodes[1].voxels, 4);
     ASSERT_TRUE(result.series);
     EXPECT_EQ(result.series->values(2, 0), 3);
+}
+
+TEST(ReadResult, EventsOfAComputeHaveNoMatrix)
+{
+    const TemporaryFolder folder;
+    const auto write = [&](const char *first) {
+        putBytes(folder.path("summary.json"),
+                 R"({"settings": {"measure": "correlation", "values": "signed",
+                                  "use protocol": true},
+                     "nodes": [{"voi": 0, "name": "a"}, {"voi": 1, "name": "b"}],
+                     "slices": [{"slice": 0, "condition": "cue", "event": true,
+                                 "connectivity": "c_0.csv"},
+                                {"slice": 1, "condition": "task", "event": )" +
+                     QByteArray(first) + R"(, "connectivity": "c_1.csv"}]})");
+    };
+    putBytes(folder.path("c_0.csv"), "0,0\n0,0\n");
+    putBytes(folder.path("c_1.csv"), "0,-0.5\n-0.5,0\n");
+    write("false");
+    const NetworkResult result = read(folder);
+    ASSERT_EQ(result.matrices.size(), 1U);
+    EXPECT_EQ(result.matrices[0].name, QStringLiteral("correlation, 1 task"));
+    EXPECT_EQ(result.notes, QStringList{QStringLiteral(
+                                "left out, since one volume has no correlation: 1 event")});
+    write("true"); // there is nothing else to show
+    EXPECT_EQ(read(folder).matrices.size(), 2U);
 }
 
 TEST(ReadResult, GroupHasItsTestsAndComponents)

@@ -24,17 +24,20 @@ TEST(Tour, GoesThroughTheWholeWorkflowAndKeepsAPictureOfEachStep)
     const QByteArray captions = bytesOf(out + QStringLiteral("/captions.md"));
     const QStringList pictures =
         QDir(out).entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
-    EXPECT_EQ(pictures.size(), 15);
+    EXPECT_EQ(pictures.size(), 23);
     EXPECT_EQ(captions.count("\n!["), pictures.size());
-    EXPECT_EQ(run.output, out.toUtf8() + ": 15 pictures, captions.md\n");
+    EXPECT_EQ(run.output, out.toUtf8() + ": 23 pictures, captions.md\n");
     for (const QString &picture : pictures) {
         const QImage image(QDir(out).filePath(picture));
         EXPECT_GT(image.width(), 300) << picture.toStdString();
         EXPECT_THAT(captions.toStdString(), HasSubstr("(" + picture.toStdString() + ")"));
     }
     for (const char *step : {"workbench", "dataset", "voi-selection", "results", "ring", "browser",
-                             "line-plot", "exports", "distance"})
-        EXPECT_EQ(pictures.filter(QString::fromLatin1(step)).size(), 1) << step;
+                             "line-plot", "exports", "distance", "connectome-run", "connectome",
+                             "connectome-node", "connectome-threshold", "connectome-evidence",
+                             "connectome-measures", "connectome-difference", "connectome-export"})
+        EXPECT_EQ(pictures.filter(QStringLiteral("-%1.png").arg(QLatin1String(step))).size(), 1)
+            << step;
 }
 
 TEST(Tour, LeavesNothingWhenASignalEndsIt)

@@ -8,6 +8,7 @@
 #include "host/session/session.h"
 #include "host/tour/tour.h"
 #include "host/workbench/background_work.h"
+#include "host/workbench/explore_run_dialog.h"
 #include "host/workbench/import_dialog.h"
 #include "host/workbench/key_list.h"
 #include "host/workbench/main_window.h"
@@ -155,6 +156,17 @@ void exportDialog(const LookAtWindow &look)
     request.path = files.path();
     ExplorerModel model(request, std::make_shared<const NetworkResult>(readResult(request)));
     ExportDialog dialog(model, NetworkView::Ring, false);
+    dialog.show();
+    look(dialog);
+}
+
+void exploreRunDialog(const LookAtWindow &look)
+{
+    QSettings().clear();
+    ExploreRunDialog dialog({QStringLiteral("/data/sub-01/sub-01_T1w.vmr"),
+                             QStringLiteral("/data/sub-01/rest.vtc"),
+                             QStringLiteral("/data/sub-01/areas.voi"),
+                             QStringLiteral("/data/sub-01/blocks.prt"), 14, false});
     dialog.show();
     look(dialog);
 }
@@ -316,6 +328,7 @@ const std::vector<HostWindow> &hostWindows()
                                              {"Study", studyWindow},
                                              {"Connectome", connectomeWindow},
                                              {"ExportFigure", exportDialog},
+                                             {"ExploreRun", exploreRunDialog},
                                              {"Progress", progress},
                                              {"Message", message},
                                              {"About", about},
