@@ -5,6 +5,7 @@
 #include "host/commands/command_table.h"
 #include "host/commands/commands.h"
 #include "host/commands/connectome_options.h"
+#include "host/commands/measure_time.h"
 #include "host/extract/connectome_files.h"
 #include "host/extract/connectome_pictures.h"
 #include "host/files/output_file.h"
@@ -101,8 +102,10 @@ void makeFiles(const QCommandLineParser &parser)
     TerminalSteps steps;
     steps.begin(QStringLiteral("preparing"));
     connectome = makeConnectome(request, steps.watch());
-    steps.begin(QStringLiteral("writing"));
-    writeConnectomeTables(folder, request, names, connectome);
+    steps.end();
+    tellTimeOfLocalEfficiency(connectome.matrices.front().matrix.values.cwiseAbs().cast<float>(),
+                              0);
+    writeConnectomeTables(folder, request, names, connectome, 0, steps.watch());
     if (parser.isSet(QStringLiteral("plots"))) {
         steps.begin(QStringLiteral("drawing"));
         writeConnectomePictures(folder, names, connectome);

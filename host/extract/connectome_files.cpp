@@ -147,9 +147,10 @@ QByteArray designTable(const signals::Design &design)
     return columnTable(names, design.columns);
 }
 
-QByteArray graphTable(const Connectome &connectome)
+QByteArray graphTable(const Connectome &connectome, int threads, const StepWatch &steps)
 {
-    const NodeMeasures measures = nodeMeasures(connectome);
+    const NodeMeasures measures =
+        nodeMeasures(connectome, threads, beginStep(steps, QStringLiteral("graph measures")));
     return nodeTable(nodeNames(connectome.nodes), measures.columns, measures.values);
 }
 
@@ -186,7 +187,8 @@ QString matrixStem(const ConnectomeNames &names, const PartMatrix &matrix)
 }
 
 void writeConnectomeTables(const OutputFolder &folder, const ConnectomeRequest &request,
-                           const ConnectomeNames &names, const Connectome &connectome)
+                           const ConnectomeNames &names, const Connectome &connectome, int threads,
+                           const StepWatch &steps)
 {
     const QList<QByteArray> nodes = nodeNames(connectome.nodes);
     const auto write = [&](const char *rest, const QByteArray &bytes) {
@@ -199,7 +201,8 @@ void writeConnectomeTables(const OutputFolder &folder, const ConnectomeRequest &
     write("motion.tsv", motionTable(connectome.cleaning));
     write("outliers.tsv", outlierTable(connectome.cleaning.selection.volumes));
     write("design.tsv", designTable(connectome.cleaning.design));
-    write("stat-graphmeasures_nodes.tsv", graphTable(connectome));
+    write("stat-graphmeasures_nodes.tsv", graphTable(connectome, threads, steps));
+    beginStep(steps, QStringLiteral("writing"));
     for (const PartMatrix &matrix : connectome.matrices)
         writeMatrix(folder, matrixStem(names, matrix), nodes, matrix.matrix.values,
                     matrixSidecar(request, names, connectome, matrix));

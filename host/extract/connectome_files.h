@@ -25,8 +25,9 @@ ConnectomeNames namesOf(const ConnectomeRequest &request);
 QString matrixStem(const ConnectomeNames &names, const PartMatrix &matrix);
 
 /// Writes the tables of a connectome and the JSON beside each matrix, flat into the folder. Throws
-/// InputError.
+/// InputError, and nodalis::Ended and WorkStopped when a watch says so.
 void writeConnectomeTables(const OutputFolder &folder, const ConnectomeRequest &request,
-                           const ConnectomeNames &names, const Connectome &connectome);
+                           const ConnectomeNames &names, const Connectome &connectome,
+                           int threads = 1, const StepWatch &steps = {});
 
 } // namespace corvane

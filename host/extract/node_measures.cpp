@@ -9,7 +9,7 @@
 namespace corvane
 {
 
-NodeMeasures nodeMeasures(const Connectome &connectome)
+NodeMeasures nodeMeasures(const Connectome &connectome, int threads, const ProgressWatch &watch)
 {
     using Index = Eigen::Index;
     const NodeMatrix pearson = matrixOf(connectome.cleaned, connectome.matrices.front().part,
@@ -27,7 +27,12 @@ NodeMeasures nodeMeasures(const Connectome &connectome)
         result.columns += measures[m].column;
         result.names += QString::fromUtf8(measures[m].name);
         result.perNode += measures[m].perNode != nullptr ? 1 : 0;
-        result.values(nodes, Index(m)) = columnOf(measures[m], weights).cast<double>();
+        nodalis::Effort effort;
+        effort.threads = threads;
+        if (watch)
+            effort.progress = [part = watchOfPart(watch, qint64(m), qint64(measures.size()))](
+                                  double share) { return part(qint64(share * 1000), 1000); };
+        result.values(nodes, Index(m)) = columnOf(measures[m], weights, effort).cast<double>();
     }
     return result;
 }

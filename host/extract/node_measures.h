@@ -19,7 +19,9 @@ struct NodeMeasures {
 };
 
 /// The measures of the network of Pearson correlations of the whole run without their signs, of the
-/// nodes that have values.
-NodeMeasures nodeMeasures(const Connectome &connectome);
+/// nodes that have values. Zero threads are one for each processor; they do not change the result.
+/// Throws nodalis::Ended when the watch says so.
+NodeMeasures nodeMeasures(const Connectome &connectome, int threads = 1,
+                          const ProgressWatch &watch = {});
 
 } // namespace corvane

@@ -7,8 +7,10 @@
 //   many_subjects/Corvane          QT_QPA_PLATFORM=offscreen and a HOME of its own; some minutes
 #include "tests/host/module/module_session.h"
 
+#include <QFile>
 #include <QListWidget>
 
+#include <cstdio>
 #include <filesystem>
 
 namespace corvane
@@ -18,6 +20,17 @@ namespace
 {
 
 constexpr int subjects = 500;
+
+/// What the system tells of the memory of this process, without its mapped files.
+QByteArray ownMemory()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("RssAnon:"))
+            return line.simplified();
+    return {};
+}
 
 class ManySubjects : public ModuleSession
 {
@@ -52,6 +65,7 @@ TEST_F(ManySubjects, AreAddedAndComputed)
         compute();
         ASSERT_EQ(results()->count(), n + 1);
     }
+    std::printf("%s without mapped files\n", ownMemory().constData());
     const Eigen::MatrixXf first = finished(0).matrices.front();
     EXPECT_GT(first.cwiseAbs().maxCoeff(), 0.0F);
     EXPECT_EQ(finished(subjects - 1).matrices.front(), first);

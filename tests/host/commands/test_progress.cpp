@@ -158,8 +158,8 @@ TEST_F(Progress, NamesTheStepsOfAConnectomeAndItsFigure)
                             QStringLiteral("--atlas"), study.addAtlas()};
     EXPECT_THAT(
         stepsOf(corvane("connectome --clean none --plots --page", files, QStringLiteral("a"))),
-        ElementsAre("preparing", "reading the run", "cleaning", "matrices", "writing", "drawing",
-                    "writing the page"));
+        ElementsAre("preparing", "reading the run", "cleaning", "matrices", "graph measures",
+                    "writing", "drawing", "writing the page"));
     EXPECT_THAT(
         stepsOf({QStringLiteral(CORVANE_PROGRAM), QStringLiteral("figure"),
                  out(QStringLiteral("a")), QStringLiteral("--out"), path(QStringLiteral("f.svg"))}),
