@@ -8,7 +8,6 @@
 #include "host/group/node_places.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <cmath>
 
@@ -18,18 +17,32 @@ namespace corvane
 namespace
 {
 
-/// The folders below with matrices of runs, in the order of names.
+QStringList foldersIn(const QString &path, const QStringList &names = {})
+{
+    QStringList folders;
+    for (const QString &name : QDir(path).entryList(
+             names, QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name))
+        folders += path + QLatin1Char('/') + name;
+    return folders;
+}
+
+/// Adds a folder with matrices of runs, and those that a study has below it.
+void addFoldersOfRuns(const QString &path, QStringList &folders)
+{
+    if (!runsIn(path).isEmpty())
+        folders += path;
+    for (const QString &folder : foldersIn(
+             path, {QStringLiteral("sub-*"), QStringLiteral("ses-*"), QStringLiteral("func")}))
+        addFoldersOfRuns(folder, folders);
+}
+
+/// The folders below with matrices of runs, in the order of names: below any folder in this one,
+/// and further down where a study has its participants. All of a disk is not looked through.
 QStringList foldersOfRuns(const QString &path)
 {
     QStringList folders;
-    QDirIterator files(path, {QStringLiteral("*_relmat.tsv")}, QDir::Files,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString folder = QFileInfo(files.next()).path();
-        if (!folders.contains(folder))
-            folders += folder;
-    }
-    folders.sort();
+    for (const QString &folder : foldersIn(path))
+        addFoldersOfRuns(folder, folders);
     return folders;
 }
 

@@ -2,6 +2,7 @@
 // Results of every command as the connectome window takes them, from small files written here.
 #include "host/explorer/edge_evidence.h"
 #include "host/explorer/read_result.h"
+#include "tests/host/explorer/result_folder.h"
 #include "tests/host/support/host_files.h"
 
 #include <QRegularExpression>
@@ -309,6 +310,28 @@ TEST(ReadResult, GroupTakesNodesFromItsStudy)
     EXPECT_EQ(*result.nodes[0].place, Eigen::Vector3d(1, 2, 3));
     EXPECT_EQ(result.nodes[1].network, QStringLiteral("Motor"));
     EXPECT_FALSE(result.nodes[1].place);
+}
+
+TEST(ReadResult, IsFoundInAStudyAndNotLookedForInAllOfADisk)
+{
+    const TemporaryFolder folder;
+    const QByteArray matrix = matrixText(3, exampleValue);
+    const QString func = folder.path("studies/mine/sub-01/ses-a/func");
+    ASSERT_TRUE(QDir().mkpath(func));
+    putBytes(func + "/r_atlas-T_stat-pearsoncorrelation_relmat.tsv", matrix);
+    ResultRequest request;
+    for (const char *above : {"studies", "studies/mine", "studies/mine/sub-01",
+                              "studies/mine/sub-01/ses-a", "studies/mine/sub-01/ses-a/func"}) {
+        request.path = folder.path(above);
+        EXPECT_EQ(readResult(request).nodes.size(), 3u) << above;
+    }
+    request.path = folder.path();
+    EXPECT_THAT(errorOf([&] { readResult(request); }), HasSubstr("none of a finished result"));
+
+    // Links are not followed: a ring of them has no end.
+    ASSERT_TRUE(QFile::link(folder.path("studies/mine"), func + "/sub-02"));
+    request.path = folder.path("studies");
+    EXPECT_EQ(readResult(request).nodes.size(), 3u);
 }
 
 TEST(ReadResult, OneMatrixIsAResult)
