@@ -157,10 +157,11 @@ QStringList linesOnMixedSets(const QString &folder, const QString &writer, const
             left[output.writer] += name;
     QStringList lines;
     for (const auto &[other, names] : left) {
-        const bool isMixed = std::any_of(files.begin(), files.end(), [&](const QString &file) {
-            const auto known = before.find(file);
-            return known != before.end() && known->second.writer == other;
-        });
+        const bool isMixed =
+            std::any_of(files.begin(), files.end(), [&, &owner = other](const QString &file) {
+                const auto known = before.find(file);
+                return known != before.end() && known->second.writer == owner;
+            });
         if (other == writer || !isMixed)
             continue;
         constexpr int mostNames = 3;

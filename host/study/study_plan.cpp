@@ -68,8 +68,10 @@ void writePlan(const std::vector<StudyRow> &rows, const StudySettings &settings)
     makeStudyFolder(place);
     removeOldAbsences(rows, settings.out, folder);
     const QByteArray text = planText(rows, settings);
-    if (bytesAt(planPath(settings.out, folder)) != text)
-        writeFile(planPath(settings.out, folder), text);
+    if (bytesAt(planPath(settings.out, folder)) == text)
+        return;
+    tidyStudyFolder(place);
+    writeFile(planPath(settings.out, folder), text);
 }
 
 bool planHasPages(const QString &out, const QString &participantFolder)

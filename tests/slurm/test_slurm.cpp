@@ -220,6 +220,27 @@ TEST_F(Slurm, ANodeThatGoesAwayLosesNothing)
     EXPECT_EQ(KnownStudy::leftBelow(m_study.out()), QStringList{QStringLiteral(".corvane-slurm")});
 }
 
+TEST_F(Slurm, ATaskThatIsRequeuedIsMadeOnce)
+{
+    m_study.add(large("01"));
+    m_study.add("02");
+    const ProgramRun ran = submit();
+    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
+    const QString collect = collectJob(ran.output);
+    const std::optional<LockHolder> holder = holderOfRow("01");
+    ASSERT_TRUE(holder);
+    // As an administrator does, or the system for a job that matters more.
+    const ProgramRun requeued =
+        runProgram(QStringLiteral("scontrol"), {QStringLiteral("requeue"), holder->job});
+    ASSERT_EQ(requeued.status, 0) << requeued.errors.constData();
+    ASSERT_TRUE(waitUntil([&] { return isOver(collect); }));
+    for (const QString &line : m_study.table())
+        EXPECT_EQ(line.section(QLatin1Char('\t'), 6, 6), QStringLiteral("done"))
+            << line.toStdString();
+    EXPECT_EQ(KnownStudy::filesBelow(m_study.out()), madeHere());
+    EXPECT_EQ(KnownStudy::leftBelow(m_study.out()), QStringList{QStringLiteral(".corvane-slurm")});
+}
+
 TEST_F(Slurm, WhatSbatchRefusesIsTold)
 {
     m_study.addParticipants(1);
