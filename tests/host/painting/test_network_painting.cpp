@@ -117,7 +117,8 @@ TEST(RingPicture, DrawsItsEdgesAlone)
 
 TEST(RingPicture, EdgesOnPixelsLookAsOneAfterTheOther)
 {
-    // A recording of the painter's calls has no pixels: played, it strokes one path after the other.
+    // A recording of the painter's calls has no pixels: played, it strokes one path after the
+    // other.
     NetworkPicture picture = network(60);
     for (int n = 0; n < 1500; ++n)
         picture.edges->push_back({n % 60, (n * 7 + 1 + n / 60) % 60, 0.2 + 0.8 * n / 1500});
