@@ -552,10 +552,13 @@ void ExplorerWindow::showDrawn()
     const NetworkMeasures &measures = m_model->measures();
     const int efficiency = measures.columns.indexOf(QStringLiteral("global_efficiency"));
     const int clustering = measures.columns.indexOf(QStringLiteral("clustering_coeff"));
+    const auto number = [&](int measure) {
+        const double value = measures.whole[measure];
+        return std::isnan(value) ? tr("n/a") : QString::number(value, 'g', 3);
+    };
     if (efficiency >= 0 && clustering >= 0)
         m_measureLabel->setText(tr("global efficiency %1, mean clustering %2")
-                                    .arg(measures.whole[efficiency], 0, 'g', 3)
-                                    .arg(measures.whole[clustering], 0, 'g', 3));
+                                    .arg(number(efficiency), number(clustering)));
 }
 
 void ExplorerWindow::showSelection()

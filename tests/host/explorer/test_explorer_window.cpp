@@ -187,6 +187,29 @@ TEST_F(ExplorerWindowTest, TheSelectedValueIsThatOfTheMatrixThatIsShown)
               QStringLiteral("strongest 20 % of 66 edges, 13; selected: ") + value);
 }
 
+TEST_F(ExplorerWindowTest, AMatrixWithoutValuesHasNoMeasures)
+{
+    QByteArray empty = matrixText(ExampleResult::nodes, [](int, int) { return 0; });
+    empty.replace("\t0", "\tn/a").replace("\t1", "\tn/a");
+    const QString stem =
+        m_files.path("sub-01_task-rest_atlas-Twelve_cond-none_stat-pearsoncorrelation_relmat");
+    putBytes(stem + QStringLiteral(".tsv"), empty);
+    putBytes(stem + QStringLiteral(".json"),
+             R"({"RelationshipMeasure": "Pearson correlation", "Part": {"Condition": "none",
+                 "Intervals": [], "Volumes": [], "DegreesOfFreedom": 0}})");
+    open(m_files.path());
+    const auto &matrices = model().result().matrices;
+    const auto none = std::find_if(matrices.begin(), matrices.end(), [](const ResultMatrix &m) {
+        return m.values.array().isNaN().all();
+    });
+    ASSERT_NE(none, matrices.end());
+    choose("matrixBox", int(none - matrices.begin()));
+    waitUntilDone();
+    EXPECT_EQ(drawn(), QStringLiteral("no edges, since this matrix has no values"));
+    EXPECT_EQ(child<QLabel>("measureLabel")->text(),
+              QStringLiteral("global efficiency n/a, mean clustering n/a"));
+}
+
 TEST_F(ExplorerWindowTest, TheSearchIsWalkedThroughByKeys)
 {
     open(m_files.path());
