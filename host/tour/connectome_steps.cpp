@@ -73,16 +73,20 @@ void addConnectomeSteps(StepList &steps, MainWindow &window, const QString &expo
         if (!qobject_cast<QCheckBox *>(box)->isChecked())
             click(box);
     });
-    steps.act(inWindow(runDialog, "folder"), [exports](QWidget *field) {
-        enterText(field->findChild<QLineEdit *>(),
-                  QDir(exports).filePath(QStringLiteral("connections")));
+    // A picture shows no folder of this machine: the whole path is given behind it.
+    steps.act(inWindow(runDialog, "folder"), [](QWidget *field) {
+        enterText(field->findChild<QLineEdit *>(), QStringLiteral("connections"));
     });
     steps.picture("connectome-run", "From the run to all of its connections",
                   "The plugin takes two to ten areas. File > Explore Connections, also a button "
                   "below the list of VOIs, takes all of them: it computes the run that is open, "
                   "here with a matrix for each interval of the protocol, keeps the result in a "
                   "folder and shows it.",
-                  inWindow(runDialog, "compute"), [](QWidget *button) { click(button); });
+                  inWindow(runDialog, "folder"), [exports](QWidget *field) {
+                      enterText(field->findChild<QLineEdit *>(),
+                                QDir(exports).filePath(QStringLiteral("connections")));
+                  });
+    steps.act(inWindow(runDialog, "compute"), [](QWidget *button) { click(button); });
     steps.act(whole, [](QWidget *found) { found->resize(1040, 740); });
     steps.picture("connectome", "The connectome window",
                   "The same network in views that belong together: matrix, ring, brain, tables, "
@@ -143,9 +147,10 @@ void addConnectomeSteps(StepList &steps, MainWindow &window, const QString &expo
         []() -> QMenuBar * { return explorer() != nullptr ? explorer()->menuBar() : nullptr; },
         "File");
     steps.chooseEntry("Export Figure");
-    steps.act(inWindow("corvane::ExportDialog", "fileEdit"), [exports](QWidget *line) {
-        enterText(line, QDir(exports).filePath(QStringLiteral("difference.svg")));
-    });
+    steps.act(inWindow("corvane::ExportDialog", "fileEdit"),
+              [](QWidget *line) { enterText(line, QStringLiteral("difference.svg")); });
+    steps.act(inWindow("corvane::ExportDialog", "commandEdit"),
+              [](QWidget *line) { qobject_cast<QLineEdit *>(line)->end(false); });
     steps.picture("connectome-export", "A figure, and the command that makes it",
                   "PNG, SVG and PDF at a width in millimetres with texts of a size in points, or "
                   "the numbers as a table. The line below makes the same file without a window: "
