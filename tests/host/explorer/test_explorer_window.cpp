@@ -609,6 +609,8 @@ TEST_F(ExplorerWindowTest, CurvesAreThereWhileTheyAreSeen)
     waitUntilDone();
     EXPECT_NE(ofModel(), whole) << "those of the other matrix";
     model().setMatrix(model().result().matrices[0].name);
+    waitUntilDone();
+    EXPECT_EQ(ofModel(), whole);
     model().setThreshold({ThresholdKind::TreeAndDensity, 0.3});
     waitUntilDone();
     EXPECT_NE(ofModel(), whole) << "those with a tree";
