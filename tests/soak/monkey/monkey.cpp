@@ -6,9 +6,10 @@
 //
 // tests/soak/monkey makes the data and the sandbox, in which alone this program can write, and
 // starts it. Each event is written to monkey-N.events in the working folder before it happens;
-// --replay plays such a file again. Ends with 1 if something was found, with 3 and a stack if the
-// event loop stood still; a crash is the sanitizers' to tell. The program is named as the host,
-// which the plugin asks for, and what the host starts under its own name it hands to the real one.
+// --replay plays such a file again. TERM ends it with its report. Ends with 1 if something was
+// found, with 3 and a stack if the event loop stood still; a crash is the sanitizers' to tell. The
+// program is named as the host, which the plugin asks for, and what the host starts under its own
+// name it hands to the real one.
 #include "host/workbench/application.h"
 #include "tests/soak/monkey/monkey_events.h"
 #include "tests/soak/monkey/monkey_stage.h"
@@ -25,6 +26,8 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <unistd.h>
 
@@ -35,6 +38,9 @@ namespace
 {
 
 constexpr int eventsOfAStage = 1500;
+
+/// Asked to end: the next event is the last, and the report is made.
+std::atomic<bool> endIsWanted{false};
 
 /// Does one event after the other, in whatever event loop runs, until the stage is over; then
 /// leaves all loops that the events have led into.
@@ -56,8 +62,9 @@ public:
 
     bool isDone() const
     {
-        return m_replayed.isOpen() ? m_replayed.atEnd() && m_next.isEmpty()
-                                   : eventCount >= m_events;
+        if (m_replayed.isOpen())
+            return endIsWanted || (m_replayed.atEnd() && m_next.isEmpty());
+        return endIsWanted || eventCount >= m_events;
     }
 
     /// Of the next stage: drawn, or as it was.
@@ -233,6 +240,7 @@ int run(const QCommandLineParser &options)
     const WindowWatch windows;
     const Sandbox sandbox;
     watchWarnings();
+    std::signal(SIGTERM, [](int) { endIsWanted = true; });
     const Files files(options.value("data"));
     const quint64 seed = options.value("seed").toULongLong();
     long stages = 0;
