@@ -102,7 +102,8 @@ TEST_F(Hostile, NamesAreTextInFiguresAndPages)
         const QByteArray number = QByteArray::number(i);
         putBytes(path("series.tsv"), hostileSeries(i));
         succeed({QStringLiteral("compute"), QStringLiteral("--timeseries"), path("series.tsv"),
-                 QStringLiteral("--names"), QStringLiteral("--out"), path(("out" + number).constData())});
+                 QStringLiteral("--names"), QStringLiteral("--out"),
+                 path(("out" + number).constData())});
         table += "\"><script>alert(" + number + ")</script>\tout" + number + "/connectivity.csv\t" +
                  (i % 2 == 0 ? "<script>" : "=cmd()") + '\n';
     }
