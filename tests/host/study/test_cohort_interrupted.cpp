@@ -46,8 +46,8 @@ TEST(CohortInterrupted, KilledAtAnyMomentLosesAtMostTheRowInWork)
     const auto wanted = KnownStudy::filesBelow(study.out());
     QDir(study.out()).removeRecursively();
 
-    // Once at each of the calls that change a folder: at each of the first, before the rows, then in
-    // steps that reach all phases.
+    // Once at each of the calls that change a folder: at each of the first, before the rows, then
+    // in steps that reach all phases.
     constexpr int beforeRows = 12;
     int calls = 0;
     runTraced(QStringLiteral(CORVANE_PROGRAM), study.arguments(participantStep),
