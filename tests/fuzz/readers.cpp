@@ -23,7 +23,6 @@
 #include "host/group/group_table.h"
 #include "host/group/node_places.h"
 #include "host/group/study_table.h"
-#include "host/import/sphere_table.h"
 #include "signals/error.h"
 #include "signals/strategies.h"
 #include "statistics/contrast.h"
@@ -184,12 +183,6 @@ void readCensor(const QByteArray &bytes)
     readCensorFile(written(bytes, "in.txt"), 8);
 }
 
-void readSphereTable(const QByteArray &bytes)
-{
-    QStringList notes;
-    readSpheres(written(bytes, "in.tsv"), notes);
-}
-
 void readPlaces(const QByteArray &bytes)
 {
     readNodePlaces(written(bytes, "in.tsv"));
@@ -318,7 +311,6 @@ constexpr Reader allReaders[] = {{"vtc", readVtc, true},
                                  {"confounds", readConfoundsTable, false},
                                  {"strategy", readStrategy, false},
                                  {"censor", readCensor, true},
-                                 {"spheres", readSphereTable, true},
                                  {"places", readPlaces, true},
                                  {"json", readJsonFile, true},
                                  {"filter", readFilterFile, true},
