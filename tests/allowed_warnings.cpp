@@ -17,6 +17,8 @@ const char *const allowedWarnings[] = {
     "This plugin does not support grabbing the (keyboard|mouse)",
     // A window that has gone before the display's server answers.
     "QXcbConnection: XCB error: 3 \\(BadWindow\\).*",
+    // A folder that may not be read, visited in a file dialog.
+    "inotify_add_watch\\(.*\\) failed: \\(Permission denied\\)",
     // This window has no context menu; its view is connected all the same.
     "QObject::connect: No such slot TimeseriesLinePlot::showContextMenu\\(const QPoint &\\).*",
     "QObject::connect:  \\(receiver name: +'TimeseriesLineplot'\\)",
