@@ -21,11 +21,16 @@ namespace corvane
 namespace
 {
 
+void requireMemory(bool isThere)
+{
+    if (!isThere)
+        throw std::bad_alloc();
+}
+
 /// Where nothing may be thrown.
 void runOutOfMemory() noexcept
 {
-    const std::vector<char> tooMuch(std::vector<char>().max_size());
-    std::puts(tooMuch.data());
+    requireMemory(false);
 }
 
 /// Throws what its argument says.
