@@ -14,4 +14,7 @@ enum class Listed { Files, Folders, Everything };
 /// that cannot be read, which would pass for an empty one.
 QStringList namesInFolder(const QString &folder, const QStringList &patterns, Listed kind);
 
+/// All names in a folder, in no order, else likewise. A file for each system.
+QStringList entriesIn(const QString &folder, Listed kind);
+
 } // namespace corvane

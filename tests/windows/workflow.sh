@@ -101,7 +101,8 @@ both tour --out tour
 under_wine after.txt reg query "$own" || fail "$(cat after.txt)"
 diff before.txt after.txt || fail "the tour changes the user's settings"
 rm "$(documents)/CVExtensions/Plugins_64/tessera_plugin.ini"
-"$compare_pictures" linux/tour windows/tour || fail "the pictures of the tour differ"
+# Whether names fit beside the matrix of the connectome window hangs on the last pixel of a font.
+"$compare_pictures" linux/tour windows/tour connectome 0.06 || fail "the pictures of the tour differ"
 
 # What the plugin wrote under the user's documents: names hold the time, lines paths.
 mv "$(documents)/diagnostics" windows/diagnostics
