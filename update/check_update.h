@@ -3,21 +3,7 @@
 
 #include <QNetworkReply>
 #include <QObject>
-#include <QString>
 #include <QVersionNumber>
-
-/// What an update manifest says: the newest version of the plugin and the version of the host that
-/// it is made for.
-struct UpdateManifest {
-    QString name;
-    QVersionNumber version;
-    QVersionNumber targetVersion; ///< of the host
-};
-
-/// Reads a manifest, a JSON object with the strings "name", "version" and "target_cv_version".
-/// Whatever is missing, of another type or not JSON at all reads as an empty text and a null
-/// version.
-UpdateManifest readUpdateManifest(const QByteArray &json);
 
 /// Interprets the reply to a request for an update manifest. Holds no state; the requester makes
 /// it, connects its `QNetworkAccessManager::finished` to `requestFinished` and deletes the reply.

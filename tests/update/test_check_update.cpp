@@ -2,6 +2,7 @@
 #include "tests/support/qt_printers.h"
 #include "tests/update/web_server.h"
 #include "update/check_update.h"
+#include "update/update_manifest.h"
 
 #include <QCoreApplication>
 #include <QMetaMethod>
