@@ -3,6 +3,7 @@
 // Files on Windows: paths of every kind, targets that are open or locked, and folders that may not
 // be written.
 #include "host/files/image_reader.h"
+#include "host/files/listing.h"
 #include "host/files/output_folder.h"
 #include "host/files/vtc_writer.h"
 #include "tests/host/support/host_files.h"
@@ -62,13 +63,13 @@ std::vector<Writer> writers()
             {"a.txt", writeIntoFolder}};
 }
 
-/// A file that another program keeps for itself.
+/// A file or folder that another program keeps for itself.
 class Locked
 {
 public:
     explicit Locked(const QString &path)
         : m_handle(CreateFileW(path.toStdWString().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
-                               FILE_ATTRIBUTE_NORMAL, nullptr))
+                               FILE_FLAG_BACKUP_SEMANTICS, nullptr)) // folders, too
     {
         EXPECT_NE(m_handle, INVALID_HANDLE_VALUE) << path.toStdString();
     }
@@ -133,6 +134,23 @@ TEST_P(Places, AnImageIsRead)
     EXPECT_EQ(image.voxels, (std::vector<float>{5.0f, 9.0f}));
 }
 
+TEST_P(Places, TheNamesInAFolderAreListed)
+{
+    putBytes(path("file.txt"), "text");
+    putBytes(path(".hidden"), "text");
+    ASSERT_TRUE(QDir(place).mkdir(QStringLiteral("folder")));
+    const QStringList all{QStringLiteral("*"), QStringLiteral(".*")};
+    const auto names = [&](Listed kind) {
+        return namesInFolder(place, all, kind).join(' ').toStdString();
+    };
+    EXPECT_EQ(names(Listed::Files), ".hidden file.txt");
+    EXPECT_EQ(names(Listed::Folders), "folder");
+    EXPECT_EQ(names(Listed::Everything), ".hidden file.txt folder");
+    EXPECT_EQ(namesInFolder(path("folder"), all, Listed::Everything), QStringList());
+    EXPECT_EQ(namesInFolder(path("none"), all, Listed::Everything), QStringList());
+    EXPECT_EQ(namesInFolder(path("file.txt"), all, Listed::Everything), QStringList());
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, Places,
                          testing::Values("plain", "with spaces (and more)",
                                          "Gr\xc3\xb6\xc3\x9f"
@@ -166,6 +184,16 @@ TEST(Targets, ThatTheProgramItselfHasOpenStayReadable)
     EXPECT_THAT(errorOf([&] { writeVtc(path); }), testing::StartsWith(path.toStdString() + ": "));
     EXPECT_TRUE(verifyVtcChecksum(open));
     EXPECT_EQ(folder.entries(), QStringList(QStringLiteral("a.vtc")));
+}
+
+TEST(Folders, ThatCannotBeListedAreSaid)
+{
+    const TemporaryFolder folder;
+    putBytes(folder.path("a.txt"), "text");
+    const Locked keeper(folder.path(""));
+    EXPECT_THAT(
+        errorOf([&] { namesInFolder(folder.path(""), {QStringLiteral("*")}, Listed::Everything); }),
+        testing::HasSubstr("listing"));
 }
 
 TEST(Folders, ThatMayNotBeWrittenAreSaid)
