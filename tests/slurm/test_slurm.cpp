@@ -122,11 +122,23 @@ protected:
         EXPECT_EQ(runCorvane(arguments).status, 0);
         return KnownStudy::filesBelow(out);
     }
-    static KnownRun large(const char *participant)
+    struct Begun {
+        LockHolder holder; ///< of the large one's row
+        QString collect;   ///< the job behind all rows
+    };
+    /// A study of a large participant 01 and these, as soon as the large one is being computed.
+    Begun begun(std::initializer_list<const char *> others)
     {
-        KnownRun run(participant);
-        run.copies = 6000;
-        return run;
+        KnownRun large("01");
+        large.copies = 6000;
+        m_study.add(large);
+        for (const char *const participant : others)
+            m_study.add(participant);
+        const ProgramRun ran = submit();
+        EXPECT_EQ(ran.status, 0) << ran.errors.constData();
+        const std::optional<LockHolder> holder = holderOfRow("01");
+        EXPECT_TRUE(holder);
+        return {holder.value(), collectJob(ran.output)};
     }
     static QString folder() { return s_folder->path(); }
 
@@ -173,41 +185,28 @@ TEST_F(Slurm, TheGroupFollowsItsRows)
 
 TEST_F(Slurm, ATaskThatIsKilledIsARowThatFailed)
 {
-    m_study.add(large("01"));
-    m_study.add("02");
-    m_study.add("03");
-    const ProgramRun ran = submit();
-    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
-    const QString collect = collectJob(ran.output);
-    const std::optional<LockHolder> holder = holderOfRow("01");
-    ASSERT_TRUE(holder);
-    EXPECT_NE(holder->job, QString());
-    EXPECT_EQ(kill(pid_t(holder->process.number), SIGKILL), 0);
-    ASSERT_TRUE(waitUntil([&] { return isOver(collect); }));
+    const Begun study = begun({"02", "03"});
+    EXPECT_NE(study.holder.job, QString());
+    EXPECT_EQ(kill(pid_t(study.holder.process.number), SIGKILL), 0);
+    ASSERT_TRUE(waitUntil([&] { return isOver(study.collect); }));
     std::vector<std::string> rows;
     for (const QString &line : m_study.table())
         rows.push_back(line.section(QLatin1Char('\t'), 6, 6).toStdString() + ' ' +
                        line.section(QLatin1Char('\t'), 16).toStdString());
-    EXPECT_THAT(rows,
-                ElementsAre("failed " + holder->words().toStdString() + " ended in the midst of it",
-                            "done n/a", "done n/a"));
+    EXPECT_THAT(rows, ElementsAre("failed " + study.holder.words().toStdString() +
+                                      " ended in the midst of it",
+                                  "done n/a", "done n/a"));
     EXPECT_EQ(submit({QStringLiteral("--wait")}).status, 0);
     EXPECT_EQ(KnownStudy::filesBelow(m_study.out()), madeHere());
 }
 
 TEST_F(Slurm, ANodeThatGoesAwayLosesNothing)
 {
-    m_study.add(large("01"));
-    m_study.add("02");
-    const ProgramRun ran = submit();
-    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
-    const QString collect = collectJob(ran.output);
-    const std::optional<LockHolder> holder = holderOfRow("01");
-    ASSERT_TRUE(holder);
+    const Begun study = begun({"02"});
     // All at once, as when the power fails: the daemon, what it started for the task, and the task.
     const long node = bytesOf(folder() + QStringLiteral("/slurmd.pid")).trimmed().toLong();
-    const long starter = parentOf(long(holder->process.number));
-    for (const long process : {node, starter, long(holder->process.number)})
+    const long starter = parentOf(long(study.holder.process.number));
+    for (const long process : {node, starter, long(study.holder.process.number)})
         EXPECT_EQ(kill(pid_t(process), SIGKILL), 0);
     ASSERT_TRUE(waitUntil([&] {
         return runProgram(QStringLiteral("sinfo"),
@@ -215,25 +214,19 @@ TEST_F(Slurm, ANodeThatGoesAwayLosesNothing)
             .output.startsWith("down");
     }));
     ASSERT_EQ(slurmScript({QStringLiteral("node"), folder()}).status, 0);
-    ASSERT_TRUE(waitUntil([&] { return isOver(collect); }));
+    ASSERT_TRUE(waitUntil([&] { return isOver(study.collect); }));
     EXPECT_EQ(KnownStudy::filesBelow(m_study.out()), madeHere());
     EXPECT_EQ(KnownStudy::leftBelow(m_study.out()), QStringList{QStringLiteral(".corvane-slurm")});
 }
 
 TEST_F(Slurm, ATaskThatIsRequeuedIsMadeOnce)
 {
-    m_study.add(large("01"));
-    m_study.add("02");
-    const ProgramRun ran = submit();
-    ASSERT_EQ(ran.status, 0) << ran.errors.constData();
-    const QString collect = collectJob(ran.output);
-    const std::optional<LockHolder> holder = holderOfRow("01");
-    ASSERT_TRUE(holder);
+    const Begun study = begun({"02"});
     // As an administrator does, or the system for a job that matters more.
     const ProgramRun requeued =
-        runProgram(QStringLiteral("scontrol"), {QStringLiteral("requeue"), holder->job});
+        runProgram(QStringLiteral("scontrol"), {QStringLiteral("requeue"), study.holder.job});
     ASSERT_EQ(requeued.status, 0) << requeued.errors.constData();
-    ASSERT_TRUE(waitUntil([&] { return isOver(collect); }));
+    ASSERT_TRUE(waitUntil([&] { return isOver(study.collect); }));
     for (const QString &line : m_study.table())
         EXPECT_EQ(line.section(QLatin1Char('\t'), 6, 6), QStringLiteral("done"))
             << line.toStdString();

@@ -138,7 +138,30 @@ inline QByteArray smallVtcBytes(const QString &linkedProtocol = QString())
     return vtcBytes(info, numberedSamples<short>(info));
 }
 
+/// 60 volumes of 2 s around the middle of the cube, whose courses differ from voxel to voxel.
+inline QByteArray middleVtcBytes()
+{
+    VtcInfo info = smallVtcInfo();
+    info.xStart = info.yStart = info.zStart = 125;
+    info.xEnd = info.yEnd = info.zEnd = 134;
+    info.nrOfVolumes = 60;
+    info.repetitionTime = 2;
+    std::vector<short> samples(static_cast<std::size_t>(info.sampleCount()));
+    for (std::size_t n = 0; n < samples.size(); ++n)
+        samples[n] = static_cast<short>(900 + n * 7919 % 53);
+    return vtcBytes(info, samples);
+}
+
 // ---- .voi and .prt
+
+/// Two conditions that take turns in 60 volumes.
+inline Prt turnsPrt()
+{
+    Prt prt;
+    prt.conditions = {{QStringLiteral("rest"), {{1, 15}, {31, 45}}},
+                      {QStringLiteral("movement"), {{16, 30}, {46, 60}}}};
+    return prt;
+}
 
 inline VoiSet smallVoiSet()
 {

@@ -86,19 +86,8 @@ void fullWorkbench(const LookAtWindow &look)
                 {QStringLiteral("right hippocampus"), 60, 60, 220, {{{131, 128, 110}}}},
                 {QStringLiteral("nothing left of it"), 60, 160, 60, {}}};
     writeVoiFile(folder.path("areas.voi"), set);
-    Prt prt;
-    prt.conditions = {{QStringLiteral("rest"), {{1, 15}, {31, 45}}},
-                      {QStringLiteral("movement"), {{16, 30}, {46, 60}}}};
-    writePrtFile(folder.path("blocks.prt"), prt);
-    VtcInfo info = smallVtcInfo();
-    info.xStart = info.yStart = info.zStart = 125;
-    info.xEnd = info.yEnd = info.zEnd = 134;
-    info.nrOfVolumes = 60;
-    info.repetitionTime = 2;
-    std::vector<short> samples(static_cast<std::size_t>(info.sampleCount()));
-    for (std::size_t n = 0; n < samples.size(); ++n)
-        samples[n] = static_cast<short>(900 + n * 7919 % 53);
-    putBytes(folder.path("run.vtc"), vtcBytes(info, samples));
+    writePrtFile(folder.path("blocks.prt"), turnsPrt());
+    putBytes(folder.path("run.vtc"), middleVtcBytes());
 
     Workbench workbench;
     workbench.window.openFiles({folder.path("head.vmr"), folder.path("areas.voi"),
