@@ -23,20 +23,24 @@
 #include "host/group/group_table.h"
 #include "host/group/node_places.h"
 #include "host/group/study_table.h"
+#include "host/import/sphere_table.h"
 #include "signals/error.h"
 #include "signals/strategies.h"
 #include "statistics/contrast.h"
 #include "statistics/design.h"
 #include "statistics/error.h"
 #include "statistics/formula.h"
+#include "update/update_manifest.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 using namespace corvane;
@@ -188,6 +192,23 @@ void readPlaces(const QByteArray &bytes)
     readNodePlaces(written(bytes, "in.tsv"));
 }
 
+/// In a run of 8 x 8 x 8 samples in the middle of the cube.
+void readSphereTable(const QByteArray &bytes)
+{
+    QStringList notes;
+    std::vector<Sphere> spheres = readSpheres(written(bytes, "in.tsv"), notes);
+    for (Sphere &sphere : spheres) // each voxel of a large one is looked at
+        sphere.radius = std::min(sphere.radius, 20.0);
+    const FunctionalGrid grid = layFunctionalGrid(
+        Eigen::Translation3d(116, 116, 116) * Eigen::Scaling(3.0), {8, 8, 8}, 3, {});
+    const Eigen::Affine3d cubeToWorld(Eigen::Translation3d(-128, -128, -128));
+    std::vector<LabelCount> counts;
+    const VoiSet set =
+        voisOfSpheres(spheres, grid, cubeToWorld, VoiGrid::Anatomy, {}, notes, counts);
+    require(set.vois.size() == spheres.size() && counts.size() == spheres.size(),
+            "a VOI for each sphere");
+}
+
 void readJsonFile(const QByteArray &bytes)
 {
     readJson(written(bytes, "in.json"));
@@ -264,6 +285,10 @@ void readOwnRecords(const QByteArray &bytes)
     written("kept", "own/kept");
     const QString secret = written("secret", "secret");
     written(bytes.mid(half + 1), "own/.corvane-unfinished/.corvane-a.00000000-b-1-1-0.json");
+    // Of another machine that was heard of an hour ago: otherwise it would be waited for.
+    std::filesystem::last_write_time((place + QStringLiteral("/.corvane-unfinished")).toStdString(),
+                                     std::filesystem::file_time_type::clock::now() -
+                                         std::chrono::hours(1));
     try {
         OutputFolder out(place, QStringLiteral("fuzz"));
         (void)out.commit();
@@ -280,6 +305,13 @@ void readLock(const QByteArray &bytes)
 }
 
 // ---- texts
+
+void readManifest(const QByteArray &bytes)
+{
+    const UpdateManifest manifest = readUpdateManifest(bytes);
+    require(QVersionNumber::fromString(manifest.version.toString()) == manifest.version,
+            "a version reads back");
+}
 
 void readNames(const QByteArray &bytes)
 {
@@ -312,6 +344,7 @@ constexpr Reader allReaders[] = {{"vtc", readVtc, true},
                                  {"strategy", readStrategy, false},
                                  {"censor", readCensor, true},
                                  {"places", readPlaces, true},
+                                 {"spheres", readSphereTable, true},
                                  {"json", readJsonFile, true},
                                  {"filter", readFilterFile, true},
                                  {"folder", readFolder, false},
@@ -321,6 +354,7 @@ constexpr Reader allReaders[] = {{"vtc", readVtc, true},
                                  {"contrast", readContrast, false},
                                  {"records", readOwnRecords, false},
                                  {"lock", readLock, false},
+                                 {"manifest", readManifest, false},
                                  {"names", readNames, false}};
 
 } // namespace

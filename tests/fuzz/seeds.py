@@ -40,6 +40,7 @@ TEXTS = {
                 ' "files": ["kept", "../secret"]}'],
     "lock": ['{"format": "Corvane lock", "version": 1, "host": "a.0", "boot": "b", "process": "1",'
              ' "start": "2", "job": "", "restart": 0, "number": "1"}'],
+    "manifest": ['{"name": "Tessera", "version": "1.4.2", "target_cv_version": "3.0"}'],
     "names": ["sub-01_ses-a_task-rest_run-1_space-T1w_atlas-Four_dseg.nii.gz", "1e-3", "-12"],
     "study": [],
 }
