@@ -53,7 +53,8 @@ void narrow(VoxelRange &range, int axis, double centre, double radius)
     const double steps = std::ceil((centre - radius - range.first[n]) / range.step);
     if (steps > 0)
         range.first[n] += range.step * static_cast<int>(std::min(steps, 1.0 * cubeSize));
-    range.last[n] = static_cast<int>(std::min<double>(range.last[n], std::floor(centre + radius)));
+    range.last[n] =
+        static_cast<int>(std::clamp<double>(std::floor(centre + radius), -1, range.last[n]));
 }
 
 /// Calls back with each voxel of the range in the sphere, whose centre is in cube voxels. The
