@@ -165,6 +165,50 @@ void paintGroupsAtLeft(QPainter &painter, const MatrixLayout &layout, const Netw
                   layout.namesRoom - barWidth - 2);
 }
 
+/// Height of what stands above and below the map and its names.
+double heightBesideMap(const NetworkPicture &picture)
+{
+    const double title = picture.title.isEmpty() ? gap : titleHeight;
+    return title + (picture.groups.empty() ? 0 : barWidth + groupNamesHeight) + scaleHeight +
+           3 * gap;
+}
+
+/// With names that fit a map of that side.
+MatrixLayout layoutFor(double expectedSide, const QPainter &painter, const QRectF &area,
+                       const NetworkPicture &picture)
+{
+    MatrixLayout layout;
+    const NodeRange all{0, int(picture.names.size())};
+    layout.rows = picture.rows.value_or(all);
+    layout.columns = picture.columns.value_or(all);
+    const bool grouped = !picture.groups.empty();
+    const double height = area.height() - heightBesideMap(picture);
+    const double above = heightBesideMap(picture) - scaleHeight - 3 * gap;
+    layout.fit = fitLabels(expectedSide / std::max({layout.rows.count, layout.columns.count, 1}));
+    // Where there is no room for all nodes, their networks say more than a few of them.
+    layout.namesOfGroups = grouped && layout.fit.every > 1;
+    const QFont font = labelFont(painter, layout.namesOfGroups ? 12 : layout.fit.fontSize);
+    const double widest = layout.namesOfGroups ? widestGroup(font, picture.groups) + barWidth
+                                               : widestLabel(font, picture.names, layout.fit.every);
+    layout.namesRoom = std::min(widest + 2 * gap, area.width() / 3);
+    const double below = layout.namesOfGroups ? gap : layout.namesRoom;
+    const double side =
+        std::max(1.0, std::min(area.width() - layout.namesRoom - gap, height - below));
+    // Names that leave less than half of the room to the map are left away.
+    const double most = std::min(area.width() - 2 * gap, height - gap);
+    if (side < most / 2) {
+        layout.fit.every = std::numeric_limits<int>::max();
+        layout.namesOfGroups = false;
+        layout.namesRoom = gap;
+        layout.map = QRectF(area.left() + (area.width() - most) / 2, area.top() + above,
+                            std::max(1.0, most), std::max(1.0, most));
+        return layout;
+    }
+    const double spare = std::max(0.0, area.width() - layout.namesRoom - gap - side);
+    layout.map = QRectF(area.left() + layout.namesRoom + spare / 2, area.top() + above, side, side);
+    return layout;
+}
+
 int nodeAt(double share, const NodeRange &range)
 {
     return share < 0 || share >= 1 ? -1 : range.first + int(share * range.count);
@@ -193,38 +237,14 @@ QRectF MatrixLayout::cell(int row, int column) const
 MatrixLayout matrixLayout(const QPainter &painter, const QRectF &area,
                           const NetworkPicture &picture)
 {
-    MatrixLayout layout;
-    const NodeRange all{0, int(picture.names.size())};
-    layout.rows = picture.rows.value_or(all);
-    layout.columns = picture.columns.value_or(all);
-    const bool grouped = !picture.groups.empty();
-    const double title = picture.title.isEmpty() ? gap : titleHeight;
-    const double above = title + (grouped ? barWidth + groupNamesHeight : 0);
-    const double height = area.height() - above - scaleHeight - 3 * gap;
-    // A first guess of the map's side decides on the font, whose names then take their room.
-    layout.fit = fitLabels(0.8 * std::min(area.width(), height) /
-                           std::max({layout.rows.count, layout.columns.count, 1}));
-    // Where there is no room for all nodes, their networks say more than a few of them.
-    layout.namesOfGroups = grouped && layout.fit.every > 1;
-    const QFont font = labelFont(painter, layout.namesOfGroups ? 12 : layout.fit.fontSize);
-    const double widest = layout.namesOfGroups ? widestGroup(font, picture.groups) + barWidth
-                                               : widestLabel(font, picture.names, layout.fit.every);
-    layout.namesRoom = std::min(widest + 2 * gap, area.width() / 3);
-    const double below = layout.namesOfGroups ? gap : layout.namesRoom;
-    const double side =
-        std::max(1.0, std::min(area.width() - layout.namesRoom - gap, height - below));
-    // Names that leave less than half of the room to the map are left away.
-    const double most = std::min(area.width() - 2 * gap, height - gap);
-    if (side < most / 2) {
-        layout.fit.every = std::numeric_limits<int>::max();
-        layout.namesOfGroups = false;
-        layout.namesRoom = gap;
-        layout.map = QRectF(area.left() + (area.width() - most) / 2, area.top() + above,
-                            std::max(1.0, most), std::max(1.0, most));
-        return layout;
+    // A guess of the map's side decides on the font, whose names then take their room. As long as
+    // that leaves less to the map, they must be smaller or fewer.
+    double side = 0.8 * std::min(area.width(), area.height() - heightBesideMap(picture));
+    MatrixLayout layout = layoutFor(side, painter, area, picture);
+    while (layout.map.width() < side) {
+        side = layout.map.width();
+        layout = layoutFor(side, painter, area, picture);
     }
-    const double spare = std::max(0.0, area.width() - layout.namesRoom - gap - side);
-    layout.map = QRectF(area.left() + layout.namesRoom + spare / 2, area.top() + above, side, side);
     return layout;
 }
 

@@ -76,6 +76,21 @@ TEST(MatrixPicture, HasDrawnEdgesAboveItsDiagonalAndAllValuesBelow)
     EXPECT_EQ(colourAt(3, 8), QColor(Qt::white));
 }
 
+TEST(MatrixPicture, NamesNeverOverlapHoweverLong)
+{
+    for (const int letters : {1, 10, 20, 40, 80})
+        for (int nodes = 2; nodes < 80; ++nodes) {
+            NetworkPicture picture = network(nodes);
+            for (QString &name : picture.names)
+                name = name.leftJustified(letters, QLatin1Char('m'));
+            const MatrixLayout layout = layoutOf(matrixLayout, picture);
+            if (layout.fit.every > nodes) // none is shown
+                continue;
+            EXPECT_GE(layout.map.height() / nodes * layout.fit.every, layout.fit.fontSize)
+                << nodes << " nodes of " << letters << " letters";
+        }
+}
+
 TEST(MatrixPicture, ShowsARangeOfNodes)
 {
     NetworkPicture picture = network(100);
