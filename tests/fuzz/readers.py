@@ -53,7 +53,7 @@ def main():
     parser.add_argument("readers", nargs="*")
     parser.add_argument("--seconds", type=int, default=60)
     parser.add_argument("--jobs", type=int, default=2)
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
     seeds.put_seeds(options.program, options.folder)
     readers = options.readers or subprocess.run(
         [options.fuzzer], env={name: value for name, value in os.environ.items()
@@ -68,6 +68,8 @@ def main():
             if status != 0:
                 all_well = False
                 print(said, flush=True)
+    spent = os.times()
+    print("%.0f minutes of a processor" % ((spent.children_user + spent.children_system) / 60))
     return 0 if all_well else 1
 
 
