@@ -56,7 +56,7 @@ def put_files(program, folder):
     small_data.put_run(data + "/bold.nii.gz", 3, SIZE)
     small_data.put_confounds(data + "/confounds.tsv", 3)
     small_data.put(data + "/spheres.tsv", TEXTS["spheres"][0])
-    small_data.put_study(data + "/study", 1)
+    small_data.put_study(data + "/study", 4)
     base = [program, "import", "--functional", data + "/bold.nii.gz", "--atlas", atlas, "--labels",
             labels, "--events", data + "/events.tsv"]
     for words in (base + ["--anatomy", data + "/T1w.nii.gz", "--name", "my", "--out", made],
