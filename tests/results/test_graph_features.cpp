@@ -516,8 +516,10 @@ TEST_F(GraphFeatures, ToolTipsOfDescriptionsWrap)
 TEST_F(GraphFeatures, OtherHelpOfATableIsThatOfQt)
 {
     showPage(features());
-    const auto help = [this](QEvent::Type type, int column) {
-        const QModelIndex cell = featuresModel().index(rowOf("degree"), column);
+    const int degree = rowOf("degree");
+    const int bare = featuresModel().addFeature("Nodal Features", "Bare", "", "bare", false);
+    const auto help = [this](QEvent::Type type, int row) {
+        const QModelIndex cell = featuresModel().index(row, GraphFeaturesModel::DescriptionColumn);
         features()->scrollTo(cell);
         const QPoint place = features()->visualRect(cell).center();
         QHelpEvent event(type, place, features()->viewport()->mapToGlobal(place));
@@ -529,13 +531,13 @@ TEST_F(GraphFeatures, OtherHelpOfATableIsThatOfQt)
             return window->inherits(className) && window->isVisible();
         });
     };
-    help(QEvent::ToolTip, GraphFeaturesModel::DescriptionColumn);
+    help(QEvent::ToolTip, degree);
     EXPECT_TRUE(isOpen("QTipLabel"));
-    // A cell without a text takes the tip of another away.
-    help(QEvent::ToolTip, GraphFeaturesModel::NameColumn);
+    // A measure without a description takes the tip of another away.
+    help(QEvent::ToolTip, bare);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !isOpen("QTipLabel"); }));
 
-    help(QEvent::WhatsThis, GraphFeaturesModel::DescriptionColumn);
+    help(QEvent::WhatsThis, degree);
     EXPECT_TRUE(isOpen("QWhatsThat"));
     QWhatsThis::hideText();
 }
