@@ -53,8 +53,7 @@ void PluginSettings::reset()
 void PluginSettings::makeDumpFolder()
 {
     dumpAll = false;
-    const QFileInfo parent(dumpOutputDir);
-    if (!parent.exists() && !parent.isWritable())
+    if (!QFileInfo::exists(dumpOutputDir))
         return;
 
     // A second dialog of one load finds the folder of the first, and writes no dumps.

@@ -32,7 +32,7 @@ QString askForFile(QWidget *parent, const QString &caption, const QString &filte
 {
     const ScopedDialog dialog(new QFileDialog(parent, caption, QString(), filter));
     dialog->setFileMode(QFileDialog::ExistingFile);
-    if (dialog->exec() != QDialog::Accepted || !dialog)
+    if (dialog->exec() != QDialog::Accepted) // nor is one that has gone meanwhile
         return {};
     return dialog->selectedFiles().value(0);
 }
@@ -287,7 +287,7 @@ void Tessera::removeSubject(bool)
     {
         const QMutexLocker lock(&mutex);
         const QModelIndex current = ui->tbl_Subjects->currentIndex();
-        if (current.isValid() && current.row() < subjectsModel->rowCount())
+        if (current.isValid())
             profileRemoved = removeRow(current.row());
     }
     if (profileRemoved)

@@ -72,11 +72,8 @@ std::vector<GraphMeasure> graphMeasuresOfTables()
 Eigen::ArrayXf columnOf(const GraphMeasure &measure, const Eigen::MatrixXf &matrix,
                         const nodalis::Effort &effort)
 {
-    if (measure.withEffort != nullptr)
-        return measure.withEffort(matrix, effort);
-    return measure.perNode != nullptr
-               ? measure.perNode(matrix)
-               : Eigen::ArrayXf::Constant(matrix.rows(), measure.perMatrix(matrix)).eval();
+    return measure.withEffort != nullptr ? measure.withEffort(matrix, effort)
+                                         : measure.perNode(matrix);
 }
 
 std::vector<std::vector<float>> valuesPerNode(const GraphMeasure &measure,

@@ -20,7 +20,8 @@ struct GraphMeasure {
     bool isLong;       ///< the user is asked before it runs on a large matrix
     Eigen::ArrayXf (*perNode)(const Eigen::MatrixXf &matrix);
     float (*perMatrix)(const Eigen::MatrixXf &matrix) = nullptr;
-    /// The same with threads and progress, for one per node that may take minutes; else null.
+    /// The column of one that may take minutes, with threads and progress, and of one per matrix;
+    /// else null.
     Eigen::ArrayXf (*withEffort)(const Eigen::MatrixXf &matrix,
                                  const nodalis::Effort &effort) = nullptr;
 };

@@ -1,14 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/host_functions.h"
 
+#include <type_traits>
+
 namespace
 {
 
-template <typename Entry>
-void bind(Entry &entry, HostModule module, const char *name)
+template <auto Entry>
+void bind(HostFunctionTable &table, HostAddress address)
 {
-    entry = reinterpret_cast<Entry>(hostSymbol(module, name));
+    using Function = std::remove_reference_t<decltype(table.*Entry)>;
+    table.*Entry = reinterpret_cast<Function>(address);
 }
+
+struct Binding {
+    const char *name;
+    void (*bind)(HostFunctionTable &, HostAddress);
+};
+
+constexpr Binding bindings[] = {
+#define HOST_CALL(result, name, arguments) {#name, bind<&HostFunctionTable::name>},
+#define HOST_NAME(name) {#name, bind<&HostFunctionTable::name>},
+#include "plugin/host_function_names.inc"
+#undef HOST_CALL
+#undef HOST_NAME
+};
 
 } // namespace
 
@@ -24,15 +40,12 @@ bool bindHostFunctions()
     if (module == nullptr)
         return false;
 
-    // The version function heads the list: without it nothing else is looked up.
     HostFunctionTable &table = hostFunctions();
-#define HOST_CALL(result, name, arguments)                                                         \
-    bind(table.name, module, #name);                                                               \
-    if (table.zqGetVersionOfCorvaneZQ == nullptr)                                                  \
-        return false;
-#define HOST_NAME(name) bind(table.name, module, #name);
-#include "plugin/host_function_names.inc"
-#undef HOST_CALL
-#undef HOST_NAME
+    for (const Binding &binding : bindings) {
+        binding.bind(table, hostSymbol(module, binding.name));
+        // The version function heads the list: without it nothing else is looked up.
+        if (table.zqGetVersionOfCorvaneZQ == nullptr)
+            return false;
+    }
     return true;
 }

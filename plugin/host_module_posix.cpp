@@ -5,9 +5,10 @@
 #include <climits>
 #include <cstring>
 #include <dlfcn.h>
+#include <filesystem>
 #include <string>
 #include <sys/auxv.h>
-#include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace
@@ -17,10 +18,8 @@ constexpr const char *executable = "/proc/self/exe";
 
 bool isFileOfThisProcess(const std::string &path)
 {
-    struct stat named = {};
-    struct stat running = {};
-    return stat(path.c_str(), &named) == 0 && stat(executable, &running) == 0 &&
-           named.st_dev == running.st_dev && named.st_ino == running.st_ino;
+    std::error_code notThere;
+    return std::filesystem::equivalent(path, executable, notThere);
 }
 
 /// The path under which the executable was loaded. The file that is there by now may be another
@@ -40,8 +39,9 @@ std::string executablePath()
 /// Load address of the object that holds `address`, null when none does.
 void *loadAddress(const void *address)
 {
-    Dl_info found;
-    return dladdr(address, &found) != 0 ? found.dli_fbase : nullptr;
+    Dl_info found = {};
+    dladdr(address, &found);
+    return found.dli_fbase;
 }
 
 bool inMainProgram(const void *address)

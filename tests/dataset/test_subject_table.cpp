@@ -188,6 +188,22 @@ TEST_F(Table, ChoosingAVmrWithTheKeyboard)
     EXPECT_EQ(vmrBox(0)->currentIndex(), 1);
 }
 
+/// As a host can call slots by their names.
+TEST_F(Table, SlotsLeaveOtherSendersAlone)
+{
+    dialog().openVTCFile(false);
+    dialog().openVOIFile(false);
+    dialog().openPRTFile(false);
+    dialog().vmrDocumentChanged(0);
+    QComboBox other;
+    other.addItems({"first", "second"});
+    QObject::connect(&other, QOverload<int>::of(&QComboBox::currentIndexChanged), &dialog(),
+                     &Tessera::vmrDocumentChanged);
+    other.setCurrentIndex(1);
+    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_EQ(model().rowCount(), 0);
+}
+
 struct FileSlot {
     int column;
     const char *caption;
@@ -457,6 +473,17 @@ TEST_F(Table, VoiFileMustBeOfOneMillimetre)
     EXPECT_EQ(subject(0).voiFile(), "");
     EXPECT_EQ(fileButton(0, VoiColumn)->text(), "select");
     EXPECT_THAT(host.log, IsEmpty());
+}
+
+TEST_F(Table, MainDialogClosedUnderTheMessageOfTheVoiFileEndsTheSlot)
+{
+    addRow();
+    const QString vois = addVois("set.voi");
+    host.voiSets.clear();
+    modals.expectFile(vois);
+    modals.expect<QMessageBox>([this](QMessageBox &) { closeDialog(); });
+    QTest::mouseClick(fileButton(0, VoiColumn), Qt::LeftButton);
+    EXPECT_EQ(modals.remaining(), 0u);
 }
 
 TEST_F(Table, VoiFileThatTheHostRefusesGetsTheSameMessage)
@@ -969,6 +996,17 @@ TEST_F(Table, RemoveAllIsOutOfReachAndEmptiesTheTable)
     EXPECT_EQ(model().rowCount(), 0);
     EXPECT_EQ(counter(), "0");
     EXPECT_EQ(profileNames(), QStringList{"All"});
+}
+
+TEST_F(Table, RemoveAllOfRowsWithoutProfilesLeavesTheSettingsAlone)
+{
+    addRow();
+    addRow();
+    find<QPushButton>("btn_Compute")->setEnabled(false);
+    dialog().removeAllSubjects(false);
+    EXPECT_EQ(model().rowCount(), 0);
+    EXPECT_EQ(profileNames(), QStringList{"All"});
+    EXPECT_FALSE(find<QPushButton>("btn_Compute")->isEnabled());
 }
 
 TEST_F(Table, AddSubjectLogsItsSignature)

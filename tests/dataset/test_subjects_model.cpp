@@ -88,6 +88,22 @@ TEST(SubjectsModel, SetDataIgnoresAnEmptyNameAndOtherRoles)
     EXPECT_EQ(model.subjectAt(0).name(), "Subject 1");
 }
 
+TEST(SubjectsModel, IndexOfARowThatIsGoneReadsAndRenamesNothing)
+{
+    SubjectsModel model;
+    for (int i = 0; i < 2; ++i)
+        model.appendSubject();
+    const QModelIndex stale = model.index(1, 0);
+    model.removeSubjectAt(1);
+    QSignalSpy renamed(&model, &SubjectsModel::subjectNameChanged);
+    for (const QModelIndex &index : {stale, QModelIndex()}) {
+        EXPECT_FALSE(model.data(index).isValid());
+        EXPECT_TRUE(model.setData(index, "Ann"));
+    }
+    EXPECT_EQ(renamed.count(), 0);
+    EXPECT_EQ(model.subjectAt(0).name(), "Subject 1");
+}
+
 TEST(SubjectsModel, FlagsFollowTheRecord)
 {
     SubjectsModel model;

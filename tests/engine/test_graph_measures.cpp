@@ -51,6 +51,7 @@ TEST(GraphMeasures, AreEitherOfNodesOrOfTheMatrix)
     for (const GraphMeasure &measure : graphMeasures()) {
         EXPECT_NE(measure.perNode == nullptr, measure.perMatrix == nullptr) << measure.key;
         EXPECT_EQ(measure.perMatrix != nullptr, std::string(measure.key) == "global_efficiency");
+        EXPECT_TRUE(measure.perNode != nullptr || measure.withEffort != nullptr) << "a column";
     }
 }
 

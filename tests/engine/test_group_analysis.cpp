@@ -324,6 +324,16 @@ TEST_F(Group, ResultWithoutMatricesRaises)
     EXPECT_THROW(dialog().group_ComputeDistance(), std::out_of_range);
 }
 
+TEST_F(Group, MatricesThatDifferInTheirColumnsAloneAreOfOtherSizes)
+{
+    add(3);
+    add(3, true, 4);
+    object(1)->setMatrices({Eigen::MatrixXf::Zero(3, 4)});
+    selectAll();
+    EXPECT_THROW(dialog().group_ComputeDistance(), std::invalid_argument) << "the library's";
+    EXPECT_TRUE(output().startsWith("Group matrix sizes do not match."));
+}
+
 TEST_F(Group, WithoutASelectionNothingIsCompared)
 {
     add(3);

@@ -6,7 +6,9 @@
 //   delete   it is deleted
 //   replace  another file takes its place, as when a package is upgraded
 //   rename   it gets another name
-// Exit status 0 when the binding of the host's functions takes it for the host, else 1.
+//   decoy    it is deleted, and there is another one with the name that tells so
+// Exit status 0 when the binding of the host's functions takes it for the host, else 1; 2 when it
+// has bound a function of a library, which is not the host's.
 #include "plugin/host_functions.h"
 
 #include <filesystem>
@@ -16,6 +18,9 @@
 extern "C" __attribute__((visibility("default"))) void zqGetVersionOfCorvaneZQ(int *, int *, int *)
 {
 }
+
+/// Of the library beside it, which has a function of the host's name, too.
+extern "C" int libraryIsLoaded();
 
 int main(int, char *arguments[])
 {
@@ -30,7 +35,13 @@ int main(int, char *arguments[])
     }
     if (change == "rename")
         std::filesystem::rename(self, other);
+    if (change == "decoy") {
+        std::filesystem::remove(self);
+        std::ofstream(self.string() + " (deleted)") << "another file";
+    }
     const bool bound =
         bindHostFunctions() && hostFunctions().zqGetVersionOfCorvaneZQ == &zqGetVersionOfCorvaneZQ;
+    if (libraryIsLoaded() == 0 || hostFunctions().zqLogText != nullptr)
+        return 2;
     return bound ? 0 : 1;
 }

@@ -388,16 +388,25 @@ TEST_F(HostData, LongNameIsCutAtCharacterBoundaryOfTheLogLine)
 TEST_F(HostData, LogTextsAreCutBeforeAnIncompleteCharacterOnly)
 {
     // The character begins so that it ends before, at, and behind the last byte of the buffer.
-    const std::string euro = "\xE2\x82\xAC";
-    for (const std::size_t before : {251u, 252u, 253u, 254u, 255u}) {
-        host.forgetCalls();
-        logToHost("%s", (std::string(before, 'x') + euro).c_str());
-        const std::size_t fits = before + 3 <= 255 ? before + 3 : before;
-        EXPECT_EQ(host.log.back().size(), fits) << before;
+    for (const std::string character :
+         {"\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\xA7\xA0"}) { // of two, three and four bytes
+        for (std::size_t before = 249; before < 256; ++before) {
+            host.forgetCalls();
+            const std::string text = std::string(before, 'x') + character + "yyyyyy";
+            logToHost("%s", text.c_str());
+            const bool fits = before + character.size() <= 255;
+            EXPECT_EQ(host.log.back(), text.substr(0, fits ? 255 : before));
+        }
     }
     host.forgetCalls();
     logToHost("%s", std::string(400, 'y').c_str());
     EXPECT_EQ(host.log.back(), std::string(255, 'y'));
+}
+
+TEST_F(HostData, LogTextsOfBytesWithoutACharacterAreCutAtTheirEnd)
+{
+    logToHost("%s", std::string(400, '\x80').c_str());
+    EXPECT_EQ(host.log.back(), std::string(255, '\x80'));
 }
 
 // VOI names

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Which process is the host: a program is started under several names, and its file is replaced
-// while it runs.
+// while it runs. A function that only a library of the program has is none of the host's.
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -47,6 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                     // Files may be named like the mark of a deleted one.
                     ModuleCase{"Corvane (deleted)", "keep", false},
                     ModuleCase{"Corvane (deleted)", "delete", false},
+                    ModuleCase{"Corvane", "decoy", true}, ModuleCase{"Workbench", "decoy", false},
                     ModuleCase{" (deleted)", "keep", false}, ModuleCase{"deleted)", "keep", false},
                     ModuleCase{"C", "delete", false}));
 

@@ -82,143 +82,132 @@ void fill(char (&text)[Size], char character)
     std::fill(std::begin(text), std::end(text), character);
 }
 
-Lies vtc(void (*lie)(VTCHeader &))
+/// All as it should be but for one record.
+template <typename Record, typename Lie>
+Lies with(Record Lies::*record, Lie lie)
 {
     Lies lies;
-    lies.vtcHeader = lie;
-    return lies;
-}
-
-Lies vois(void (*lie)(VOIsHeader &))
-{
-    Lies lies;
-    lies.voisHeader = lie;
-    return lies;
-}
-
-Lies voi(void (*lie)(VOIRecord &))
-{
-    Lies lies;
-    lies.voiRecord = lie;
-    return lies;
-}
-
-Lies protocol(void (*lie)(ProtocolHeader &))
-{
-    Lies lies;
-    lies.protocolHeader = lie;
-    return lies;
-}
-
-Lies condition(void (*lie)(ConditionRecord &))
-{
-    Lies lies;
-    lies.conditionRecord = lie;
-    return lies;
-}
-
-Lies vmr(void (*lie)(VMRHeader &))
-{
-    Lies lies;
-    lies.vmrHeader = lie;
-    return lies;
-}
-
-Lies documents(void (*lie)(int &))
-{
-    Lies lies;
-    lies.documentCount = lie;
+    lies.*record = lie;
     return lies;
 }
 
 const Nonsense allNonsense[] = {
-    {"NoVolumes", vtc([](VTCHeader &h) { h.nrOfVolumes = 0; }), noSeries()},
-    {"MinusOneVolumes", vtc([](VTCHeader &h) { h.nrOfVolumes = -1; }), noSeries()},
-    {"FewestVolumes", vtc([](VTCHeader &h) { h.nrOfVolumes = lowest; }), noSeries()},
-    {"MostVolumes", vtc([](VTCHeader &h) { h.nrOfVolumes = highest; }),
-     noSeries("Plugin> The host tells of 2147483647 volumes, which cannot be.")},
-    {"LowestXStart", vtc([](VTCHeader &h) { h.xStart = lowest; }), noSeries()},
-    {"HighestXStart", vtc([](VTCHeader &h) { h.xStart = highest; }), noSeries()},
-    {"LowestXEnd", vtc([](VTCHeader &h) { h.xEnd = lowest; }), noSeries()},
-    {"HighestXEnd", vtc([](VTCHeader &h) { h.xEnd = highest; }), noSeries()},
-    {"LowestYStart", vtc([](VTCHeader &h) { h.yStart = lowest; }), noSeries()},
-    {"HighestYStart", vtc([](VTCHeader &h) { h.yStart = highest; }), noSeries()},
-    {"LowestYEnd", vtc([](VTCHeader &h) { h.yEnd = lowest; }), noSeries()},
-    {"HighestYEnd", vtc([](VTCHeader &h) { h.yEnd = highest; }), noSeries()},
-    {"LowestZStart", vtc([](VTCHeader &h) { h.zStart = lowest; }), noSeries()},
-    {"HighestZStart", vtc([](VTCHeader &h) { h.zStart = highest; }), noSeries()},
-    {"LowestZEnd", vtc([](VTCHeader &h) { h.zEnd = lowest; }), noSeries()},
-    {"HighestZEnd", vtc([](VTCHeader &h) { h.zEnd = highest; }), noSeries()},
-    {"AllOfSpace", vtc([](VTCHeader &h) {
-         h.xStart = h.yStart = h.zStart = lowest;
-         h.xEnd = h.yEnd = h.zEnd = highest;
-         h.resolution = 1;
-     }),
+    {"NoVolumes", with(&Lies::vtcHeader, [](VTCHeader &h) { h.nrOfVolumes = 0; }), noSeries()},
+    {"MinusOneVolumes", with(&Lies::vtcHeader, [](VTCHeader &h) { h.nrOfVolumes = -1; }),
      noSeries()},
-    {"NoResolution", vtc([](VTCHeader &h) { h.resolution = 0; }), noSeries()},
-    {"LowestResolution", vtc([](VTCHeader &h) { h.resolution = lowest; }), noSeries()},
-    {"HighestResolution", vtc([](VTCHeader &h) { h.resolution = highest; }), noSeries()},
-    {"LowestDataType", vtc([](VTCHeader &h) { h.dataType = lowest; }), fine},
-    {"HighestDataType", vtc([](VTCHeader &h) { h.dataType = highest; }), fine},
-    {"IntegersThatAreNone", vtc([](VTCHeader &h) { h.dataType = 1; }), noSeries()},
-    {"LowestLinkedProtocols", vtc([](VTCHeader &h) { h.linkedProtocolCount = lowest; }), fine},
-    {"HighestLinkedProtocols", vtc([](VTCHeader &h) { h.linkedProtocolCount = highest; }), fine},
-    {"UnterminatedLinkedProtocol", vtc([](VTCHeader &h) { fill(h.linkedProtocolFile, 'p'); }),
-     fine},
-    {"LinkedProtocolOfOddBytes", vtc([](VTCHeader &h) { fill(h.linkedProtocolFile, '\xff'); }),
-     fine},
+    {"FewestVolumes", with(&Lies::vtcHeader, [](VTCHeader &h) { h.nrOfVolumes = lowest; }),
+     noSeries()},
+    {"MostVolumes", with(&Lies::vtcHeader, [](VTCHeader &h) { h.nrOfVolumes = highest; }),
+     noSeries("Plugin> The host tells of 2147483647 volumes, which cannot be.")},
+    {"LowestXStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.xStart = lowest; }), noSeries()},
+    {"HighestXStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.xStart = highest; }), noSeries()},
+    {"LowestXEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.xEnd = lowest; }), noSeries()},
+    {"HighestXEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.xEnd = highest; }), noSeries()},
+    {"LowestYStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.yStart = lowest; }), noSeries()},
+    {"HighestYStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.yStart = highest; }), noSeries()},
+    {"LowestYEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.yEnd = lowest; }), noSeries()},
+    {"HighestYEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.yEnd = highest; }), noSeries()},
+    {"LowestZStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.zStart = lowest; }), noSeries()},
+    {"HighestZStart", with(&Lies::vtcHeader, [](VTCHeader &h) { h.zStart = highest; }), noSeries()},
+    {"LowestZEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.zEnd = lowest; }), noSeries()},
+    {"HighestZEnd", with(&Lies::vtcHeader, [](VTCHeader &h) { h.zEnd = highest; }), noSeries()},
+    {"AllOfSpace",
+     with(&Lies::vtcHeader,
+          [](VTCHeader &h) {
+              h.xStart = h.yStart = h.zStart = lowest;
+              h.xEnd = h.yEnd = h.zEnd = highest;
+              h.resolution = 1;
+          }),
+     noSeries()},
+    {"NoResolution", with(&Lies::vtcHeader, [](VTCHeader &h) { h.resolution = 0; }), noSeries()},
+    {"LowestResolution", with(&Lies::vtcHeader, [](VTCHeader &h) { h.resolution = lowest; }),
+     noSeries()},
+    {"HighestResolution", with(&Lies::vtcHeader, [](VTCHeader &h) { h.resolution = highest; }),
+     noSeries()},
+    {"LowestDataType", with(&Lies::vtcHeader, [](VTCHeader &h) { h.dataType = lowest; }), fine},
+    {"HighestDataType", with(&Lies::vtcHeader, [](VTCHeader &h) { h.dataType = highest; }), fine},
+    {"IntegersThatAreNone", with(&Lies::vtcHeader, [](VTCHeader &h) { h.dataType = 1; }),
+     noSeries()},
+    {"LowestLinkedProtocols",
+     with(&Lies::vtcHeader, [](VTCHeader &h) { h.linkedProtocolCount = lowest; }), fine},
+    {"HighestLinkedProtocols",
+     with(&Lies::vtcHeader, [](VTCHeader &h) { h.linkedProtocolCount = highest; }), fine},
+    {"UnterminatedLinkedProtocol",
+     with(&Lies::vtcHeader, [](VTCHeader &h) { fill(h.linkedProtocolFile, 'p'); }), fine},
+    {"LinkedProtocolOfOddBytes",
+     with(&Lies::vtcHeader, [](VTCHeader &h) { fill(h.linkedProtocolFile, '\xff'); }), fine},
 
-    {"MinusOneVois", vois([](VOIsHeader &h) { h.voiCount = -1; }), noNames},
-    {"FewestVois", vois([](VOIsHeader &h) { h.voiCount = lowest; }), noNames},
-    {"MostVois", vois([](VOIsHeader &h) { h.voiCount = highest; }),
+    {"MinusOneVois", with(&Lies::voisHeader, [](VOIsHeader &h) { h.voiCount = -1; }), noNames},
+    {"FewestVois", with(&Lies::voisHeader, [](VOIsHeader &h) { h.voiCount = lowest; }), noNames},
+    {"MostVois", with(&Lies::voisHeader, [](VOIsHeader &h) { h.voiCount = highest; }),
      noVois("Plugin> The host tells of 2147483647 VOIs, which cannot be.")},
-    {"MoreVoisThanItGives", vois([](VOIsHeader &h) { h.voiCount = 100; }), fine},
-    {"LowestReferenceSpace", vois([](VOIsHeader &h) { h.referenceSpace = lowest; }), fine},
-    {"HighestReferenceSpace", vois([](VOIsHeader &h) { h.referenceSpace = highest; }), fine},
-    {"ResolutionXThatIsNoNumber", vois([](VOIsHeader &h) { h.resolutionX = notANumber; }), fine},
-    {"ResolutionYWithoutEnd", vois([](VOIsHeader &h) { h.resolutionY = infinite; }), fine},
-    {"ResolutionZBelowZero", vois([](VOIsHeader &h) { h.resolutionZ = -infinite; }), fine},
+    {"MoreVoisThanItGives", with(&Lies::voisHeader, [](VOIsHeader &h) { h.voiCount = 100; }), fine},
+    {"LowestReferenceSpace",
+     with(&Lies::voisHeader, [](VOIsHeader &h) { h.referenceSpace = lowest; }), fine},
+    {"HighestReferenceSpace",
+     with(&Lies::voisHeader, [](VOIsHeader &h) { h.referenceSpace = highest; }), fine},
+    {"ResolutionXThatIsNoNumber",
+     with(&Lies::voisHeader, [](VOIsHeader &h) { h.resolutionX = notANumber; }), fine},
+    {"ResolutionYWithoutEnd",
+     with(&Lies::voisHeader, [](VOIsHeader &h) { h.resolutionY = infinite; }), fine},
+    {"ResolutionZBelowZero",
+     with(&Lies::voisHeader, [](VOIsHeader &h) { h.resolutionZ = -infinite; }), fine},
 
-    {"MinusOneVoxels", voi([](VOIRecord &r) { r.voxelCount = -1; }), fine},
-    {"FewestVoxels", voi([](VOIRecord &r) { r.voxelCount = lowest; }), fine},
-    {"MostVoxels", voi([](VOIRecord &r) { r.voxelCount = highest; }),
+    {"MinusOneVoxels", with(&Lies::voiRecord, [](VOIRecord &r) { r.voxelCount = -1; }), fine},
+    {"FewestVoxels", with(&Lies::voiRecord, [](VOIRecord &r) { r.voxelCount = lowest; }), fine},
+    {"MostVoxels", with(&Lies::voiRecord, [](VOIRecord &r) { r.voxelCount = highest; }),
      noVoxels("Plugin> The host tells of 2147483647 voxels in one VOI, which cannot be.")},
-    {"UnterminatedVoiName", voi([](VOIRecord &r) { fill(r.name, 'v'); }), fine},
-    {"VoiNameOfOddBytes", voi([](VOIRecord &r) { fill(r.name, '\xff'); }), fine},
-    {"VoiNameOfFormats", voi([](VOIRecord &r) {
-         fill(r.name, '%');
-         for (std::size_t n = 1; n < sizeof r.name; n += 2)
-             r.name[n] = 'n';
-     }),
+    {"UnterminatedVoiName", with(&Lies::voiRecord, [](VOIRecord &r) { fill(r.name, 'v'); }), fine},
+    {"VoiNameOfOddBytes", with(&Lies::voiRecord, [](VOIRecord &r) { fill(r.name, '\xff'); }), fine},
+    {"VoiNameOfHalfCharacters", with(&Lies::voiRecord, [](VOIRecord &r) { fill(r.name, '\x80'); }),
+     fine},
+    {"VoiNameOfFormats",
+     with(&Lies::voiRecord,
+          [](VOIRecord &r) {
+              fill(r.name, '%');
+              for (std::size_t n = 1; n < sizeof r.name; n += 2)
+                  r.name[n] = 'n';
+          }),
      fine},
 
-    {"MinusOneConditions", protocol([](ProtocolHeader &h) { h.conditionCount = -1; }), fine},
-    {"FewestConditions", protocol([](ProtocolHeader &h) { h.conditionCount = lowest; }), fine},
-    {"MostConditions", protocol([](ProtocolHeader &h) { h.conditionCount = highest; }),
+    {"MinusOneConditions",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.conditionCount = -1; }), fine},
+    {"FewestConditions",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.conditionCount = lowest; }), fine},
+    {"MostConditions",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.conditionCount = highest; }),
      noProtocol("Plugin> The host tells of 2147483647 conditions, which cannot be.")},
-    {"MoreConditionsThanItGives", protocol([](ProtocolHeader &h) { h.conditionCount = 100; }),
+    {"MoreConditionsThanItGives",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.conditionCount = 100; }), fine},
+    {"UnterminatedProtocolName",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { fill(h.name, 'p'); }), fine},
+    {"LowestTimeUnit", with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.timeUnit = lowest; }),
      fine},
-    {"UnterminatedProtocolName", protocol([](ProtocolHeader &h) { fill(h.name, 'p'); }), fine},
-    {"LowestTimeUnit", protocol([](ProtocolHeader &h) { h.timeUnit = lowest; }), fine},
-    {"HighestTimeUnit", protocol([](ProtocolHeader &h) { h.timeUnit = highest; }), fine},
+    {"HighestTimeUnit",
+     with(&Lies::protocolHeader, [](ProtocolHeader &h) { h.timeUnit = highest; }), fine},
 
-    {"UnterminatedConditionName", condition([](ConditionRecord &r) { fill(r.name, 'c'); }), fine},
-    {"MinusOneIntervals", condition([](ConditionRecord &r) { r.intervalCount = -1; }), fine},
-    {"FewestIntervals", condition([](ConditionRecord &r) { r.intervalCount = lowest; }), fine},
-    {"MostIntervals", condition([](ConditionRecord &r) { r.intervalCount = highest; }),
+    {"UnterminatedConditionName",
+     with(&Lies::conditionRecord, [](ConditionRecord &r) { fill(r.name, 'c'); }), fine},
+    {"MinusOneIntervals",
+     with(&Lies::conditionRecord, [](ConditionRecord &r) { r.intervalCount = -1; }), fine},
+    {"FewestIntervals",
+     with(&Lies::conditionRecord, [](ConditionRecord &r) { r.intervalCount = lowest; }), fine},
+    {"MostIntervals",
+     with(&Lies::conditionRecord, [](ConditionRecord &r) { r.intervalCount = highest; }),
      noProtocol("Plugin> The host tells of 2147483647 intervals in one condition, which cannot "
                 "be.")},
-    {"NoStarts", condition([](ConditionRecord &r) { r.from = nullptr; }), fine},
-    {"NoEnds", condition([](ConditionRecord &r) { r.to = nullptr; }), fine},
-    {"NeitherStartsNorEnds", condition([](ConditionRecord &r) { r.from = r.to = nullptr; }), fine},
+    {"NoStarts", with(&Lies::conditionRecord, [](ConditionRecord &r) { r.from = nullptr; }), fine},
+    {"NoEnds", with(&Lies::conditionRecord, [](ConditionRecord &r) { r.to = nullptr; }), fine},
+    {"NeitherStartsNorEnds",
+     with(&Lies::conditionRecord, [](ConditionRecord &r) { r.from = r.to = nullptr; }), fine},
 
-    {"FewestDocuments", documents([](int &count) { count = lowest; }), fine},
+    {"FewestDocuments", with(&Lies::documentCount, [](int &count) { count = lowest; }), fine},
     {"MostDocuments",
-     documents([](int &count) { count = highest; }),
+     with(&Lies::documentCount, [](int &count) { count = highest; }),
      {true, true, true, "Plugin> The host tells of 2147483647 documents, which cannot be.", ""}},
-    {"UnterminatedPath", vmr([](VMRHeader &h) { fill(h.path, 'a'); }), fine},
-    {"PathOfOddBytes", vmr([](VMRHeader &h) { fill(h.path, '\xff'); }), fine},
-    {"PathOfFolders", vmr([](VMRHeader &h) { fill(h.path, '/'); }), fine},
+    {"UnterminatedPath", with(&Lies::vmrHeader, [](VMRHeader &h) { fill(h.path, 'a'); }), fine},
+    {"PathOfOddBytes", with(&Lies::vmrHeader, [](VMRHeader &h) { fill(h.path, '\xff'); }), fine},
+    {"PathOfFolders", with(&Lies::vmrHeader, [](VMRHeader &h) { fill(h.path, '/'); }), fine},
 };
 
 class HostileHost : public testing::Test

@@ -151,6 +151,25 @@ TEST_F(PluginEntry, VirtualFunctionsStandInTheOrderOfTheContract)
 }
 #endif
 
+/// As hosts may keep plugins by value.
+TEST(PluginInterface, CopiesKeepWhatTheirClassHolds)
+{
+    struct Counting : CVZQPluginInterface {
+        bool initPlugin() override { return true; }
+        bool execute() override { return ++runs > 2; }
+        int runs = 0;
+    };
+    Counting first;
+    EXPECT_FALSE(first.execute());
+    EXPECT_FALSE(first.execute());
+    Counting copy = first;
+    Counting assigned;
+    assigned = first;
+    EXPECT_TRUE(copy.execute());
+    EXPECT_TRUE(assigned.execute());
+    EXPECT_EQ(first.runs, 2);
+}
+
 TEST_F(PluginEntry, ExecuteShowsOneDialog)
 {
     ASSERT_TRUE(plugin->initPlugin());

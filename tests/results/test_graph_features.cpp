@@ -20,6 +20,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QToolTip>
+#include <QWhatsThis>
 #include <QtCharts/QBarCategoryAxis>
 #include <QtCharts/QChartView>
 #include <QtCharts/QLineSeries>
@@ -435,7 +436,12 @@ TEST_F(GraphFeatures, SlotsLeaveOtherSendersAlone)
                      &ConnectivityObjectUI::inspectGraphFeature);
     other.setProperty("measure", "degree");
     other.click();
-    EXPECT_FALSE(result("degree").isValid());
+    QPushButton ofNoMeasure;
+    QObject::connect(&ofNoMeasure, &QPushButton::clicked, &dialog(),
+                     &ConnectivityObjectUI::computeGraphFeature);
+    ofNoMeasure.click();
+    for (const Row &measure : measures(true))
+        EXPECT_FALSE(result(measure.key).isValid()) << measure.key;
     EXPECT_TRUE(windows<LinePlot>().isEmpty());
 }
 
@@ -505,6 +511,35 @@ TEST_F(GraphFeatures, ToolTipsOfDescriptionsWrap)
         QToolTip::hideText();
         EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
     }
+}
+
+TEST_F(GraphFeatures, OtherHelpOfATableIsThatOfQt)
+{
+    showPage(features());
+    const int degree = rowOf("degree");
+    const int bare = featuresModel().addFeature("Nodal Features", "Bare", "", "bare", false);
+    const auto help = [this](QEvent::Type type, int row) {
+        const QModelIndex cell = featuresModel().index(row, GraphFeaturesModel::DescriptionColumn);
+        features()->scrollTo(cell);
+        const QPoint place = features()->visualRect(cell).center();
+        QHelpEvent event(type, place, features()->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(features()->viewport(), &event);
+    };
+    const auto isOpen = [](const char *className) {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::any_of(windows.begin(), windows.end(), [className](const QWidget *window) {
+            return window->inherits(className) && window->isVisible();
+        });
+    };
+    help(QEvent::ToolTip, degree);
+    EXPECT_TRUE(isOpen("QTipLabel"));
+    // A measure without a description takes the tip of another away.
+    help(QEvent::ToolTip, bare);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isOpen("QTipLabel"); }));
+
+    help(QEvent::WhatsThis, degree);
+    EXPECT_TRUE(isOpen("QWhatsThat"));
+    QWhatsThis::hideText();
 }
 
 TEST_F(GraphFeatures, PlotOverManyConditionsIsWideEnoughForTheirNames)

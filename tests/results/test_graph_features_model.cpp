@@ -145,6 +145,24 @@ TEST_F(FeaturesModel, DataOfEachRoleAndColumn)
     EXPECT_FALSE(model.data(QModelIndex()).isValid());
 }
 
+TEST_F(FeaturesModel, AKeyAloneMakesAMeasure)
+{
+    EXPECT_EQ(model.addFeature("Heading", "", "", "bare", false), 0);
+    EXPECT_EQ(model.featureIndex("bare"), 0);
+    EXPECT_FALSE(at(0, 1, Qt::FontRole).isValid()) << "no heading";
+    EXPECT_EQ(at(0, 1), "");
+}
+
+TEST_F(FeaturesModel, HasNothingAtAnIndexBeyondItsRows)
+{
+    fill();
+    GraphFeaturesModel longer;
+    for (int row = 0; row < 5; ++row)
+        longer.addFeature("Heading", "", "", "", true);
+    EXPECT_FALSE(model.data(longer.index(3, 1)).isValid());
+    EXPECT_TRUE(model.data(longer.index(2, 1)).isValid());
+}
+
 TEST_F(FeaturesModel, ShowsNumbersOfScalarMeasuresOnly)
 {
     fill();

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/graph_measures.h"
+#include "results/graph_features_model.h"
 #include "tests/results/results_fixture.h"
 
+#include <QTableView>
 #include <QTest>
 
 namespace
@@ -72,6 +75,13 @@ TEST_F(ShowResults, ADialogWithoutAResultIsEmpty)
     empty.plotCircular(true);
     EXPECT_TRUE(empty.findChildren<QWidget *>("CircularPlotWindow").isEmpty());
     EXPECT_FALSE(empty.findChild<QWidget *>("groupbox_CircularPlot")->isEnabled());
+
+    const auto *const table = empty.findChild<QTableView *>("tblView_GraphFeatures");
+    auto *const model = qobject_cast<GraphFeaturesModel *>(table->model());
+    for (QPushButton *const button : table->findChildren<QPushButton *>())
+        button->click();
+    for (const GraphMeasure &measure : graphMeasures())
+        EXPECT_FALSE(model->result(model->featureIndex(measure.key)).isValid()) << measure.key;
 }
 
 } // namespace

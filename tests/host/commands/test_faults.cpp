@@ -83,17 +83,7 @@ protected:
     /// One run, cleaned by the confounds of this one or another, which changes its files.
     QStringList arguments(const KnownRun &cleaner) const
     {
-        return {QStringLiteral("connectome"),
-                QStringLiteral("--bold"),
-                m_study.file(m_new, "_space-T1w_desc-preproc_bold.nii.gz"),
-                QStringLiteral("--atlas"),
-                m_study.atlas(),
-                QStringLiteral("--confounds"),
-                m_study.file(cleaner, "_desc-confounds_timeseries.tsv"),
-                QStringLiteral("--clean"),
-                QStringLiteral("columns:trouble"),
-                QStringLiteral("--out"),
-                m_study.out()};
+        return m_study.connectome(m_new, cleaner, m_study.out());
     }
     void putOld() const
     {

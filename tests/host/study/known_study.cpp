@@ -181,6 +181,22 @@ ProgramRun KnownStudy::ofStudy(const QStringList &step) const
     return runCorvane(QStringList{QStringLiteral("cohort"), out()} + step);
 }
 
+QStringList KnownStudy::connectome(const KnownRun &run, const KnownRun &confounds,
+                                   const QString &folder) const
+{
+    return {QStringLiteral("connectome"),
+            QStringLiteral("--bold"),
+            file(run, "_space-T1w_desc-preproc_bold.nii.gz"),
+            QStringLiteral("--atlas"),
+            atlas(),
+            QStringLiteral("--confounds"),
+            file(confounds, "_desc-confounds_timeseries.tsv"),
+            QStringLiteral("--clean"),
+            QStringLiteral("columns:trouble"),
+            QStringLiteral("--out"),
+            folder};
+}
+
 QStringList KnownStudy::table() const
 {
     QStringList lines =

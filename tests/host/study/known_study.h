@@ -65,6 +65,15 @@ public:
     /// Corvane cohort OUT STEP ...
     ProgramRun ofStudy(const QStringList &step) const;
 
+    /// The arguments of Corvane connectome for one run, into a folder, with --clean
+    /// columns:trouble by its own confounds or by another's.
+    QStringList connectome(const KnownRun &run, const KnownRun &confounds,
+                           const QString &folder) const;
+    QStringList connectome(const KnownRun &run, const QString &folder) const
+    {
+        return connectome(run, run, folder);
+    }
+
     /// The study's table, a line for each row, without its names of columns.
     QStringList table() const;
     /// All files below a folder that are no hidden ones, with their bytes.

@@ -96,23 +96,10 @@ TEST(Cohort, FilesOfARunAreThoseOfConnectomeByteForByte)
     ASSERT_EQ(ran.status, 0) << ran.errors.constData();
     for (const KnownRun &run : {plain, withSession}) {
         const QString folder = own.path(QStringLiteral("one-") + run.participant);
-        QStringList arguments{QStringLiteral("connectome"),
-                              QStringLiteral("--bold"),
-                              own.file(run, "_space-T1w_desc-preproc_bold.nii.gz"),
-                              QStringLiteral("--atlas"),
-                              own.atlas(),
-                              QStringLiteral("--confounds"),
-                              own.file(run, "_desc-confounds_timeseries.tsv"),
-                              QStringLiteral("--clean"),
-                              QStringLiteral("columns:trouble"),
-                              QStringLiteral("--measure"),
-                              QStringLiteral("pearson,fisherz"),
-                              QStringLiteral("--fd-threshold"),
-                              QStringLiteral("0.5"),
-                              QStringLiteral("--dataset-root"),
-                              own.dataset(),
-                              QStringLiteral("--out"),
-                              folder};
+        QStringList arguments = own.connectome(run, folder);
+        arguments += {QStringLiteral("--measure"),      QStringLiteral("pearson,fisherz"),
+                      QStringLiteral("--fd-threshold"), QStringLiteral("0.5"),
+                      QStringLiteral("--dataset-root"), own.dataset()};
         if (run.hasMask)
             arguments +=
                 {QStringLiteral("--mask"), own.file(run, "_space-T1w_desc-brain_mask.nii.gz")};
@@ -521,16 +508,10 @@ TEST(CohortPages, OfARunItsParticipantAndTheStudyLeadToEachOther)
     EXPECT_THAT(page("sub-02.html"), HasSubstr("found the end of the file"));
 
     const QString folder = study.path(QStringLiteral("one"));
-    ASSERT_EQ(
-        runCorvane({QStringLiteral("connectome"), QStringLiteral("--bold"),
-                    study.file("01", "_space-T1w_desc-preproc_bold.nii.gz"),
-                    QStringLiteral("--atlas"), study.atlas(), QStringLiteral("--confounds"),
-                    study.file("01", "_desc-confounds_timeseries.tsv"), QStringLiteral("--clean"),
-                    QStringLiteral("columns:trouble"), QStringLiteral("--min-seconds"),
-                    QStringLiteral("240"), QStringLiteral("--dataset-root"), study.dataset(),
-                    QStringLiteral("--page"), QStringLiteral("--out"), folder})
-            .status,
-        0);
+    const QStringList more{QStringLiteral("--min-seconds"), QStringLiteral("240"),
+                           QStringLiteral("--dataset-root"), study.dataset(),
+                           QStringLiteral("--page")};
+    ASSERT_EQ(runCorvane(study.connectome("01", folder) + more).status, 0);
     EXPECT_EQ(KnownStudy::filesBelow(study.out() + QStringLiteral("/sub-01/func")),
               KnownStudy::filesBelow(folder));
     EXPECT_EQ(study.ofStudy({QStringLiteral("verify")}).status, 0);
