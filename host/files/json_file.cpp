@@ -6,6 +6,7 @@
 #include "host/files/limits.h"
 
 #include <QJsonDocument>
+#include <cmath>
 
 namespace corvane
 {
@@ -19,6 +20,14 @@ QJsonObject readJson(const QString &path)
         throw InputError(path, QStringLiteral("byte %1").arg(error.offset), error.errorString(),
                          QStringLiteral("a JSON object"));
     return document.object();
+}
+
+qint64 wholeNumberOf(const QJsonValue &value, qint64 otherwise)
+{
+    constexpr double most = 9007199254740992.0; // 2^53
+    const double number = value.toDouble(0.5);
+    return std::abs(number) <= most && number == std::floor(number) ? static_cast<qint64>(number)
+                                                                    : otherwise;
 }
 
 } // namespace corvane

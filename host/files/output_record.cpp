@@ -5,6 +5,7 @@
 #include "host/files/hidden_name.h"
 #include "host/files/input_error.h"
 #include "host/files/input_file.h"
+#include "host/files/json_file.h"
 #include "host/files/output_file.h"
 
 #include <QDateTime>
@@ -66,7 +67,7 @@ void addEntry(const QString &path, const QJsonValue &value, Outputs &outputs)
     const QString name = entry[QStringLiteral("file")].toString();
     const Output output{
         entry[QStringLiteral("writer")].toString(),
-        static_cast<qint64>(entry[QStringLiteral("bytes")].toDouble(-1)),
+        wholeNumberOf(entry[QStringLiteral("bytes")], -1),
         QDateTime::fromString(entry[QStringLiteral("time")].toString(), Qt::ISODateWithMs)};
     if (!isNameOfOutput(name) || output.writer.isEmpty() || output.length < 0 ||
         !output.time.isValid())

@@ -2,6 +2,7 @@
 #include "host/study/row_record.h"
 
 #include "host/files/input_file.h"
+#include "host/files/json_file.h"
 #include "host/files/listing.h"
 #include "host/files/output_file.h"
 
@@ -84,7 +85,7 @@ RowRecord recordOf(const QJsonObject &json)
     record.begun = time("begun");
     record.ended = time("ended");
     record.host = text("host");
-    record.process = qint64(json[QStringLiteral("process")].toDouble());
+    record.process = wholeNumberOf(json[QStringLiteral("process")], 0);
     record.job = text("job");
     return record;
 }

@@ -135,6 +135,12 @@ TEST_F(OutputRecord, SaysOfADamagedOneThatNothingGoes)
         {head + "1]}", entry("")},
         {head + R"({"file": "a"}]})", entry("a")},
         {head + R"({"file": "a", "writer": "compute", "bytes": 1}]})", entry("a")},
+        {head + R"({"file": "a", "writer": "compute", "bytes": 4e27, "time":)"
+                R"( "2026-01-01T00:00:00.000Z"}]})",
+         entry("a")},
+        {head + R"({"file": "a", "writer": "compute", "bytes": 1.5, "time":)"
+                R"( "2026-01-01T00:00:00.000Z"}]})",
+         entry("a")},
         {head + R"({"file": "a", "bytes": 1, "time": "2026-01-01T00:00:00.000Z"}]})", entry("a")},
     };
     for (const auto &row : rows) {
