@@ -19,7 +19,9 @@ import sys
 
 import seeds
 
-CORPUS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "corpus")
+HERE = os.path.dirname(os.path.abspath(__file__))
+CORPUS = os.path.join(HERE, "..", "corpus")
+SUPPRESSED = os.path.join(HERE, "lsan.supp")
 
 
 def fuzz(options, reader):
@@ -32,6 +34,7 @@ def fuzz(options, reader):
                                  "%s/%s" % (CORPUS, reader)) if os.path.isdir(place)]
     environment = dict(os.environ, TESSERA_FUZZ_READER=reader, QT_LOGGING_RULES="*=false",
                        ASAN_OPTIONS="detect_leaks=1:allocator_may_return_null=1",
+                       LSAN_OPTIONS="print_suppressions=0:suppressions=" + SUPPRESSED,
                        LC_ALL="C.UTF-8")
     done = subprocess.run(
         [options.fuzzer, "-max_total_time=%d" % options.seconds, "-max_len=16384", "-timeout=20",
