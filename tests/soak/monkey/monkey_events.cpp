@@ -164,7 +164,7 @@ void namePath(QWidget *window, const QString &path)
                            : nullptr;
     if (name == nullptr)
         return;
-    name->setText(path);
+    name->setText(QDir::current().filePath(path));
     QTest::keyClick(window->windowHandle(), Qt::Key_Return);
 }
 
@@ -239,6 +239,14 @@ QList<QWidget *> reachableWindows()
         if (modal->isVisible() && modal->windowHandle() != nullptr)
             return {modal};
     return visibleWindows();
+}
+
+QString shownWindows()
+{
+    QStringList shown;
+    for (const QWidget *window : visibleWindows())
+        shown += nameOf(window) + QLatin1Char(' ') + window->windowTitle().simplified();
+    return shown.join(QStringLiteral("; "));
 }
 
 // ---- drawing one
@@ -318,8 +326,7 @@ Event EventSource::key(QWidget *window)
 Event EventSource::inDialogOfFiles(QWidget *window)
 {
     Event event = eventFor(Kind::Path, window);
-    event.text = pick(3) == 0 ? QDir::current().filePath(QStringLiteral("export%1").arg(pick(20)))
-                              : one(m_files);
+    event.text = pick(3) == 0 ? QStringLiteral("export%1").arg(pick(20)) : one(m_files);
     return event;
 }
 
