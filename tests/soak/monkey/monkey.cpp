@@ -22,6 +22,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QProgressDialog>
+#include <QScopeGuard>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -114,9 +115,10 @@ private:
     {
         m_isPosted = false;
         const int before = std::exchange(m_level, QThread::currentThread()->loopLevel());
+        // Also when an error comes through, which the application catches.
+        const auto restored = qScopeGuard([this, before] { m_level = before; });
         if (m_level > before)
             actNow();
-        m_level = before;
     }
 
     void actNow()
