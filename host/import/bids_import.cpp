@@ -74,7 +74,26 @@ std::vector<BidsImport> bidsImports(const QString &dataset, const RunFilter &fil
 
 ImportReport importRun(const BidsImport &import, const ProgressWatch &watch)
 {
-    return writeImport(planImport(import.request), watch);
+    // The mean that stands in for an anatomy takes a reading of its own.
+    const int readings = import.request.anatomy.isEmpty() ? 2 : 1;
+    return writeImport(planImport(import.request, watchOfPart(watch, 0, readings)),
+                       watchOfPart(watch, readings - 1, readings));
+}
+
+void importRuns(const std::vector<BidsImport> &runs, const ProgressWatch &watch,
+                ImportedRuns &imported)
+{
+    for (std::size_t n = 0; n < runs.size(); ++n) {
+        tellProgress(watch, qint64(n), qint64(runs.size())); // also where none can be read
+        try {
+            imported.reports.push_back(
+                importRun(runs[n], watchOfPart(watch, qint64(n), qint64(runs.size()))));
+        } catch (const WorkStopped &) {
+            throw;
+        } catch (const std::exception &error) {
+            imported.faults.push_back({n, QString::fromUtf8(error.what())});
+        }
+    }
 }
 
 } // namespace corvane

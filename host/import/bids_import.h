@@ -27,4 +27,19 @@ std::vector<BidsImport> bidsImports(const QString &dataset, const RunFilter &fil
 /// Imports one. Throws what planImport and writeImport throw.
 ImportReport importRun(const BidsImport &import, const ProgressWatch &watch = {});
 
+/// What became of several runs.
+struct ImportedRuns {
+    struct Fault {
+        std::size_t run; ///< its place among them
+        QString text;
+    };
+    std::vector<ImportReport> reports; ///< of those that were imported
+    std::vector<Fault> faults;         ///< of those that could not be
+};
+
+/// Imports one after the other; one that cannot be imported stops no other. Throws WorkStopped, and
+/// `imported` then holds what was done before.
+void importRuns(const std::vector<BidsImport> &runs, const ProgressWatch &watch,
+                ImportedRuns &imported);
+
 } // namespace corvane

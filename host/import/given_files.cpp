@@ -81,6 +81,18 @@ QStringList filesIn(const QString &folder, QStringList &faults)
     return files;
 }
 
+/// A dataset, or a part of one, else the files in it.
+QStringList openedFolder(const QString &folder, GivenFiles &given)
+{
+    if (isPartOfDataset(folder, given))
+        return {};
+    const QString dataset = datasetIn(folder);
+    if (dataset.isEmpty())
+        return filesIn(folder, given.faults);
+    given.dataset = dataset;
+    return {};
+}
+
 QStringList withoutFolders(const QStringList &paths, GivenFiles &given)
 {
     QStringList files;
@@ -89,14 +101,11 @@ QStringList withoutFolders(const QStringList &paths, GivenFiles &given)
             files += path;
             continue;
         }
-        const QString folder = QDir(path).absolutePath();
-        if (isPartOfDataset(folder, given))
-            continue;
-        const QString dataset = datasetIn(folder);
-        if (dataset.isEmpty())
-            files += filesIn(folder, given.faults);
-        else
-            given.dataset = dataset;
+        try {
+            files += openedFolder(QDir(path).absolutePath(), given);
+        } catch (const InputError &error) {
+            given.faults += QString::fromUtf8(error.what());
+        }
     }
     return files;
 }

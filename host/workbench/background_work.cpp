@@ -5,6 +5,7 @@
 #include <QFutureWatcher>
 #include <QProgressBar>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTimer>
 #include <QtConcurrent>
 #include <atomic>
@@ -12,6 +13,21 @@
 
 namespace corvane
 {
+
+namespace
+{
+
+/// Stays until the work has ended, also when it is cancelled or closed: the other windows are of no
+/// use before that, and another work of the same window would have to end first.
+class WorkDialog : public QProgressDialog
+{
+public:
+    using QProgressDialog::QProgressDialog;
+
+    void reject() override { Q_EMIT canceled(); }
+};
+
+} // namespace
 
 QString faultOf(const std::function<void()> &action)
 {
@@ -30,8 +46,11 @@ QString faultOf(const std::function<void()> &action)
 WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
                               const std::function<void(const ProgressWatch &)> &work)
 {
-    QProgressDialog progress(QProgressDialog::tr("Working..."), QProgressDialog::tr("&Cancel"), 0,
-                             100, parent);
+    WorkDialog progress(QProgressDialog::tr("Working..."), QString(), 0, 100, parent);
+    auto *const cancel = new QPushButton(QProgressDialog::tr("&Cancel"));
+    progress.setCancelButton(cancel);
+    // Qt's own would hide the dialog.
+    QObject::disconnect(&progress, SIGNAL(canceled()), &progress, SLOT(cancel()));
     progress.setMinimumWidth(360);
     progress.setObjectName(QStringLiteral("workProgress"));
     progress.setWindowTitle(title);
@@ -53,6 +72,7 @@ WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
     QObject::connect(&progress, &QProgressDialog::canceled, &progress, [&] {
         stop = true;
         progress.setLabelText(QProgressDialog::tr("Stopping..."));
+        cancel->setEnabled(false);
     });
     QObject::connect(&watcher, &QFutureWatcherBase::finished, &loop, &QEventLoop::quit);
     const ProgressWatch watch = [&](qint64 done, qint64 total) {

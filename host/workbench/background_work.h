@@ -20,7 +20,8 @@ struct WorkOutcome {
 QString faultOf(const std::function<void()> &action);
 
 /// Runs a work on another thread behind a modal progress dialog with a Cancel button, and returns
-/// when it has ended. A work that cannot stop is asked all the same and may ignore it.
+/// when it has ended. A work that cannot stop is asked all the same and may ignore it; the dialog
+/// stays as long as it does.
 WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
                               const std::function<void(const ProgressWatch &)> &work);
 

@@ -199,34 +199,21 @@ void RunsDialog::runImports()
         runs.push_back(asChosen(run));
     if (!mayReplace(runs))
         return;
-    QStringList said;
+    ImportedRuns imported;
+    const WorkOutcome outcome = runBehindProgress(
+        this, tr("Import"), [&](const ProgressWatch &watch) { importRuns(runs, watch, imported); });
+    for (const ImportReport &report : imported.reports) {
+        for (const QString &line : report.notes + report.summary)
+            logText(line);
+        QStringList files;
+        for (const QString &file : report.files)
+            if (fileKind(file) != FileKind::Prt)
+                files += file;
+        m_imported.push_back(files);
+    }
     QStringList faults;
-    const WorkOutcome outcome =
-        runBehindProgress(this, tr("Import"), [&](const ProgressWatch &watch) {
-            // Each run is a hundred steps.
-            const auto total = qint64(100 * runs.size());
-            for (std::size_t n = 0; n < runs.size(); ++n) {
-                const ProgressWatch part = [&](qint64 done, qint64 all) {
-                    return watch(qint64(100 * n) + (all > 0 ? 100 * done / all : 0), total);
-                };
-                try {
-                    const ImportReport report = importRun(runs[n], part);
-                    said += report.notes + report.summary;
-                    QStringList files;
-                    for (const QString &file : report.files)
-                        if (fileKind(file) != FileKind::Prt)
-                            files += file;
-                    m_imported.push_back(files);
-                } catch (const WorkStopped &) {
-                    throw;
-                } catch (const std::exception &error) {
-                    faults += QStringLiteral("%1: %2").arg(nameOf(runs[n]),
-                                                           QString::fromUtf8(error.what()));
-                }
-            }
-        });
-    for (const QString &line : qAsConst(said))
-        logText(line);
+    for (const ImportedRuns::Fault &fault : imported.faults)
+        faults += QStringLiteral("%1: %2").arg(nameOf(runs[fault.run]), fault.text);
     if (outcome.stopped)
         logText(tr("The import was cancelled; what was done before stays."));
     else if (!outcome.fault.isEmpty())

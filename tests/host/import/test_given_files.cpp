@@ -6,8 +6,10 @@
 #include "tests/host/support/notes.h"
 #include "tests/host/support/small_study.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 namespace corvane
 {
@@ -130,6 +132,21 @@ TEST_F(Given, AnUnknownEndingGetsASentenceWithWhatIsKnown)
               "\"notes.docx\" is of no kind that this program knows: it opens .vmr, .vtc, .voi, "
               ".prt, .nii, .nii.gz, .nrrd, .nhdr, .tsv, .ctab, .par, .1D and .txt, and folders of "
               "these");
+}
+
+TEST_F(Given, AFolderThatCannotBeReadIsToldAndStopsNoOther)
+{
+    ASSERT_TRUE(QDir().mkdir(path("closed")));
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const GivenFiles given = sortGivenFiles(paths({"closed", "a.vmr"}));
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(bare(given.toOpen), "a.vmr");
+    ASSERT_EQ(given.faults.size(), 1);
+    EXPECT_THAT(given.faults[0].toStdString(),
+                HasSubstr("closed: listing: found Too many open files"));
 }
 
 TEST_F(Given, FilesFillAllFieldsOfAnImport)

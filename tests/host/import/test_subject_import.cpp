@@ -10,6 +10,7 @@
 #include "tests/host/support/small_study.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace corvane
@@ -305,6 +306,52 @@ TEST(RunCompanions, HaveTheEventsOfTheDatasetAboveTheDerivatives)
     ASSERT_EQ(imports.size(), 1U);
     EXPECT_EQ(QFileInfo(imports[0].request.events).canonicalFilePath(),
               QFileInfo(events).canonicalFilePath());
+}
+
+/// The mean that stands in for an anatomy is half of the work.
+TEST_F(BidsImports, TellHowFarTheyAreWhileTheMeanIsReadToo)
+{
+    ImportRequest common;
+    common.folder = out;
+    const std::vector<BidsImport> imports = bidsImports(study.path(), {}, common);
+    std::vector<double> shares;
+    importRun(imports[0], [&shares](qint64 done, qint64 total) {
+        shares.push_back(double(done) / double(total));
+        return true;
+    });
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    const auto half = std::lower_bound(shares.begin(), shares.end(), 0.5);
+    EXPECT_GE(half - shares.begin(), SmallStudy::volumes - 1);
+    EXPECT_EQ(shares.back(), 1);
+    bool isStopped = false;
+    EXPECT_THROW(importRun(imports[1],
+                           [&isStopped](qint64 done, qint64) {
+                               EXPECT_FALSE(isStopped);
+                               isStopped = done > 0;
+                               return !isStopped;
+                           }),
+                 WorkStopped);
+    EXPECT_FALSE(QFileInfo::exists(out + QStringLiteral("/sub-02/ses-a")));
+}
+
+TEST_F(BidsImports, AreStoppedAlsoWhereNoneCanBeRead)
+{
+    ImportRequest common;
+    common.folder = out;
+    std::vector<BidsImport> imports = bidsImports(study.path(), {}, common);
+    imports.resize(2);
+    for (BidsImport &import : imports)
+        import.request.functional = folder.path("none.nii");
+    ImportedRuns imported;
+    importRuns(imports, {}, imported);
+    EXPECT_EQ(imported.faults.size(), 2U);
+    EXPECT_TRUE(imported.reports.empty());
+    imported = {};
+    EXPECT_THROW(
+        importRuns(
+            imports, [&imported](qint64, qint64) { return imported.faults.empty(); }, imported),
+        WorkStopped);
+    EXPECT_EQ(imported.faults.size(), 1U);
 }
 
 TEST_F(BidsImports, AreMadeByTheCommandWhichTellsOfRunsThatCannotBe)

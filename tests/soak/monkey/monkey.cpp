@@ -6,10 +6,10 @@
 //
 // tests/soak/monkey makes the data and the sandbox, in which alone this program can write, and
 // starts it. Each event is written to monkey-N.events in the working folder before it happens;
-// --replay plays such a file again. TERM ends it with its report. Ends with 1 if something was
-// found, with 3 and a stack if the event loop stood still; a crash is the sanitizers' to tell. The
-// program is named as the host, which the plugin asks for, and what the host starts under its own
-// name it hands to the real one.
+// --replay plays such a file again and tells where it comes to other windows. TERM ends it with its
+// report. Ends with 1 if something was found, with 3 and a stack if the event loop stood still; a
+// crash is the sanitizers' to tell. The program is named as the host, which the plugin asks for,
+// and what the host starts under its own name it hands to the real one.
 #include "host/workbench/application.h"
 #include "tests/soak/monkey/monkey_events.h"
 #include "tests/soak/monkey/monkey_stage.h"
@@ -18,9 +18,11 @@
 #include <QCommandLineParser>
 #include <QDesktopServices>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileDialog>
 #include <QProgressDialog>
+#include <QScopeGuard>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
@@ -63,7 +65,7 @@ public:
     bool isDone() const
     {
         if (m_replayed.isOpen())
-            return endIsWanted || (m_replayed.atEnd() && m_next.isEmpty());
+            return endIsWanted || (m_replayed.atEnd() && !Event::ofLine(m_next));
         return endIsWanted || eventCount >= m_events;
     }
 
@@ -88,6 +90,7 @@ public:
         m_stageEvents = 0;
         m_leaving = 0;
         m_level = 0;
+        m_age.start();
         m_pulse.start(0);
         QCoreApplication::exec();
         m_pulse.stop();
@@ -112,14 +115,17 @@ private:
     {
         m_isPosted = false;
         const int before = std::exchange(m_level, QThread::currentThread()->loopLevel());
+        // Also when an error comes through, which the application catches.
+        const auto restored = qScopeGuard([this, before] { m_level = before; });
         if (m_level > before)
             actNow();
-        m_level = before;
     }
 
     void actNow()
     {
-        if (isDone() || m_stage->isOver() || isStageDone()) {
+        if (m_leaving > 0 || isDone() || m_stage->isOver() || isStageDone()) {
+            if (m_leaving == 0)
+                endStage();
             leave();
             return;
         }
@@ -132,27 +138,46 @@ private:
         if (!event)
             return;
         ++eventCount;
-        keep(event->line());
+        keep(QString::number(m_age.elapsed()) + '\t' + event->line());
         missed += perform(*event) ? 0 : 1;
     }
 
-    /// What was done in the time of a window that is not there yet has to wait for it.
+    /// What is to be seen after all events, which must be the same when they are played again.
+    void endStage()
+    {
+        const QString end = QStringLiteral("end\t") + shownWindows();
+        if (!m_replayed.isOpen())
+            keep(end);
+        else if (!endIsWanted && !m_next.isEmpty() && !m_next.startsWith("stage\t") &&
+                 m_next != end)
+            noteFinding(QStringLiteral("the replay has come to\n  %1\nand the events to\n  %2")
+                            .arg(end, m_next));
+    }
+
+    /// Not before its time, since what was to be seen may have come with time, and not before its
+    /// window is there.
     void playAgain()
     {
         const std::optional<Event> event = Event::ofLine(m_next);
-        if (event && !isThere(*event) && ++m_tries < 400) {
+        if (event && (m_age.elapsed() < m_due || (!isThere(*event) && ++m_tries < 6000))) {
             QThread::msleep(5);
             return;
         }
         m_tries = 0;
-        readNext();
         ++eventCount;
-        missed += event && perform(*event) ? 0 : 1;
+        const QString line = m_next;
+        readNext(); // what comes next may be for an event loop that this one leads into
+        if (event && perform(*event))
+            return;
+        noteFinding(QStringLiteral("the replay has lost its way at\n  %1\nwhere there is\n  %2")
+                        .arg(line, shownWindows()));
+        while (!m_next.isEmpty() && !m_next.startsWith("stage\t"))
+            readNext();
     }
 
     bool isStageDone() const
     {
-        return m_replayed.isOpen() ? m_next.startsWith("stage\t") : m_stageEvents >= eventsOfAStage;
+        return m_replayed.isOpen() ? !Event::ofLine(m_next) : m_stageEvents >= eventsOfAStage;
     }
 
     void keep(const QString &line)
@@ -161,7 +186,17 @@ private:
         m_kept.flush();
     }
 
-    void readNext() { m_next = QString::fromUtf8(m_replayed.readLine()).remove('\n'); }
+    /// An event has its time before it.
+    void readNext()
+    {
+        m_next = QString::fromUtf8(m_replayed.readLine()).remove('\n');
+        bool isTime = false;
+        const qint64 time = m_next.section('\t', 0, 0).toLongLong(&isTime);
+        if (isTime) {
+            m_due = time;
+            m_next = m_next.section('\t', 1);
+        }
+    }
 
     /// Closes what is in the way, one at a time, until only the event loop of `play` runs.
     void leave()
@@ -173,13 +208,15 @@ private:
         }
         if (++m_leaving > 20)
             QThread::msleep(5); // what is in work has to end
-        if (m_leaving == 10000)
+        if (m_leaving == 10000) {
             noteFinding(QStringLiteral("windows that cannot be closed"));
+            std::raise(SIGUSR1); // ends with the stack
+        }
         if (QWidget *const popup = QApplication::activePopupWidget()) {
             popup->close();
         } else if (QWidget *const modal = QApplication::activeModalWidget()) {
-            if (auto *const progress = qobject_cast<QProgressDialog *>(modal))
-                progress->cancel();
+            if (qobject_cast<QProgressDialog *>(modal) != nullptr)
+                modal->close(); // which cancels the work
             else if (auto *const dialog = qobject_cast<QDialog *>(modal))
                 dialog->reject();
             else
@@ -194,7 +231,9 @@ private:
     const long m_events;
     QFile m_kept;
     QFile m_replayed;
-    QString m_next;
+    QString m_next;      ///< what is to be played next
+    qint64 m_due = 0;    ///< and when, in ms of its stage
+    QElapsedTimer m_age; ///< of the stage
     Stage *m_stage = nullptr;
     int m_stageEvents = 0;
     int m_leaving = 0;

@@ -136,7 +136,62 @@ const QStringList &kindNames()
 
 const Qt::MouseButton buttons[] = {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton};
 
-// ---- doing it
+// ---- doing it: a window that a press has closed, maybe much later, gets no release
+
+void click(const QPointer<QWindow> &window, Qt::MouseButton button, Qt::KeyboardModifiers modifiers,
+           const QPoint &place)
+{
+    QTest::mousePress(window, button, modifiers, place);
+    if (window)
+        QTest::mouseRelease(window, button, modifiers, place);
+}
+
+void doubleClick(const QPointer<QWidget> &widget, Qt::MouseButton button,
+                 Qt::KeyboardModifiers modifiers, const QPoint &place)
+{
+    click(widget->window()->windowHandle(), button, modifiers,
+          widget->mapTo(widget->window(), place));
+    for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        if (!widget)
+            return;
+        const bool isRelease = type == QEvent::MouseButtonRelease;
+        QMouseEvent event(type, place, widget->mapToGlobal(place), button,
+                          isRelease ? Qt::NoButton : button, modifiers);
+        QApplication::sendEvent(widget, &event);
+    }
+}
+
+/// QTest would send the second part to a window that the first has closed.
+void sendKey(const QPointer<QWindow> &window, QEvent::Type type, int key,
+             Qt::KeyboardModifiers modifiers, const QString &text = {})
+{
+    if (!window)
+        return;
+    qt_handleKeyEvent(window, type, key, modifiers, text);
+    QCoreApplication::processEvents();
+}
+
+void pressKey(const QPointer<QWindow> &window, Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    const int modifier = modifiers == Qt::ShiftModifier     ? Qt::Key_Shift
+                         : modifiers == Qt::ControlModifier ? Qt::Key_Control
+                                                            : Qt::Key_Alt;
+    const char letter = QTest::keyToAscii(key);
+    const QString text = letter != 0 ? QString(QLatin1Char(letter)) : QString();
+    if (modifiers != Qt::NoModifier)
+        sendKey(window, QEvent::KeyPress, modifier, Qt::NoModifier);
+    sendKey(window, QEvent::KeyPress, key, modifiers, text);
+    sendKey(window, QEvent::KeyRelease, key, modifiers, text);
+    if (modifiers != Qt::NoModifier)
+        sendKey(window, QEvent::KeyRelease, modifier, modifiers);
+}
+
+void type(const QPointer<QWindow> &window, const QString &text)
+{
+    for (const QChar letter : text)
+        for (const QEvent::Type way : {QEvent::KeyPress, QEvent::KeyRelease})
+            sendKey(window, way, Qt::Key_unknown, Qt::NoModifier, QString(letter));
+}
 
 void drag(QWindow *window, const QPoint &from, const QPoint &way, const Event &event)
 {
@@ -164,8 +219,8 @@ void namePath(QWidget *window, const QString &path)
                            : nullptr;
     if (name == nullptr)
         return;
-    name->setText(path);
-    QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+    name->setText(QDir::current().filePath(path));
+    pressKey(window->windowHandle(), Qt::Key_Return, Qt::NoModifier);
 }
 
 void trigger(const QWidget *window, const QString &text)
@@ -185,10 +240,10 @@ bool performMouse(const Event &event, QWidget *widget)
     const Qt::MouseButton button = buttons[std::clamp(event.d, 0, 2)];
     switch (event.kind) {
     case Kind::Click:
-        QTest::mouseClick(window, button, modifiers, place);
+        click(window, button, modifiers, place);
         return true;
     case Kind::DoubleClick:
-        QTest::mouseDClick(window, button, modifiers, place);
+        doubleClick(widget, button, modifiers, QPoint(event.a, event.b));
         return true;
     case Kind::Drag:
         drag(window, place, QPoint(event.c, event.d), event);
@@ -239,6 +294,14 @@ QList<QWidget *> reachableWindows()
         if (modal->isVisible() && modal->windowHandle() != nullptr)
             return {modal};
     return visibleWindows();
+}
+
+QString shownWindows()
+{
+    QStringList shown;
+    for (const QWidget *window : visibleWindows())
+        shown += nameOf(window) + QLatin1Char(' ') + window->windowTitle().simplified();
+    return shown.join(QStringLiteral("; "));
 }
 
 // ---- drawing one
@@ -318,8 +381,7 @@ Event EventSource::key(QWidget *window)
 Event EventSource::inDialogOfFiles(QWidget *window)
 {
     Event event = eventFor(Kind::Path, window);
-    event.text = pick(3) == 0 ? QDir::current().filePath(QStringLiteral("export%1").arg(pick(20)))
-                              : one(m_files);
+    event.text = pick(3) == 0 ? QStringLiteral("export%1").arg(pick(20)) : one(m_files);
     return event;
 }
 
@@ -388,13 +450,10 @@ bool perform(const Event &event)
         return false;
     switch (event.kind) {
     case Kind::Key:
-        QTest::keyClick(window->windowHandle(), Qt::Key(event.a), Qt::KeyboardModifiers(event.c));
+        pressKey(window->windowHandle(), Qt::Key(event.a), Qt::KeyboardModifiers(event.c));
         return true;
     case Kind::Text:
-        for (const QChar letter : event.text)
-            if (!window.isNull() && window->windowHandle() != nullptr)
-                QTest::sendKeyEvent(QTest::Click, window->windowHandle(), Qt::Key_unknown,
-                                    QString(letter), Qt::NoModifier);
+        type(window->windowHandle(), event.text);
         return true;
     case Kind::Path:
         namePath(window, event.text);

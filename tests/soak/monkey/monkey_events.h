@@ -50,6 +50,9 @@ struct Event {
 /// What a user can reach now: the popup, the modal dialog, or all windows.
 QList<QWidget *> reachableWindows();
 
+/// The windows that are to be seen, with their titles.
+QString shownWindows();
+
 /// Draws the next event from what is to be seen. `files` are those to be dropped and named.
 class EventSource
 {

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/soak/monkey/monkey_stage.h"
 
-#include "host/explorer/explorer_window.h"
+#include "host/workbench/result_opener.h"
 #include "host/workbench/screen_fit.h"
 #include "host/workbench/study_window.h"
 #include "tests/soak/monkey/monkey_watch.h"
 
+#include <QAction>
 #include <QDir>
+#include <QDirIterator>
 #include <QListWidget>
 #include <QTableWidget>
 #include <QTimer>
@@ -54,11 +56,16 @@ QStringList Files::all() const
     return paths;
 }
 
-Stage::Stage(const Files &files, int kind)
+Stage::Stage(const Files &given, int kind)
 {
+    Files files = given;
+    const QDir subject(copied(QFileInfo(given.vmr).path()));
+    for (QString *path : {&files.vmr, &files.vtc, &files.voi})
+        *path = subject.filePath(QFileInfo(*path).fileName());
     const bool isEmpty = kind == 2 || kind == 6;
     openWorkbench(isEmpty ? QStringList() : QStringList{files.vmr});
     new corvane::ScreenFit(*workbench);
+    workbench->setProgram(QStringLiteral(CORVANE_PROGRAM));
     m_tour = std::make_unique<corvane::GuidedTour>(*workbench, QStringLiteral(CORVANE_PROGRAM));
     if (!isEmpty)
         workbench->openFiles({files.voi, files.vtc});
@@ -69,19 +76,15 @@ Stage::Stage(const Files &files, int kind)
     if (kind == 3 && !files.dataset.isEmpty())
         showLater([this, files] { workbench->openFiles({files.dataset}); });
     if (kind == 4 && !files.study.isEmpty()) {
-        auto *const study = new corvane::StudyWindow(workbench.get(), CORVANE_PROGRAM);
-        study->openStudy(files.study);
-        study->show();
+        choose("Open &Study...");
+        workbench->findChild<corvane::StudyWindow *>()->openStudy(copied(files.study));
     }
-    if (kind == 5 && !files.result.isEmpty()) {
-        corvane::ResultRequest request;
-        request.path = files.result;
-        auto *const explorer = new corvane::ExplorerWindow(request, workbench.get());
-        explorer->setWindowFlag(Qt::Window);
-        explorer->show();
-    }
+    if (kind == 5 && !files.result.isEmpty())
+        workbench->findChild<corvane::ResultOpener *>()->open(files.result);
     if (kind == 6)
         m_tour->start();
+    if (kind == 7)
+        showLater([this] { choose("E&xplore Connections..."); });
     // From here on modal dialogs are for the events alone.
     modals.setFallback([](QDialog &) {});
 }
@@ -90,6 +93,31 @@ Stage::Stage(const Files &files, int kind)
 void Stage::showLater(std::function<void()> action)
 {
     QTimer::singleShot(0, workbench.get(), std::move(action));
+}
+
+/// A folder with all that is in it, in the folder of this stage.
+QString Stage::copied(const QString &path) const
+{
+    const QDir from(path);
+    const QString copy = folder.path(from.dirName());
+    QDirIterator files(path, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString to = copy + QLatin1Char('/') + from.relativeFilePath(files.next());
+        QDir().mkpath(QFileInfo(to).path());
+        QFile::copy(files.filePath(), to);
+    }
+    return copy;
+}
+
+/// From the menus of the workbench.
+void Stage::choose(const char *entry)
+{
+    for (QAction *action : workbench->findChildren<QAction *>())
+        if (action->text() == QLatin1String(entry)) {
+            action->trigger();
+            return;
+        }
+    noteFinding(QStringLiteral("there is no menu entry %1").arg(QLatin1String(entry)));
 }
 
 void Stage::analyse(const Files &files, bool useProtocol)

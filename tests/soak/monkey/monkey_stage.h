@@ -26,11 +26,12 @@ struct Files {
     QStringList all() const;
 };
 
-constexpr int stageKinds = 7;
+constexpr int stageKinds = 8;
 
 /// The workbench with the plugin's module, and one more thing: a computed subject with its results
 /// and plots (0 and 1), the import (2), the list of runs (3), the study (4), a connectome (5), the
-/// tour (6). What is not there for want of files is left away.
+/// tour (6), the connections of what is open (7). What is not there for want of files is left away.
+/// The subject and the study are copies, so that what stands beside them can be written.
 class Stage : public corvane::ModuleSession
 {
 public:
@@ -43,6 +44,8 @@ public:
 private:
     void analyse(const Files &files, bool useProtocol);
     void showLater(std::function<void()> action);
+    QString copied(const QString &path) const;
+    void choose(const char *entry);
 
     std::unique_ptr<corvane::GuidedTour> m_tour;
 };
