@@ -341,7 +341,9 @@ TEST(Strategies, TablesThatDoNotFitTheRun)
     EXPECT_EQ(text<Error>(empty, request("none", 4)),
               "the table has 3 rows: expected 4, one for each volume of the run");
     EXPECT_THAT(text<Error>(make(volumes), request("simple", 250)),
-                HasSubstr("the table has 240 rows: expected 250"));
+                HasSubstr("ends before row 240 (from 0): the table has 240 rows: expected 250"));
+    EXPECT_EQ(text<Error>(make(volumes), request("simple", 230)),
+              "the table has 240 rows: expected 230, one for each volume of the run");
     StrategyRequest wanted = request("simple");
     wanted.censor = Flags::Constant(239, false);
     EXPECT_THAT(text<Error>(make(volumes), wanted),
