@@ -11,14 +11,14 @@
 namespace statistics::detail
 {
 
-/// Doubles at an address that is a multiple of 64.
+/// One or more doubles at an address that is a multiple of 64.
 class AlignedValues
 {
 public:
     explicit AlignedValues(std::size_t count = 0) : m_lines((count + 7) / 8) {}
 
-    double *data() { return m_lines.empty() ? nullptr : m_lines.front().values; }
-    const double *data() const { return m_lines.empty() ? nullptr : m_lines.front().values; }
+    double *data() { return m_lines.front().values; }
+    const double *data() const { return m_lines.front().values; }
 
 private:
     struct alignas(64) Line {

@@ -37,7 +37,10 @@ void require_usable(const Eigen::MatrixXd &design, const std::vector<std::string
         throw Error(counted(static_cast<Eigen::Index>(columns.size()), "name") + " for " +
                     counted(design.cols(), "column") + " of the design");
     }
-    if (contrast.weights.cols() != design.cols() || contrast.weights.rows() == 0) {
+    if (contrast.weights.rows() == 0) {
+        throw Error("contrast " + contrast.name + " has no row");
+    }
+    if (contrast.weights.cols() != design.cols()) {
         throw Error("contrast " + contrast.name + " has " +
                     counted(contrast.weights.cols(), "weight") + " for " +
                     counted(design.cols(), "column") + " of the design");

@@ -203,6 +203,17 @@ TEST(EqualComponents, ShareTheEigenvector)
     EXPECT_TRUE(near(nodalis::eigenvector_centrality(unlike), projection.normalized().array()));
 }
 
+TEST(Clique, AmongThousandsOfOtherNodesIsAsEfficientAsAlone)
+{
+    // Over 2,048 nodes work is shared in larger steps, see the parts of local_efficiency.cpp.
+    constexpr int n = 2100;
+    const Eigen::MatrixXf graph = graphs::side_by_side(
+        graphs::complete(12, 0.5F), graphs::side_by_side(graphs::star(20), graphs::path(n - 32)));
+    Eigen::ArrayXd wanted = Eigen::ArrayXd::Zero(n);
+    wanted.head(12).setConstant(0.5);
+    EXPECT_TRUE(near(nodalis::local_efficiency(graph), wanted));
+}
+
 TEST(IsolatedNode, HasZeroEverywhere)
 {
     const Eigen::MatrixXf graph =

@@ -104,8 +104,11 @@ TEST_F(Csv, TakesAPathRelativeToTheCurrentFolder)
     const fs::path before = fs::current_path();
     fs::current_path(path(""));
     EXPECT_TRUE(nodalis::to_csv(Eigen::MatrixXf::Ones(1, 1), "here"));
+    EXPECT_TRUE(nodalis::to_csv(Eigen::MatrixXf::Ones(1, 1), "r")) << "shorter than the ending";
     fs::current_path(before);
-    EXPECT_EQ(files(), Names{"here.csv"});
+    Names names = files();
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (Names{"here.csv", "r.csv"}));
 }
 
 TEST_F(Csv, ReplacesAnExistingFileAndKeepsItsPermissions)
@@ -143,6 +146,8 @@ TEST_F(Csv, SaysThatItCannotWrite)
     EXPECT_FALSE(nodalis::to_csv(matrix, path("folder")));
     EXPECT_FALSE(nodalis::to_csv(matrix, path(std::string(252, 'x'))));
     EXPECT_FALSE(nodalis::to_csv(matrix, path(std::string("a\0b", 3))));
+    EXPECT_FALSE(nodalis::to_csv(matrix, path(std::string(300, 'x') + "/below")))
+        << "a folder of which the system cannot even tell whether it is there";
     EXPECT_FALSE(nodalis::to_csv(matrix, path("")));
     EXPECT_FALSE(nodalis::to_csv(matrix, ""));
     Names names = files();

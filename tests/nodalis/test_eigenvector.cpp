@@ -79,6 +79,20 @@ TEST(EigenvectorCentrality, OfAVectorAtRightAnglesToTheOnesIsItsAbsoluteValue)
     EXPECT_TRUE(near(nodalis::eigenvector_centrality(large), all(120, 1.0 / std::sqrt(120.0))));
 }
 
+TEST(EigenvectorCentrality, OfAGraphThatTakesTheOnesToNothing)
+{
+    // A ring whose weights are 1 and -1 in turn: each node's add up to 0. With n a multiple of 4
+    // and every second pair of nodes turned over it is the ring of ones, of the same eigenvector.
+    for (const int n : {4, 8, 100}) {
+        Eigen::MatrixXf graph = graphs::cycle(n);
+        for (int i = 1; i < n; i += 2) {
+            const int next = (i + 1) % n;
+            graph(i, next) = graph(next, i) = -1.0F;
+        }
+        EXPECT_TRUE(near(nodalis::eigenvector_centrality(graph), all(n, 1.0 / std::sqrt(n)))) << n;
+    }
+}
+
 TEST(EigenvectorCentrality, OfASharedSpaceAtRightAnglesIsTheLengthInIt)
 {
     // All weights negative: the largest eigenvalue 1 belongs to every vector of sum zero.

@@ -152,6 +152,7 @@ TEST(Butterworth, WhatCannotBeAFilter)
     EXPECT_THAT(text(0, 2, {0.01, 0.08}), HasSubstr("order 0: expected 1 or more"));
     EXPECT_THAT(text(5, 0, {0.01, 0.08}), HasSubstr("repetition time of 0 s"));
     EXPECT_THAT(text(5, NAN, {0.01, 0.08}), HasSubstr("repetition time of n/a s"));
+    EXPECT_THAT(text(5, INFINITY, {0.01, 0.08}), HasSubstr("repetition time of inf s"));
     EXPECT_THAT(text(5, 2, {0, 0}), HasSubstr("needs a high-pass or a low-pass"));
     EXPECT_THAT(text(5, 2, {-0.01, 0.08}), HasSubstr("edge of -0.01 Hz: expected 0 to below 0.25"));
     EXPECT_THAT(text(5, 2, {0.01, 0.25}), HasSubstr("edge of 0.25 Hz: expected 0 to below 0.25"));

@@ -112,6 +112,11 @@ TEST(Covariance, DivisorIsTheDegreesOfFreedom)
     EXPECT_THAT(error_text<Error>([&] { covariance(series, 0); }),
                 HasSubstr("0 degrees of freedom: expected more than 0"));
     EXPECT_THAT(error_text<Error>([&] { covariance(series, NAN); }), HasSubstr("n/a degrees"));
+    // A series that is infinite throughout is not one that does not change.
+    Eigen::MatrixXd infinite = Eigen::MatrixXd::Constant(5, 2, INFINITY);
+    infinite.col(1).setConstant(7);
+    EXPECT_TRUE(std::isnan(covariance(infinite, 4)(0, 0)));
+    EXPECT_EQ(covariance(infinite, 4)(1, 1), 0);
 }
 
 TEST(Covariance, ToCorrelation)

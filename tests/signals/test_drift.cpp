@@ -48,6 +48,8 @@ TEST(Drift, CosineBeyondTheRunIsRefused)
                     cosines(8, {3, 8});
                 }),
                 HasSubstr("cosine 8 of 8 volumes: expected 1 to 7"));
+    EXPECT_THAT(error_text<Error>([] { cosines(8, {0}); }),
+                HasSubstr("cosine 0 of 8 volumes: expected 1 to 7"));
 }
 
 TEST(Drift, DetrendedSeriesAreOrthogonalToMeanAndLine)

@@ -105,7 +105,7 @@ TEST(SerialDegrees, BySums)
 
 TEST(SerialDegrees, DistancesAreThoseOfTheFile)
 {
-    // Gaps of all lengths, and one so long that some distances have no pair.
+    // Gaps of all lengths, and one longer than any distance that counts.
     std::vector<Eigen::Index> rows;
     Noise gaps(42);
     for (Eigen::Index volume = 0; volume < 200; ++volume) {
@@ -120,6 +120,30 @@ TEST(SerialDegrees, DistancesAreThoseOfTheFile)
     EXPECT_NEAR(found, serial_degrees_by_sums(series, rows, 40), 1e-10);
     EXPECT_GT(std::abs(found - serial_degrees(series, packed, 40)(0, 1)), 1);
     EXPECT_NEAR(serial_degrees(series, rows, 80)(0, 1), 2 * found, 1e-10);
+}
+
+TEST(SerialDegrees, DistancesWithoutAPairCountForNothing)
+{
+    // Every other volume: what is two volumes apart is one apart among the kept, and half of the
+    // distances are not there.
+    const Eigen::MatrixXd series = Noise(47).serial(50, 2, 0.8);
+    std::vector<Eigen::Index> odd(50);
+    for (Eigen::Index i = 0; i < 50; ++i) {
+        odd[i] = 2 * i + 1;
+    }
+    const Eigen::MatrixXd x = series.rowwise() - series.colwise().mean();
+    double sum = 0;
+    for (Eigen::Index lag = 1; lag <= 5; ++lag) { // up to 10 = 50 / 5 volumes of the file
+        const Eigen::RowVectorXd a = x.topRows(50 - lag)
+                                         .cwiseProduct(x.bottomRows(50 - lag))
+                                         .colwise()
+                                         .sum()
+                                         .cwiseQuotient(x.colwise().squaredNorm()) *
+                                     std::sqrt(50.0 / double(50 - lag));
+        sum += a[0] * a[1];
+    }
+    EXPECT_GT(sum, 0.5);
+    EXPECT_NEAR(serial_degrees(series, odd, 40)(0, 1), 40 / (1 + 2 * sum), 1e-10);
 }
 
 TEST(SerialDegrees, NeverMoreThanThereAre)

@@ -40,6 +40,21 @@ TEST(LedgerOfRun, MeanDisplacement)
     EXPECT_NEAR(ledger.mean_fd_after, (0.1 + 0.2 + 0.3 + 0.4 + 0.1 + 0.1) / 6, 1e-15);
 }
 
+TEST(LedgerOfRun, MeanDisplacementOfNoVolumeIsNotKnown)
+{
+    Volumes volumes = ten_volumes();
+    volumes.censored.setConstant(true);
+    const Ledger ledger = count_volumes(volumes, 2.5);
+    EXPECT_FALSE(std::isnan(ledger.mean_fd_before));
+    EXPECT_TRUE(std::isnan(ledger.mean_fd_after));
+    EXPECT_THAT(text(ledger), HasSubstr("n/a mm after"));
+    // The only volume is the first, which has no displacement.
+    Volumes one = Volumes::all_of(1);
+    one.fd.setConstant(1, NAN);
+    EXPECT_TRUE(std::isnan(count_volumes(one, 2.5).mean_fd_before));
+    EXPECT_TRUE(std::isnan(count_volumes(one, 2.5).mean_fd_after));
+}
+
 TEST(LedgerOfRun, RowZeroHasNoDisplacement)
 {
     Volumes volumes = Volumes::all_of(3);

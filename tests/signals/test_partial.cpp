@@ -88,6 +88,20 @@ TEST(Partial, EqualSeriesCannotBeInverted)
     EXPECT_THAT(error_text<Error>([&] { partial_correlation(series, 50); }),
                 HasSubstr("covariance of 4 nodes cannot be inverted"));
     EXPECT_NO_THROW(shrunk_partial_correlation(series));
+    // As good as equal.
+    series.col(3) = series.col(0) + 1e-9 * series.col(1);
+    EXPECT_THAT(error_text<Error>([&] { partial_correlation(series, 50); }),
+                HasSubstr("covariance of 4 nodes cannot be inverted"));
+    // Hilbert's matrix has an inverse, and no digit of what is computed of it is right.
+    const Eigen::MatrixXd hilbert = Eigen::MatrixXd::NullaryExpr(
+        12, 12, [](Eigen::Index i, Eigen::Index j) { return 1.0 / double(i + j + 1); });
+    EXPECT_THAT(error_text<Error>([&] { partial_of(hilbert); }),
+                HasSubstr("covariance of 12 nodes cannot be inverted"));
+    // Three that cannot all be at odds with each other.
+    Eigen::Matrix3d odds = Eigen::Matrix3d::Constant(-0.9);
+    odds.diagonal().setOnes();
+    EXPECT_THAT(error_text<Error>([&] { partial_of(odds); }),
+                HasSubstr("covariance of 3 nodes cannot be inverted"));
     EXPECT_EQ(partial_correlation(Eigen::MatrixXd(60, 0), 50).size(), 0);
 }
 

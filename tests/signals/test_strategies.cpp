@@ -162,6 +162,11 @@ TEST(Strategies, ComponentsThatAreMissing)
                                      "w_comp_cor_03", "w_comp_cor_04", "w_comp_cor_05"}),
                             request("acompcor")),
                 HasSubstr("no anatomical components of the mask WM"));
+    EXPECT_THAT(text<Error>(lacking({"c_comp_cor_00", "c_comp_cor_01", "c_comp_cor_02",
+                                     "c_comp_cor_03", "c_comp_cor_04", "c_comp_cor_05"}),
+                            request("acompcor")),
+                HasSubstr("no anatomical components of the mask CSF"))
+        << "those of white matter tell that it is a newer table";
     // The JSON tells of a component that the table lacks.
     EXPECT_THAT(text<Error>(lacking({"a_comp_cor_03"}), request("compcor")),
                 HasSubstr("compcor needs columns that the table lacks: a_comp_cor_03"));
@@ -318,10 +323,27 @@ TEST(Strategies, DummyScans)
     EXPECT_THAT(text<UsageError>(make(volumes), too_many), HasSubstr("-1 volumes"));
 }
 
+TEST(Strategies, OnlyNumberedColumnsTellOfNonSteadyVolumes)
+{
+    ConfoundsTable table = make(volumes);
+    for (const char *name : {"non_steady_state_outlier", "non_steady_state_outlier_sum"}) {
+        table.names.emplace_back(name);
+        table.values.conservativeResize(Eigen::NoChange, table.values.cols() + 1);
+        table.values.rightCols(1).setOnes();
+    }
+    EXPECT_THAT(positions(select(table, request("simple")).volumes.non_steady), ElementsAre(0, 1));
+}
+
 TEST(Strategies, TablesThatDoNotFitTheRun)
 {
+    ConfoundsTable empty;
+    empty.values.resize(3, 0);
+    EXPECT_EQ(text<Error>(empty, request("none", 4)),
+              "the table has 3 rows: expected 4, one for each volume of the run");
     EXPECT_THAT(text<Error>(make(volumes), request("simple", 250)),
-                HasSubstr("the table has 240 rows: expected 250"));
+                HasSubstr("ends before row 240 (from 0): the table has 240 rows: expected 250"));
+    EXPECT_EQ(text<Error>(make(volumes), request("simple", 230)),
+              "the table has 240 rows: expected 230, one for each volume of the run");
     StrategyRequest wanted = request("simple");
     wanted.censor = Flags::Constant(239, false);
     EXPECT_THAT(text<Error>(make(volumes), wanted),
@@ -405,6 +427,16 @@ TEST(Confounds, NamesOfCosines)
     for (const char *name : {"cosine", "cosine_00", "cosine0x", "cosines00", "own cosine 3", ""}) {
         EXPECT_FALSE(is_cosine(name)) << name;
     }
+}
+
+TEST(Confounds, ColumnsThatAreNotThereOrHaveNoValueAtAll)
+{
+    EXPECT_EQ(error_text<Error>([] { complete_column(make(20), "pulse"); }),
+              "there is no column pulse");
+    // With one volume there is no row 1 whose value row 0 could take.
+    const ConfoundsTable one = {{"csf"}, Eigen::MatrixXd::Constant(1, 1, NAN), {}};
+    EXPECT_THAT(error_text<Error>([&] { complete_column(one, "csf"); }),
+                HasSubstr("column csf, row 0 (from 0) is n/a"));
 }
 
 TEST(Confounds, HeaderlessTables)

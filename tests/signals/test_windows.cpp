@@ -52,7 +52,8 @@ TEST(Windows, ThatDoNotFit)
     for (const auto &[tr, window, step] :
          {std::tuple(0.0, 20.0, 2.0), std::tuple(2.0, -20.0, 2.0), std::tuple(2.0, 20.0, -1.0),
           std::tuple(double(NAN), 20.0, 2.0), std::tuple(2.0, double(NAN), 2.0),
-          std::tuple(2.0, double(INFINITY), 2.0), std::tuple(2.0, 20.0, double(NAN))}) {
+          std::tuple(2.0, double(INFINITY), 2.0), std::tuple(2.0, 20.0, double(NAN)),
+          std::tuple(2.0, 20.0, double(INFINITY))}) {
         EXPECT_THAT(
             error_text<UsageError>([&, t = tr, w = window, s = step] { windows(40, 0, t, w, s); }),
             HasSubstr("expected lengths above 0"));

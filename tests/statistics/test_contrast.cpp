@@ -40,6 +40,14 @@ TEST(Contrast, TheLongestNameIsTaken)
     EXPECT_EQ(weights("x=a1-a"), row({0, -1, 0, 0, 0, 0, 1}));
     EXPECT_EQ(weights("x=0.25*site[x - y; z]+b"), row({0, 0, 1, 0, 0, 0.25, 0}))
         << "names hold any character";
+    // What could be a difference is the column of that name, wherever it stands.
+    for (const std::vector<std::string> &names :
+         {std::vector<std::string>{"a", "b", "a - b"}, {"a - b", "b", "a"}}) {
+        const Eigen::MatrixXd found = read_contrast("x=2*a - b + b", names).weights;
+        EXPECT_EQ(found(names[0] == "a" ? 2 : 0), 2.0);
+        EXPECT_EQ(found(1), 1.0);
+        EXPECT_EQ(found.sum(), 3.0);
+    }
 }
 
 TEST(Contrast, RowsGiveF)

@@ -168,6 +168,10 @@ TEST_F(DistanceAnovaOfGroups, RefusesWhatItCannotTest)
     EXPECT_EQ(text(good), "no error");
     EXPECT_EQ(text(good.topLeftCorner(9, 9)),
               "distances of 9 subjects, rearrangements of 14 and a design of 14");
+    EXPECT_EQ(error_text([&] {
+                  distance_anova(good, hypothesis, Rearrangements(9, 50, 1, Purpose::identity));
+              }),
+              "distances of 14 subjects, rearrangements of 9 and a design of 14");
     EXPECT_EQ(text(good.topRows(9)), "the distances have 9 rows and 14 columns");
     Eigen::MatrixXd bad = good;
     bad(2, 3) += 0.1;
@@ -204,6 +208,9 @@ TEST(Distances, OfAllPairs)
               "the distance of 0 and 1 is -1.000000; distances are 0 or above");
     EXPECT_NE(error_text([] { all_distances(3, [](Index, Index) { return std::nan(""); }); }),
               "no error");
+    EXPECT_EQ(error_text([] { all_distances(3, [](Index, Index) { return 1.0 / 0.0; }); }),
+              "the distance of 0 and 1 is inf; distances are 0 or above");
+    EXPECT_EQ(all_distances(0, distance).size(), 0);
 }
 
 TEST(Dbicc, IsTheRatioOfMeansOverPairs)
@@ -241,6 +248,8 @@ TEST(Dbicc, RepeatedExactlyItIsOne)
               "all sessions are of one participant, so there is no distance between two");
     EXPECT_EQ(error_text([] { dbicc(Eigen::MatrixXd::Zero(2, 2), {"a"}); }),
               "distances of 2 sessions with 1 participant label");
+    EXPECT_EQ(error_text([] { dbicc(Eigen::MatrixXd(0, 0), {}); }),
+              "no participant has two sessions, so there is no distance within one");
 }
 
 } // namespace

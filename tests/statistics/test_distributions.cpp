@@ -98,7 +98,11 @@ TEST(IncompleteBeta, SymmetricAndBounded)
             EXPECT_NEAR(incomplete_beta(a, 2.0, x) + incomplete_beta(2.0, a, 1.0 - x), 1.0, 1e-14);
         }
     }
-    EXPECT_TRUE(std::isnan(incomplete_beta(1.0, 1.0, std::nan(""))));
+    const double nan = std::nan("");
+    EXPECT_TRUE(std::isnan(incomplete_beta(nan, 1.0, 0.5)));
+    EXPECT_TRUE(std::isnan(incomplete_beta(1.0, nan, 0.5)));
+    EXPECT_TRUE(std::isnan(incomplete_beta(1.0, 1.0, nan)));
+    EXPECT_TRUE(std::isnan(incomplete_beta(1.0, 1.0, 0.5, nan)));
 }
 
 TEST(IncompleteBeta, RefusesOtherArguments)
@@ -108,6 +112,15 @@ TEST(IncompleteBeta, RefusesOtherArguments)
     EXPECT_EQ(error_text([] { incomplete_beta(1.0, -1.0, 0.5); }), refusal);
     EXPECT_EQ(error_text([] { incomplete_beta(1.0, 1.0, 1.5); }), refusal);
     EXPECT_EQ(error_text([] { incomplete_beta(1.0, 1.0, 0.5, 0.4); }), refusal);
+    EXPECT_EQ(error_text([] { incomplete_beta(1.0, 1.0, -0.5, 1.5); }), refusal);
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(error_text([&] { incomplete_beta(inf, 1.0, 0.5); }), refusal);
+    EXPECT_EQ(error_text([&] { incomplete_beta(1.0, inf, 0.5); }), refusal);
+    // Of the order of the root of the larger one are the terms that it takes.
+    EXPECT_NEAR(incomplete_beta(1e7, 1e7, 0.5), 0.5, 1e-8);
+    EXPECT_EQ(error_text([] { incomplete_beta(1e15, 1e15, 0.5); }),
+              "the incomplete beta function does not converge for a = 1000000000000000.000000, b = "
+              "1000000000000000.000000");
 }
 
 TEST(StudentsT, ValuesOfEightyDigitArithmetic)
@@ -150,8 +163,10 @@ TEST(StudentsT, ClosedFormsAndSides)
     EXPECT_EQ(t_upper_tail(0.0, 9), 0.5);
     EXPECT_EQ(t_two_sided(std::numeric_limits<double>::infinity(), 9), 0.0);
     EXPECT_EQ(t_two_sided(1e200, 9), 0.0);
-    EXPECT_EQ(error_text([] { t_two_sided(1.0, 0.0); }),
-              "degrees of freedom are above 0 and finite");
+    for (const double df : {0.0, std::numeric_limits<double>::infinity(), std::nan("")}) {
+        EXPECT_EQ(error_text([&] { t_two_sided(1.0, df); }),
+                  "degrees of freedom are above 0 and finite");
+    }
 }
 
 TEST(FisherF, ValuesOfEightyDigitArithmetic)

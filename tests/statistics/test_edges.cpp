@@ -59,6 +59,18 @@ TEST(Edges, RefusesWhatIsNoNetwork)
               }),
               "the edge A - C is n/a although both nodes have other edges");
     matrix = numbered(3);
+    matrix(2, 0) = nan;
+    EXPECT_EQ(error_text([&] {
+                  edges_of(matrix, {0, 1, 2}, names);
+              }),
+              "the edge A - C is n/a although both nodes have other edges");
+    matrix = numbered(3);
+    matrix(0, 1) = -inf;
+    EXPECT_EQ(error_text([&] {
+                  edges_of(matrix, {0, 1, 2}, names);
+              }),
+              "the edge A - B is infinite");
+    matrix = numbered(3);
     matrix(2, 1) = inf;
     EXPECT_EQ(error_text([&] {
                   edges_of(matrix, {0, 1, 2}, names);
@@ -121,10 +133,12 @@ TEST(CompletePart, AShareOfWholeSubjectsCounts)
 TEST(CompletePart, RefusesWhatLeavesNothing)
 {
     EXPECT_EQ(error_text([] { complete_part({}); }), "there are no subjects");
-    EXPECT_EQ(error_text([] {
-                  complete_part({{1, 1}}, 1.1);
-              }),
-              "the share of subjects that a node needs lies between 0 and 1");
+    for (const double share : {1.1, -0.1, nan}) {
+        EXPECT_EQ(error_text([&] {
+                      complete_part({{1, 1}}, share);
+                  }),
+                  "the share of subjects that a node needs lies between 0 and 1");
+    }
     EXPECT_EQ(error_text([] {
                   complete_part({{1, 1}, {1, 1, 1}});
               }),
@@ -157,6 +171,8 @@ TEST(RequireFinite, NamesSubjectAndEdge)
               "edge 1 of subject 2 is not a finite number; tests run on complete data");
     EXPECT_EQ(error_text([] { require_finite(EdgeData(0, 4)); }),
               "there are 0 subjects and 4 edges to test");
+    EXPECT_EQ(error_text([] { require_finite(EdgeData(3, 0)); }),
+              "there are 3 subjects and 0 edges to test");
 }
 
 TEST(FisherZ, IsTheInverseHyperbolicTangent)
@@ -210,6 +226,13 @@ TEST(FisherZ, CorrelationsAreToldFromOtherMatrices)
     EXPECT_TRUE(looks_like_correlations(matrix));
     matrix(0, 1) = 0.5;
     EXPECT_FALSE(looks_like_correlations(matrix)) << "one half is missing";
+    matrix(0, 1) = nan;
+    matrix(1, 0) = 0.5;
+    EXPECT_FALSE(looks_like_correlations(matrix)) << "the other half is missing";
+    // Equal as far as their difference counts, and one of them beyond 1.
+    matrix(0, 1) = 1.0;
+    matrix(1, 0) = 1.0 + 5e-7;
+    EXPECT_FALSE(looks_like_correlations(matrix)) << "above 1 below the diagonal";
 }
 
 } // namespace

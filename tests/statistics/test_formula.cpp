@@ -264,6 +264,19 @@ TEST(Formula, NumbersInEveryWriting)
     EXPECT_EQ(design_of("x", some), "(Intercept) x\n1 -1.5\n1 2\n1 1000\n1 0.5\n1 7\n");
 }
 
+TEST(Formula, BlanksAndInterceptsInEveryWriting)
+{
+    const Table some = table("mean_fd x\n1 5\n2 6\n4 8\n");
+    const std::string wanted = design_of("mean_fd", some);
+    for (const char *formula : {"\tmean_fd ", "+mean_fd", "1\t+\tmean_fd", "1 - 0 + mean_fd",
+                                "mean_fd - 0", "0 + mean_fd + 1"}) {
+        EXPECT_EQ(design_of(formula, some), wanted) << formula;
+    }
+    for (const char *formula : {"0 + mean_fd", "0 - 1 + mean_fd", "-1 + mean_fd", "mean_fd - 1"}) {
+        EXPECT_EQ(design_of(formula, some), "mean_fd\n1\n2\n4\n") << formula;
+    }
+}
+
 TEST(Formula, NamesBetweenBackquotes)
 {
     Table some;
@@ -349,6 +362,11 @@ TEST(Formula, RefusesWhatTheTableLacks)
     EXPECT_EQ(error_text([] { make_design("x", table("x\n1\n2\n3O\n")); }),
               "only one subject has x = 1; a group needs at least two (x is a category, since 3O "
               "in row 2 is no number)");
+    EXPECT_EQ(error_text([] { make_design("C(x)", table("x\n1\n1\n2\n")); }),
+              "only one subject has x = 2; a group needs at least two");
+    Table nameless = table("x y\n1 2\n3 4\n");
+    nameless.columns[1].name.clear();
+    EXPECT_EQ(error_text([&] { make_design("x", nameless); }), "a column of the table has no name");
     Table uneven = table("x y\n1 2\n3 4\n");
     uneven.columns[1].values.pop_back();
     EXPECT_EQ(error_text([&] { make_design("x", uneven); }),
@@ -356,6 +374,30 @@ TEST(Formula, RefusesWhatTheTableLacks)
     Table doubled = table("x y\n1 2\n3 4\n");
     doubled.columns[1].name = "x";
     EXPECT_EQ(error_text([&] { make_design("x", doubled); }), "the table has two columns named x");
+}
+
+TEST(Formula, RefusesInteractionsOfMoreCategoriesThanADesignHolds)
+{
+    // Of ten there are 1,024 products, of eleven the table would have 2,048 columns.
+    Table alike;
+    std::string product;
+    for (const char name : std::string("abcdefghijk")) {
+        alike.columns.push_back({std::string(1, name), {"x", "y", "x", "y"}});
+        product += (product.empty() ? "" : ":") + std::string(1, name);
+        EXPECT_EQ(error_text([&] { make_design("0 + " + product, alike); }),
+                  name < 'k' ? "no error"
+                             : "an interaction of 11 categories is more than a design can hold");
+    }
+}
+
+TEST(Table, CellsWithoutAValue)
+{
+    for (const char *cell : {"", "  ", "n/a", "N/A", "na", "NA", "nan", " NaN\t"}) {
+        EXPECT_TRUE(is_missing(cell)) << cell;
+    }
+    for (const char *cell : {"0", "no", "n", "none", "-", "n / a", "[na]"}) {
+        EXPECT_FALSE(is_missing(cell)) << cell;
+    }
 }
 
 TEST(Table, RowsOfIt)

@@ -124,6 +124,18 @@ TEST(Hypothesis, RefusesWhatHasNoAnswer)
               }),
               "contrast x has 3 weights for 2 columns of the design");
     EXPECT_EQ(error_text([&] {
+                  make_hypothesis(m, names, {"x", Eigen::MatrixXd(0, 2)});
+              }),
+              "contrast x has no row");
+    Eigen::MatrixXd bad = m;
+    bad(3, 1) = std::nan("");
+    EXPECT_EQ(error_text([&] { make_hypothesis(bad, names, read_contrast("x=a", names)); }),
+              "contrast x or its design holds what is no finite number");
+    EXPECT_EQ(error_text([&] {
+                  make_hypothesis(m, names, {"x", Eigen::MatrixXd::Constant(1, 2, 1.0 / 0.0)});
+              }),
+              "contrast x or its design holds what is no finite number");
+    EXPECT_EQ(error_text([&] {
                   make_hypothesis(m, names, {"x", Eigen::MatrixXd::Zero(1, 2)});
               }),
               "contrast x: all weights of a row are 0");

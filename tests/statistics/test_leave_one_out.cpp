@@ -154,6 +154,8 @@ TEST_F(LeaveOneOutOfAStudy, RefusesWhatHasNoT)
               "the data have 9 subjects, the design has 22");
     EXPECT_EQ(error_text([&] { LeaveOneOut(m_data, question(m_design)).without(22); }),
               "there is no subject 22");
+    EXPECT_EQ(error_text([&] { LeaveOneOut(m_data, question(m_design)).without(-1); }),
+              "there is no subject -1");
     EXPECT_EQ(error_text([&] { LeaveOneOut(m_data, question(m_design)).influences(-2.0); }),
               "the threshold of a network is a t of 0 or above");
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <atomic>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -43,6 +44,20 @@ TEST(Parallel, TheFirstExceptionEndsTheRest)
                      std::runtime_error);
         EXPECT_LE(done, threads);
     }
+}
+
+TEST(Parallel, OneOfTwoExceptionsAtOnceIsThrown)
+{
+    std::atomic<int> started{0};
+    EXPECT_THROW(for_each_chunk(2, 2,
+                                [&](std::ptrdiff_t, int) {
+                                    ++started;
+                                    while (started < 2) {
+                                        std::this_thread::yield();
+                                    }
+                                    throw std::runtime_error("no");
+                                }),
+                 std::runtime_error);
 }
 
 TEST(Text, NumbersWithoutALocale)

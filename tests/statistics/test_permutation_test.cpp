@@ -187,6 +187,12 @@ TEST(Glm, ConstantEdgesAreCountedAndSayNothing)
     EXPECT_EQ(mean.constant_edges, std::vector<Index>({3, 11}));
     EXPECT_NEAR(mean.estimate(3), 0.7, 1e-14);
     EXPECT_EQ(mean.statistic(3), 0.0);
+    // Of several columns at once there is an F and no estimate.
+    const GlmResult both = glm(data, hypothesis_of(design, "c1;c2"));
+    EXPECT_EQ(both.constant_edges, std::vector<Index>({3, 11}));
+    EXPECT_EQ(both.statistic(3), 0.0);
+    EXPECT_EQ(both.p(11), 1.0);
+    EXPECT_EQ(both.estimate.size(), 0);
 }
 
 TEST(Glm, AnExactFitStaysFinite)
@@ -520,6 +526,8 @@ TEST(FalseDiscovery, BenjaminiAndHochberg)
     EXPECT_EQ(benjamini_hochberg(Eigen::ArrayXd()).size(), 0);
     EXPECT_EQ(error_text([] { benjamini_hochberg(Eigen::ArrayXd::Constant(2, 1.5)); }),
               "a p value lies between 0 and 1, number 0 is 1.500000");
+    EXPECT_EQ(error_text([] { benjamini_hochberg(Eigen::ArrayXd::Constant(2, -0.5)); }),
+              "a p value lies between 0 and 1, number 0 is -0.500000");
 }
 
 } // namespace

@@ -97,6 +97,43 @@ TEST_F(QcFcOfAStudy, ConstantEdgesAndUnknownDistancesAreLeftOut)
     EXPECT_TRUE(std::isnan(qcfc(m_data, m_fd, m_covariates, m_names).distance_dependence));
 }
 
+TEST(QcFc, OfFourSubjectsByHand)
+{
+    Eigen::VectorXd fd(4);
+    fd << 0, 0, 1, 1;
+    EdgeData data(4, 4);
+    data.col(0) = fd;
+    data.col(1) = 0.5 - 0.5 * fd.array();
+    data.col(2) << 0, 1, 0, 1;
+    data.col(3) << 0, 0, 0, 1;
+    const QcFc result = qcfc(data, fd, Eigen::MatrixXd(), {});
+    EXPECT_EQ(result.df, 2.0);
+    EXPECT_EQ(result.r(0), 1.0);
+    EXPECT_EQ(result.r(1), -1.0);
+    EXPECT_EQ(result.p(0), 0.0);
+    EXPECT_EQ(result.p(1), 0.0);
+    EXPECT_NEAR(result.r(2), 0.0, 1e-15);
+    EXPECT_NEAR(result.p(2), 1.0, 1e-15);
+    // r^2 = 1/3 is a t of 1, beyond which Student's distribution on 2 has 1 - 1/sqrt(3).
+    EXPECT_NEAR(result.r(3), std::sqrt(1.0 / 3.0), 1e-15);
+    EXPECT_NEAR(result.p(3), 1.0 - std::sqrt(1.0 / 3.0), 1e-14);
+    EXPECT_EQ(result.share_p_below_05, 0.5);
+    EXPECT_EQ(result.share_q_below_05, 0.5);
+    EXPECT_NEAR(result.median_absolute_r, (1.0 + std::sqrt(1.0 / 3.0)) / 2.0, 1e-15);
+}
+
+TEST_F(QcFcOfAStudy, OfConstantEdgesAloneNothingIsKnown)
+{
+    const QcFc result =
+        qcfc(EdgeData::Constant(30, 45, 0.25), m_fd, m_covariates, m_names, m_distances);
+    EXPECT_TRUE(result.r.isNaN().all());
+    EXPECT_TRUE(std::isnan(result.share_p_below_05));
+    EXPECT_TRUE(std::isnan(result.share_q_below_05));
+    EXPECT_TRUE(std::isnan(result.median_absolute_r));
+    EXPECT_TRUE(std::isnan(result.distance_dependence));
+    EXPECT_EQ(result.distances, 0);
+}
+
 TEST_F(QcFcOfAStudy, RefusesWhatTellsNothing)
 {
     const auto text = [&](const Eigen::VectorXd &fd, const Eigen::MatrixXd &covariates,
@@ -109,6 +146,15 @@ TEST_F(QcFcOfAStudy, RefusesWhatTellsNothing)
               "mean FD is the same in all subjects, or follows from the covariates");
     EXPECT_EQ(text(m_fd.head(29), m_covariates, m_names),
               "mean FD or a covariate is missing for a subject: 29 values of FD for 30 subjects");
+    Eigen::VectorXd unknown = m_fd;
+    unknown(7) = std::nan("");
+    Eigen::MatrixXd gap = m_covariates;
+    gap(7, 1) = std::nan("");
+    for (const auto &[fd, covariates] : {std::pair(unknown, m_covariates), std::pair(m_fd, gap)}) {
+        EXPECT_EQ(text(fd, covariates, m_names),
+                  "mean FD or a covariate is missing for a subject: 30 values of FD for 30 "
+                  "subjects");
+    }
     EXPECT_EQ(text(m_fd, m_covariates.topRows(3), m_names), "covariates of 3 subjects, data of 30");
     EXPECT_EQ(text(m_fd, m_covariates, {"age"}), "1 name for 2 covariates");
     Eigen::MatrixXd bad = m_covariates;

@@ -199,6 +199,11 @@ TEST(Rearrangements, SignsWhereTheReducedModelHasNoConstant)
     EXPECT_EQ(seen.size(), 64U);
     EXPECT_EQ(row(all, 0).sign, std::vector<double>(6, 1.0));
     EXPECT_FALSE(Rearrangements(one_sample(6), of_count(63)).is_exhaustive());
+    // The signs of so many cannot be counted in 64 bits.
+    const Rearrangements large(one_sample(70), of_count(20));
+    EXPECT_FALSE(large.is_exhaustive());
+    EXPECT_EQ(large.count(), 20);
+    EXPECT_NE(row(large, 0).sign, row(large, 1).sign);
 }
 
 TEST(Rearrangements, ExchangeCanBeChosen)

@@ -114,6 +114,10 @@ TEST(Icc, RefusesWhatDoesNotRepeat)
               }),
               "the sessions differ in their subjects or edges");
     EXPECT_EQ(error_text([] {
+                  icc({EdgeData::Zero(3, 2), EdgeData::Zero(3, 1)});
+              }),
+              "the sessions differ in their subjects or edges");
+    EXPECT_EQ(error_text([] {
                   icc({EdgeData::Zero(1, 2), EdgeData::Zero(1, 2)});
               }),
               "an intraclass correlation needs at least two subjects");
@@ -236,6 +240,8 @@ TEST(Fingerprint, RefusesWhatCannotBeCompared)
     const EdgeData good = RandomNumbers(1).data(4, 6);
     EXPECT_EQ(error_text([&] { fingerprint(good, good.topRows(3), 10, 1); }),
               "session 1 has 4 subjects and 6 edges, session 2 has 3 and 6");
+    EXPECT_EQ(error_text([&] { fingerprint(good, good.leftCols(3), 10, 1); }),
+              "session 1 has 4 subjects and 6 edges, session 2 has 4 and 3");
     EXPECT_EQ(error_text([&] { fingerprint(good.topRows(1), good.topRows(1), 10, 1); }),
               "fingerprinting needs at least two subjects");
     EdgeData bad = good;

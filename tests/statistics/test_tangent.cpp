@@ -119,6 +119,10 @@ TEST(Tangent, RefusesWhatHasNoLogarithm)
         return error_text([&] { tangent_space({good, second}); });
     };
     EXPECT_EQ(error_text([] { tangent_space({}); }), "there are no covariances");
+    EXPECT_EQ(error_text([] { tangent_space({Eigen::MatrixXd(0, 0)}); }),
+              "there are no covariances");
+    EXPECT_EQ(text(good.topRows(2)),
+              "the covariance of subject 1 has 2 x 3 entries, the first one has 3 rows");
     EXPECT_EQ(text(RandomNumbers(3).covariance(4)),
               "the covariance of subject 1 has 4 x 4 entries, the first one has 3 rows");
     EXPECT_EQ(text(Eigen::MatrixXd::Ones(3, 3)),
@@ -145,6 +149,9 @@ TEST(Tangent, SaysWhenItDoesNotConverge)
     }
     EXPECT_EQ(error_text([&] { tangent_space(covariances); }),
               "the geometric mean of the covariances was not found in 30 steps");
+    // Their sum is beyond what a number can be.
+    const Eigen::MatrixXd huge = 1e308 * Eigen::MatrixXd::Identity(2, 2);
+    EXPECT_NE(error_text([&] { tangent_space({huge, huge}); }), "no error");
 }
 
 } // namespace
