@@ -5,11 +5,11 @@
 #include "tests/host/support/nifti_files.h"
 #include "tests/host/support/notes.h"
 #include "tests/host/support/small_study.h"
+#include "tests/support/other_user.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
 namespace corvane
 {
@@ -136,17 +136,21 @@ TEST_F(Given, AnUnknownEndingGetsASentenceWithWhatIsKnown)
 
 TEST_F(Given, AFolderThatCannotBeReadIsToldAndStopsNoOther)
 {
-    ASSERT_TRUE(QDir().mkdir(path("closed")));
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{0, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const GivenFiles given = sortGivenFiles(paths({"closed", "a.vmr"}));
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    const QString closed = path("closed");
+    ASSERT_TRUE(QDir().mkdir(closed));
+    const QFileDevice::Permissions whole = QFileInfo(closed).permissions();
+    QFile::setPermissions(QFileInfo(closed).path(), whole | QFile::ReadGroup | QFile::ExeGroup);
+    ASSERT_TRUE(QFile::setPermissions(closed, QFile::ExeOwner | QFile::ExeGroup));
+    GivenFiles given;
+    {
+        const OtherUser user;
+        given = sortGivenFiles(paths({"closed", "a.vmr"}));
+    }
+    QFile::setPermissions(closed, whole);
     EXPECT_EQ(bare(given.toOpen), "a.vmr");
     ASSERT_EQ(given.faults.size(), 1);
     EXPECT_THAT(given.faults[0].toStdString(),
-                HasSubstr("closed: listing: found Too many open files"));
+                HasSubstr("closed: listing: found Permission denied"));
 }
 
 TEST_F(Given, FilesFillAllFieldsOfAnImport)
