@@ -14,9 +14,9 @@
 # NAME_at_scale_2: those that paint, or look where things stand in a picture. TOGETHER names suites
 # whose tests run in one process, since they share what is dear to make.
 #
-# Sources of tests are most of what is compiled, and a test runs once: in a release build they are
-# compiled without optimization, those with widgets under the sanitizers, too. OPTIMIZED is for those
-# that compute much, or need the inline functions of Eigen as they ship.
+# Sources of tests are most of what is compiled, and a test runs once: in a release build and under the
+# sanitizers they are compiled without optimization. OPTIMIZED is for those that compute much, or need
+# the inline functions of Eigen as they ship.
 
 if(CMAKE_CROSSCOMPILING)
     include(CrossGoogleTest)
@@ -26,8 +26,7 @@ endif()
 find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 
 set(eigen_checks ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
-set(plain_code $<$<CONFIG:Release>:-O0>)
-set(plain_code_of_widgets $<$<CONFIG:Release,RelWithDebInfo>:-O0>)
+set(plain_code $<$<CONFIG:Release,RelWithDebInfo>:-O0>)
 
 # tessera_test_main(NAME SOURCE LINK target... HEADERS header...): a library with a main function. The
 # headers are precompiled, for it and for the test programs that take it.
@@ -44,7 +43,7 @@ endfunction()
 function(tessera_test_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
     add_library(${name} STATIC ${arg_SOURCES})
-    target_compile_options(${name} PRIVATE ${plain_code_of_widgets})
+    target_compile_options(${name} PRIVATE ${plain_code})
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE tessera_flags)
     tessera_take_main(${name} tessera_gui_main)
 endfunction()
@@ -54,9 +53,7 @@ function(tessera_test name)
         "SOURCES;LINK;LABELS;TOGETHER;AT_SCALE;SCALED")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
-    if(arg_GUI_MAIN AND NOT arg_OPTIMIZED)
-        target_compile_options(${name} PRIVATE ${plain_code_of_widgets})
-    elseif(NOT arg_OPTIMIZED)
+    if(NOT arg_OPTIMIZED)
         target_compile_options(${name} PRIVATE ${plain_code})
     endif()
     if(arg_GUI_MAIN)
