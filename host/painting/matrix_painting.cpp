@@ -165,12 +165,16 @@ void paintGroupsAtLeft(QPainter &painter, const MatrixLayout &layout, const Netw
                   layout.namesRoom - barWidth - 2);
 }
 
-/// Height of what stands above and below the map and its names.
-double heightBesideMap(const NetworkPicture &picture)
+double heightAboveMap(const NetworkPicture &picture)
 {
     const double title = picture.title.isEmpty() ? gap : titleHeight;
-    return title + (picture.groups.empty() ? 0 : barWidth + groupNamesHeight) + scaleHeight +
-           3 * gap;
+    return title + (picture.groups.empty() ? 0 : barWidth + groupNamesHeight);
+}
+
+/// What is left to the map and the names below it.
+double heightOfMap(const QRectF &area, const NetworkPicture &picture)
+{
+    return area.height() - heightAboveMap(picture) - scaleHeight - 3 * gap;
 }
 
 /// With names that fit a map of that side.
@@ -182,8 +186,8 @@ MatrixLayout layoutFor(double expectedSide, const QPainter &painter, const QRect
     layout.rows = picture.rows.value_or(all);
     layout.columns = picture.columns.value_or(all);
     const bool grouped = !picture.groups.empty();
-    const double height = area.height() - heightBesideMap(picture);
-    const double above = heightBesideMap(picture) - scaleHeight - 3 * gap;
+    const double height = heightOfMap(area, picture);
+    const double above = heightAboveMap(picture);
     layout.fit = fitLabels(expectedSide / std::max({layout.rows.count, layout.columns.count, 1}));
     // Where there is no room for all nodes, their networks say more than a few of them.
     layout.namesOfGroups = grouped && layout.fit.every > 1;
@@ -239,7 +243,7 @@ MatrixLayout matrixLayout(const QPainter &painter, const QRectF &area,
 {
     // A guess of the map's side decides on the font, whose names then take their room. As long as
     // that leaves less to the map, they must be smaller or fewer.
-    double side = 0.8 * std::min(area.width(), area.height() - heightBesideMap(picture));
+    double side = 0.8 * std::min(area.width(), heightOfMap(area, picture));
     MatrixLayout layout = layoutFor(side, painter, area, picture);
     while (layout.map.width() < side) {
         side = layout.map.width();
