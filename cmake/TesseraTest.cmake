@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # tessera_test(NAME SOURCES file... LINK target... [LABELS label...] [TIMEOUT seconds]
-#              [OWN_MAIN | CORE_MAIN | GUI_MAIN] [OPTIMIZED] [TOGETHER suite...]
+#              [OWN_MAIN | CORE_MAIN | GUI_MAIN] [OPTIMIZED | INLINED] [TOGETHER suite...]
 #              [AT_SCALE factor... SCALED test...])
 #
 # One test program with GoogleTest. Each of its tests becomes a test of ctest, see
@@ -16,7 +16,8 @@
 #
 # Sources of tests are most of what is compiled, and a test runs once: in a release build and under the
 # sanitizers they are compiled without optimization. OPTIMIZED is for those that compute much, or need
-# the inline functions of Eigen as they ship.
+# the inline functions of Eigen as they ship. INLINED is for those with so many of these functions that a
+# release build without inlining takes longer: the linker for Windows needs minutes for them.
 
 if(CMAKE_CROSSCOMPILING)
     include(CrossGoogleTest)
@@ -27,6 +28,7 @@ find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 
 set(eigen_checks ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
 set(plain_code $<$<CONFIG:Release,RelWithDebInfo>:-O0>)
+set(inlined_code $<$<CONFIG:Release>:-O1> $<$<CONFIG:RelWithDebInfo>:-O0>)
 
 # tessera_test_main(NAME SOURCE LINK target... HEADERS header...): a library with a main function. The
 # headers are precompiled, for it and for the test programs that take it.
@@ -49,11 +51,13 @@ function(tessera_test_library name)
 endfunction()
 
 function(tessera_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;CORE_MAIN;GUI_MAIN;OPTIMIZED" "TIMEOUT"
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN;CORE_MAIN;GUI_MAIN;OPTIMIZED;INLINED" "TIMEOUT"
         "SOURCES;LINK;LABELS;TOGETHER;AT_SCALE;SCALED")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE tessera_flags ${arg_LINK} GTest::gmock)
-    if(NOT arg_OPTIMIZED)
+    if(arg_INLINED)
+        target_compile_options(${name} PRIVATE ${inlined_code})
+    elseif(NOT arg_OPTIMIZED)
         target_compile_options(${name} PRIVATE ${plain_code})
     endif()
     if(arg_GUI_MAIN)
