@@ -29,6 +29,13 @@ find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
 set(eigen_checks ${PROJECT_SOURCE_DIR}/tests/support/eigen_checks.h)
 set(plain_code $<$<CONFIG:Release,RelWithDebInfo>:-O0>)
 set(inlined_code $<$<CONFIG:Release>:-O1> $<$<CONFIG:RelWithDebInfo>:-O0>)
+# In the environment of each test. A bus error is the system's to end a program with, also where a
+# sanitizer would tell of it.
+set(sanitizer_options
+    ASAN_OPTIONS=detect_leaks=1:handle_sigbus=0
+    LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
+    UBSAN_OPTIONS=print_stacktrace=1
+    TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp)
 
 # tessera_test_main(NAME SOURCE LINK target... HEADERS header...): a library with a main function. The
 # headers are precompiled, for it and for the test programs that take it.
@@ -82,16 +89,12 @@ function(tessera_test name)
 
     set(home ${CMAKE_CURRENT_BINARY_DIR}/home_${name})
     file(MAKE_DIRECTORY ${home})
-    # A bus error is the system's to end a program with, also where a sanitizer would tell of it.
     set(environment
         QT_QPA_PLATFORM=offscreen
         QT_HASH_SEED=0
         HOME=${home}
         XDG_CONFIG_HOME=${home}/.config
-        ASAN_OPTIONS=detect_leaks=1:handle_sigbus=0
-        LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp
-        UBSAN_OPTIONS=print_stacktrace=1
-        TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp)
+        ${sanitizer_options})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 300)
     endif()

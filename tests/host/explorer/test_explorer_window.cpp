@@ -68,6 +68,8 @@ protected:
         EXPECT_NE(found, nullptr) << name;
         return found;
     }
+    /// The button that clears the search fades for 160 ms, and Qt frees that only at its end.
+    static void letTheClearButtonFade() { QTest::qWait(250); }
     QString drawn() { return child<QLabel>("drawnLabel")->text(); }
     QString selected() { return child<QLabel>("selectedLabel")->text(); }
     void choose(const char *box, int index) { child<QComboBox>(box)->setCurrentIndex(index); }
@@ -230,6 +232,7 @@ TEST_F(ExplorerWindowTest, TheSearchIsWalkedThroughByKeys)
     EXPECT_EQ(search->text(), QString());
     EXPECT_EQ(model().node(), -1);
     EXPECT_EQ(child<CopiedTable>("nodeTable")->model()->rowCount(), 12);
+    letTheClearButtonFade();
 }
 
 TEST_F(ExplorerWindowTest, ControlAndFFindsANode)
@@ -242,6 +245,7 @@ TEST_F(ExplorerWindowTest, ControlAndFFindsANode)
     QTest::keyClicks(search, QStringLiteral("region 7"));
     EXPECT_EQ(model().node(), 7);
     EXPECT_EQ(child<CopiedTable>("nodeTable")->model()->rowCount(), 1);
+    letTheClearButtonFade();
 }
 
 TEST_F(ExplorerWindowTest, ArrowsMoveTheSelectionAndEscapeClearsIt)
