@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QProgressDialog>
 #include <QTest>
 #include <QWheelEvent>
 #include <QWindow>
@@ -90,7 +91,8 @@ QList<QWidget *> visibleWindows()
 {
     QList<QWidget *> windows;
     for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->windowHandle() != nullptr)
+        if (window->isVisible() && window->windowHandle() != nullptr &&
+            window->windowType() != Qt::ToolTip) // which comes and goes with time
             windows += window;
     std::sort(windows.begin(), windows.end(), [](QWidget *a, QWidget *b) {
         return WindowWatch::numberOf(a) < WindowWatch::numberOf(b);
@@ -436,10 +438,27 @@ std::optional<Event> EventSource::next()
     return kind < 65 ? mouse(target) : kind < 90 ? key(target) : other(target);
 }
 
-bool isThere(const Event &event)
+QString sightOf(const Event &event)
 {
     QWidget *const window = windowOf(event.window);
-    return window != nullptr && atPath(window, event.path) != nullptr;
+    const QWidget *const widget = window == nullptr ? nullptr : atPath(window, event.path);
+    if (widget == nullptr)
+        return {};
+    QStringList reachable;
+    for (const QWidget *one : reachableWindows())
+        reachable += nameOf(one);
+    QStringList parts;
+    for (const QWidget *part = widget; part != nullptr; part = part->parentWidget())
+        parts += classOf(part);
+    return QStringList{shownWindows(), reachable.join(' '), parts.join('<'),
+                       widget->isVisible() ? "visible" : "hidden",
+                       widget->isEnabled() ? "enabled" : "disabled"}
+        .join(QStringLiteral(" | "));
+}
+
+bool goesToWork(const Event &event)
+{
+    return event.window.startsWith(QLatin1String(QProgressDialog::staticMetaObject.className()));
 }
 
 bool perform(const Event &event)

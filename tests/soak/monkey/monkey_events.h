@@ -79,8 +79,12 @@ private:
     QStringList m_files;
 };
 
-/// Whether what it goes to is there.
-bool isThere(const Event &event);
+/// What a user sees before the event, in one line: the windows, which of them can be reached, and
+/// what it goes to, with whether that is to be seen and enabled. Empty when that is not there.
+QString sightOf(const Event &event);
+
+/// Whether it goes to a window that is there only as long as something is at work.
+bool goesToWork(const Event &event);
 
 /// Does it. False when there is nothing that it could go to.
 bool perform(const Event &event);
