@@ -34,7 +34,7 @@ for ((look = 0; look < 200; ++look)); do
     sleep 0.05
 done
 xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id' || {
-    echo "openbox did not start: $(cat "$work/openbox")"
+    echo "openbox did not start: $(cat "$work/openbox" "$work/xvfb")"
     exit 1
 }
 "$@"
