@@ -28,7 +28,7 @@ if(TESSERA_SANITIZE)
     add_link_options(-fsanitize=${TESSERA_SANITIZERS})
 endif()
 if(TESSERA_COVERAGE) # what ships, line by line; the tests themselves are not measured
-    set(coverage_flags --coverage -O0)
+    set(coverage_flags --coverage -O0 -fprofile-update=atomic) # threads count the same lines
     add_compile_options(${coverage_flags})
     add_link_options(--coverage)
 endif()
