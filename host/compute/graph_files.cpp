@@ -73,23 +73,16 @@ QStringList writeGraphFiles(const QString &path, const GraphTable &graph,
 
 double secondsOfLocalEfficiency(const Eigen::MatrixXf &weights, int threads)
 {
-    // Paths among n nodes take n^3 relaxations, so much a node asks of its neighbours. In dense
-    // graphs the nodes share all but about log n passes over the whole.
-    constexpr double nodesOfTrial = 400;
-    const Eigen::MatrixXf trial = Eigen::MatrixXf::Ones(int(nodesOfTrial), int(nodesOfTrial));
+    constexpr int nodesOfTrial = 400;
+    const Eigen::MatrixXf trial = Eigen::MatrixXf::Ones(nodesOfTrial, nodesOfTrial);
     QElapsedTimer timer;
     timer.start();
     nodalis::nodal_global_efficiency(trial);
     const double secondsOfTrial = double(timer.nsecsElapsed()) * 1e-9;
-    const double nodes = double(weights.rows());
-    double relaxations = 0;
-    for (Eigen::Index node = 0; node < weights.cols(); ++node)
-        relaxations += std::pow(double((weights.col(node).array() > 0.0F).count()), 3);
-    if (nodes > 1)
-        relaxations = std::min(relaxations, std::pow(nodes, 3) * std::log2(nodes));
     const int processors =
         threads > 0 ? threads : std::max(1, int(std::thread::hardware_concurrency()));
-    return relaxations / std::pow(nodesOfTrial, 3) * secondsOfTrial / processors;
+    return nodalis::local_efficiency_relaxations(weights) / std::pow(nodesOfTrial, 3) *
+           secondsOfTrial / processors;
 }
 
 QStringList graphNotes(const Eigen::MatrixXf &weights)

@@ -101,13 +101,10 @@ public:
 
     Eigen::ArrayXd compute()
     {
-        Nodes group;
+        const Nodes group = nodes_with_pairs();
         double all = 0.0;
-        for (int node = 0; node < m_graph.size(); ++node) {
-            if (m_graph.neighbours[node].size() >= 2) {
-                group.push_back(node);
-                all += cost_of(node);
-            }
+        for (const int node : group) {
+            all += cost_of(node);
         }
         if (group.empty()) {
             return m_result;
@@ -123,9 +120,57 @@ public:
         return m_result;
     }
 
+    /// What compute() will do, counted along the same way.
+    double relaxations() const
+    {
+        return relaxations_of(nodes_with_pairs(), Mask(m_graph.size(), 0));
+    }
+
 private:
     /// Relaxing through so few nodes is done by each node of a group on its own.
     static constexpr int few = 8;
+    /// Copying the lengths, or summing them up, takes about as long as relaxing through so many
+    /// nodes.
+    static constexpr double copy = 8.0;
+
+    Nodes nodes_with_pairs() const
+    {
+        Nodes nodes;
+        for (int node = 0; node < m_graph.size(); ++node) {
+            if (m_graph.neighbours[node].size() >= 2) {
+                nodes.push_back(node);
+            }
+        }
+        return nodes;
+    }
+
+    double relaxations_of(const Nodes &group, const Mask &done) const
+    {
+        double sum = 0.0;
+        if (is_leaf(group, done)) {
+            for (const int node : group) {
+                const Nodes &near = m_graph.neighbours[node];
+                const double size = static_cast<double>(near.size());
+                const auto left =
+                    std::count_if(near.begin(), near.end(), [&](int k) { return done[k] == 0; });
+                sum += (static_cast<double>(left) + copy) * size * size;
+            }
+            return sum;
+        }
+        const double n = m_graph.size();
+        for (const Nodes &part : parts_of(group)) {
+            const Nodes shared = shared_by(part, done);
+            Mask further = done;
+            if (is_worth_sharing(part, static_cast<double>(shared.size()))) {
+                sum += (static_cast<double>(shared.size()) + copy) * n * n;
+                for (const int node : shared) {
+                    further[node] = 1;
+                }
+            }
+            sum += relaxations_of(part, further);
+        }
+        return sum;
+    }
 
     /// About how long a node takes.
     double cost_of(int node) const
@@ -241,7 +286,6 @@ private:
     /// those of each neighbourhood.
     bool is_worth_sharing(const Nodes &group, double shared) const
     {
-        constexpr double copy = 8.0;
         const double n = m_graph.size();
         double apart = 0.0;
         for (const int node : group) {
@@ -296,6 +340,12 @@ Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix, const Effort &eff
 {
     const Eigen::MatrixXf weights = detail::conditioned(matrix, "local_efficiency");
     return LocalEfficiency(weights, effort).compute().cast<float>();
+}
+
+double local_efficiency_relaxations(const Eigen::MatrixXf &matrix)
+{
+    const Eigen::MatrixXf weights = detail::conditioned(matrix, "local_efficiency_relaxations");
+    return LocalEfficiency(weights, Effort()).relaxations();
 }
 
 } // namespace NODALIS_ABI

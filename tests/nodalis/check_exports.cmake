@@ -11,6 +11,7 @@ set(wanted
     eigenvector_centrality
     global_efficiency
     local_efficiency
+    local_efficiency_relaxations
     mst::minimum_spanning_tree
     nodal_global_efficiency
     strength

@@ -2,6 +2,7 @@
 // Measures on several threads, with progress, and ended before they are done.
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -85,5 +86,28 @@ INSTANTIATE_TEST_SUITE_P(Measures, WithEffort,
                                          Measure{nodalis::nodal_global_efficiency},
                                          Measure{global_efficiency}),
                          name_of);
+
+TEST(LocalEfficiencyRelaxations, AreFewWhereNeighbourhoodsAreSharedAndThoseOfEachWhereTheyAreNot)
+{
+    EXPECT_EQ(nodalis::local_efficiency_relaxations(Eigen::MatrixXf::Zero(20, 20)), 0.0);
+    EXPECT_EQ(nodalis::local_efficiency_relaxations({}), 0.0);
+
+    const double hundred = nodalis::local_efficiency_relaxations(graphs::star(101));
+    EXPECT_GT(hundred, 1e6);
+    EXPECT_LT(hundred, 1.2e6);
+
+    const double n = 400.0;
+    const double shared = nodalis::local_efficiency_relaxations(graphs::complete(400));
+    EXPECT_GT(shared, n * n * n);
+    EXPECT_LT(shared, 3.0 * n * n * n * std::log2(n)); // with the copies
+
+    graphs::Random random(72);
+    const Eigen::MatrixXf half = graphs::random(400, 0.5, graphs::Weights{}, random);
+    const double of_each = std::pow(n / 2.0, 3) * n;
+    const double apart = nodalis::local_efficiency_relaxations(half);
+    EXPECT_GT(apart, 0.5 * of_each);
+    EXPECT_LT(apart, 1.2 * of_each);
+    EXPECT_GT(apart, shared);
+}
 
 } // namespace

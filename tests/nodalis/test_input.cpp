@@ -214,6 +214,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"strength", [](auto &m) { nodalis::strength(m); }},
         Refusal{"clustering_coeff", [](auto &m) { nodalis::clustering_coeff(m); }},
         Refusal{"local_efficiency", [](auto &m) { nodalis::local_efficiency(m); }},
+        Refusal{"local_efficiency_relaxations",
+                [](auto &m) { nodalis::local_efficiency_relaxations(m); }},
         Refusal{"global_efficiency", [](auto &m) { nodalis::global_efficiency(m); }},
         Refusal{"nodal_global_efficiency", [](auto &m) { nodalis::nodal_global_efficiency(m); }},
         Refusal{"eigenvector_centrality", [](auto &m) { nodalis::eigenvector_centrality(m); }},

@@ -38,6 +38,12 @@ NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix);
 /// \throws Ended when the progress said so.
 NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort);
 
+/// How many lengths of paths local_efficiency() compares with another way, to tell beforehand how
+/// long it takes: n^3 are as many as global_efficiency() compares. Time O(sum of k_i log n).
+///
+/// \throws std::invalid_argument if the matrix is not square.
+NODALIS_API double local_efficiency_relaxations(const Eigen::MatrixXf &matrix);
+
 /// Global efficiency, the mean inverse shortest path length over all pairs of nodes:
 ///
 ///     E = 1 / (n (n - 1)) * sum over i != j of 1 / d_ij

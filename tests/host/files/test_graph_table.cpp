@@ -290,6 +290,11 @@ TEST(GraphFiles, KnowAboutHowLongLocalEfficiencyTakes)
     }
     EXPECT_LT(secondsOfLocalEfficiency(sparse, 1), dense / 10);
     EXPECT_GT(secondsOfLocalEfficiency(sparse, 1), 0);
+    // Neighbourhoods of random halves have little in common, so that half the edges take longer.
+    std::srand(1);
+    const Eigen::MatrixXf random = (Eigen::MatrixXf::Random(3000, 3000).array() > 0).cast<float>();
+    const Eigen::MatrixXf half = random.cwiseMin(random.transpose());
+    EXPECT_GT(secondsOfLocalEfficiency(half, 1), dense);
 }
 
 TEST(GraphNotes, SayWhatTheMeasuresMakeOfTheMatrix)
