@@ -39,7 +39,7 @@ NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix);
 NODALIS_API Eigen::ArrayXf local_efficiency(const Eigen::MatrixXf &matrix, const Effort &effort);
 
 /// How many lengths of paths local_efficiency() compares with another way, to tell beforehand how
-/// long it takes: n^3 are as many as global_efficiency() compares. Time O(sum of k_i log n).
+/// long it takes: n^3 are as many as global_efficiency() compares. Time O(n^2 log n).
 ///
 /// \throws std::invalid_argument if the matrix is not square.
 NODALIS_API double local_efficiency_relaxations(const Eigen::MatrixXf &matrix);
