@@ -48,21 +48,28 @@ py::array of_nodes(const NodeMeasure &measure, const py::object &matrix, int thr
 }
 
 /// One number per graph of a stack, else a number.
-py::object global_efficiency(const py::object &matrix, int threads)
+template <typename Value>
+py::object of_graphs(Value (*measure)(const Eigen::MatrixXf &, const Effort &),
+                     const py::object &matrix, int threads)
 {
     const Graphs graphs(matrix, "matrix");
     const Effort effort = effort_of(graphs, threads);
-    Eigen::ArrayXf values(graphs.count());
+    Eigen::Array<Value, Eigen::Dynamic, 1> values(graphs.count());
     {
         const py::gil_scoped_release release;
         statistics::for_each_chunk(graphs.count(), threads, [&](Index graph, int) {
-            values(graph) = nodalis::global_efficiency(graphs.graph(graph), effort);
+            values(graph) = measure(graphs.graph(graph), effort);
         });
     }
     if (!graphs.is_stack()) {
         return py::float_(values(0));
     }
     return to_numpy(std::move(values));
+}
+
+double local_efficiency_relaxations(const Eigen::MatrixXf &graph, const Effort & /*takes little*/)
+{
+    return nodalis::local_efficiency_relaxations(graph);
 }
 
 py::array treated(const py::object &matrix, int threads)
@@ -129,7 +136,17 @@ void add_measures(py::module_ &module)
     add_quick("eigenvector_centrality", nodalis::eigenvector_centrality);
     add_of_nodes("local_efficiency", Long{nodalis::local_efficiency});
     add_of_nodes("nodal_global_efficiency", Long{nodalis::nodal_global_efficiency});
-    module.def("global_efficiency", global_efficiency, py::arg("matrix"), py::arg("threads"));
+    const auto add_of_graphs = [&module](const char *name, auto measure) {
+        module.def(
+            name,
+            [measure](const py::object &matrix, int threads) {
+                return of_graphs(measure, matrix, threads);
+            },
+            py::arg("matrix"), py::arg("threads"));
+    };
+    using OfGraph = float (*)(const Eigen::MatrixXf &, const Effort &);
+    add_of_graphs("global_efficiency", OfGraph{nodalis::global_efficiency});
+    add_of_graphs("local_efficiency_relaxations", &local_efficiency_relaxations);
     module.def("treatment", treated, py::arg("matrix"), py::arg("threads"));
     module.def("to_csv", write_csv, py::arg("matrix"), py::arg("path"));
     module.def("version", nodalis::version);

@@ -29,6 +29,7 @@ from .measures import (
     eigenvector_centrality,
     global_efficiency,
     local_efficiency,
+    local_efficiency_relaxations,
     nodal_global_efficiency,
     strength,
 )
@@ -43,6 +44,7 @@ __all__ = [
     "eigenvector_centrality",
     "global_efficiency",
     "local_efficiency",
+    "local_efficiency_relaxations",
     "minimum_spanning_tree",
     "nodal_global_efficiency",
     "signals",

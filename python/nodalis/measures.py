@@ -159,6 +159,43 @@ def local_efficiency(matrix, *, threads=0):
     return _nodalis.local_efficiency(matrix, thread_count(threads))
 
 
+def local_efficiency_relaxations(matrix, *, threads=0):
+    """How much `local_efficiency` has to do, to tell beforehand how long it takes.
+
+    The number of times that it compares a length of a path with another way; for n nodes
+    `global_efficiency` does so about n^3 times. Neighbourhoods of a dense graph share most of them.
+
+    Parameters
+    ----------
+    matrix : array, n x n or k x n x n
+        Weights in any unit; float64 is rounded to float32. Negative ones are no edges.
+    threads : int
+        0 is one per processor. They do not change the result.
+
+    Returns
+    -------
+    float, or ndarray of float64, k
+
+    Raises
+    ------
+    ValueError
+        If the matrix is not square.
+
+    References
+    ----------
+    Wang et al. 2017, Neural Comput 29:313, doi:10.1162/NECO_a_00914, of local efficiency itself.
+
+    Examples
+    --------
+    >>> complete = np.ones((500, 500))
+    >>> half = np.triu(np.random.default_rng(1).integers(0, 2, (500, 500)))
+    >>> shared = nodalis.local_efficiency_relaxations(complete)
+    >>> bool(nodalis.local_efficiency_relaxations(half + half.T) > 2 * shared)
+    True
+    """
+    return _nodalis.local_efficiency_relaxations(matrix, thread_count(threads))
+
+
 def global_efficiency(matrix, *, threads=0):
     """Global efficiency, the mean inverse shortest path length over all pairs of nodes.
 

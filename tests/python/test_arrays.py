@@ -22,6 +22,7 @@ NODE_MEASURES = [
 MEASURES = [
     *NODE_MEASURES,
     nodalis.global_efficiency,
+    nodalis.local_efficiency_relaxations,
     nodalis.treatment,
     nodalis.minimum_spanning_tree,
     nodalis.spectrum,
