@@ -22,6 +22,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QProgressDialog>
 #include <QScopeGuard>
 #include <QTest>
@@ -158,12 +159,13 @@ private:
 
     /// When there is to be seen what was to be seen before, however long that takes, and not before
     /// its time, since what is not seen may come with time, too. What goes to the window of a work
-    /// does not wait, since the work may end, and is left out when it has.
+    /// does not wait, since the work may end, and is left out when it has; so is what went to
+    /// something that was disabled then.
     void playAgain()
     {
         const std::optional<Event> event = Event::ofLine(m_next);
         const bool isSeen = event && sightOf(*event) == m_sight;
-        const bool isOfWork = event && goesToWork(*event);
+        const bool isOfWork = event && (goesToWork(*event) || m_sight.endsWith(toDisabled));
         const int patience = isOfWork ? 1000 : 6000;
         const bool isDue = m_age.elapsed() >= m_due || (isSeen && isOfWork);
         if (event && (!isDue || (!isSeen && ++m_tries < patience))) {
@@ -283,8 +285,12 @@ protected:
     {
         auto *const dialog =
             event->type() == QEvent::Polish ? qobject_cast<QFileDialog *>(watched) : nullptr;
-        if (dialog != nullptr)
+        if (dialog != nullptr) {
             dialog->setOption(QFileDialog::ReadOnly);
+            // What it offers depends on how far a thread of Qt has read the folder.
+            if (auto *const name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                name->setCompleter(nullptr);
+        }
         return false;
     }
 };

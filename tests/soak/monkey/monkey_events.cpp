@@ -451,9 +451,9 @@ QString sightOf(const Event &event)
     for (const QWidget *part = widget; part != nullptr; part = part->parentWidget())
         parts += classOf(part);
     return QStringList{shownWindows(), reachable.join(' '), parts.join('<'),
-                       widget->isVisible() ? "visible" : "hidden",
-                       widget->isEnabled() ? "enabled" : "disabled"}
-        .join(QStringLiteral(" | "));
+                       widget->isVisible() ? "visible" : "hidden"}
+               .join(QStringLiteral(" | ")) +
+           (widget->isEnabled() ? QString() : QString(toDisabled));
 }
 
 bool goesToWork(const Event &event)

@@ -83,6 +83,9 @@ private:
 /// what it goes to, with whether that is to be seen and enabled. Empty when that is not there.
 QString sightOf(const Event &event);
 
+/// How a sight ends when the event goes to something disabled, which does not take it.
+const QLatin1String toDisabled(" | disabled");
+
 /// Whether it goes to a window that is there only as long as something is at work.
 bool goesToWork(const Event &event);
 
