@@ -23,7 +23,6 @@ namespace
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 /// What the commands left and said. Files by their paths, without hidden ones: these hold times and
 /// the machine's name.
@@ -106,6 +105,15 @@ std::vector<std::string> differences(const Outcome &one, const Outcome &other)
     return names;
 }
 
+/// How two contents of a file differ.
+std::string difference(const QByteArray &one, const QByteArray &other)
+{
+    const auto end = one.begin() + std::min(one.size(), other.size());
+    const auto place = std::mismatch(one.begin(), end, other.begin()).first - one.begin();
+    return std::to_string(one.size()) + " bytes and " + std::to_string(other.size()) +
+           ", which differ from byte " + std::to_string(place) + " on";
+}
+
 class Surroundings : public testing::Test
 {
 protected:
@@ -127,7 +135,11 @@ protected:
     /// All is as in the plain folder.
     static void expectPlain(const Outcome &outcome)
     {
-        EXPECT_THAT(differences(s_plain, outcome), IsEmpty());
+        for (const std::string &name : differences(s_plain, outcome)) {
+            const QString file = QString::fromStdString(name);
+            ADD_FAILURE() << name << ": "
+                          << difference(s_plain.files[file], outcome.files.value(file));
+        }
         EXPECT_EQ(outcome.output.toStdString(), s_plain.output.toStdString());
         EXPECT_EQ(outcome.errors.toStdString(), s_plain.errors.toStdString());
     }
