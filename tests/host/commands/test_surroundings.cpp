@@ -154,7 +154,7 @@ protected:
         localedef.start(QStringLiteral("localedef"),
                         {QStringLiteral("-i"), language, QStringLiteral("-f"), encoding,
                          places + QLatin1Char('/') + name});
-        EXPECT_TRUE(localedef.waitForFinished());
+        EXPECT_TRUE(localedef.waitForFinished(120000));
         EXPECT_TRUE(QFileInfo(places + QLatin1Char('/') + name).isDir())
             << "the sources of languages are in Debian's package locales";
         QProcessEnvironment environment = plainEnvironment();
