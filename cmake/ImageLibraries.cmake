@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# The libraries of the field's image formats: ITK, libnifti and ISA-L.
+# The libraries of the field's image formats: ITK, libnifti, ISA-L, which reads gzip, and zlib, which
+# writes it.
 #
 # The parts of ITK in use. Its reader of NIfTI is not one of them: it goes by other rules for
 # orientation, takes a neighbouring file for the one it is asked for, and its functions have the
@@ -14,6 +15,10 @@ find_path(NIFTI_INCLUDE_DIR nifti/nifti2_io.h REQUIRED)
 find_library(NIFTI_LIBRARY nifti2 REQUIRED)
 find_path(ISAL_INCLUDE_DIR isa-l/igzip_lib.h REQUIRED)
 find_library(ISAL_LIBRARY isal REQUIRED)
+if(CMAKE_CROSSCOMPILING)
+    set(ZLIB_USE_STATIC_LIBS ON) # as libnifti2 for Windows has it
+endif()
+find_package(ZLIB REQUIRED GLOBAL)
 
 function(tessera_use_itk target)
     target_include_directories(${target} SYSTEM PRIVATE ${ITK_INCLUDE_DIRS})

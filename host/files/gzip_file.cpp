@@ -2,49 +2,79 @@
 #include "host/files/gzip_file.h"
 
 #include <algorithm>
-#include <isa-l/igzip_lib.h>
+#include <new>
+#include <vector>
+#define ZLIB_CONST // what is packed is not written to
+#include <zlib.h>
 
 namespace corvane
 {
 
-GzipFile::GzipFile(const QString &path)
-    : m_file(path), m_packed(1 << 18), m_working(ISAL_DEF_LVL1_DEFAULT),
-      m_stream(std::make_unique<isal_zstream>())
+namespace
 {
-    isal_deflate_init(m_stream.get());
-    m_stream->gzip_flag = IGZIP_GZIP;
-    m_stream->level = 1;
-    m_stream->level_buf = m_working.data();
-    m_stream->level_buf_size = static_cast<std::uint32_t>(m_working.size());
-}
+
+constexpr int gzipOfLargestWindow = MAX_WBITS + 16;
+constexpr int mostMemory = 9;
+constexpr int unknownSystem = 255;
+
+} // namespace
+
+class GzipFile::Packer
+{
+public:
+    Packer() : m_packed(1 << 18)
+    {
+        if (deflateInit2(&m_stream, Z_BEST_SPEED, Z_DEFLATED, gzipOfLargestWindow, mostMemory,
+                         Z_DEFAULT_STRATEGY) != Z_OK)
+            throw std::bad_alloc();
+        m_header.os = unknownSystem;
+        deflateSetHeader(&m_stream, &m_header);
+    }
+    Packer(const Packer &) = delete;
+    Packer &operator=(const Packer &) = delete;
+    ~Packer() { deflateEnd(&m_stream); }
+
+    void pack(const void *bytes, qint64 length, int flush, OutputFile &to)
+    {
+        m_stream.next_in = static_cast<const Bytef *>(bytes);
+        do {
+            const qint64 piece = std::min<qint64>(length, 1 << 30);
+            m_stream.avail_in = static_cast<uInt>(piece);
+            packPiece(flush, to);
+            length -= piece;
+        } while (length > 0);
+    }
+
+private:
+    void packPiece(int flush, OutputFile &to)
+    {
+        do {
+            m_stream.next_out = m_packed.data();
+            m_stream.avail_out = static_cast<uInt>(m_packed.size());
+            deflate(&m_stream, flush);
+            to.write(reinterpret_cast<const char *>(m_packed.data()),
+                     static_cast<qint64>(m_packed.size()) - m_stream.avail_out);
+        } while (m_stream.avail_out == 0);
+    }
+
+    std::vector<Bytef> m_packed;
+    z_stream m_stream{};
+    gz_header m_header{};
+};
+
+GzipFile::GzipFile(const QString &path) : m_file(path), m_packer(std::make_unique<Packer>()) {}
 
 GzipFile::~GzipFile() = default;
 
-void GzipFile::commit()
+void GzipFile::write(const void *bytes, qint64 length)
 {
-    pack(nullptr, 0, true);
-    m_file.commit();
+    m_packer->pack(bytes, length, Z_NO_FLUSH, m_file);
 }
 
-void GzipFile::pack(const void *bytes, qint64 length, bool last)
+void GzipFile::commit()
 {
-    // The library takes its input through a pointer to bytes that it might write, and does not.
-    auto *next = static_cast<std::uint8_t *>(const_cast<void *>(bytes));
-    do {
-        const qint64 piece = std::min<qint64>(length, 1 << 30);
-        m_stream->next_in = next;
-        m_stream->avail_in = static_cast<std::uint32_t>(piece);
-        m_stream->end_of_stream = last;
-        do {
-            m_stream->next_out = m_packed.data();
-            m_stream->avail_out = static_cast<std::uint32_t>(m_packed.size());
-            isal_deflate(m_stream.get());
-            m_file.write(reinterpret_cast<const char *>(m_packed.data()),
-                         static_cast<qint64>(m_packed.size()) - m_stream->avail_out);
-        } while (m_stream->avail_out == 0);
-        next += piece;
-        length -= piece;
-    } while (length > 0);
+    m_packer->pack(nullptr, 0, Z_FINISH, m_file);
+    m_file.commit();
 }
 
 } // namespace corvane

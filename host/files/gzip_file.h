@@ -3,17 +3,16 @@
 
 #include "host/files/output_file.h"
 
-#include <cstdint>
 #include <memory>
-#include <vector>
-
-struct isal_zstream;
 
 namespace corvane
 {
 
 /// A gzip file that is written from its first byte to its last. It appears whole or not at all, as
 /// an OutputFile.
+///
+/// By zlib, whose bytes are the same for the same content wherever it runs. ISA-L, which reads such
+/// files here, takes an address for a part of the content: one file of some thousands would differ.
 class GzipFile
 {
 public:
@@ -22,18 +21,16 @@ public:
     ~GzipFile();
 
     /// Throws InputError when the packed bytes do not fit.
-    void write(const void *bytes, qint64 length) { pack(bytes, length, false); }
+    void write(const void *bytes, qint64 length);
 
     /// Throws InputError.
     void commit();
 
 private:
-    void pack(const void *bytes, qint64 length, bool last);
+    class Packer;
 
     OutputFile m_file;
-    std::vector<std::uint8_t> m_packed;
-    std::vector<std::uint8_t> m_working;
-    std::unique_ptr<isal_zstream> m_stream;
+    std::unique_ptr<Packer> m_packer;
 };
 
 } // namespace corvane
