@@ -9,13 +9,13 @@
 #include "engine/compute_steps.h"
 #include "engine/connectivity_object.h"
 #include "engine/dumps.h"
+#include "engine/run_aside.h"
 #include "plugin/host_log.h"
 #include "ui_tessera.h"
 
 #include <QFutureWatcher>
 #include <QMessageBox>
 #include <QProgressDialog>
-#include <QtConcurrent>
 
 #include <optional>
 #include <utility>
@@ -53,7 +53,8 @@ std::optional<Matrices> measureBehindProgress(const Subject *subject,
     QObject::connect(&watcher, &Watcher::progressValueChanged, progress.get(),
                      &QProgressDialog::setValue);
 
-    watcher.setFuture(QtConcurrent::run(work, subject, timeseries));
+    watcher.setFuture(runAside(QThreadPool::globalInstance(),
+                               [subject, timeseries] { return work(subject, timeseries); }));
     progress->exec();
     // After a Cancel the worker still runs to its end.
     watcher.waitForFinished();

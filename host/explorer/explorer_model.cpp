@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/explorer/explorer_model.h"
 
-#include <QtConcurrent>
+#include "engine/run_aside.h"
+
 #include <cmath>
 
 namespace corvane
@@ -27,7 +28,7 @@ ExplorerModel::ExplorerModel(ResultRequest request, std::shared_ptr<const Networ
     takePlaces();
     const std::shared_ptr<const NetworkResult> shared = m_result;
     // The outline is read aside: an atlas may be large, or gone.
-    QtConcurrent::run(&m_thread, [this, shared] {
+    runAside(&m_thread, [this, shared] {
         std::array<QPainterPath, 3> outlines;
         QString fault;
         try {
@@ -158,7 +159,7 @@ void ExplorerModel::ask()
               m_curvesWanted && m_curves.steps.empty()};
     m_isBusy = true;
     Q_EMIT busyChanged(true);
-    QtConcurrent::run(&m_thread, [this, step = std::move(step)] { compute(step); });
+    runAside(&m_thread, [this, step = std::move(step)] { compute(step); });
 }
 
 void ExplorerModel::post(int number, std::function<void()> take)

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/background_work.h"
 
+#include "engine/run_aside.h"
+
 #include <QEventLoop>
 #include <QFutureWatcher>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
-#include <QtConcurrent>
 #include <atomic>
 #include <new>
+#include <system_error>
 
 namespace corvane
 {
@@ -35,6 +37,10 @@ QString faultOf(const std::function<void()> &action)
         action();
     } catch (const std::bad_alloc &) {
         return QProgressDialog::tr("There is not enough memory for this.");
+    } catch (const std::system_error &error) {
+        if (error.code() == std::errc::resource_unavailable_try_again)
+            return QProgressDialog::tr("The system gives no further thread for this.");
+        return QString::fromUtf8(error.what());
     } catch (const std::exception &error) {
         return QString::fromUtf8(error.what());
     } catch (...) {
@@ -79,8 +85,9 @@ WorkOutcome runBehindProgress(QWidget *parent, const QString &title,
         percent = static_cast<int>(100 * done / std::max<qint64>(total, 1));
         return !stop;
     };
-    watcher.setFuture(QtConcurrent::run([&] { return faultOf([&] { work(watch); }); }));
     progress.setValue(0);
+    watcher.setFuture(
+        runAside(QThreadPool::globalInstance(), [&] { return faultOf([&] { work(watch); }); }));
     tick.start(50);
     loop.exec();
     const QString fault = watcher.result();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/import_dialog.h"
 
+#include "engine/run_aside.h"
 #include "host/files/events_table.h"
 #include "host/files/file_kind.h"
 #include "host/import/cleaning_choice.h"
@@ -17,7 +18,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
-#include <QtConcurrent>
 
 namespace corvane
 {
@@ -254,14 +254,15 @@ void ImportDialog::startPlanning()
     m_planIsOld = false;
     m_ui->state->setText(tr("Looking at the files..."));
     m_stop = std::make_shared<std::atomic_bool>(false);
-    m_planning.setFuture(QtConcurrent::run([asked = request(), stop = m_stop] {
-        CheckedImport outcome;
-        const QString fault = faultOf(
-            [&] { outcome = checkImport(asked, [stop](qint64, qint64) { return !*stop; }); });
-        if (!fault.isEmpty())
-            outcome.check.other = fault;
-        return outcome;
-    }));
+    m_planning.setFuture(
+        runAside(QThreadPool::globalInstance(), [asked = request(), stop = m_stop] {
+            CheckedImport outcome;
+            const QString fault = faultOf(
+                [&] { outcome = checkImport(asked, [stop](qint64, qint64) { return !*stop; }); });
+            if (!fault.isEmpty())
+                outcome.check.other = fault;
+            return outcome;
+        }));
 }
 
 void ImportDialog::clearPlan()

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/time_course_reader.h"
 
-#include <QtConcurrent>
+#include "engine/run_aside.h"
+
 #include <utility>
 
 namespace corvane
@@ -47,8 +48,9 @@ void TimeCourseReader::read()
     m_isReading = true;
     m_isOutdated = std::make_shared<std::atomic<bool>>(false);
     m_watcher.setFuture(
-        QtConcurrent::run(&m_thread, [reading = std::exchange(m_asked, nullptr),
-                                      isOutdated = m_isOutdated] { return reading(*isOutdated); }));
+        runAside(&m_thread, [reading = std::exchange(m_asked, nullptr), isOutdated = m_isOutdated] {
+            return reading(*isOutdated);
+        }));
 }
 
 void TimeCourseReader::deliver()

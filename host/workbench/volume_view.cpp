@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/volume_view.h"
 
+#include "engine/run_aside.h"
 #include "host/workbench/run_overlay.h"
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/world_place.h"
@@ -11,7 +12,6 @@
 #include <QSignalBlocker>
 #include <QStatusTipEvent>
 #include <QTimer>
-#include <QtConcurrent>
 #include <cmath>
 
 namespace corvane
@@ -37,6 +37,8 @@ QString placeText(const CubeVoxel &voxel)
 /// cross-hair waits for the disk.
 void readAhead(const Vmr &vmr)
 {
+    if (!systemStartsThreads())
+        return;
     QtConcurrent::run([vmr] {
         constexpr qint64 page = 4096;
         const auto *const data = static_cast<const volatile uchar *>(vmr.voxels.get());

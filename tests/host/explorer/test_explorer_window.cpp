@@ -5,6 +5,7 @@
 #include "tests/gui_test.h"
 #include "tests/host/explorer/result_folder.h"
 #include "tests/support/modal_driver.h"
+#include "tests/support/no_further_thread.h"
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
@@ -152,6 +153,21 @@ TEST_F(ExplorerWindowTest, ALaterStepEndsAnEarlierOne)
     waitUntilDone();
     EXPECT_EQ(model().drawn().text, QStringLiteral("strongest 60 % of 66 edges, 40"));
     EXPECT_EQ(measures.size(), 1);
+}
+
+TEST_F(ExplorerWindowTest, WithoutAFurtherThreadShowsTheSame)
+{
+    open(m_files.path());
+    child<QDoubleSpinBox>("thresholdBox")->setValue(20);
+    waitUntilDone();
+    const Eigen::MatrixXd measures = model().measures().nodes;
+    const NoFurtherThread refused;
+    open(m_files.path());
+    EXPECT_NE(drawn(), QStringLiteral("strongest 20 % of 66 edges, 13"));
+    child<QDoubleSpinBox>("thresholdBox")->setValue(20);
+    waitUntilDone();
+    EXPECT_EQ(drawn(), QStringLiteral("strongest 20 % of 66 edges, 13"));
+    EXPECT_EQ(model().measures().nodes, measures);
 }
 
 TEST_F(ExplorerWindowTest, SliderGoesThroughMatricesAndDifferences)

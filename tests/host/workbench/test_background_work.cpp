@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/background_work.h"
 #include "tests/support/modal_driver.h"
+#include "tests/support/no_further_thread.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -8,6 +9,7 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace corvane
 {
@@ -43,6 +45,26 @@ TEST(BehindProgress, TheDialogStaysUntilACancelledWorkHasEnded)
         EXPECT_TRUE(outcome.stopped);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
+}
+
+TEST(BehindProgress, WithoutAFurtherThreadTheWorkIsDoneAllTheSame)
+{
+    const NoFurtherThread refused;
+    QWidget window;
+    window.show();
+    bool isDone = false;
+    const WorkOutcome done =
+        runBehindProgress(&window, QStringLiteral("Work"), [&isDone](const ProgressWatch &watch) {
+            tellProgress(watch, 1, 2);
+            isDone = true;
+        });
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(done.fault, QString());
+    EXPECT_FALSE(done.stopped);
+    const WorkOutcome failed = runBehindProgress(
+        &window, QStringLiteral("Work"), [](const ProgressWatch &) { std::thread([] {}).join(); });
+    EXPECT_EQ(failed.fault, QStringLiteral("The system gives no further thread for this."));
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 } // namespace corvane

@@ -10,6 +10,7 @@
 #include "tests/host/workbench/dropping.h"
 #include "tests/support/busy_pool.h"
 #include "tests/support/modal_driver.h"
+#include "tests/support/no_further_thread.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -141,6 +142,17 @@ TEST_F(ImportDialogTest, ShowsWhatGoesWhereAndImportsIt)
     for (const QString &file : dialog.importedFiles())
         EXPECT_TRUE(QFileInfo::exists(file)) << file.toStdString();
     EXPECT_EQ(VtcFile(dialog.importedFiles().last()).info().nrOfVolumes, 200);
+}
+
+TEST_F(ImportDialogTest, WithoutAFurtherThreadImportsTheSame)
+{
+    const NoFurtherThread refused;
+    showWith(exampleRequest());
+    waitForPreview();
+    EXPECT_EQ(vois()->rowCount(), 16);
+    QTest::mouseClick(importButton(), Qt::LeftButton);
+    EXPECT_EQ(dialog.importedFiles().size(), 3);
+    EXPECT_EQ(namesIn(folder.path("out")).size(), 4);
 }
 
 TEST_F(ImportDialogTest, CleansByTheConfoundsBesideTheRun)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/workbench/time_course_reader.h"
 #include "tests/host/support/host_files.h"
+#include "tests/support/no_further_thread.h"
 
 #include <QTest>
 #include <gmock/gmock.h>
@@ -46,6 +47,16 @@ protected:
 
 TEST_F(TimeCourseReaderTest, NeverMakesTheAskerWait)
 {
+    ask({60, 52, 62});
+    EXPECT_THAT(received, IsEmpty());
+    waitForSamples();
+    EXPECT_THAT(received, ElementsAre(ElementsAre(8, 9, 10, 11)));
+}
+
+TEST_F(TimeCourseReaderTest, WithoutAFurtherThreadReadsAtOnce)
+{
+    const NoFurtherThread refused;
+    ask({57, 52, 59});
     ask({60, 52, 62});
     EXPECT_THAT(received, IsEmpty());
     waitForSamples();

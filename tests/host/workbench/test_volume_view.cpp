@@ -9,6 +9,7 @@
 #include "host/workbench/voi_overlay.h"
 #include "host/workbench/volume_view.h"
 #include "tests/host/support/host_files.h"
+#include "tests/support/no_further_thread.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -26,6 +27,7 @@
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTest>
+#include <QThreadPool>
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 #include <sys/mman.h>
@@ -134,6 +136,15 @@ TEST(VolumeView, ReadsTheWholeVolumeBeforeItsSlicesAreAskedFor)
     view.showVolume(0, vmr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return bytesRead() == vmr.byteCount(); }));
     close(file);
+}
+
+TEST_F(VolumeViewTest, WithoutAFurtherThreadNothingIsLeftWaiting)
+{
+    const NoFurtherThread refused;
+    view->showVolume(0, zeroVmr());
+    click(sagittal, {40, 90, 0});
+    EXPECT_THAT(cross(), ElementsAre(40, 90, 128));
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(10000));
 }
 
 TEST_F(VolumeViewTest, TheMouseMovesTheCrossHairInEachPlane)
