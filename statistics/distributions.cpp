@@ -18,8 +18,9 @@ constexpr double pi = 3.14159265358979323846;
 double stirling_error(double z)
 {
     double below = 0.0;
-    for (; z < 15.0; z += 1.0) {
+    while (z < 15.0) {
         below += (z + 0.5) * std::log1p(1.0 / z) - 1.0;
+        z += 1.0;
     }
     const double r = 1.0 / (z * z);
     const double series =

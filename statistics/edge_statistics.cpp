@@ -136,7 +136,7 @@ void EdgeStatistics::set_weights(double *weights, int place, const int *source,
     for (Index tile = 0; tile < m_directions.cols(); ++tile) {
         double *const of_tile = weights + tile * m_subjects * batch_size + place;
         for (int i = 0; i < m_subjects; ++i) {
-            of_tile[source[i] * batch_size] = sign[i] * m_directions(i, tile);
+            of_tile[std::ptrdiff_t{source[i]} * batch_size] = sign[i] * m_directions(i, tile);
         }
     }
 }
@@ -147,7 +147,7 @@ void EdgeStatistics::values(double *values, double *products, const double *weig
     const double *const residuals = m_residuals.data() + panel * m_subjects * panel_size;
     const int tiles = static_cast<int>(m_directions.cols());
     for (int tile = 0; tile < tiles; ++tile) {
-        m_kernels.multiply(products + tile * tile_size,
+        m_kernels.multiply(products + std::ptrdiff_t{tile} * tile_size,
                            weights + std::ptrdiff_t{tile} * m_subjects * batch_size, residuals,
                            m_subjects);
     }

@@ -2,6 +2,7 @@
 #include "statistics/rearrangements.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <numeric>
 
@@ -67,7 +68,7 @@ Index distinct_arrangements(const std::vector<std::vector<int>> &blocks,
             return limit + 1;
         }
     }
-    return static_cast<Index>(total + 0.5);
+    return static_cast<Index>(std::llround(total));
 }
 
 void require_testable_within(const std::vector<std::vector<int>> &blocks,

@@ -57,7 +57,7 @@ std::vector<StudyAtlas> atlasesOf(const QCommandLineParser &parser)
         const QStringList values = parser.values(option);
         const int next = taken[option]++;
         if (option == QLatin1String("atlas")) {
-            const QString file = values[next];
+            const QString &file = values[next];
             atlases.push_back({QFileInfo(file).absoluteFilePath(), {}, atlasName(file)});
         } else if (option == QLatin1String("labels") || option == QLatin1String("atlas-name")) {
             if (atlases.empty())

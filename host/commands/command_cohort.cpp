@@ -338,7 +338,7 @@ void runGroupBehind(const Call &call)
 /// told now, not after hours of computing. Throws UsageError.
 QStringList groupBehind(const Call &call, const QStringList &options)
 {
-    const QStringList words =
+    QStringList words =
         QStringList{QStringLiteral("cohort"), call.dataset, call.out, QStringLiteral("group")} +
         options;
     QCommandLineParser parser;

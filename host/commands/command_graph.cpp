@@ -21,9 +21,9 @@ namespace
 
 std::vector<GraphMeasure> measuresOf(const QString &text)
 {
-    const std::vector<GraphMeasure> all = graphMeasuresOfTables();
     if (text.isEmpty())
-        return all;
+        return graphMeasuresOfTables();
+    const std::vector<GraphMeasure> all = graphMeasuresOfTables();
     std::vector<GraphMeasure> measures;
     QStringList names;
     for (const GraphMeasure &measure : all)

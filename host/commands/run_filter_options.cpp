@@ -70,14 +70,14 @@ QStringList withLabelWords(const QStringList &arguments, const QStringList &fore
     QStringList words;
     QString labels; // the option whose words these are
     for (const QString &argument : arguments) {
-        if (!words.isEmpty() && foreign.contains(words.last())) {
-            words += argument; // options, but not ours
-        } else if (isOption(argument)) {
+        // Behind an option of another program stands its word, also one that looks like an option.
+        const bool isForeign = !words.isEmpty() && foreign.contains(words.last());
+        if (!isForeign && isOption(argument)) {
             labels = withDashes(argument);
             words += labels;
             if (!takesLabels(labels))
                 labels.clear();
-        } else if (!labels.isEmpty()) {
+        } else if (!isForeign && !labels.isEmpty()) {
             if (words.last() ==
                 labels) // without a word it stays as it is, for the parser to refuse
                 words.removeLast();

@@ -89,7 +89,7 @@ QString runPrefix(const QString &path)
 QString atlasName(const QString &path)
 {
     for (const char *entity : {"atlas", "seg", "desc"}) {
-        const QString label = bidsLabel(entityOf(path, QLatin1String(entity)));
+        QString label = bidsLabel(entityOf(path, QLatin1String(entity)));
         if (!label.isEmpty())
             return label;
     }

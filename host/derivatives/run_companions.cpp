@@ -145,7 +145,7 @@ QString labelsOf(const QString &atlas, const QString &dataset)
     for (const QString &folder : qAsConst(folders))
         for (const QString &stem : qAsConst(names))
             for (const char *ending : {".tsv", ".ctab", ".txt"}) {
-                const QString path = QDir(folder).filePath(stem + QLatin1String(ending));
+                QString path = QDir(folder).filePath(stem + QLatin1String(ending));
                 if (QFileInfo(path).isFile())
                     return path;
             }

@@ -53,7 +53,7 @@ QString pathOf(const RunImage &image, const std::vector<BidsName> &fitting, cons
     if (fitting.empty())
         return {};
     const QString name = fitting.front().file;
-    const QString path = QDir(image.files->path).filePath(name);
+    QString path = QDir(image.files->path).filePath(name);
     if (fitting.size() > 1)
         giveReason(
             run, QStringLiteral("more than one %1: %2").arg(what, enumerated(fileNames(fitting))));

@@ -131,7 +131,7 @@ void writeVolume(GzipFile &file, const Brain &brain, ValueOf valueOf)
     std::vector<Value> volume(std::size_t(studyGrid.voxelCount()), Value(0));
     for (std::size_t v = 0; v < brain.voxels.size(); ++v)
         volume[std::size_t(brain.voxels[v].place)] = valueOf(Index(v));
-    file.write(volume.data(), qint64(volume.size() * sizeof(Value)));
+    file.write(volume.data(), qint64(volume.size()) * qint64(sizeof(Value)));
 }
 
 } // namespace
@@ -180,6 +180,7 @@ Samples samplesOf(const Run &run, const Brain &brain, const MatrixXd &motion)
         for (Index v = 0; v < voxelCount; v += 4) {
             const std::array<float, 4> noise = scannerNoise(run.owner(), t, v);
             for (Index n = v; n < std::min(v + 4, voxelCount); ++n)
+                // NOLINTNEXTLINE(bugprone-incorrect-roundings): of no matter for values made up.
                 samples(n, t) =
                     qint16(std::max(volume[n] + noise[std::size_t(n - v)], 0.0F) + 0.5F);
         }

@@ -68,7 +68,7 @@ ShapeMask grown(const ShapeMask &shape, int radius, bool grow)
                 for (int dx = -radius; dx <= radius && !found; ++dx)
                     found =
                         dx * dx + dy * dy <= radius * radius && shape.at(x + dx, y + dy) == grow;
-            result.cells[std::size_t(y * shape.width + x)] = found == grow;
+            result.cells[shape.place(x, y)] = found == grow;
         }
     return result;
 }
@@ -82,9 +82,9 @@ void fillHoles(ShapeMask &shape)
         const auto [x, y] = open.back();
         open.pop_back();
         if (x < 0 || y < 0 || x >= shape.width || y >= shape.height || shape.at(x, y) ||
-            isOutside[std::size_t(y * shape.width + x)])
+            isOutside[shape.place(x, y)])
             continue;
-        isOutside[std::size_t(y * shape.width + x)] = true;
+        isOutside[shape.place(x, y)] = true;
         open.insert(open.end(), {{x - 1, y}, {x + 1, y}, {x, y - 1}, {x, y + 1}});
     }
     for (std::size_t place = 0; place < shape.cells.size(); ++place)
@@ -123,7 +123,7 @@ std::array<QPainterPath, 3> brainOutlines(const QString &path)
                     const int x = int(std::floor((mm[axes[panel][0]] - start) / cell));
                     const int y = int(std::floor((mm[axes[panel][1]] - start) / cell));
                     if (x >= 0 && y >= 0 && x < cells && y < cells)
-                        masks[panel].cells[std::size_t(y * cells + x)] = true;
+                        masks[panel].cells[masks[panel].place(x, y)] = true;
                 }
             }
     std::array<QPainterPath, 3> outlines;

@@ -70,7 +70,7 @@ QString ExplorerModel::selectionText() const
 {
     if (m_node < 0)
         return {};
-    const QString first = m_result->nodes[std::size_t(m_node)].name;
+    const QString &first = m_result->nodes[std::size_t(m_node)].name;
     if (m_other < 0)
         return first;
     const double value = m_shown->values(m_node, m_other);

@@ -88,9 +88,9 @@ NetworkMeasures measuresOf(const std::vector<NetworkEdge> &edges, const std::vec
         perNode += measure.perNode != nullptr ? 1 : 0;
     result.nodes.setConstant(Index(isKnown.size()), perNode, nan);
     result.whole.setConstant(Index(all.size()), nan);
-    for (std::size_t m = 0; m < all.size(); ++m) {
-        result.columns += QLatin1String(all[m].column);
-        result.names += QString::fromUtf8(all[m].name);
+    for (const GraphMeasure &measure : all) {
+        result.columns += QLatin1String(measure.column);
+        result.names += QString::fromUtf8(measure.name);
     }
     const auto column = [&](const char *name) {
         return Index(result.columns.indexOf(QLatin1String(name)));

@@ -71,9 +71,10 @@ MatrixXd nodePlaces(const Connectome &connectome)
     for (const std::vector<Stretch> *stretches : {&connectome.stretches, &connectome.outside})
         for (const Stretch &stretch : *stretches)
             for (qint64 voxel = stretch.start; voxel < stretch.start + stretch.length; ++voxel) {
-                sums.row(stretch.node) +=
-                    Eigen::RowVector3d(double(voxel % size[0]), double(voxel / size[0] % size[1]),
-                                       double(voxel / (size[0] * size[1])));
+                const qint64 row = voxel / size[0];
+                const qint64 layer = row / size[1];
+                sums.row(stretch.node) += Eigen::RowVector3d(double(voxel % size[0]),
+                                                             double(row % size[1]), double(layer));
                 counts[stretch.node] += 1;
             }
     for (Index node = 0; node < nodes; ++node)

@@ -219,7 +219,7 @@ std::optional<LockHolder> holderOf(const QString &path)
     const std::optional<QByteArray> text = textAt(path);
     if (!text)
         return std::nullopt;
-    const std::optional<LockHolder> holder = LockHolder::of(*text);
+    std::optional<LockHolder> holder = LockHolder::of(*text);
     if (!holder || stateOf(holder->process) == ProcessState::IsGone)
         return std::nullopt;
     if (stateOf(holder->process) == ProcessState::IsElsewhere &&

@@ -26,7 +26,7 @@ QString noteOn(const QString &path, const QString &text)
 
 NiftiHeader readRunHeader(const QString &path, QStringList &notes)
 {
-    const NiftiHeader header = NiftiStream(path).header();
+    NiftiHeader header = NiftiStream(path).header();
     const QString place = QStringLiteral("header, dim");
     if (header.dimensions != 4)
         throw InputError(path, place,

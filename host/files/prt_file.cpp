@@ -115,7 +115,7 @@ void checkName(const LineReader &lines, const QString &name)
 /// A subject or a space.
 QString readLabel(LineReader &lines, const char *prefix)
 {
-    const QString label = valueBehind(lines, prefix);
+    QString label = valueBehind(lines, prefix);
     if (const auto fault = provenanceFault(label))
         lines.fail(*fault, provenanceRule());
     return label;

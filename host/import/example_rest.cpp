@@ -102,8 +102,8 @@ Weights weightsAt(double x, double y, double z, Tissue tissue)
     const double c = (z - 14) / 70;
     const double motion[6] = {90 * a, 90 * b, 90 * c, 90 * b * c, 90 * a * c, 90 * a * b};
     weights[DriftSource] = float(0.8 + 0.5 * a);
-    for (int parameter = 0; parameter < 6; ++parameter)
-        weights[std::size_t(FirstMotion + parameter)] = float(motion[parameter]);
+    std::transform(std::begin(motion), std::end(motion), weights.begin() + FirstMotion,
+                   [](double weight) { return float(weight); });
     weights[Jerk] = float(-60 * (1 + 0.5 * c));
     weights[Wave] = float(9 + 2 * c);
     const double toVentricles = squaredRadius(std::abs(x), y, z, {10, -14, 16}, {40, 60, 40});
@@ -163,7 +163,7 @@ void writeRun(const QString &path, const std::vector<std::vector<qint16>> &volum
     GzipFile file(path);
     writeHeader(file, restGrid, volumeCount, Shorts);
     for (const std::vector<qint16> &volume : volumes)
-        file.write(volume.data(), qint64(volume.size() * sizeof(qint16)));
+        file.write(volume.data(), qint64(volume.size()) * qint64(sizeof(qint16)));
     file.commit();
 }
 

@@ -36,7 +36,7 @@ QStringList columnsOf(const QString &path)
         if (isComment(line.text))
             continue;
         QStringList columns;
-        for (QString cell : line.text.split(QLatin1Char('\t')))
+        for (const QString &cell : line.text.split(QLatin1Char('\t')))
             columns += cell.trimmed().remove(QLatin1Char('"'));
         return columns;
     }

@@ -50,7 +50,7 @@ FunctionalGrid layRun(const ImportRequest &request, const NiftiHeader &run, cons
     const QString &path = request.functional;
     const GridSize size = gridSize(run);
     const Eigen::Affine3d toCube = anatomy.toWorld.inverse() * run.toWorld;
-    const FunctionalGrid grid = layFunctionalGrid(
+    FunctionalGrid grid = layFunctionalGrid(
         toCube, size, request.resolution.value_or(nearestResolution(toCube)), path);
     if (grid.voxelsCut > 0)
         notes += noteOn(

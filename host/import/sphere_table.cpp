@@ -37,7 +37,7 @@ double radiusIn(const TsvTable &table, int row, int column)
 
 QString nameIn(const TsvTable &table, int row, int column)
 {
-    const QString name = column < 0 ? QString() : table.cell(row, column);
+    QString name = column < 0 ? QString() : table.cell(row, column);
     if (name.isEmpty() || name == QLatin1String("n/a"))
         return QString::number(row + 1);
     if (const std::optional<QString> fault = nameFault(name))

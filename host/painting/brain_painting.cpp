@@ -74,8 +74,7 @@ std::vector<int> networksOf(const NetworkPicture &picture)
 {
     std::vector<int> networks(std::size_t(picture.names.size()), -1);
     for (std::size_t n = 0; n < picture.groups.size(); ++n)
-        for (int k = 0; k < picture.groups[n].count; ++k)
-            networks[std::size_t(picture.groups[n].first + k)] = int(n);
+        std::fill_n(networks.begin() + picture.groups[n].first, picture.groups[n].count, int(n));
     return networks;
 }
 

@@ -175,6 +175,7 @@ private:
         float sum = 0;
         for (int column = least; column <= std::min(most, m_width - 1); ++column) {
             sum += areas[column];
+            // NOLINTNEXTLINE(bugprone-incorrect-roundings): a colour, and the innermost loop.
             const auto share = quint32(std::min(std::abs(sum), 1.0F) * 255 + 0.5F);
             if (share == 0)
                 continue;

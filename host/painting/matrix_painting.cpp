@@ -32,9 +32,8 @@ class SteppedColours
 public:
     explicit SteppedColours(bool onDark)
     {
-        for (int step = -steps; step <= steps; ++step)
-            m_colours[std::size_t(step + steps)] =
-                divergingColour(double(step) / steps, 1, onDark).rgb();
+        for (std::size_t place = 0; place < m_colours.size(); ++place)
+            m_colours[place] = divergingColour((double(place) - steps) / steps, 1, onDark).rgb();
         m_missing = divergingColour(std::nan(""), 1, onDark).rgb();
     }
     QRgb colour(double value, double limit) const

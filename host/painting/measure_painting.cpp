@@ -132,12 +132,14 @@ void paintMeasures(QPainter &painter, const QRectF &area, const MeasurePicture &
         const double wanted = std::sqrt(count * inner.width() / inner.height() / 1.4);
         const int columns = std::clamp(int(std::lround(wanted)), 1, std::min(count, most));
         const int rows = (count + columns - 1) / columns;
-        for (int n = 0; n < count; ++n)
+        for (int n = 0; n < count; ++n) {
+            const int row = n / columns;
             paintCurve(painter,
                        QRectF(inner.left() + inner.width() * (n % columns) / columns,
-                              inner.top() + inner.height() * (n / columns) / rows,
-                              inner.width() / columns, inner.height() / rows),
+                              inner.top() + inner.height() * row / rows, inner.width() / columns,
+                              inner.height() / rows),
                        picture, picture.curves[std::size_t(n)]);
+        }
     }
     painter.restore();
 }

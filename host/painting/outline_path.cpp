@@ -49,7 +49,9 @@ QPainterPath outlineOf(const ShapeMask &shape, int least)
     QPainterPath path;
     // Each line begins at a border to the right that none has run along.
     std::vector<bool> isSeen(std::size_t(shape.width + 1) * std::size_t(shape.height + 1), false);
-    const auto place = [&](int x, int y) { return std::size_t(y * (shape.width + 1) + x); };
+    const auto place = [&](int x, int y) {
+        return std::size_t(y) * std::size_t(shape.width + 1) + std::size_t(x);
+    };
     for (int startY = 0; startY <= shape.height; ++startY)
         for (int startX = 0; startX <= shape.width; ++startX) {
             if (!isBorder(shape, startX, startY, 0) || isSeen[place(startX, startY)])

@@ -13,9 +13,13 @@ struct ShapeMask {
     int height = 0;
     std::vector<bool> cells;
 
+    std::size_t place(int x, int y) const
+    {
+        return std::size_t(y) * std::size_t(width) + std::size_t(x);
+    }
     bool at(int x, int y) const
     {
-        return x >= 0 && y >= 0 && x < width && y < height && cells[std::size_t(y * width + x)];
+        return x >= 0 && y >= 0 && x < width && y < height && cells[place(x, y)];
     }
 };
 

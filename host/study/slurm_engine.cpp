@@ -97,8 +97,7 @@ QString newFolder(const QString &out)
 {
     const QString name =
         QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
-    const QString folder =
-        QFileInfo(out).absoluteFilePath() + QStringLiteral("/.corvane-slurm/") + name;
+    QString folder = QFileInfo(out).absoluteFilePath() + QStringLiteral("/.corvane-slurm/") + name;
     makeStudyFolder(folder);
     return folder;
 }

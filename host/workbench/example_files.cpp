@@ -17,7 +17,7 @@ namespace corvane
 
 QString exampleFolder(QWidget *parent)
 {
-    const QString folder = exampleDatasetFolder();
+    QString folder = exampleDatasetFolder();
     const QStringList files = exampleFiles(folder);
     if (std::all_of(files.begin(), files.end(),
                     [](const QString &file) { return QFileInfo::exists(file); }))

@@ -51,7 +51,7 @@ QString pageOfClass(const QWidget &window)
 
 QString guideFolder()
 {
-    const QString named = qEnvironmentVariable("CORVANE_GUIDE");
+    QString named = qEnvironmentVariable("CORVANE_GUIDE");
     if (!named.isEmpty())
         return named;
     return QDir::cleanPath(QCoreApplication::applicationDirPath() +
@@ -62,7 +62,7 @@ QString guidePageOf(const QWidget *widget)
 {
     const QWidget *window = widget != nullptr ? widget->window() : nullptr;
     while (window != nullptr) {
-        const QString page = pageOfClass(*window);
+        QString page = pageOfClass(*window);
         if (!page.isEmpty())
             return page;
         window = window->parentWidget() != nullptr ? window->parentWidget()->window() : nullptr;

@@ -193,10 +193,10 @@ void TimeCourseView::paintEvent(QPaintEvent *)
 
 void TimeCourseView::paintBands(QPainter &painter, const Frame &frame) const
 {
-    for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
-        QColor colour = conditionColour(m_scene.conditions[n].name);
+    for (const PrtCondition &condition : m_scene.conditions) {
+        QColor colour = conditionColour(condition.name);
         colour.setAlpha(80);
-        for (const auto &interval : m_scene.conditions[n].intervals) {
+        for (const auto &interval : condition.intervals) {
             const double from = frame.x(std::min(interval.first, frame.volumes + 1) - 0.5);
             const double to = frame.x(std::min(interval.second, frame.volumes) + 0.5);
             if (to > from)
@@ -310,8 +310,8 @@ void TimeCourseView::paintLegend(QPainter &painter, const Frame &frame) const
 {
     const int line = fontMetrics().height();
     double x = paintCourseNames(painter, frame);
-    for (std::size_t n = 0; n < m_scene.conditions.size(); ++n) {
-        const QString &name = m_scene.conditions[n].name;
+    for (const PrtCondition &condition : m_scene.conditions) {
+        const QString &name = condition.name;
         const double width = fontMetrics().horizontalAdvance(name);
         if (x + line + width > frame.plot.right())
             break;
