@@ -179,10 +179,11 @@ Samples samplesOf(const Run &run, const Brain &brain, const MatrixXd &motion)
             volume += sources(t, source) * brain.weights.col(source);
         for (Index v = 0; v < voxelCount; v += 4) {
             const std::array<float, 4> noise = scannerNoise(run.owner(), t, v);
-            for (Index n = v; n < std::min(v + 4, voxelCount); ++n)
+            for (Index n = v; n < std::min(v + 4, voxelCount); ++n) {
+                const float value = volume[n] + noise[std::size_t(n - v)];
                 // NOLINTNEXTLINE(bugprone-incorrect-roundings): of no matter for values made up.
-                samples(n, t) =
-                    qint16(std::max(volume[n] + noise[std::size_t(n - v)], 0.0F) + 0.5F);
+                samples(n, t) = qint16(std::max(value, 0.0F) + 0.5F);
+            }
         }
     }
     return samples;
