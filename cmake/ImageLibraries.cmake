@@ -15,9 +15,6 @@ find_path(NIFTI_INCLUDE_DIR nifti/nifti2_io.h REQUIRED)
 find_library(NIFTI_LIBRARY nifti2 REQUIRED)
 find_path(ISAL_INCLUDE_DIR isa-l/igzip_lib.h REQUIRED)
 find_library(ISAL_LIBRARY isal REQUIRED)
-if(CMAKE_CROSSCOMPILING)
-    set(ZLIB_USE_STATIC_LIBS ON) # as libnifti2 for Windows has it
-endif()
 find_package(ZLIB REQUIRED GLOBAL)
 
 function(tessera_use_itk target)

@@ -64,7 +64,7 @@ TEST(GzipFile, DoesNotDependOnItsPlaceInMemory)
 {
     const TemporaryFolder folder;
     std::mt19937 generator(1);
-    for (int content = 0; content < 300; ++content) {
+    for (int content = 0; content < 700; ++content) {
         const QByteArray twice = randomBytes(generator, 9).repeated(2) + QByteArray(8000, 0);
         std::vector<std::unique_ptr<GzipFile>> files;
         for (int place = 0; place < 16; ++place)
